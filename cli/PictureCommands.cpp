@@ -1,0 +1,9 @@
+#include "cli/Dispatch.h"
+
+namespace sectorbox::cli {
+
+std::vector<Command> PictureCommands() {
+  return {};
+}
+
+}  // namespace sectorbox::cli

@@ -1,0 +1,48 @@
+# How every target of this tree is made: the language level, the warnings, the sanitizers.
+
+add_library(sectorbox_options INTERFACE)
+target_compile_features(sectorbox_options INTERFACE cxx_std_20)
+target_include_directories(sectorbox_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(sectorbox_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(SECTORBOX_WERROR)
+  target_compile_options(sectorbox_options INTERFACE -Werror)
+endif()
+if(SECTORBOX_SANITIZE)
+  target_compile_options(sectorbox_options INTERFACE -fsanitize=address,undefined
+                                                     -fno-sanitize-recover=undefined
+                                                     -fno-omit-frame-pointer)
+  target_link_options(sectorbox_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(SECTORBOX_FUZZ)
+  target_compile_options(sectorbox_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined)
+  target_link_options(sectorbox_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+# What runs lies in bin/, with the companion files beside it, as they lie beside an installed program.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+
+# sectorbox_library(NAME SOURCES... [LINKS LIBRARIES...]): a static library of plain C++.
+function(sectorbox_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC sectorbox_options ${ARG_LINKS})
+endfunction()
+
+# sectorbox_qt_library(NAME SOURCES... [LINKS ...]): a static library of windows.
+function(sectorbox_qt_library name)
+  sectorbox_library(${name} ${ARGN})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
+  target_link_libraries(${name} PUBLIC Qt6::Widgets)
+  target_compile_definitions(${name} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
+endfunction()
+
+# sectorbox_test(NAME LABEL label SOURCES... [LINKS ...]): a GoogleTest program, one CTest entry a test.
+function(sectorbox_test name)
+  cmake_parse_arguments(ARG "" "LABEL" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE sectorbox_options ${ARG_LINKS} GTest::gtest_main)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+  gtest_discover_tests(${name} PROPERTIES LABELS ${ARG_LABEL} DISCOVERY_TIMEOUT 60)
+endfunction()

@@ -1,0 +1,329 @@
+#include "disc/DiscImg.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "disc/Adfs.h"
+#include "disc/Disc.h"
+#include "disc/HostError.h"
+#include "disc/HostFile.h"
+
+namespace sectorbox {
+namespace {
+
+// The largest card that the probe sees: 0x400000 device sectors, 2 GiB.
+constexpr std::int32_t kProbeLimit = 0x400000;
+constexpr std::int32_t kPartitionSectors = 0x200000;
+constexpr std::int32_t kLargestPartition = 0x1FFFFF;
+constexpr std::int32_t kTransferSectors = DiscImg::kTransferSize / DiscImg::kDeviceSector;
+
+// A failed read leaves the first 512 bytes of a card's block zero, and those only.
+constexpr std::ptrdiff_t kZeroedOnFailure = 512;
+
+std::size_t ReadFileAt(int file, const std::string& path, std::int64_t offset,
+                       std::span<std::uint8_t> bytes) {
+  std::size_t total = 0;
+  while (total < bytes.size()) {
+    const ssize_t done = ::pread(file, bytes.data() + total, bytes.size() - total,
+                                 static_cast<off_t>(offset + static_cast<std::int64_t>(total)));
+    if (done < 0 && errno == EINTR) continue;
+    if (done < 0) ThrowHostError(path, errno);
+    if (done == 0) break;
+    total += static_cast<std::size_t>(done);
+  }
+  return total;
+}
+
+void WriteFileAt(int file, const std::string& path, std::int64_t offset,
+                 std::span<const std::uint8_t> bytes) {
+  std::size_t total = 0;
+  while (total < bytes.size()) {
+    const ssize_t done = ::pwrite(file, bytes.data() + total, bytes.size() - total,
+                                  static_cast<off_t>(offset + static_cast<std::int64_t>(total)));
+    if (done < 0 && errno == EINTR) continue;
+    if (done < 0) ThrowHostError(path, errno);
+    total += static_cast<std::size_t>(done);
+  }
+}
+
+// "/dev/sdb,0" names the device /dev/sdb: the comma and the digit are the partition.
+std::string DeviceOf(const std::string& name) {
+  const auto comma = name.rfind(',');
+  return comma == std::string::npos ? name : name.substr(0, comma);
+}
+
+}  // namespace
+
+DiscImg::DiscImg(Disc& disc, std::unique_ptr<RawDevice> device)
+    : disc_(disc), device_(std::move(device)) {}
+
+DiscImg::~DiscImg() {
+  if (fileNumber_ >= 0) ::close(fileNumber_);
+}
+
+void DiscImg::DeviceRead(std::uint64_t offset, std::size_t& bytes, std::uint8_t* buffer) {
+  if (!device_->IsOpen()) return;
+  const auto partition = static_cast<std::uint64_t>(mTracks) * kPartitionSpacing;
+  bytes = device_->Read(offset + partition, std::span(buffer, bytes));
+}
+
+void DiscImg::DeviceWrite(std::uint64_t offset, std::size_t& bytes, const std::uint8_t* buffer) {
+  if (!device_->IsOpen()) return;
+  const auto partition = static_cast<std::uint64_t>(mTracks) * kPartitionSpacing;
+  bytes = device_->Write(offset + partition, std::span(buffer, bytes));
+}
+
+void DiscImg::EmptySlots() {
+  for (Slot& slot : slots_) {
+    slot.Block = -1;
+    slot.Dirty = false;
+    slot.Recent = false;
+  }
+}
+
+void DiscImg::LoadImage(const std::string& fileName, std::int16_t disctype, std::size_t bytes) {
+  disc_.ImageChanged = false;
+  // The file is read before anything is given up: one that can't be read leaves the store as it is.
+  std::vector<std::uint8_t> file;
+  if (HostFileExists(fileName)) file = ReadHostFile(fileName, 0, bytes);
+  disctype_ = disctype;
+  image_.assign(bytes, 0);
+  if (disctype == kAdf) {
+    LoadAdf(file);
+  } else {
+    LoadAdl(file);
+  }
+}
+
+void DiscImg::OpenFile(const std::string& fileName, std::int16_t disctype, std::int32_t tracks,
+                       std::int32_t heads, std::int32_t sectors) {
+  if (fileNumber_ >= 0 || device_->IsOpen()) CloseFile();
+  if (disctype == kAdf || disctype == kAdl) {
+    LoadImage(fileName, disctype,
+              static_cast<std::size_t>(tracks) * static_cast<std::size_t>(heads) *
+                  static_cast<std::size_t>(sectors) * format::kSectorSize);
+  } else if (disctype == kDat) {
+    int file = ::open(fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    readOnly_ = file < 0 && (errno == EACCES || errno == EROFS || errno == EPERM);
+    if (readOnly_) file = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) ThrowHostError(fileName, errno);
+    fileNumber_ = file;
+  }
+  suspended_ = false;
+  fileName_ = fileName;
+  disctype_ = disctype;
+  mTracks = tracks;
+  heads_ = heads;
+  sectors_ = sectors;
+  if (InMemory()) return;
+  image_.clear();
+  EmptySlots();
+  if (disctype == kDat) return;
+  for (Slot& slot : slots_) slot.Data.resize(kCFBlockSize);
+  device_->Open(DeviceOf(fileName));
+  // The probe sees the card from its start, whatever partition is wanted.
+  mTracks = 0;
+  ProbeCard();
+  mTracks = tracks;
+}
+
+bool DiscImg::ReadyForBlocks() {
+  if (suspended_) OpenFile(std::string(fileName_), disctype_, mTracks, heads_, sectors_);
+  return disctype_ == kCF || fileNumber_ >= 0;
+}
+
+bool DiscImg::ProbeRead(std::int32_t sector) {
+  std::size_t bytes = kDeviceSector;
+  DeviceRead(static_cast<std::uint64_t>(sector) * kDeviceSector, bytes, slots_[0].Data.data());
+  return bytes == kDeviceSector;
+}
+
+void DiscImg::ProbeCard() {
+  mNumSecs = 0;
+  if (!ProbeRead(0)) return;
+  std::int32_t low = 0;
+  std::int32_t high = kProbeLimit;
+  while (low < high) {
+    const std::int32_t mid = low + (high - low) / 2;
+    if (ProbeRead(mid)) {
+      low = mid + 1;
+    } else {
+      high = mid - 1;
+    }
+  }
+  low = std::min(low, high);
+  // The search can end a sector off either way; the last three decide.
+  const std::int32_t top = std::min(low, kProbeLimit - 1);
+  for (std::int32_t sector = std::max(top - 2, 0); sector <= top; ++sector) {
+    if (ProbeRead(sector)) mNumSecs = sector + 1;
+  }
+}
+
+std::int32_t DiscImg::DiscSize() const {
+  std::int32_t size = mNumSecs;
+  if (mTracks == 1) {
+    size -= kPartitionSectors;
+  } else if (size > kPartitionSectors) {
+    size = kLargestPartition;
+  }
+  return std::min(size, kLargestPartition);
+}
+
+void DiscImg::WriteSlot(Slot& slot) {
+  if (disctype_ == kDat) {
+    // The whole of Data goes out. After a card has been open that is 2048 bytes at each 1024-byte
+    // place, and so it stays: the next block is loaded from the file again before it is used.
+    WriteFileAt(fileNumber_, fileName_, std::int64_t{slot.Block} * kBlockSize, slot.Data);
+  } else {
+    std::size_t bytes = kCFBlockSize;
+    DeviceWrite(static_cast<std::uint64_t>(slot.Block) * kCFBlockSize, bytes, slot.Data.data());
+  }
+}
+
+DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {
+  const auto block = static_cast<std::int32_t>(offset / kBlockSize);
+  for (Slot& slot : slots_) {
+    if (slot.Block == block) return slot;
+  }
+  // First in, first out: a hit doesn't refresh Recent, so this is no least-recently-used cache.
+  std::size_t victim = slots_[0].Recent ? 1 : 0;
+  if (slots_[0].Block == -1) {
+    victim = 0;
+  } else if (slots_[1].Block == -1) {
+    victim = 1;
+  }
+  Slot& slot = slots_[victim];
+  if (slot.Block != -1 && slot.Dirty) WriteSlot(slot);
+  slot.Block = -1;
+  slot.Dirty = false;
+  if (disctype_ == kDat) {
+    const auto done =
+        ReadFileAt(fileNumber_, fileName_, std::int64_t{block} * kBlockSize, slot.Data);
+    std::fill(slot.Data.begin() + static_cast<std::ptrdiff_t>(done), slot.Data.end(),
+              std::uint8_t{0});
+  } else {
+    std::size_t bytes = kCFBlockSize;
+    DeviceRead(static_cast<std::uint64_t>(block) * kCFBlockSize, bytes, slot.Data.data());
+    slot.ReadFailed = bytes != kCFBlockSize;
+    if (slot.ReadFailed) {
+      std::fill(slot.Data.begin(), slot.Data.begin() + kZeroedOnFailure, std::uint8_t{0});
+    }
+  }
+  slot.Block = block;
+  slot.Recent = true;
+  slots_[1 - victim].Recent = false;
+  return slot;
+}
+
+std::uint8_t DiscImg::Fetch(std::int64_t offset) {
+  if (offset < 0) return 0;
+  if (InMemory()) {
+    const auto index = static_cast<std::size_t>(offset);
+    return index < image_.size() ? image_[index] : std::uint8_t{0};
+  }
+  if (!ReadyForBlocks()) return 0;
+  const auto in = static_cast<std::size_t>(offset % kBlockSize);
+  const Slot& slot = LocateBlock(offset);
+  return disctype_ == kDat ? slot.Data[in] : slot.Data[in * 2];
+}
+
+void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
+  if (offset < 0) return;
+  if (InMemory()) {
+    const auto index = static_cast<std::size_t>(offset);
+    if (index < image_.size()) image_[index] = value;
+    return;
+  }
+  if (!ReadyForBlocks()) return;
+  if (disctype_ == kDat && readOnly_) ThrowHostError(fileName_, EROFS);
+  const auto in = static_cast<std::size_t>(offset % kBlockSize);
+  Slot& slot = LocateBlock(offset);
+  slot.Data[disctype_ == kDat ? in : in * 2] = value;
+  slot.Dirty = true;
+}
+
+void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  for (std::size_t done = 0; done < bytes.size();) {
+    const std::int64_t at = offset + static_cast<std::int64_t>(done);
+    std::size_t part = 1;
+    if (at >= 0 && InMemory() && static_cast<std::size_t>(at) < image_.size()) {
+      part = std::min(bytes.size() - done, image_.size() - static_cast<std::size_t>(at));
+      std::copy_n(image_.begin() + static_cast<std::ptrdiff_t>(at), part,
+                  bytes.begin() + static_cast<std::ptrdiff_t>(done));
+    } else if (at >= 0 && disctype_ == kDat && ReadyForBlocks()) {
+      const auto in = static_cast<std::size_t>(at % kBlockSize);
+      part = std::min(bytes.size() - done, kBlockSize - in);
+      const Slot& slot = LocateBlock(at);
+      std::copy_n(slot.Data.begin() + static_cast<std::ptrdiff_t>(in), part,
+                  bytes.begin() + static_cast<std::ptrdiff_t>(done));
+    } else {
+      bytes[done] = Fetch(at);
+    }
+    done += part;
+  }
+}
+
+void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  for (std::size_t done = 0; done < bytes.size();) {
+    const std::int64_t at = offset + static_cast<std::int64_t>(done);
+    std::size_t part = 1;
+    if (at >= 0 && InMemory() && static_cast<std::size_t>(at) < image_.size()) {
+      part = std::min(bytes.size() - done, image_.size() - static_cast<std::size_t>(at));
+      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(done), part,
+                  image_.begin() + static_cast<std::ptrdiff_t>(at));
+    } else if (at >= 0 && disctype_ == kDat && ReadyForBlocks() && !readOnly_) {
+      const auto in = static_cast<std::size_t>(at % kBlockSize);
+      part = std::min(bytes.size() - done, kBlockSize - in);
+      Slot& slot = LocateBlock(at);
+      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(done), part,
+                  slot.Data.begin() + static_cast<std::ptrdiff_t>(in));
+      slot.Dirty = true;
+    } else {
+      Store(at, bytes[done]);
+    }
+    done += part;
+  }
+}
+
+void DiscImg::ClearCFSector() {
+  transfer_.fill(0);
+}
+
+void DiscImg::WriteCFSector(std::int32_t sector, std::int32_t secs) {
+  auto bytes = static_cast<std::size_t>(std::clamp(secs, 0, kTransferSectors)) * kDeviceSector;
+  DeviceWrite(static_cast<std::uint64_t>(sector) * kDeviceSector, bytes, transfer_.data());
+}
+
+void DiscImg::CloseFile() {
+  if (disctype_ == kAdf) {
+    StoreAdf();
+  } else if (disctype_ == kAdl) {
+    StoreAdl();
+  } else if (disctype_ == kDat && fileNumber_ >= 0) {
+    for (Slot& slot : slots_) {
+      if (slot.Dirty) WriteSlot(slot);
+    }
+    EmptySlots();
+    const int file = fileNumber_;
+    fileNumber_ = -1;
+    suspended_ = true;
+    if (::close(file) != 0) ThrowHostError(fileName_, errno);
+  } else if (disctype_ == kCF && device_->IsOpen()) {
+    for (Slot& slot : slots_) {
+      if (slot.Dirty) WriteSlot(slot);
+    }
+    EmptySlots();
+    device_->Close();
+    suspended_ = true;
+  }
+}
+
+void DiscImg::Flush() {
+  CloseFile();
+  OpenFile(std::string(fileName_), disctype_, mTracks, heads_, sectors_);
+}
+
+}  // namespace sectorbox

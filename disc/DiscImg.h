@@ -1,0 +1,131 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "disc/RawDevice.h"
+
+namespace sectorbox {
+
+struct Disc;
+
+// The kinds of medium behind a disc.
+enum DiscType : std::int16_t {
+  kAdf = 0,  // single-sided floppy image: whole in memory, linear in its file
+  kAdl = 1,  // double-sided floppy image: whole in memory, side 0 then side 1
+  kDat = 2,  // hard disc image: a flat file behind two cached blocks
+  kCF = 3,   // one partition of a card: a raw device behind two cached blocks
+};
+
+// The store of bytes behind a disc. Every byte of a disc is read and written here, at a flat
+// offset: byte 0 is the first byte of sector 0, a sector is 256 bytes. Floppy images live in memory
+// and reach their file at CloseFile or an explicit save; hard disc images and cards are written
+// through as blocks are evicted, and at CloseFile.
+//
+// Neither storing nor fetching sets Disc::ImageChanged; the operations that call them do.
+// A byte outside a floppy image reads as zero and is not written. A byte beyond the end of a .dat
+// reads as zero, and the file grows when a block there is written back. File errors of the kinds
+// 0, 1 and 2 are HostError; a card that fails is not reported (see LocateBlock).
+//
+// The object isn't written back when it is destroyed: who wants that calls CloseFile.
+class DiscImg {
+ public:
+  static constexpr int kTransferSize = 32768;          // the CF transfer buffer
+  static constexpr int kBlockSize = 1024;              // disc bytes in a block
+  static constexpr int kCFBlockSize = 2 * kBlockSize;  // device bytes in a block of a card
+  static constexpr int kDeviceSector = 512;
+  static constexpr std::uint64_t kPartitionSpacing = std::uint64_t{1} << 30;
+
+  // disc owns this store; its free list, its ImageChanged flag and its host's options are read.
+  DiscImg(Disc& disc, std::unique_ptr<RawDevice> device);
+  ~DiscImg();
+  DiscImg(const DiscImg&) = delete;
+  DiscImg& operator=(const DiscImg&) = delete;
+
+  std::int32_t mTracks = 0;   // tracks; for kCF the partition, 0 or 1
+  std::int32_t mNumSecs = 0;  // 512-byte device sectors found on a card by OpenFile
+
+  // Writes back and closes. A floppy image is written to its file as StoreAdf and StoreAdl say, and
+  // stays readable in memory until the next OpenFile. A .dat or a card is opened again by the next
+  // byte access: a user who cancels the dialog that follows goes on working on the same disc.
+  void CloseFile();
+  // CloseFile, then OpenFile with everything as it was.
+  void Flush();
+  // Opens fileName as the given kind. A .dat that doesn't exist comes into being; one that can't be
+  // written is opened for reading, and the first Store into it is a HostError. For kCF fileName
+  // names the device up to its last comma ("/dev/sdb,0") and tracks is the partition.
+  // An open .dat or card is closed first, with write-back; a floppy image is dropped unsaved.
+  void OpenFile(const std::string& fileName, std::int16_t disctype, std::int32_t tracks,
+                std::int32_t heads, std::int32_t sectors);
+  // Zeroes the CF transfer buffer.
+  void ClearCFSector();
+  // Writes the first secs x 512 bytes of the transfer buffer at device byte sector x 512 of the
+  // partition. At most 64 sectors; more are cut to that.
+  void WriteCFSector(std::int32_t sector, std::int32_t secs);
+
+  void Store(std::int64_t offset, std::uint8_t value);
+  std::uint8_t Fetch(std::int64_t offset);
+  // The same, for a run of bytes: byte for byte what as many single calls in rising order do.
+  void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes);
+  void StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes);
+
+  std::int16_t disctype() const { return disctype_; }
+  // Usable size of the open card partition in sectors; at most 0x1FFFFF, and negative for
+  // partition 1 of a card below 1 GiB.
+  std::int32_t DiscSize() const;
+
+  const std::string& FileName() const { return fileName_; }
+  // True while a raw device is open. A device that couldn't be opened reads as stale bytes and
+  // seems to be of the largest size; who lists cards asks this first.
+  bool DeviceIsOpen() const { return device_->IsOpen(); }
+  // Bytes of the image in memory for the kinds 0 and 1; 0 for the others.
+  std::size_t ImageBytes() const { return image_.size(); }
+
+ private:
+  struct Slot {
+    std::int32_t Block = -1;
+    std::vector<std::uint8_t> Data = std::vector<std::uint8_t>(kBlockSize);
+    bool Dirty = false;
+    bool Recent = false;
+    bool ReadFailed = false;
+  };
+
+  Slot& LocateBlock(std::int64_t offset);
+  void WriteSlot(Slot& slot);
+  void EmptySlots();
+  void ProbeCard();
+  bool ProbeRead(std::int32_t sector);
+  void LoadImage(const std::string& fileName, std::int16_t disctype, std::size_t bytes);
+  void LoadAdf(const std::vector<std::uint8_t>& file);
+  void LoadAdl(const std::vector<std::uint8_t>& file);
+  void StoreAdf();
+  void StoreAdl();
+  bool InMemory() const { return disctype_ == kAdf || disctype_ == kAdl; }
+
+  // The raw wrappers: the partition's offset is added, and without an open device the count of
+  // bytes stays as the caller set it.
+  void DeviceRead(std::uint64_t offset, std::size_t& bytes, std::uint8_t* buffer);
+  void DeviceWrite(std::uint64_t offset, std::size_t& bytes, const std::uint8_t* buffer);
+
+  Disc& disc_;
+  std::unique_ptr<RawDevice> device_;
+  // Byte access to a .dat or card that CloseFile has closed opens it again.
+  bool ReadyForBlocks();
+
+  int fileNumber_ = -1;     // the open .dat, -1 when none
+  bool readOnly_ = false;   // the open .dat can't be written
+  bool suspended_ = false;  // closed by CloseFile, to be opened again at the next byte access
+  std::string fileName_;
+  std::int16_t disctype_ = kAdf;
+  std::vector<std::uint8_t> image_;
+  std::int32_t heads_ = 0;
+  std::int32_t sectors_ = 0;
+  std::array<std::uint8_t, kTransferSize> transfer_{};
+  std::array<Slot, 2> slots_;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+// Host files. Every failure is a HostError with the path and the system's text.
+namespace sectorbox {
+
+bool HostFileExists(const std::string& path);  // a file of any kind that isn't a folder
+bool HostFolderExists(const std::string& path);
+std::uint64_t HostFileLength(const std::string& path);
+// Up to limit bytes from offset on; fewer at the end of the file.
+std::vector<std::uint8_t> ReadHostFile(const std::string& path, std::uint64_t offset = 0,
+                                       std::uint64_t limit = UINT64_MAX);
+// The last part of a path.
+std::string HostBaseName(const std::string& path);
+
+// A whole host file that is written anew. The bytes go to a temporary name in the same folder;
+// Close puts the file in place, so that a kill at any moment leaves the old file or the new one.
+// Destroyed without Close, it removes the temporary and leaves the old file.
+class OutputFile {
+ public:
+  explicit OutputFile(const std::string& path);
+  ~OutputFile();
+  OutputFile(OutputFile&& other) noexcept;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+  OutputFile& operator=(OutputFile&&) = delete;
+
+  void Write(std::span<const std::uint8_t> bytes);
+  void Write(const std::string& text);
+  // Flushes to the medium and replaces the target. HostError if that fails; the old file stays.
+  void Close();
+
+ private:
+  std::string path_;
+  std::string temporary_;
+  int file_ = -1;
+};
+
+// Replaces and creates a host file. All writers of whole host files use it.
+OutputFile CreateOutputFile(const std::string& path);
+
+}  // namespace sectorbox

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+
+namespace sectorbox {
+
+// A raw block device: a compact-flash card in a reader, or a plain file that holds a raw card.
+// Transfers are whole 512-byte device sectors at multiples of 512 bytes; offsets are bytes from
+// the start of the device, 64 bits wide.
+class RawDevice {
+ public:
+  virtual ~RawDevice() = default;
+
+  // Opens an existing device for reading and writing, without buffering where the medium is a
+  // block device. False when that fails; nothing is reported here. Closes what was open before.
+  virtual bool Open(const std::string& path) = 0;
+  virtual bool IsOpen() const = 0;
+  // Both give the count of bytes done, which is short at the end of the device or on a fault.
+  virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
+  virtual std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) = 0;
+  virtual void Close() = 0;
+};
+
+// The real thing, on the platform's own calls.
+std::unique_ptr<RawDevice> MakeHostDevice();
+
+}  // namespace sectorbox

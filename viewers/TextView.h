@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace sectorbox {
+
+// The character style that a text view applies. One for the whole program: only the Wordwise
+// formatter changes it, and no other view resets it, so a view started after a document that ended
+// inside an underlined stretch is styled the same way.
+struct TextStyle {
+  bool UnderlineOn = false;
+  bool BoldOn = false;
+};
+
+// Where a text generator writes, and all that it asks of its window. Implemented by the view
+// window, by a writer to a host file, and by a collector for tests and for the command line.
+class TextView {
+ public:
+  explicit TextView(TextStyle& style) : Style(style) {}
+  virtual ~TextView() = default;
+
+  // The one sink. Puts a line feed behind every carriage return of text (in place), then hands it
+  // to Append. A generator only ever writes carriage returns. The window lets the event loop run
+  // once before a text longer than one character, so a close request arrives here and nowhere else.
+  void ShowData(std::string& text);
+  void ShowData(std::string&& text) { ShowData(text); }
+
+  // The window's title while it shows this view.
+  virtual void SetCaption(const std::string& caption) = 0;
+  // A box with OK, no icon. False when the user asked to close the window while it was up.
+  virtual void ShowMessage(const std::string& text) = 0;
+  // Makes the window wider by so many twips. Nothing where there is no window.
+  virtual void WidenWindow(int twips) = 0;
+  // Closes the window, which a generator does when it ends after a close request.
+  virtual void CloseWindow() = 0;
+
+  // Name offered by the save dialog, without extension. The generator sets it.
+  std::string DefaultName;
+  // Set when the generator has ended; set before that by a close request, which asks the generator
+  // to stop.
+  bool Finished = false;
+
+  TextStyle& Style;
+
+ protected:
+  // text has its line feeds. Style says how it looks.
+  virtual void Append(const std::string& text) = 0;
+};
+
+// The fixed end of a generator: close the window if that was asked for meanwhile, then be finished.
+void EndView(TextView& view);
+
+}  // namespace sectorbox
