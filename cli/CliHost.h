@@ -57,7 +57,4 @@ class CliHost : public DiscHost {
   bool terminal_;
 };
 
-// Opens IMAGE: the path of an image file, or "cf:DEVICE,P". Failure when it isn't there.
-void OpenForReading(Disc& disc, const std::string& image);
-
 }  // namespace sectorbox::cli

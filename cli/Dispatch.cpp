@@ -53,8 +53,8 @@ int Run(const std::vector<std::string>& words) {
 
 std::vector<Command> AllCommands() {
   std::vector<Command> all;
-  for (const auto& group : {ReadCommands(), ViewCommands(), PictureCommands(), WriteCommands(),
-                            LinkCommands(), CardCommands()})
+  for (const auto& group : {ReadCommands(), ViewCommands(), PictureCommands(), ImageCommands(),
+                            WriteCommands(), LinkCommands(), CardCommands()})
     all.insert(all.end(), group.begin(), group.end());
   return all;
 }

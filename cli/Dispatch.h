@@ -25,6 +25,7 @@ std::vector<Command> AllCommands();
 std::vector<Command> ReadCommands();
 std::vector<Command> ViewCommands();
 std::vector<Command> PictureCommands();
+std::vector<Command> ImageCommands();
 std::vector<Command> WriteCommands();
 std::vector<Command> LinkCommands();
 std::vector<Command> CardCommands();

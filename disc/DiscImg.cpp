@@ -1,6 +1,7 @@
 #include "disc/DiscImg.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -85,10 +86,10 @@ void DiscImg::EmptySlots() {
 }
 
 void DiscImg::LoadImage(const std::string& fileName, std::int16_t disctype, std::size_t bytes) {
-  disc_.ImageChanged = false;
   // The file is read before anything is given up: one that can't be read leaves the store as it is.
   std::vector<std::uint8_t> file;
   if (HostFileExists(fileName)) file = ReadHostFile(fileName, 0, bytes);
+  disc_.ImageChanged = false;
   disctype_ = disctype;
   image_.assign(bytes, 0);
   if (disctype == kAdf) {
@@ -245,47 +246,83 @@ void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
   slot.Dirty = true;
 }
 
+std::size_t DiscImg::TogetherAt(std::int64_t offset, std::size_t want) const {
+  if (offset < 0) {
+    return static_cast<std::size_t>(
+        std::min<std::int64_t>(-offset, static_cast<std::int64_t>(want)));
+  }
+  const auto at = static_cast<std::size_t>(offset);
+  if (!InMemory()) return std::min<std::size_t>(want, kBlockSize - at % kBlockSize);
+  return at < image_.size() ? std::min(want, image_.size() - at) : want;
+}
+
+bool DiscImg::Holds(std::int64_t offset) {
+  if (offset < 0) return false;
+  return InMemory() ? static_cast<std::size_t>(offset) < image_.size() : ReadyForBlocks();
+}
+
 void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  for (std::size_t done = 0; done < bytes.size();) {
-    const std::int64_t at = offset + static_cast<std::int64_t>(done);
-    std::size_t part = 1;
-    if (at >= 0 && InMemory() && static_cast<std::size_t>(at) < image_.size()) {
-      part = std::min(bytes.size() - done, image_.size() - static_cast<std::size_t>(at));
-      std::copy_n(image_.begin() + static_cast<std::ptrdiff_t>(at), part,
-                  bytes.begin() + static_cast<std::ptrdiff_t>(done));
-    } else if (at >= 0 && disctype_ == kDat && ReadyForBlocks()) {
-      const auto in = static_cast<std::size_t>(at % kBlockSize);
-      part = std::min(bytes.size() - done, kBlockSize - in);
-      const Slot& slot = LocateBlock(at);
-      std::copy_n(slot.Data.begin() + static_cast<std::ptrdiff_t>(in), part,
-                  bytes.begin() + static_cast<std::ptrdiff_t>(done));
+  while (!bytes.empty()) {
+    const auto part = bytes.first(TogetherAt(offset, bytes.size()));
+    if (!Holds(offset)) {
+      std::fill(part.begin(), part.end(), std::uint8_t{0});
+    } else if (InMemory()) {
+      std::copy_n(image_.begin() + offset, part.size(), part.begin());
     } else {
-      bytes[done] = Fetch(at);
+      const Slot& slot = LocateBlock(offset);
+      const std::size_t stride = disctype_ == kDat ? 1 : 2;
+      auto from = static_cast<std::size_t>(offset % kBlockSize) * stride;
+      for (std::uint8_t& byte : part) {
+        byte = slot.Data[from];
+        from += stride;
+      }
     }
-    done += part;
+    offset += static_cast<std::int64_t>(part.size());
+    bytes = bytes.subspan(part.size());
   }
 }
 
 void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  for (std::size_t done = 0; done < bytes.size();) {
-    const std::int64_t at = offset + static_cast<std::int64_t>(done);
-    std::size_t part = 1;
-    if (at >= 0 && InMemory() && static_cast<std::size_t>(at) < image_.size()) {
-      part = std::min(bytes.size() - done, image_.size() - static_cast<std::size_t>(at));
-      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(done), part,
-                  image_.begin() + static_cast<std::ptrdiff_t>(at));
-    } else if (at >= 0 && disctype_ == kDat && ReadyForBlocks() && !readOnly_) {
-      const auto in = static_cast<std::size_t>(at % kBlockSize);
-      part = std::min(bytes.size() - done, kBlockSize - in);
-      Slot& slot = LocateBlock(at);
-      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(done), part,
-                  slot.Data.begin() + static_cast<std::ptrdiff_t>(in));
+  while (!bytes.empty()) {
+    const auto part = bytes.first(TogetherAt(offset, bytes.size()));
+    if (Holds(offset) && InMemory()) {
+      std::copy(part.begin(), part.end(), image_.begin() + offset);
+    } else if (Holds(offset)) {
+      if (disctype_ == kDat && readOnly_) ThrowHostError(fileName_, EROFS);
+      Slot& slot = LocateBlock(offset);
+      const std::size_t stride = disctype_ == kDat ? 1 : 2;
+      auto to = static_cast<std::size_t>(offset % kBlockSize) * stride;
+      for (const std::uint8_t byte : part) {
+        slot.Data[to] = byte;
+        to += stride;
+      }
       slot.Dirty = true;
-    } else {
-      Store(at, bytes[done]);
     }
-    done += part;
+    offset += static_cast<std::int64_t>(part.size());
+    bytes = bytes.subspan(part.size());
   }
+}
+
+bool DiscImg::IsOpenFile(const std::string& path) const {
+  if (disctype_ != kDat || (fileNumber_ < 0 && !suspended_)) return false;
+  struct stat own {};
+  struct stat other {};
+  const bool known =
+      fileNumber_ >= 0 ? ::fstat(fileNumber_, &own) == 0 : ::stat(fileName_.c_str(), &own) == 0;
+  return known && ::stat(path.c_str(), &other) == 0 && own.st_dev == other.st_dev &&
+         own.st_ino == other.st_ino;
+}
+
+std::int64_t DiscImg::EndOfData() {
+  if (InMemory()) return static_cast<std::int64_t>(image_.size());
+  if (disctype_ == kCF || !ReadyForBlocks()) return INT64_MAX;
+  struct stat info {};
+  if (::fstat(fileNumber_, &info) != 0) ThrowHostError(fileName_, errno);
+  std::int64_t end = info.st_size;
+  for (const Slot& slot : slots_) {
+    if (slot.Dirty) end = std::max(end, (std::int64_t{slot.Block} + 1) * kBlockSize);
+  }
+  return end;
 }
 
 void DiscImg::ClearCFSector() {

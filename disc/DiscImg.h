@@ -78,12 +78,23 @@ class DiscImg {
   // partition 1 of a card below 1 GiB.
   std::int32_t DiscSize() const;
 
+  // As OpenFile was given them; 0 for a card.
+  std::int32_t Heads() const { return heads_; }
+  std::int32_t Sectors() const { return sectors_; }
+
   const std::string& FileName() const { return fileName_; }
   // True while a raw device is open. A device that couldn't be opened reads as stale bytes and
   // seems to be of the largest size; who lists cards asks this first.
   bool DeviceIsOpen() const { return device_->IsOpen(); }
   // Bytes of the image in memory for the kinds 0 and 1; 0 for the others.
   std::size_t ImageBytes() const { return image_.size(); }
+  // True for the kinds 0 and 1, whose whole image is in memory.
+  bool InMemory() const { return disctype_ == kAdf || disctype_ == kAdl; }
+  // True if path is the very file that an open .dat works on, by whatever name.
+  bool IsOpenFile(const std::string& path) const;
+  // Byte offset from which everything reads as zero because the store ends there. A card has no
+  // known end.
+  std::int64_t EndOfData();
 
  private:
   struct Slot {
@@ -104,7 +115,10 @@ class DiscImg {
   void LoadAdl(const std::vector<std::uint8_t>& file);
   void StoreAdf();
   void StoreAdl();
-  bool InMemory() const { return disctype_ == kAdf || disctype_ == kAdl; }
+  // How many of want bytes from offset on lie in one place: a block, the image, or outside it.
+  std::size_t TogetherAt(std::int64_t offset, std::size_t want) const;
+  // True if there is a place for the byte at offset.
+  bool Holds(std::int64_t offset);
 
   // The raw wrappers: the partition's offset is added, and without an open device the count of
   // bytes stays as the caller set it.

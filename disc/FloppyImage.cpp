@@ -1,6 +1,7 @@
 // How a floppy image lies in its file: loading and storing for the two kinds that live in memory.
 
 #include <algorithm>
+#include <cstdint>
 
 #include "disc/Adfs.h"
 #include "disc/Disc.h"
@@ -19,17 +20,20 @@ std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory) {
   std::int32_t tracks = discSize / format::kFloppySectors;
   const std::int32_t rest = discSize % format::kFloppySectors;
   if (rest > 8 || (rest == 8 && tracks % 2 == 1)) ++tracks;
-  return std::min(tracks, static_cast<std::int32_t>(bytesInMemory / format::kFloppyTrackSize));
+  return static_cast<std::int32_t>(std::min<std::size_t>(static_cast<std::size_t>(tracks),
+                                                         bytesInMemory / format::kFloppyTrackSize));
 }
 
 std::vector<std::uint8_t> ArrangeAdl(Disc& disc) {
   const std::int32_t discSize = MapDiscSize(disc);
-  const std::int32_t tracks = StoredTracks(discSize, disc.TheDisc.ImageBytes());
+  // A card partition or a .dat can hold a disc of this size too; it is fetched as far as it goes.
+  const std::size_t available = disc.TheDisc.InMemory() ? disc.TheDisc.ImageBytes() : SIZE_MAX;
+  const std::int32_t tracks = StoredTracks(discSize, available);
   // Only a store interleaves by the number of tracks; a load does whenever the option is set. An
   // image of one side is permuted on its way in and not on its way out, and stays so.
   const bool interleaved = tracks > format::kFloppyTracks && disc.Host.InterleavedDisc();
   const std::size_t bytes =
-      std::min(static_cast<std::size_t>(discSize) * format::kSectorSize, disc.TheDisc.ImageBytes());
+      std::min(static_cast<std::size_t>(discSize) * format::kSectorSize, available);
   std::vector<std::uint8_t> file(
       std::max(bytes, static_cast<std::size_t>(tracks) * format::kFloppyTrackSize));
   for (std::int32_t i = 0; i < tracks; ++i) {

@@ -17,8 +17,8 @@ std::int32_t LoadedTrack(std::int32_t fileTrack, bool interleaved);
 // in memory.
 std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory);
 
-// The bytes of a double-sided image file: as many as the map's size says, no more than are in
-// memory.
+// The bytes of a double-sided image file: as many as the map's size says, and for a disc in memory
+// no more than are there.
 std::vector<std::uint8_t> ArrangeAdl(Disc& disc);
 
 }  // namespace sectorbox

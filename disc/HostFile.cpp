@@ -127,7 +127,10 @@ OutputFile::OutputFile(const std::string& path) : path_(ResolveTarget(path)) {
 }
 
 OutputFile::OutputFile(OutputFile&& other) noexcept
-    : path_(std::move(other.path_)), temporary_(std::move(other.temporary_)), file_(other.file_) {
+    : path_(std::move(other.path_)),
+      temporary_(std::move(other.temporary_)),
+      file_(other.file_),
+      endsInHole_(other.endsInHole_) {
   other.file_ = -1;
   other.temporary_.clear();
 }
@@ -138,6 +141,7 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::Write(std::span<const std::uint8_t> bytes) {
+  if (!bytes.empty()) endsInHole_ = false;
   while (!bytes.empty()) {
     const ssize_t done = ::write(file_, bytes.data(), bytes.size());
     if (done < 0) {
@@ -148,11 +152,27 @@ void OutputFile::Write(std::span<const std::uint8_t> bytes) {
   }
 }
 
+void OutputFile::Skip(std::uint64_t bytes) {
+  // Only a plain file that is made anew reads as zeros where nothing was written.
+  if (temporary_.empty()) {
+    const std::vector<std::uint8_t> zeros(65536);
+    for (; bytes > 0; bytes -= std::min<std::uint64_t>(bytes, zeros.size())) {
+      Write(std::span(zeros).first(std::min<std::uint64_t>(bytes, zeros.size())));
+    }
+    return;
+  }
+  if (::lseek(file_, static_cast<off_t>(bytes), SEEK_CUR) < 0) ThrowHostError(path_, errno);
+  endsInHole_ = bytes > 0;
+}
+
 void OutputFile::Write(const std::string& text) {
   Write(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
 void OutputFile::Close() {
+  if (endsInHole_ && ::ftruncate(file_, ::lseek(file_, 0, SEEK_CUR)) != 0) {
+    ThrowHostError(path_, errno);
+  }
   const int file = file_;
   file_ = -1;
   if (temporary_.empty()) {

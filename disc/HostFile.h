@@ -33,6 +33,8 @@ class OutputFile {
 
   void Write(std::span<const std::uint8_t> bytes);
   void Write(const std::string& text);
+  // Leaves a hole of that many bytes, which reads as zeros and takes no room on the medium.
+  void Skip(std::uint64_t bytes);
   // Flushes to the medium and replaces the target. HostError if that fails; the old file stays.
   void Close();
 
@@ -40,6 +42,7 @@ class OutputFile {
   std::string path_;
   std::string temporary_;
   int file_ = -1;
+  bool endsInHole_ = false;
 };
 
 // Replaces and creates a host file. All writers of whole host files use it.

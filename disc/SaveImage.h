@@ -5,7 +5,9 @@
 
 #include "disc/Disc.h"
 
-// Writing the open disc to a file, and pouring a file into the open store.
+// Writing the open disc to a file, and pouring a file into the open store. Each clears ImageChanged
+// before anything is written. A HostError leaves an existing target as it was, and ImageChanged and
+// ImageName too.
 namespace sectorbox {
 
 // mnuDiscSave: "Are You Sure ?" with the title "Save Changes"; unless No, SaveImageAs.
@@ -17,9 +19,10 @@ void SaveImageAs(Disc& disc);
 // The same without the dialog: FileName becomes ImageName.
 void SaveImageTo(Disc& disc, const std::string& FileName);
 
-// Sector by sector with the progress dialog; an abort leaves a short file. WholeCard takes the
-// card's size, else Pad Disc Images decides between the disc's size and the trimmed size. Writes
-// the companion of a .dat.
+// Sector by sector with the progress dialog; an abort leaves a short file, except where FileName is
+// the open .dat itself, which then stays whole. A .dat saved over itself goes on with the new file.
+// WholeCard takes the card's size, else Pad Disc Images decides between the disc's size and the
+// trimmed size. Writes the companion of a .dat.
 void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard);
 // The trimmed image. With Pad Disc Images set the file stays empty (kept so on purpose).
 void SaveAdfImage(Disc& disc, const std::string& FileName);

@@ -1,0 +1,76 @@
+#include "cli/ImageSession.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "disc/HostError.h"
+#include "disc/OpenImage.h"
+
+namespace sectorbox::cli {
+namespace {
+
+constexpr const char* kCardPrefix = "cf:";
+
+void OpenCard(Disc& disc, const std::string& name) {
+  const auto comma = name.rfind(',');
+  const std::string partition = comma == std::string::npos ? "" : name.substr(comma + 1);
+  if (comma == 0 || (partition != "0" && partition != "1")) {
+    throw UsageError("a card is cf:DEVICE,P with a partition P of 0 or 1");
+  }
+  const std::string device = name.substr(0, comma);
+  // The engine takes a device that it can't open for one that reads as nothing.
+  if (::access(device.c_str(), R_OK | W_OK) != 0) ThrowHostError(device, errno);
+  disc.ImageName = name;
+  OpenCFPartition(disc, name);
+  if (!disc.TheDisc.DeviceIsOpen()) throw HostError(device, "not a block device or a plain file");
+}
+
+bool WritesThrough(const Disc& disc) {
+  return !disc.TheDisc.InMemory();
+}
+
+}  // namespace
+
+void OpenForReading(Disc& disc, const std::string& image) {
+  if (image.rfind(kCardPrefix, 0) == 0) {
+    OpenCard(disc, image.substr(3));
+  } else {
+    OpenImage(disc, image);
+  }
+}
+
+int RunWriting(const CommandLine& line, const std::string& image,
+               const std::function<bool(Disc& disc, CliHost& host)>& change) {
+  ImageSession session(line);
+  OpenForReading(session.Open, image);
+  bool done = false;
+  try {
+    done = change(session.Open, session.Host) && !session.Host.MessageShown;
+  } catch (...) {
+    if (WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
+    throw;
+  }
+  if (done || WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
+  return done ? 0 : 1;
+}
+
+PathTarget RequirePath(Disc& disc, const std::string& path) {
+  PathTarget target = FindPath(disc, path);
+  if (!target.Found) throw Failure("Not found: " + path);
+  return target;
+}
+
+PathTarget RequireFile(Disc& disc, const std::string& path) {
+  PathTarget target = RequirePath(disc, path);
+  if (target.IsDirectory) throw Failure("Not a file: " + path);
+  return target;
+}
+
+PathTarget RequireDirectory(Disc& disc, const std::string& path) {
+  PathTarget target = RequirePath(disc, path);
+  if (!target.IsDirectory) throw Failure("Not a directory: " + path);
+  return target;
+}
+
+}  // namespace sectorbox::cli
