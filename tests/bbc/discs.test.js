@@ -1,0 +1,82 @@
+// Discs that we make are mounted by the BBC's own filing system, which checks what our readers
+// don't; and a disc that the BBC wrote opens here with the same contents.
+
+import assert from "node:assert/strict";
+import { join } from "node:path";
+import { test } from "node:test";
+import { BbcMachine, kMachines } from "./lib/BbcMachine.js";
+import { readImage, sbx, sbxInfo, sbxLines, temporaryFolder, writeImage } from "./lib/Sbx.js";
+
+const kFloppies = [
+  { kind: "40ssd", file: "new.adf", sectors: 640 },
+  { kind: "80ssd", file: "new.adf", sectors: 1280 },
+  { kind: "80dsd", file: "new.adl", sectors: 2560 },
+];
+
+/** The words that the BBC printed, without its control characters. */
+const words = (text) => text.replace(/[^\x20-\x7e]+/g, " ").trim().split(/ +/);
+
+/** Pairs of hex numbers in the BBC's `*MAP`: address and length of each free run. */
+const runsOf = (text) => [...text.matchAll(/([0-9A-F]{6})\s*:\s*([0-9A-F]{6})/g)].map((m) => [m[1], m[2]]);
+
+function assertSameSpace(bbc, image) {
+  const ours = sbxInfo(image);
+  assert.deepEqual(runsOf(bbc.enterCommand("*MAP")), runsOf(sbx("map", image)));
+  const free = words(bbc.enterCommand("*FREE"));
+  // "000279 Sectors = 162,048 Bytes Free 000007 Sectors = 1,792 Bytes Used"
+  const sectors = (bytes) => (Number(bytes) / 256).toString(16).toUpperCase().padStart(6, "0");
+  assert.equal(free[0], sectors(ours.free));
+  assert.equal(free[free.indexOf("Free") + 1], sectors(ours.used));
+}
+
+for (const kind of Object.keys(kMachines)) {
+  const title = `The${kMachines[kind].title.replaceAll(" ", "")}`;
+
+  for (const { kind: size, file, sectors } of kFloppies) {
+    test(`${title}MountsANew${size.toUpperCase()}DiscAndCountsTheSameSpace`, async (t) => {
+      const image = join(temporaryFolder(t), file);
+      sbx("new", size, image);
+      const bbc = await BbcMachine.boot(kind);
+      bbc.insertDisc(0, readImage(image, sectors));
+      assert.match(bbc.enterCommand("*MOUNT 0"), /^\s*$/);
+      assert.match(bbc.enterCommand("*CAT"), /^\$ +\(01\)[\s\S]*Dir\. \$/);
+      assertSameSpace(bbc, image);
+      bbc.enterCommand('10 PRINT "OURS"');
+      assert.match(bbc.enterCommand('SAVE "PROG"'), /^\s*$/);
+      assert.match(bbc.enterCommand("*CDIR SUB"), /^\s*$/);
+    });
+  }
+
+  test(`ADiscThat${title}WroteOpensHereWithTheSameContents`, async (t) => {
+    const folder = temporaryFolder(t);
+    const blank = join(folder, "blank.adl");
+    sbx("new", "80dsd", blank);
+    const bbc = await BbcMachine.boot(kind);
+    bbc.insertDisc(0, readImage(blank, 2560));
+    bbc.enterCommand("*MOUNT 0");
+    bbc.enterCommand("*CDIR GAMES");
+    bbc.enterCommand("*DIR GAMES");
+    bbc.enterCommand("*CDIR ARCADE");
+    bbc.enterCommand('10 PRINT "HELLO"');
+    bbc.enterCommand('SAVE "PROG"');
+    bbc.enterCommand("*DIR $");
+    bbc.enterCommand("*SAVE DATA 8000+0321 FFFF1900 FFFF1923");
+    bbc.enterCommand("*ACCESS DATA LR");
+    const written = join(folder, "written.adl");
+    writeImage(written, bbc.readDisc(0));
+
+    assert.deepEqual(
+      sbxLines("tree", written).map((line) => line.split("\t")[0]),
+      ["$", "$.GAMES", "$.GAMES.ARCADE"]);
+    const [data, games] = sbxLines("ls", written).map((line) => line.split("\t"));
+    assert.deepEqual(data.slice(0, 2), ["DATA", "LR"]);
+    assert.equal(data[4], "FFFF1900");
+    assert.equal(data[5], "00000321");
+    assert.deepEqual(games.slice(0, 2), ["GAMES", "DLWR".split("").filter((c) => games[1].includes(c)).join("")]);
+    assert.ok(games[1].includes("D"));
+    assert.equal(sbx("get", written, "$.DATA"), Buffer.from(bbc.peek(0x8000, 0x321)).toString("latin1"));
+    assert.match(sbx("get", written, "$.GAMES.PROG"), /^\r\x00\x0a.*"HELLO"\r\xff$/s);
+    assertSameSpace(bbc, written);
+    assert.deepEqual(sbxLines("check", written).filter((line) => line.startsWith("error")), []);
+  });
+}

@@ -1,0 +1,47 @@
+// Runs the command line of this project from a test. CTest tells where it is in SBX.
+
+import { spawnSync } from "node:child_process";
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { interleave, deinterleave } from "./DiscImages.js";
+
+/** Standard output of `sbx ARGS...` as bytes in a string; throws if it doesn't end with status 0. */
+export function sbx(...args) {
+  const program = process.env.SBX;
+  if (!program) throw new Error("SBX must name the sbx to test");
+  const done = spawnSync(program, args, { encoding: "latin1", maxBuffer: 1 << 26 });
+  if (done.status !== 0) throw new Error(`sbx ${args.join(" ")}: status ${done.status}: ${done.stderr}`);
+  return done.stdout;
+}
+
+/** The lines of `sbx ARGS...`. */
+export function sbxLines(...args) {
+  const lines = sbx(...args).split("\n");
+  if (lines.at(-1) === "") lines.pop();
+  return lines;
+}
+
+/** `sbx info IMAGE` as an object of its `name: value` lines. */
+export function sbxInfo(image) {
+  return Object.fromEntries(sbxLines("info", image).map((line) => line.split(/: ?/, 2)));
+}
+
+/** A folder of the test's own; `t.after` removes it. */
+export function temporaryFolder(t) {
+  const folder = mkdtempSync(join(tmpdir(), "sectorbox-bbc-"));
+  t.after(() => rmSync(folder, { recursive: true, force: true }));
+  return folder;
+}
+
+/** The sectors of an image file in ADFS's order, as many as `sectors` says (a trimmed file is filled up). */
+export function readImage(path, sectors) {
+  const file = new Uint8Array(sectors * 256);
+  file.set(readFileSync(path).subarray(0, file.length));
+  return path.endsWith(".adl") ? deinterleave(file) : file;
+}
+
+/** Writes sectors in ADFS's order as an image file. */
+export function writeImage(path, flat) {
+  writeFileSync(path, path.endsWith(".adl") ? interleave(flat) : flat);
+}
