@@ -72,7 +72,8 @@ int RunSbx(const std::vector<std::string>& words) {
   } catch (const std::bad_alloc&) {
     status = Complain(kRefused, "out of memory");
   }
-  if (std::fflush(stdout) != 0) status = Complain(kRefused, "standard output: write error");
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+    status = Complain(kRefused, "standard output: write error");
   return status;
 }
 

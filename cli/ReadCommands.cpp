@@ -1,9 +1,179 @@
+// What a disc holds: its figures, its directories, its files as they are, and its faults.
+
+#include <algorithm>
+#include <cstdio>
+#include <functional>
+
 #include "cli/Dispatch.h"
+#include "cli/ImageSession.h"
+#include "cli/StartWindow.h"
+#include "disc/Adfs.h"
+#include "disc/Check.h"
+#include "disc/HostFile.h"
 
 namespace sectorbox::cli {
+namespace {
+
+// Names and titles may hold any byte.
+void Print(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void PrintValue(const char* name, const std::string& value) {
+  Print(std::string(name) + ": " + value + "\n");
+}
+
+void PrintValue(const char* name, std::int64_t value) {
+  PrintValue(name, std::to_string(value));
+}
+
+void PrintGeometry(Disc& disc) {
+  static constexpr std::array<const char*, 4> kKinds = {"adf", "adl", "dat", "cf"};
+  const std::int16_t disctype = disc.TheDisc.disctype();
+  PrintValue("kind", kKinds[static_cast<std::size_t>(disctype)]);
+  PrintValue("disctype", disctype);
+  // A card has no geometry; the store keeps the partition in the place of the tracks.
+  PrintValue("tracks", disctype == kCF ? 0 : disc.TheDisc.mTracks);
+  PrintValue("heads", disc.TheDisc.Heads());
+  PrintValue("sectors", disc.TheDisc.Sectors());
+}
+
+int RunInfo(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  Disc& disc = session.Open;
+  OpenForReading(disc, line.Arguments[0]);
+  std::int64_t free = 0;
+  for (std::int16_t i = 0; i < disc.FreeCount; ++i) {
+    free += disc.FreeLen[static_cast<std::size_t>(i)];
+  }
+  const std::int64_t size = MapDiscSize(disc);
+  PrintGeometry(disc);
+  PrintValue("size", size);
+  PrintValue("free", free * format::kSectorSize);
+  PrintValue("used", (size - free) * format::kSectorSize);
+  PrintValue("runs", disc.FreeCount);
+  PrintValue("boot", disc.TheDisc.Fetch(format::kMapBootOption));
+  PrintValue("title", GetDirTitle(disc, format::kRootSector));
+  return kDone;
+}
+
+int RunTree(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const std::vector<TreeNode> tree = WalkTree(session.Open);
+  std::vector<std::string> paths;
+  for (const TreeNode& node : tree) {
+    // The root is $ whatever it calls itself, so that each path here can be given back.
+    paths.push_back(
+        node.Parent < 0 ? "$" : paths[static_cast<std::size_t>(node.Parent)] + "." + node.Text);
+    Print(paths.back() + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
+  }
+  return kDone;
+}
+
+int RunLs(const CommandLine& line) {
+  line.Expect(1, 2);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const std::string path = line.Arguments.size() > 1 ? line.Arguments[1] : "$";
+  const PathTarget target = RequireDirectory(session.Open, path);
+  for (const ListRow& row : ReadRows(session.Open, target.Sector)) {
+    std::string text = row.Columns[0];
+    for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
+    Print(text + "\n");
+  }
+  return kDone;
+}
+
+std::string MapText(const Disc& disc, const char* lineEnd) {
+  std::string text = std::string("Address : Length") + lineEnd;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(disc.FreeCount); ++i) {
+    text += Hex(static_cast<std::uint32_t>(disc.FreeStart[i]), 6) + "  : " +
+            Hex(static_cast<std::uint32_t>(disc.FreeLen[i]), 6) + lineEnd;
+  }
+  return text;
+}
+
+int RunMap(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  if (!line.Has("o")) {
+    Print(MapText(session.Open, "\n"));
+    return kDone;
+  }
+  OutputFile output = CreateOutputFile(line.Option("o", ""));
+  output.Write(MapText(session.Open, "\r\n"));
+  output.Close();
+  return kDone;
+}
+
+// Hands the file's bytes to sink, a part at a time: the length field may say up to 4 GiB.
+void CopyOut(Disc& disc, const PathTarget& file,
+             const std::function<void(std::span<const std::uint8_t>)>& sink) {
+  std::vector<std::uint8_t> part(65536);
+  std::int64_t left = Fetch32(disc, EntryOffset(file.DirSector, file.Slot) + format::kEntryLength);
+  for (std::int64_t at = SectorOffset(file.Sector); left > 0;) {
+    const auto bytes = std::min<std::int64_t>(left, static_cast<std::int64_t>(part.size()));
+    const auto piece = std::span(part).first(static_cast<std::size_t>(bytes));
+    disc.TheDisc.FetchBytes(at, piece);
+    sink(piece);
+    at += bytes;
+    left -= bytes;
+  }
+}
+
+int RunGet(const CommandLine& line) {
+  line.Expect(2, 2);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const PathTarget file = RequireFile(session.Open, line.Arguments[1]);
+  if (!line.Has("o")) {
+    CopyOut(session.Open, file, [](std::span<const std::uint8_t> bytes) {
+      std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+    });
+    return kDone;
+  }
+  OutputFile output = CreateOutputFile(line.Option("o", ""));
+  CopyOut(session.Open, file, [&](std::span<const std::uint8_t> bytes) { output.Write(bytes); });
+  output.Close();
+  return kDone;
+}
+
+int RunCheck(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  int status = kDone;
+  for (const Fault& fault : CheckDisc(session.Open)) {
+    Print((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text + "\n");
+    if (fault.IsError) status = kRefused;
+  }
+  return status;
+}
+
+int RunOpen(const CommandLine& line) {
+  line.Expect(1, 1);
+  const std::string& image = line.Arguments[0];
+  if (!HostFileExists(image)) throw Failure("File Not Found : " + image);
+  StartWindow(image);
+  return kDone;
+}
+
+}  // namespace
 
 std::vector<Command> ReadCommands() {
-  return {};
+  return {
+      {"info", "IMAGE", "the disc's figures, as name: value lines", RunInfo},
+      {"tree", "IMAGE", "every directory, with its start sector", RunTree},
+      {"ls", "IMAGE [DIR]", "the entries of a directory, columns with TABs between", RunLs},
+      {"map", "IMAGE [-o FILE]", "the free space map", RunMap},
+      {"get", "IMAGE PATH [-o FILE]", "a file's bytes", RunGet},
+      {"check", "IMAGE", "look the disc over for faults; status 1 if there is an error", RunCheck},
+      {"open", "IMAGE", "open the image in the window program", RunOpen},
+  };
 }
 
 }  // namespace sectorbox::cli

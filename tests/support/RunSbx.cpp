@@ -19,11 +19,12 @@ void Redirect(const char* path, int flags, int descriptor) {
 
 }  // namespace
 
-SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder) {
+SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder,
+                 const std::string& program) {
   const TempFolder streams;
   const std::string out = streams / "out";
   const std::string err = streams / "err";
-  std::vector<char*> words = {const_cast<char*>(SBX_PATH)};
+  std::vector<char*> words = {const_cast<char*>(program.c_str())};
   for (const auto& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
 
@@ -34,7 +35,7 @@ SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& f
     Redirect("/dev/null", O_RDONLY, STDIN_FILENO);
     Redirect(out.c_str(), O_WRONLY | O_CREAT, STDOUT_FILENO);
     Redirect(err.c_str(), O_WRONLY | O_CREAT, STDERR_FILENO);
-    ::execv(SBX_PATH, words.data());
+    ::execv(program.c_str(), words.data());
     ::_exit(127);
   }
   int status = 0;

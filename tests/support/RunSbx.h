@@ -13,8 +13,9 @@ struct SbxResult {
 };
 
 // Runs sbx with these arguments and an empty standard input, neither end being a terminal, and
-// waits for it. folder, where given, is where it runs.
-SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder = "");
+// waits for it. folder, where given, is where it runs; program a copy of sbx to run instead.
+SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder = "",
+                 const std::string& program = SBX_PATH);
 
 // The lines of a text, without their line ends.
 std::vector<std::string> Lines(const std::string& text);

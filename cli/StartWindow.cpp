@@ -1,0 +1,63 @@
+#include "cli/StartWindow.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+
+#include "disc/HostError.h"
+
+namespace sectorbox::cli {
+namespace {
+
+std::string WindowProgram() {
+  std::error_code failed;
+  const auto self = std::filesystem::read_symlink("/proc/self/exe", failed);
+  if (failed) throw HostError("/proc/self/exe", failed.message());
+  return (self.parent_path() / "sectorbox").string();
+}
+
+// The grandchild: a process that outlives sbx and its terminal's line of jobs. It tells over the
+// pipe why it couldn't become the program; when it does become it, the pipe just closes.
+[[noreturn]] void BecomeWindow(const std::string& program, const std::string& argument, int pipe) {
+  ::setsid();
+  const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+  if (null >= 0) {
+    ::dup2(null, STDIN_FILENO);
+    ::dup2(null, STDOUT_FILENO);
+  }
+  ::execl(program.c_str(), program.c_str(), argument.c_str(), static_cast<char*>(nullptr));
+  const int reason = errno;
+  (void)!::write(pipe, &reason, sizeof reason);
+  ::_exit(127);
+}
+
+}  // namespace
+
+void StartWindow(const std::string& image) {
+  const std::string program = WindowProgram();
+  // The program takes the first and the last character of its argument for quotes and drops them.
+  const std::string argument = "\"" + std::filesystem::absolute(image).string() + "\"";
+  std::array<int, 2> ends{};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowHostError(program, errno);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::fork() == 0) BecomeWindow(program, argument, ends[1]);
+    ::_exit(0);
+  }
+  const int forkError = errno;
+  ::close(ends[1]);
+  int reason = child < 0 ? forkError : 0;
+  if (child > 0) {
+    ::waitpid(child, nullptr, 0);
+    if (::read(ends[0], &reason, sizeof reason) != sizeof reason) reason = 0;
+  }
+  ::close(ends[0]);
+  if (reason != 0) ThrowHostError(program, reason);
+}
+
+}  // namespace sectorbox::cli
