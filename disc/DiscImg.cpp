@@ -15,15 +15,6 @@
 namespace sectorbox {
 namespace {
 
-// The largest card that the probe sees: 0x400000 device sectors, 2 GiB.
-constexpr std::int32_t kProbeLimit = 0x400000;
-constexpr std::int32_t kPartitionSectors = 0x200000;
-constexpr std::int32_t kLargestPartition = 0x1FFFFF;
-constexpr std::int32_t kTransferSectors = DiscImg::kTransferSize / DiscImg::kDeviceSector;
-
-// A failed read leaves the first 512 bytes of a card's block zero, and those only.
-constexpr std::ptrdiff_t kZeroedOnFailure = 512;
-
 std::size_t ReadFileAt(int file, const std::string& path, std::int64_t offset,
                        std::span<std::uint8_t> bytes) {
   std::size_t total = 0;
@@ -50,10 +41,13 @@ void WriteFileAt(int file, const std::string& path, std::int64_t offset,
   }
 }
 
-// "/dev/sdb,0" names the device /dev/sdb: the comma and the digit are the partition.
+// "/dev/sdb,0" names the device /dev/sdb: the comma and the digit are the partition. A path may
+// hold commas of its own, so that nothing else at its end is taken for one.
 std::string DeviceOf(const std::string& name) {
-  const auto comma = name.rfind(',');
-  return comma == std::string::npos ? name : name.substr(0, comma);
+  constexpr std::size_t kPartition = 2;
+  if (name.size() <= kPartition || name[name.size() - kPartition] != ',') return name;
+  if (name.back() < '0' || name.back() > '9') return name;
+  return name.substr(0, name.size() - kPartition);
 }
 
 }  // namespace
@@ -63,18 +57,6 @@ DiscImg::DiscImg(Disc& disc, std::unique_ptr<RawDevice> device)
 
 DiscImg::~DiscImg() {
   if (fileNumber_ >= 0) ::close(fileNumber_);
-}
-
-void DiscImg::DeviceRead(std::uint64_t offset, std::size_t& bytes, std::uint8_t* buffer) {
-  if (!device_->IsOpen()) return;
-  const auto partition = static_cast<std::uint64_t>(mTracks) * kPartitionSpacing;
-  bytes = device_->Read(offset + partition, std::span(buffer, bytes));
-}
-
-void DiscImg::DeviceWrite(std::uint64_t offset, std::size_t& bytes, const std::uint8_t* buffer) {
-  if (!device_->IsOpen()) return;
-  const auto partition = static_cast<std::uint64_t>(mTracks) * kPartitionSpacing;
-  bytes = device_->Write(offset + partition, std::span(buffer, bytes));
 }
 
 void DiscImg::EmptySlots() {
@@ -124,6 +106,7 @@ void DiscImg::OpenFile(const std::string& fileName, std::int16_t disctype, std::
   EmptySlots();
   if (disctype == kDat) return;
   for (Slot& slot : slots_) slot.Data.resize(kCFBlockSize);
+  cardFaults_ = 0;
   device_->Open(DeviceOf(fileName));
   // The probe sees the card from its start, whatever partition is wanted.
   mTracks = 0;
@@ -131,46 +114,11 @@ void DiscImg::OpenFile(const std::string& fileName, std::int16_t disctype, std::
   mTracks = tracks;
 }
 
+// Whether the store can take and give bytes of a block. A card always can: without its device it
+// gives what stands in the slots.
 bool DiscImg::ReadyForBlocks() {
   if (suspended_) OpenFile(std::string(fileName_), disctype_, mTracks, heads_, sectors_);
   return disctype_ == kCF || fileNumber_ >= 0;
-}
-
-bool DiscImg::ProbeRead(std::int32_t sector) {
-  std::size_t bytes = kDeviceSector;
-  DeviceRead(static_cast<std::uint64_t>(sector) * kDeviceSector, bytes, slots_[0].Data.data());
-  return bytes == kDeviceSector;
-}
-
-void DiscImg::ProbeCard() {
-  mNumSecs = 0;
-  if (!ProbeRead(0)) return;
-  std::int32_t low = 0;
-  std::int32_t high = kProbeLimit;
-  while (low < high) {
-    const std::int32_t mid = low + (high - low) / 2;
-    if (ProbeRead(mid)) {
-      low = mid + 1;
-    } else {
-      high = mid - 1;
-    }
-  }
-  low = std::min(low, high);
-  // The search can end a sector off either way; the last three decide.
-  const std::int32_t top = std::min(low, kProbeLimit - 1);
-  for (std::int32_t sector = std::max(top - 2, 0); sector <= top; ++sector) {
-    if (ProbeRead(sector)) mNumSecs = sector + 1;
-  }
-}
-
-std::int32_t DiscImg::DiscSize() const {
-  std::int32_t size = mNumSecs;
-  if (mTracks == 1) {
-    size -= kPartitionSectors;
-  } else if (size > kPartitionSectors) {
-    size = kLargestPartition;
-  }
-  return std::min(size, kLargestPartition);
 }
 
 void DiscImg::WriteSlot(Slot& slot) {
@@ -179,8 +127,7 @@ void DiscImg::WriteSlot(Slot& slot) {
     // place, and so it stays: the next block is loaded from the file again before it is used.
     WriteFileAt(fileNumber_, fileName_, std::int64_t{slot.Block} * kBlockSize, slot.Data);
   } else {
-    std::size_t bytes = kCFBlockSize;
-    DeviceWrite(static_cast<std::uint64_t>(slot.Block) * kCFBlockSize, bytes, slot.Data.data());
+    WriteCardSlot(slot);
   }
 }
 
@@ -205,15 +152,11 @@ DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {
         ReadFileAt(fileNumber_, fileName_, std::int64_t{block} * kBlockSize, slot.Data);
     std::fill(slot.Data.begin() + static_cast<std::ptrdiff_t>(done), slot.Data.end(),
               std::uint8_t{0});
+    slot.Block = block;
   } else {
-    std::size_t bytes = kCFBlockSize;
-    DeviceRead(static_cast<std::uint64_t>(block) * kCFBlockSize, bytes, slot.Data.data());
-    slot.ReadFailed = bytes != kCFBlockSize;
-    if (slot.ReadFailed) {
-      std::fill(slot.Data.begin(), slot.Data.begin() + kZeroedOnFailure, std::uint8_t{0});
-    }
+    slot.Block = block;
+    LoadCardSlot(slot);
   }
-  slot.Block = block;
   slot.Recent = true;
   slots_[1 - victim].Recent = false;
   return slot;
@@ -226,6 +169,7 @@ std::uint8_t DiscImg::Fetch(std::int64_t offset) {
     return index < image_.size() ? image_[index] : std::uint8_t{0};
   }
   if (!ReadyForBlocks()) return 0;
+  if (disctype_ == kCF && offset >= kPartitionBytes) return 0;
   const auto in = static_cast<std::size_t>(offset % kBlockSize);
   const Slot& slot = LocateBlock(offset);
   return disctype_ == kDat ? slot.Data[in] : slot.Data[in * 2];
@@ -240,9 +184,12 @@ void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
   }
   if (!ReadyForBlocks()) return;
   if (disctype_ == kDat && readOnly_) ThrowHostError(fileName_, EROFS);
-  const auto in = static_cast<std::size_t>(offset % kBlockSize);
+  if (disctype_ == kCF) {
+    StoreBytes(offset, std::span(&value, 1));
+    return;
+  }
   Slot& slot = LocateBlock(offset);
-  slot.Data[disctype_ == kDat ? in : in * 2] = value;
+  slot.Data[static_cast<std::size_t>(offset % kBlockSize)] = value;
   slot.Dirty = true;
 }
 
@@ -258,7 +205,8 @@ std::size_t DiscImg::TogetherAt(std::int64_t offset, std::size_t want) const {
 
 bool DiscImg::Holds(std::int64_t offset) {
   if (offset < 0) return false;
-  return InMemory() ? static_cast<std::size_t>(offset) < image_.size() : ReadyForBlocks();
+  if (InMemory()) return static_cast<std::size_t>(offset) < image_.size();
+  return ReadyForBlocks() && (disctype_ != kCF || offset < kPartitionBytes);
 }
 
 void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
@@ -283,6 +231,7 @@ void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
 }
 
 void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  if (disctype_ == kCF) bytes = InsidePartition(offset, bytes);
   while (!bytes.empty()) {
     const auto part = bytes.first(TogetherAt(offset, bytes.size()));
     if (Holds(offset) && InMemory()) {
@@ -297,6 +246,9 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
         to += stride;
       }
       slot.Dirty = true;
+      if (disctype_ == kCF) {
+        MarkStored(slot, static_cast<std::size_t>(offset % kBlockSize), part.size());
+      }
     }
     offset += static_cast<std::int64_t>(part.size());
     bytes = bytes.subspan(part.size());
@@ -325,15 +277,6 @@ std::int64_t DiscImg::EndOfData() {
   return end;
 }
 
-void DiscImg::ClearCFSector() {
-  transfer_.fill(0);
-}
-
-void DiscImg::WriteCFSector(std::int32_t sector, std::int32_t secs) {
-  auto bytes = static_cast<std::size_t>(std::clamp(secs, 0, kTransferSectors)) * kDeviceSector;
-  DeviceWrite(static_cast<std::uint64_t>(sector) * kDeviceSector, bytes, transfer_.data());
-}
-
 void DiscImg::CloseFile() {
   if (disctype_ == kAdf) {
     StoreAdf();
@@ -349,13 +292,13 @@ void DiscImg::CloseFile() {
     suspended_ = true;
     if (::close(file) != 0) ThrowHostError(fileName_, errno);
   } else if (disctype_ == kCF && device_->IsOpen()) {
-    for (Slot& slot : slots_) {
-      if (slot.Dirty) WriteSlot(slot);
-    }
-    EmptySlots();
-    device_->Close();
-    suspended_ = true;
+    CloseCard();
   }
+}
+
+void DiscImg::Abandon() {
+  if (!InMemory()) CloseFile();
+  suspended_ = false;
 }
 
 void DiscImg::Flush() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -29,7 +30,9 @@ enum DiscType : std::int16_t {
 // Neither storing nor fetching sets Disc::ImageChanged; the operations that call them do.
 // A byte outside a floppy image reads as zero and is not written. A byte beyond the end of a .dat
 // reads as zero, and the file grows when a block there is written back. File errors of the kinds
-// 0, 1 and 2 are HostError; a card that fails is not reported (see LocateBlock).
+// 0, 1 and 2 are HostError. A card that fails is no error to the caller: the host is told with a
+// line (DiscHost::Note) at the first fault, and with their number when the card is closed. Nothing
+// is ever written outside the open partition: a byte stored past DiscSize goes nowhere.
 //
 // The object isn't written back when it is destroyed: who wants that calls CloseFile.
 class DiscImg {
@@ -39,6 +42,7 @@ class DiscImg {
   static constexpr int kCFBlockSize = 2 * kBlockSize;  // device bytes in a block of a card
   static constexpr int kDeviceSector = 512;
   static constexpr std::uint64_t kPartitionSpacing = std::uint64_t{1} << 30;
+  static constexpr std::int64_t kPartitionBytes = std::int64_t{1} << 29;  // disc bytes up to there
 
   // disc owns this store; its free list, its ImageChanged flag and its host's options are read.
   DiscImg(Disc& disc, std::unique_ptr<RawDevice> device);
@@ -53,11 +57,15 @@ class DiscImg {
   // stays readable in memory until the next OpenFile. A .dat or a card is opened again by the next
   // byte access: a user who cancels the dialog that follows goes on working on the same disc.
   void CloseFile();
+  // CloseFile, and no byte access opens a .dat or card again: stores go nowhere from here on. For
+  // who has only looked at a card, which the user may not have meant.
+  void Abandon();
   // CloseFile, then OpenFile with everything as it was.
   void Flush();
   // Opens fileName as the given kind. A .dat that doesn't exist comes into being; one that can't be
-  // written is opened for reading, and the first Store into it is a HostError. For kCF fileName
-  // names the device up to its last comma ("/dev/sdb,0") and tracks is the partition.
+  // written is opened for reading, and the first Store into it is a HostError. For kCF fileName is
+  // the device, a comma and the partition digit ("/dev/sdb,0"), and tracks is the partition. Only a
+  // comma and one digit at the very end are taken off: other commas belong to the device's path.
   // An open .dat or card is closed first, with write-back; a floppy image is dropped unsaved.
   void OpenFile(const std::string& fileName, std::int16_t disctype, std::int32_t tracks,
                 std::int32_t heads, std::int32_t sectors);
@@ -86,6 +94,10 @@ class DiscImg {
   // True while a raw device is open. A device that couldn't be opened reads as stale bytes and
   // seems to be of the largest size; who lists cards asks this first.
   bool DeviceIsOpen() const { return device_->IsOpen(); }
+  // The system's error number of the device's last failure; 0 when it has none to give.
+  int DeviceError() const { return device_->LastError(); }
+  // Failed transfers and refused stores since the card was opened.
+  std::int32_t CardFaults() const { return cardFaults_; }
   // Bytes of the image in memory for the kinds 0 and 1; 0 for the others.
   std::size_t ImageBytes() const { return image_.size(); }
   // True for the kinds 0 and 1, whose whole image is in memory.
@@ -103,11 +115,19 @@ class DiscImg {
     bool Dirty = false;
     bool Recent = false;
     bool ReadFailed = false;
+    // After a failed read: the bytes that were stored since. Only they go back to the card, so that
+    // what couldn't be read isn't overwritten with what happened to stand in Data.
+    std::bitset<kBlockSize> Stored;
   };
 
   Slot& LocateBlock(std::int64_t offset);
   void WriteSlot(Slot& slot);
+  void LoadCardSlot(Slot& slot);
+  void WriteCardSlot(Slot& slot);
+  void WriteCardSector(const Slot& slot, std::int32_t sector);
+  void MarkStored(Slot& slot, std::size_t in, std::size_t bytes);
   void EmptySlots();
+  void CloseCard();
   void ProbeCard();
   bool ProbeRead(std::int32_t sector);
   void LoadImage(const std::string& fileName, std::int16_t disctype, std::size_t bytes);
@@ -120,8 +140,16 @@ class DiscImg {
   // True if there is a place for the byte at offset.
   bool Holds(std::int64_t offset);
 
+  // Disc bytes that may be stored in the open partition.
+  std::int64_t WritableBytes() const;
+  // The front part of bytes that lies inside the open partition; a rest counts as a fault.
+  std::span<const std::uint8_t> InsidePartition(std::int64_t offset,
+                                                std::span<const std::uint8_t> bytes);
+  // One more fault of the card; the first is told. what: "sector 7 can't be read".
+  void CountFault(const std::string& what);
   // The raw wrappers: the partition's offset is added, and without an open device the count of
-  // bytes stays as the caller set it.
+  // bytes stays as the caller set it. A write is cut at the end of the partition, and what was cut
+  // counts as done.
   void DeviceRead(std::uint64_t offset, std::size_t& bytes, std::uint8_t* buffer);
   void DeviceWrite(std::uint64_t offset, std::size_t& bytes, const std::uint8_t* buffer);
 
@@ -138,6 +166,7 @@ class DiscImg {
   std::vector<std::uint8_t> image_;
   std::int32_t heads_ = 0;
   std::int32_t sectors_ = 0;
+  std::int32_t cardFaults_ = 0;
   std::array<std::uint8_t, kTransferSize> transfer_{};
   std::array<Slot, 2> slots_;
 };

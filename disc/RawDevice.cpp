@@ -23,33 +23,42 @@ class HostDevice final : public RawDevice {
 
   bool Open(const std::string& path) override {
     Close();
+    lastError_ = 0;
     struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) return false;
+    if (::stat(path.c_str(), &info) != 0) return Fail(errno);
     // A plain file holds a raw card for those who work with emulators and copies; the host's cache
     // does it no harm. Anything else that isn't a block device is no card.
-    if (!S_ISBLK(info.st_mode) && !S_ISREG(info.st_mode)) return false;
-    const int direct = S_ISBLK(info.st_mode) ? O_DIRECT : 0;
-    limit_ = S_ISREG(info.st_mode) ? static_cast<std::uint64_t>(info.st_size) : UINT64_MAX;
-    file_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC | direct);
-    return file_ >= 0;
+    isBlock_ = S_ISBLK(info.st_mode);
+    if (!isBlock_ && !S_ISREG(info.st_mode)) return Fail(ENOTBLK);
+    // On a block device O_EXCL refuses one that is mounted: a write past the file system's back
+    // would ruin it.
+    const int raw = isBlock_ ? O_DIRECT | O_EXCL : 0;
+    limit_ = isBlock_ ? UINT64_MAX : static_cast<std::uint64_t>(info.st_size);
+    file_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC | raw);
+    return file_ >= 0 || Fail(errno);
   }
 
   bool IsOpen() const override { return file_ >= 0; }
+  int LastError() const override { return lastError_; }
 
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
+    lastError_ = 0;
     std::size_t total = 0;
     while (IsOpen() && total < buffer.size()) {
       const auto part = std::min(buffer.size() - total, kLargestTransfer);
-      const ssize_t done = ::pread(file_, Aligned(), part, static_cast<off_t>(offset + total));
+      std::uint8_t* const target = isBlock_ ? Aligned() : buffer.data() + total;
+      const ssize_t done = ::pread(file_, target, part, static_cast<off_t>(offset + total));
       if (done < 0 && errno == EINTR) continue;
+      if (done < 0) lastError_ = errno;
       if (done <= 0) break;
-      std::memcpy(buffer.data() + total, Aligned(), static_cast<std::size_t>(done));
+      if (isBlock_) std::memcpy(buffer.data() + total, target, static_cast<std::size_t>(done));
       total += static_cast<std::size_t>(done);
     }
     return total;
   }
 
   std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) override {
+    lastError_ = 0;
     // A card doesn't grow, so neither does the file that stands for one.
     if (offset >= limit_) return 0;
     const auto room =
@@ -57,10 +66,13 @@ class HostDevice final : public RawDevice {
     std::size_t total = 0;
     while (IsOpen() && total < room) {
       const auto part = std::min(room - total, kLargestTransfer);
-      std::memcpy(Aligned(), buffer.data() + total, part);
-      const ssize_t done = ::pwrite(file_, Aligned(), part, static_cast<off_t>(offset + total));
+      const std::uint8_t* source = buffer.data() + total;
+      if (isBlock_) source = static_cast<std::uint8_t*>(std::memcpy(Aligned(), source, part));
+      const ssize_t done = ::pwrite(file_, source, part, static_cast<off_t>(offset + total));
       if (done < 0 && errno == EINTR) continue;
+      if (done < 0) lastError_ = errno;
       if (done <= 0) break;
+      written_ = true;
       total += static_cast<std::size_t>(done);
     }
     return total;
@@ -68,18 +80,27 @@ class HostDevice final : public RawDevice {
 
   void Close() override {
     if (file_ < 0) return;
-    ::fsync(file_);
-    ::close(file_);
+    lastError_ = 0;
+    if (written_ && ::fsync(file_) != 0) lastError_ = errno;
+    if (::close(file_) != 0 && lastError_ == 0) lastError_ = errno;
     file_ = -1;
+    written_ = false;
   }
 
  private:
+  bool Fail(int error) {
+    lastError_ = error;
+    return false;
+  }
   std::uint8_t* Aligned() {
     const auto address = reinterpret_cast<std::uintptr_t>(buffer_.data());
     return buffer_.data() + (kAlignment - address % kAlignment) % kAlignment;
   }
 
   int file_ = -1;
+  int lastError_ = 0;
+  bool isBlock_ = false;
+  bool written_ = false;
   std::uint64_t limit_ = 0;
   std::vector<std::uint8_t> buffer_;
 };

@@ -16,13 +16,18 @@ class RawDevice {
   virtual ~RawDevice() = default;
 
   // Opens an existing device for reading and writing, without buffering where the medium is a
-  // block device. False when that fails; nothing is reported here. Closes what was open before.
+  // block device, and not while the system itself has it in use (a mounted file system). False when
+  // that fails; nothing is reported here. Closes what was open before.
   virtual bool Open(const std::string& path) = 0;
   virtual bool IsOpen() const = 0;
   // Both give the count of bytes done, which is short at the end of the device or on a fault.
   virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
   virtual std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) = 0;
+  // What was written is on the medium when this returns, unless LastError says otherwise.
   virtual void Close() = 0;
+  // The system's error number of the last of these calls that failed, until another one succeeds;
+  // 0 when there is none, as after a transfer that merely ended at the end of the device.
+  virtual int LastError() const { return 0; }
 };
 
 // The real thing, on the platform's own calls.

@@ -179,6 +179,12 @@ void RestoreImage(Disc& disc, const std::string& FileName) {
   const auto rest = length % kSectorSize;
   auto sectors = static_cast<std::int32_t>(length / kSectorSize);
   if (rest > 128 || (rest == 128 && sectors % 2 == 1)) ++sectors;
+  if (disc.TheDisc.disctype() == kCF && sectors > disc.TheDisc.DiscSize()) {
+    const std::int32_t there = std::max(disc.TheDisc.DiscSize(), 0);
+    disc.Host.Note(FileName + ": " + std::to_string(sectors) + " sectors, of which the first " +
+                   std::to_string(there) + " fit on the partition");
+    sectors = there;
+  }
   CopySectors(disc, "Restoring", sectors, [&](std::int32_t first, std::int32_t count) {
     const auto part = static_cast<std::size_t>(count) * kSectorSize;
     std::vector<std::uint8_t> bytes =

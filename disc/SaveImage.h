@@ -29,7 +29,8 @@ void SaveAdfImage(Disc& disc, const std::string& FileName);
 // Always the full length, tracks permuted if Interleaved Disc is set and there are more than 80.
 void SaveAdlImage(Disc& disc, const std::string& FileName);
 
-// Pours the file into the open store from sector 0 on, with the progress dialog.
+// Pours the file into the open store from sector 0 on, with the progress dialog. Onto a card goes
+// what its partition has room for; the host is told when that isn't all.
 void RestoreImage(Disc& disc, const std::string& FileName);
 
 }  // namespace sectorbox
