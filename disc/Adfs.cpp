@@ -172,12 +172,16 @@ std::uint8_t NextSequence(std::uint8_t b) {
 }
 
 std::uint8_t MapChecksum(Disc& disc, std::int32_t base) {
-  std::array<std::uint8_t, 255> sector{};
+  std::array<std::uint8_t, kSectorSize> sector{};
   disc.TheDisc.FetchBytes(base, sector);
+  return MapChecksum(sector);
+}
+
+std::uint8_t MapChecksum(std::span<const std::uint8_t, kSectorSize> sector) {
   int sum = 255;
   int carry = 0;
-  for (auto byte = sector.rbegin(); byte != sector.rend(); ++byte) {
-    const int t = sum + *byte + carry;
+  for (std::size_t i = 255; i-- > 0;) {
+    const int t = sum + sector[i] + carry;
     sum = t % 256;
     carry = t / 256;
   }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -65,6 +66,8 @@ std::uint8_t NextSequence(std::uint8_t b);
 // 254 down to 0, starting from 255, each carry going into the next sum. The carry out of byte 0 is
 // dropped.
 std::uint8_t MapChecksum(Disc& disc, std::int32_t base);
+// The same for a map sector in memory; its byte 255 isn't looked at.
+std::uint8_t MapChecksum(std::span<const std::uint8_t, format::kSectorSize> sector);
 
 // Disc size in sectors, from the map.
 std::int32_t MapDiscSize(Disc& disc);

@@ -37,5 +37,7 @@ void WriteDirectorySidecar(const std::string& hostPath, const std::string& Name,
 void ExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector);
 // The same with the hourglass showing.
 void ExportDisc(Disc& disc, const std::string& Folder, std::int32_t DirSector);
+// The same walk for a drag. Drag is the drag's own data, which the walk hands down and doesn't use.
+void DragDropExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector, void* Drag);
 
 }  // namespace sectorbox

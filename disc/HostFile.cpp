@@ -70,6 +70,11 @@ bool HostFileExists(const std::string& path) {
   return StatOf(path, info) && !S_ISDIR(info.st_mode);
 }
 
+bool HostFileIsPlain(const std::string& path) {
+  struct stat info {};
+  return StatOf(path, info) && S_ISREG(info.st_mode);
+}
+
 bool HostFolderExists(const std::string& path) {
   struct stat info {};
   return StatOf(path, info) && S_ISDIR(info.st_mode);
@@ -96,6 +101,22 @@ std::vector<std::uint8_t> ReadHostFile(const std::string& path, std::uint64_t of
   return bytes;
 }
 
+void OverwriteHostFile(const std::string& path, std::uint64_t offset,
+                       std::span<const std::uint8_t> bytes) {
+  const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  if (file < 0) ThrowHostError(path, errno);
+  int error = 0;
+  while (!bytes.empty() && error == 0) {
+    const ssize_t done = ::pwrite(file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    if (done < 0 && errno != EINTR) error = errno;
+    if (done <= 0) continue;
+    offset += static_cast<std::uint64_t>(done);
+    bytes = bytes.subspan(static_cast<std::size_t>(done));
+  }
+  if (::close(file) != 0 && error == 0) error = errno;
+  if (error != 0) ThrowHostError(path, error);
+}
+
 std::string HostBaseName(const std::string& path) {
   const auto end = path.find_last_not_of('/');
   if (end == std::string::npos) return "";
@@ -104,7 +125,8 @@ std::string HostBaseName(const std::string& path) {
   return path.substr(begin, end + 1 - begin);
 }
 
-OutputFile::OutputFile(const std::string& path) : path_(ResolveTarget(path)) {
+OutputFile::OutputFile(const std::string& path, OnMedium onMedium)
+    : path_(ResolveTarget(path)), onMedium_(onMedium) {
   struct stat info {};
   const bool replaces = StatOf(path_, info);
   if (replaces && S_ISDIR(info.st_mode)) ThrowHostError(path, EISDIR);
@@ -129,6 +151,7 @@ OutputFile::OutputFile(const std::string& path) : path_(ResolveTarget(path)) {
 OutputFile::OutputFile(OutputFile&& other) noexcept
     : path_(std::move(other.path_)),
       temporary_(std::move(other.temporary_)),
+      onMedium_(other.onMedium_),
       file_(other.file_),
       endsInHole_(other.endsInHole_) {
   other.file_ = -1;
@@ -180,15 +203,15 @@ void OutputFile::Close() {
     return;
   }
   // The bytes are on the medium before the name is: a crash right after leaves a whole file.
-  const int synced = ::fsync(file);
+  const int synced = onMedium_ == OnMedium::kAtOnce ? ::fsync(file) : 0;
   const int syncError = errno;
   if (::close(file) != 0 || synced != 0) ThrowHostError(path_, synced != 0 ? syncError : errno);
   if (::rename(temporary_.c_str(), path_.c_str()) != 0) ThrowHostError(path_, errno);
   temporary_.clear();
 }
 
-OutputFile CreateOutputFile(const std::string& path) {
-  return OutputFile(path);
+OutputFile CreateOutputFile(const std::string& path, OnMedium onMedium) {
+  return OutputFile(path, onMedium);
 }
 
 }  // namespace sectorbox

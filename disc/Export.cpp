@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <set>
+#include <unordered_set>
+
+#include "disc/Adfs.h"
+#include "disc/BusyPointer.h"
+#include "disc/HostError.h"
+#include "disc/HostExchange.h"
+#include "disc/HostFile.h"
+#include "disc/Sidecar.h"
+#include "disc/WalkBudget.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace format;
+
+void WriteHostFile(const std::string& path, const std::string& text) {
+  OutputFile file = CreateOutputFile(path, OnMedium::kLater);
+  file.Write(text);
+  file.Close();
+}
+
+// The file's bytes. What an entry of a damaged disc claims beyond the end of the store reads as
+// zeros, which take no room on the host.
+void WriteContents(Disc& disc, OutputFile& output, const ExportedFile& file) {
+  const std::int64_t start = SectorOffset(file.Sector);
+  const std::int64_t held = std::max<std::int64_t>(disc.TheDisc.EndOfData() - start, 0);
+  const std::int64_t inside = std::min<std::int64_t>(file.Length, held);
+  std::array<std::uint8_t, 65536> part{};
+  for (std::int64_t done = 0; done < inside;) {
+    const auto size = std::min<std::int64_t>(inside - done, part.size());
+    const auto bytes = std::span(part).first(static_cast<std::size_t>(size));
+    disc.TheDisc.FetchBytes(start + done, bytes);
+    output.Write(bytes);
+    done += size;
+  }
+  if (file.Length > inside) output.Skip(static_cast<std::uint64_t>(file.Length - inside));
+}
+
+class Export {
+ public:
+  explicit Export(Disc& disc) : disc_(disc) {}
+
+  void WriteDirectory(const std::string& folder, std::int32_t DirSector) {
+    if (!Enter(folder, DirSector)) return;
+    MakeFolder(folder);
+    if (IsDirectory(disc_, DirSector)) WriteEntries(folder, DirSector);
+    budget_.Leave();
+  }
+
+ private:
+  // False for a directory that was met before: on a damaged disc one may be listed by another that
+  // lies inside it. Its files have gone out once already, or are about to.
+  bool Enter(const std::string& folder, std::int32_t DirSector) {
+    if (seen_.insert(DirSector).second && budget_.Enter()) return true;
+    disc_.Host.Note(folder + ": leads back to a directory that is exported already");
+    return false;
+  }
+
+  static void MakeFolder(const std::string& folder) {
+    std::error_code error;
+    if (!HostFolderExists(folder) && !std::filesystem::create_directory(folder, error)) {
+      ThrowHostError(folder, error ? error.value() : EEXIST);
+    }
+  }
+
+  void WriteEntries(const std::string& folder, std::int32_t DirSector) {
+    std::set<std::string> used;
+    for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
+      const std::string name = GetEntryName(disc_, DirSector, slot);
+      if (EntryIsEmpty(name)) break;
+      std::string host = AdfsToHostName(name);
+      // X/INF and X/INF_ come out as one name. Neither may take the other's place.
+      while (!used.insert(host).second) host += '_';
+      WriteEntry(folder + "/" + host, name, EntryOffset(DirSector, slot));
+    }
+  }
+
+  void WriteEntry(const std::string& path, const std::string& name, std::int64_t entry) {
+    const std::string attr = GetEntryAttributes(disc_, entry);
+    const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
+    if (EntryHas(disc_, entry, kAttrDirectory)) {
+      WriteDirectorySidecar(path, name, attr);
+      WriteDirectory(path, start);
+      return;
+    }
+    ExportFile(
+        disc_, path,
+        {name, HexDword(disc_, entry + kEntryLoad), HexDword(disc_, entry + kEntryExec),
+         HexDword(disc_, entry + kEntryLength), attr, Fetch32(disc_, entry + kEntryLength), start});
+  }
+
+  Disc& disc_;
+  WalkBudget budget_;
+  std::unordered_set<std::int32_t> seen_;
+};
+
+}  // namespace
+
+void ExportFile(Disc& disc, const std::string& hostPath, const ExportedFile& file) {
+  OutputFile output = CreateOutputFile(hostPath, OnMedium::kLater);
+  WriteContents(disc, output, file);
+  output.Close();
+  WriteHostFile(hostPath + kSidecarEnding,
+                MakeFileSidecar(file.Name, file.Load, file.Exec, file.Size, file.Attr));
+}
+
+void WriteDirectorySidecar(const std::string& hostPath, const std::string& Name,
+                           const std::string& Attr) {
+  WriteHostFile(hostPath + kSidecarEnding, MakeFolderSidecar(Name, Attr));
+}
+
+void ExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector) {
+  Export(disc).WriteDirectory(Folder, DirSector);
+}
+
+void DragDropExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector, void*) {
+  ExportFiles(disc, Folder, DirSector);
+}
+
+void ExportDisc(Disc& disc, const std::string& Folder, std::int32_t DirSector) {
+  const BusyPointer busy(disc.Host);
+  ExportFiles(disc, Folder, DirSector);
+}
+
+}  // namespace sectorbox
