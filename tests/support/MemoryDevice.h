@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <map>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "disc/RawDevice.h"
@@ -51,18 +51,35 @@ class MemoryDevice final : public RawDevice {
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
     const std::size_t bytes = Allowed(offset, buffer.size(), ReadsLeft);
     if (Record) Transfers.push_back({false, offset, bytes});
-    for (std::size_t i = 0; i < bytes; ++i) buffer[i] = Peek(offset + i);
+    for (std::size_t i = 0; i < bytes;) {
+      const std::size_t part = WithinSector(offset + i, bytes - i);
+      const auto sector = sectors_.find((offset + i) / kSector);
+      if (sector == sectors_.end()) {
+        std::fill_n(buffer.begin() + static_cast<std::ptrdiff_t>(i), part, std::uint8_t{0});
+      } else {
+        std::copy_n(sector->second.data() + (offset + i) % kSector, part, buffer.data() + i);
+      }
+      i += part;
+    }
     return bytes;
   }
   std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) override {
     const std::size_t bytes = Allowed(offset, buffer.size(), WritesLeft);
     if (Record) Transfers.push_back({true, offset, bytes});
-    for (std::size_t i = 0; i < bytes; ++i) Poke(offset + i, buffer[i]);
+    for (std::size_t i = 0; i < bytes;) {
+      const std::size_t part = WithinSector(offset + i, bytes - i);
+      auto& sector = Sector((offset + i) / kSector);
+      std::copy_n(buffer.data() + i, part, sector.data() + (offset + i) % kSector);
+      i += part;
+    }
     return bytes;
   }
   void Close() override { open_ = false; }
 
  private:
+  static std::size_t WithinSector(std::uint64_t offset, std::size_t bytes) {
+    return std::min<std::size_t>(bytes, kSector - offset % kSector);
+  }
   std::size_t Allowed(std::uint64_t offset, std::size_t bytes, std::uint64_t& left) const {
     if (!open_ || left == 0 || offset >= size_) return 0;
     if (left != std::numeric_limits<std::uint64_t>::max()) --left;
@@ -75,7 +92,7 @@ class MemoryDevice final : public RawDevice {
   }
 
   std::uint64_t size_;
-  std::map<std::uint64_t, std::vector<std::uint8_t>> sectors_;
+  std::unordered_map<std::uint64_t, std::vector<std::uint8_t>> sectors_;
   bool open_ = false;
 };
 
