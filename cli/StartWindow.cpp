@@ -9,16 +9,14 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "cli/ProgramFolder.h"
 #include "disc/HostError.h"
 
 namespace sectorbox::cli {
 namespace {
 
 std::string WindowProgram() {
-  std::error_code failed;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", failed);
-  if (failed) throw HostError("/proc/self/exe", failed.message());
-  return (self.parent_path() / "sectorbox").string();
+  return ProgramFolder() + "/sectorbox";
 }
 
 // The grandchild: a process that outlives sbx and its terminal's line of jobs. It tells over the
