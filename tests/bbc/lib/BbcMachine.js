@@ -145,7 +145,7 @@ export class BbcMachine {
   enterCommand(line, seconds = 60) {
     this.text();
     this.type(line);
-    this.runUntil(() => /[\r\f]>$/.test(this.seen), seconds, `prompt after ${line}`);
+    this.runUntil(() => /[\r\n\f]>$/.test(this.seen), seconds, `prompt after ${line}`);
     const all = this.text();
     return all.slice(all.indexOf("\r") + 1, -1);
   }
@@ -182,7 +182,12 @@ export class BbcMachine {
     return readTracks(this.discIn(drive));
   }
 
-  /** The same in the order of an .adl file. */
+  /** Only the sectors from `start` on, which is quicker. */
+  readSectors(drive, start, count) {
+    return readTracks(this.discIn(drive), start, count);
+  }
+
+  /** The whole disc in the order of an .adl file. */
   readDiscAsAdl(drive) {
     return interleave(this.readDisc(drive));
   }

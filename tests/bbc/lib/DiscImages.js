@@ -45,14 +45,20 @@ export function readTrack(disc, upperSide, cylinder) {
   return bytes;
 }
 
-/** All sectors of a disc in ADFS's order, as many as its own map says it has. */
-export function readTracks(disc) {
-  const first = readTrack(disc, false, 0);
-  const sectors = first[252] | (first[253] << 8) | (first[254] << 16);
-  const flat = new Uint8Array(sectors * kSectorSize);
-  for (let track = 0; track * kTrackSize < flat.length; track++)
-    flat.set(readTrack(disc, track >= kTracksPerSide, track % kTracksPerSide), track * kTrackSize);
-  return flat;
+/** Sectors of a disc in ADFS's order; all of them, as many as its own map says, unless told. */
+export function readTracks(disc, start = 0, count = sizeByMap(disc) - start) {
+  const firstTrack = Math.floor(start / kSectorsPerTrack);
+  const endTrack = Math.ceil((start + count) / kSectorsPerTrack);
+  const tracks = new Uint8Array((endTrack - firstTrack) * kTrackSize);
+  for (let track = firstTrack; track < endTrack; track++)
+    tracks.set(readTrack(disc, track >= kTracksPerSide, track % kTracksPerSide), (track - firstTrack) * kTrackSize);
+  const skipped = (start % kSectorsPerTrack) * kSectorSize;
+  return tracks.slice(skipped, skipped + count * kSectorSize);
+}
+
+function sizeByMap(disc) {
+  const map = readTrack(disc, false, 0);
+  return map[252] | (map[253] << 8) | (map[254] << 16);
 }
 
 /** The checksum of a map sector: add from byte 254 down with the carry; the last carry is dropped. */

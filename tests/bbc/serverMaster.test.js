@@ -1,0 +1,3 @@
+import { testServer } from "./lib/serverTests.js";
+
+testServer("master");
