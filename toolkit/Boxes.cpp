@@ -1,0 +1,39 @@
+#include "toolkit/Boxes.h"
+
+#include <QMessageBox>
+
+namespace sectorbox {
+namespace {
+
+QMessageBox::Icon IconOf(BoxIcon icon) {
+  switch (icon) {
+    case BoxIcon::kInformation:
+      return QMessageBox::Information;
+    case BoxIcon::kExclamation:
+      return QMessageBox::Warning;
+    case BoxIcon::kCritical:
+      return QMessageBox::Critical;
+    case BoxIcon::kNone:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+}  // namespace
+
+void ShowBox(QWidget* parent, const QString& text, const QString& title, BoxIcon icon) {
+  QMessageBox box(IconOf(icon), title, text, QMessageBox::Ok, parent);
+  // The texts may hold names from a disc, which must not be taken for markup.
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
+bool AskYesNoBox(QWidget* parent, const QString& text, const QString& title) {
+  QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, parent);
+  box.setTextFormat(Qt::PlainText);
+  box.setDefaultButton(QMessageBox::Yes);
+  box.setEscapeButton(QMessageBox::No);
+  return box.exec() == QMessageBox::Yes;
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+// Message boxes. All are modal; they return when the user has answered.
+namespace sectorbox {
+
+enum class BoxIcon { kNone, kInformation, kExclamation, kCritical };
+
+// A box with OK.
+void ShowBox(QWidget* parent, const QString& text,
+             const QString& title = QStringLiteral("Sectorbox"), BoxIcon icon = BoxIcon::kNone);
+// A box with Yes and No; true for Yes. Closing the box is No.
+bool AskYesNoBox(QWidget* parent, const QString& text, const QString& title);
+
+}  // namespace sectorbox
