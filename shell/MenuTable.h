@@ -1,0 +1,27 @@
+#pragma once
+
+#include <span>
+
+// The whole menu tree of the main window, as one table.
+namespace sectorbox {
+
+enum MenuKind {
+  kMenu,      // opens a menu of its own
+  kCommand,   // runs something
+  kCheck,     // flips its check mark
+  kSeparator  // a line; it has a name all the same
+};
+
+struct MenuEntry {
+  const char* Parent;  // name of the menu that it stands in; empty for the menu bar
+  const char* Name;    // the object name of its QAction (and of its QMenu)
+  const char* Caption;
+  MenuKind Kind = kCommand;
+  bool StartsDisabled = false;  // driven by UpdateFileMenu
+};
+
+// Parents come before their entries; entries stand in the order of the menus. No entry of the main
+// window has a shortcut: the keys belong to the panes.
+std::span<const MenuEntry> MenuTable();
+
+}  // namespace sectorbox

@@ -1,0 +1,108 @@
+#include "shell/PaneDrops.h"
+
+#include <QDrag>
+#include <QUrl>
+
+#include "disc/Adfs.h"
+#include "disc/HostFile.h"
+#include "disc/Mutation.h"
+#include "disc/TrackedSector.h"
+#include "shell/Panes.h"
+
+namespace sectorbox {
+namespace {
+
+// Escapes are made from the path's own bytes, so that a name in an old encoding comes back whole.
+QUrl UrlOf(const std::string& path) {
+  const QByteArray escaped = QByteArray::fromStdString(path).toPercentEncoding("/");
+  return QUrl::fromEncoded("file://" + escaped);
+}
+
+void RunDrag(Panes& panes, QWidget& source, const std::vector<std::string>& paths) {
+  if (paths.empty()) return;
+  auto* drag = new QDrag(&source);
+  drag->setMimeData(FileListData(paths).release());
+  drag->exec(Qt::CopyAction, Qt::CopyAction);
+  static_cast<void>(panes);
+}
+
+// True if a folder was among what was added.
+bool AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths) {
+  const TrackedSector target(disc, sector);
+  bool folder = false;
+  for (const auto& path : paths) {
+    if (HostFolderExists(path)) folder = true;
+    if (AddFile(disc, target, path) == -1) break;
+  }
+  return folder;
+}
+
+std::vector<ListRow> SelectedRows(Panes& panes) {
+  std::vector<ListRow> rows;
+  const auto& all = panes.List().Model().Rows();
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (panes.List().IsSelected(static_cast<int>(i))) rows.push_back(all[i]);
+  }
+  return rows;
+}
+
+}  // namespace
+
+std::unique_ptr<QMimeData> FileListData(const std::vector<std::string>& paths) {
+  QList<QUrl> urls;
+  for (const auto& path : paths) urls.append(UrlOf(path));
+  auto data = std::make_unique<QMimeData>();
+  data->setUrls(urls);
+  return data;
+}
+
+std::vector<std::string> PathsOf(const QMimeData& data) {
+  std::vector<std::string> paths;
+  for (const QUrl& url : data.urls()) {
+    if (!url.isLocalFile()) continue;
+    paths.push_back(
+        QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString());
+  }
+  return paths;
+}
+
+std::vector<std::string> ExportForListDrag(Panes& panes) {
+  return panes.Drags().ExportRows(SelectedRows(panes));
+}
+
+std::vector<std::string> ExportForTreeDrag(Panes& panes) {
+  const auto node = panes.CurrentNode();
+  if (!node) return {};
+  if (node->Tag != format::kRootSector) return panes.Drags().ExportDirectory(node->Text, node->Tag);
+  panes.List().selectAll();
+  const auto paths = ExportForListDrag(panes);
+  panes.List().clearSelection();
+  return paths;
+}
+
+void DragList(Panes& panes) {
+  RunDrag(panes, panes.List(), panes.Busily([&] { return ExportForListDrag(panes); }));
+}
+
+void DragTree(Panes& panes) {
+  RunDrag(panes, panes.Tree(), panes.Busily([&] { return ExportForTreeDrag(panes); }));
+}
+
+void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
+  if (!panes.CurrentNode() || !data.hasUrls()) return;
+  if (AddAll(disc, panes.CurrentSector(), PathsOf(data))) panes.RebuildTree();
+  panes.GetRootTitles();
+}
+
+void DropOnTree(Panes& panes, Disc& disc, const QMimeData& data) {
+  if (panes.Tree().DropHighlight() != nullptr && data.hasUrls()) {
+    AddAll(disc, panes.Tree().DropHighlight()->Tag, PathsOf(data));
+    // The message of a refusal runs events, in which a rebuild may have taken the node away.
+    DirNode* target = panes.Tree().DropHighlight();
+    if (target != nullptr) panes.AppendSubdirectories(*target);
+    ShowFreeSpace(disc);
+  }
+  panes.Tree().SetDropHighlight(nullptr);
+}
+
+}  // namespace sectorbox

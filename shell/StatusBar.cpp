@@ -1,0 +1,79 @@
+#include "shell/StatusBar.h"
+
+#include <QDateTime>
+#include <QLocale>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOptionFrame>
+
+#include "toolkit/Twips.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr int kMargin = 5;
+
+}  // namespace
+
+Panel::Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent)
+    : QLabel(parent), mode_(mode) {
+  setObjectName(name);
+  setTextFormat(Qt::PlainText);
+}
+
+QSize Panel::sizeHint() const {
+  return {fontMetrics().horizontalAdvance(text()) + 2 * kMargin, fontMetrics().height() + 4};
+}
+
+QSize Panel::minimumSizeHint() const {
+  return {2 * kMargin, fontMetrics().height() + 4};
+}
+
+void Panel::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  const QRect inside = rect().adjusted(kMargin, 0, -kMargin, 0);
+  const QString shown = fontMetrics().elidedText(text(), mode_, inside.width());
+  style()->drawItemText(&painter, inside, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                        palette(), isEnabled(), shown, foregroundRole());
+  painter.setPen(palette().color(QPalette::Mid));
+  painter.drawLine(width() - 1, 3, width() - 1, height() - 4);
+}
+
+StatusBar::StatusBar(QWidget* parent)
+    : QStatusBar(parent),
+      text_(new Panel(QStringLiteral("sbStatusBar1"), Qt::ElideRight, this)),
+      path_(new Panel(QStringLiteral("sbStatusBar2"), Qt::ElideLeft, this)),
+      date_(new Panel(QStringLiteral("sbStatusBar3"), Qt::ElideNone, this)),
+      time_(new Panel(QStringLiteral("sbStatusBar4"), Qt::ElideNone, this)) {
+  setObjectName(QStringLiteral("sbStatusBar"));
+  setStyleSheet(QStringLiteral("QStatusBar::item { border: none; }"));
+  setSizeGripEnabled(true);
+  addWidget(text_);
+  addWidget(path_, 1);
+  addPermanentWidget(date_);
+  addPermanentWidget(time_);
+  SetText(QStringLiteral("Ready"));
+  connect(&clock_, &QTimer::timeout, this, [this] { ShowClock(); });
+  clock_.start(1000);
+  ShowClock();
+}
+
+void StatusBar::SetText(const QString& text) {
+  text_->setText(text);
+  text_->setToolTip(text);
+}
+
+void StatusBar::SetPath(const QString& text) {
+  path_->setText(text);
+  path_->setToolTip(text);
+}
+
+void StatusBar::ShowClock() {
+  const QDateTime now = QDateTime::currentDateTime();
+  const QString date = QLocale().toString(now.date(), QLocale::ShortFormat);
+  const QString time = QLocale().toString(now.time(), QLocale::ShortFormat);
+  if (date_->text() != date) date_->setText(date);
+  if (time_->text() != time) time_->setText(time);
+}
+
+}  // namespace sectorbox

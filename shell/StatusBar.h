@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QLabel>
+#include <QStatusBar>
+#include <QTimer>
+
+namespace sectorbox {
+
+// A label that shortens its text with an ellipsis instead of forcing its width on the window.
+class Panel : public QLabel {
+ public:
+  Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent);
+  QSize sizeHint() const override;
+  QSize minimumSizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+
+ private:
+  Qt::TextElideMode mode_;
+};
+
+// sbStatusBar: text, path, current date, current time. The panels are sbStatusBar1 to sbStatusBar4.
+class StatusBar : public QStatusBar {
+ public:
+  explicit StatusBar(QWidget* parent);
+
+  void SetText(const QString& text);  // panel 1
+  void SetPath(const QString& text);  // panel 2, which takes up the spare width
+
+ private:
+  void ShowClock();
+
+  Panel* text_;
+  Panel* path_;
+  Panel* date_;
+  Panel* time_;
+  QTimer clock_;
+};
+
+}  // namespace sectorbox

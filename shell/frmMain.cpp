@@ -1,0 +1,229 @@
+#include "shell/frmMain.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QMenuBar>
+
+#include "disc/HostError.h"
+#include "disc/HostFile.h"
+#include "disc/NewDisc.h"
+#include "disc/OpenImage.h"
+#include "disc/Session.h"
+#include "shell/CFCommands.h"
+#include "shell/DirectoryCommands.h"
+#include "shell/DiscCommands.h"
+#include "shell/FileCommands.h"
+#include "shell/HelpCommands.h"
+#include "shell/HostFolders.h"
+#include "shell/Icons.h"
+#include "shell/MainSettings.h"
+#include "shell/MenuTable.h"
+#include "shell/OptionCommands.h"
+#include "shell/Panes.h"
+#include "shell/PictureCommands.h"
+#include "shell/Recovery.h"
+#include "shell/StatusBar.h"
+#include "shell/ViewCommands.h"
+#include "shell/WindowHost.h"
+#include "shell/XferCommands.h"
+#include "toolkit/Boxes.h"
+#include "toolkit/Text.h"
+#include "toolkit/Twips.h"
+#include "toolkit/WindowPlace.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr double kLeastWidth = 3000;  // twips
+
+}  // namespace
+
+frmMain::frmMain(Disc& disc, WindowHost& host) : disc_(disc), host_(host) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowIcon(LoadIcon("sectorbox"));
+  MakeMenus();
+  status_ = new StatusBar(this);
+  setStatusBar(status_);
+  panes_ = new Panes(*this);
+  setCentralWidget(panes_);
+  setMinimumSize(PixelsFromTwips(kLeastWidth), 1);
+  host_.Attach(this);
+  MainWindow = this;
+  MakeCommands();
+  TellUnhandled();
+}
+
+frmMain::~frmMain() {
+  host_.Attach(nullptr);
+  MainWindow = nullptr;
+}
+
+void frmMain::MakeMenus() {
+  QHash<QString, QMenu*> menus;
+  for (const MenuEntry& entry : MenuTable()) {
+    const QString name = QString::fromLatin1(entry.Name);
+    const QString caption = QString::fromLatin1(entry.Caption);
+    QMenu* parent = menus.value(QString::fromLatin1(entry.Parent));
+    QAction* action = nullptr;
+    if (entry.Kind == kMenu) {
+      auto* menu = parent == nullptr ? menuBar()->addMenu(caption) : parent->addMenu(caption);
+      menu->setObjectName(name);
+      menus.insert(name, menu);
+      action = menu->menuAction();
+    } else {
+      action = new QAction(caption, this);
+      action->setCheckable(entry.Kind == kCheck);
+      action->setSeparator(entry.Kind == kSeparator);
+      parent->addAction(action);
+    }
+    action->setObjectName(name);
+    action->setEnabled(!entry.StartsDisabled);
+    actions_.insert(name, action);
+  }
+}
+
+void frmMain::MakeCommands() {
+  discCommands_ = std::make_unique<DiscCommands>(*this);
+  directory_ = std::make_unique<DirectoryCommands>(*this);
+  file_ = std::make_unique<FileCommands>(*this);
+  options_ = std::make_unique<OptionCommands>(*this);
+  help_ = std::make_unique<HelpCommands>(*this);
+  views_ = std::make_unique<ViewCommands>(*this);
+  pictures_ = std::make_unique<PictureCommands>(*this);
+  xfer_ = std::make_unique<XferCommands>(*this);
+  cards_ = std::make_unique<CFCommands>(*this);
+}
+
+// An entry whose command isn't there yet says so instead of doing nothing.
+void frmMain::TellUnhandled() {
+  for (const MenuEntry& entry : MenuTable()) {
+    const QString name = QString::fromLatin1(entry.Name);
+    if (entry.Kind == kMenu || entry.Kind == kSeparator || handled_.contains(name)) continue;
+    QAction* action = actions_.value(name);
+    connect(action, &QAction::triggered, this, [this, action] {
+      status_->SetText(action->text().remove(u'&') + QStringLiteral(" isn't available"));
+    });
+  }
+}
+
+QAction* frmMain::Action(const char* name) const {
+  QAction* action = actions_.value(QString::fromLatin1(name));
+  Q_ASSERT_X(action != nullptr, "frmMain::Action", name);
+  return action;
+}
+
+void frmMain::OnCommand(const char* name, std::function<void()> command) {
+  handled_.insert(QString::fromLatin1(name));
+  connect(Action(name), &QAction::triggered, this,
+          [this, command = std::move(command)] { Guarded(command); });
+}
+
+void frmMain::Guarded(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const HostError& error) {
+    host_.SetBusyPointer(false);
+    host_.CloseProgress();
+    ShowBox(this, FromHost(error.what()), QStringLiteral("Sectorbox"), BoxIcon::kExclamation);
+  } catch (const std::exception& error) {
+    Fail(FromHost(error.what()));
+  }
+}
+
+void frmMain::Fail(const QString& reason) {
+  host_.SetBusyPointer(false);
+  QString text = reason;
+  const QString kept = KeepUnsavedDisc(disc_);
+  if (!kept.isEmpty()) text += QStringLiteral("\n\n") + kept;
+  hide();
+  ShowBox(nullptr, text, QStringLiteral("Sectorbox"), BoxIcon::kCritical);
+  EndProgram(1);
+}
+
+std::optional<CurrentDirectory> frmMain::CurrentNode() const {
+  return panes_->CurrentNode();
+}
+
+const ListRow* frmMain::CurrentItem() const {
+  return panes_->CurrentItem();
+}
+
+void frmMain::SetStatus(const QString& text, bool busy) {
+  if (text.isEmpty()) {
+    host_.SetBusyPointer(false);
+    status_->SetText(QStringLiteral("Ready"));
+  } else {
+    status_->SetText(busy ? text + QStringLiteral(", please wait...") : text);
+  }
+  RefreshCaption();
+  SetPanel2(FromBbc(panes_->CurrentDirPath()));
+  status_->repaint();
+}
+
+void frmMain::SetPanel2(const QString& text) {
+  status_->SetPath(text);
+}
+
+void frmMain::RefreshCaption() {
+  setWindowTitle(QStringLiteral("Sectorbox - ") + FromHost(disc_.ImageName) +
+                 (disc_.ImageChanged ? QStringLiteral("*") : QString()));
+}
+
+void frmMain::Load(const std::string& commandLine) {
+  RestorePlace(*this, kMainPlace);
+  disc_.ImageName = ToHost(SettingsStore().GetString("Root", QStringLiteral("C:\\")));
+  show();
+  LoadSettings(*this);
+  Guarded([&] {
+    disc_.ImageName = "NewDisc.adl";
+    CreateDisc(disc_, disc_.ImageName, 80, 2, 16, kAdl);
+    panes_->RebuildTree();
+    RemoveHostTree(GetTempFolder() + "adfs_temp");
+    panes_->ResetDragFolders();
+    OpenFromCommandLine(commandLine);
+  });
+}
+
+// Whoever starts the program puts quotes around the path; they are cut off without a look, so a
+// path that comes without them loses its own first and last character and isn't found.
+void frmMain::OpenFromCommandLine(const std::string& commandLine) {
+  if (commandLine.size() < 3) return;
+  const std::string path = commandLine.substr(1, commandLine.size() - 2);
+  if (HostFileExists(path)) OpenImage(disc_, path);
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  event->accept();
+  if (unloaded_) return;
+  unloaded_ = true;
+  Form_QueryUnload();
+  Form_Unload();
+}
+
+// Closing can't be cancelled: the question is only whether to save first.
+void frmMain::Form_QueryUnload() {
+  Guarded([this] {
+    if (disc_.ImageChanged) QuerySaveChanges(disc_);
+  });
+}
+
+void frmMain::Form_Unload() {
+  Guarded([this] {
+    if (disc_.ImageChanged) QuerySaveChanges(disc_);
+  });
+  // A .dat or a card is written through, but its last blocks only when it is closed. The boot
+  // option changes them without ImageChanged.
+  Guarded([this] {
+    if (disc_.TheDisc.disctype() == kDat || disc_.TheDisc.disctype() == kCF) {
+      disc_.TheDisc.CloseFile();
+    }
+  });
+  Guarded([this] { xfer_->ClosePort(); });
+  SavePlace(*this, kMainPlace);
+  SaveSettings(*this);
+  xfer_->CloseTrace();
+  EndProgram(0);
+}
+
+}  // namespace sectorbox
