@@ -46,3 +46,14 @@ function(sectorbox_test name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   gtest_discover_tests(${name} PROPERTIES LABELS ${ARG_LABEL} DISCOVERY_TIMEOUT 60)
 endfunction()
+
+# sectorbox_window_test(NAME SOURCES... [LINKS ...]): a GoogleTest program of window tests, offscreen;
+# its main and its fixture come from window_test_support.
+function(sectorbox_window_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE sectorbox_options ${ARG_LINKS} window_test_support)
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
+  gtest_discover_tests(${name} PROPERTIES LABELS gui ENVIRONMENT QT_QPA_PLATFORM=offscreen TIMEOUT 120
+                       DISCOVERY_TIMEOUT 60)
+endfunction()

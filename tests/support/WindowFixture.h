@@ -1,0 +1,102 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QTimer>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "disc/Disc.h"
+#include "shell/Panes.h"
+#include "shell/WindowHost.h"
+#include "shell/frmMain.h"
+#include "tests/support/ImageBuilder.h"
+#include "tests/support/MemoryDevice.h"
+#include "tests/support/TempFolder.h"
+#include "toolkit/SettingsStore.h"
+
+namespace sectorbox::testing {
+
+// Plays the user at modal dialogs. Answers are queued before what opens the dialogs is triggered,
+// and taken in order, each by the next dialog that comes up. A dialog that nobody expected fails
+// the test and is closed, and one that an answer left open for too long as well, so that no test
+// hangs. An answer that was never used fails the test too.
+class DialogPlayer {
+ public:
+  DialogPlayer();
+  ~DialogPlayer();
+
+  // The next modal window, whatever it is, is given to the answer, which must end by closing it.
+  void Expect(std::function<void(QWidget& dialog)> answer);
+  // The next one must be a message box with that text (and title, unless empty): OK.
+  void ExpectBox(const QString& text, const QString& title = {});
+  // A question: Yes or No.
+  void ExpectYesNo(const QString& text, bool yes);
+  // A file or folder dialog: chooses the path; an empty one cancels.
+  void ExpectFileDialog(const std::string& path);
+  // Accepted file dialogs' properties are looked at by who passes a look.
+  void ExpectFileDialog(const std::string& path, std::function<void(QWidget&)> look);
+
+  bool AllPlayed() const { return answers_.empty(); }
+
+ private:
+  void Tick();
+
+  QTimer timer_;
+  std::deque<std::function<void(QWidget&)>> answers_;
+  QPointer<QWidget> answered_;
+  int ticksOpen_ = 0;
+};
+
+// A main window of the test's own: settings, temporary folder, disc and host of its own, no splash,
+// and an end of the program that is only noted.
+class WindowTest : public ::testing::Test {
+ protected:
+  WindowTest();
+  ~WindowTest() override;
+
+  // The window, loaded with the given command line (quotes included).
+  frmMain& Start(const std::string& commandLine = {});
+  // The same, opening an image of the test's.
+  frmMain& StartWith(const ImageBuilder& image, const std::string& name = "test.adl");
+  // A second start, with the settings that the first one left.
+  frmMain& StartAgain(const std::string& commandLine = {});
+
+  // Triggers an entry by its name; it must be enabled.
+  void Choose(const char* entry);
+  // A child of the main window by its object name.
+  template <typename T = QWidget>
+  T& Find(const char* name) {
+    T* found = window_->findChild<T*>(QString::fromLatin1(name));
+    EXPECT_NE(found, nullptr) << name;
+    if (found == nullptr) throw std::runtime_error(std::string("no such child: ") + name);
+    return *found;
+  }
+  QString Panel(int n);  // text of a status bar panel, 1 to 4
+  QStringList Names();   // of the list, as shown
+  QStringList Nodes();   // of the tree, depth first
+  DirNode& Node(const QString& text);
+  int Row(const QString& name);
+  void ClickRow(const QString& name, Qt::KeyboardModifiers modifiers = {});
+  void SelectRows(const QStringList& names);
+  void ClickNode(const QString& text);
+  void Press(QWidget& target, Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+  // Runs what waits in the event loop, deferred edits included.
+  void Settle();
+
+  TempFolder folder_;
+  MemoryDevice* device_ = nullptr;  // the card behind the disc
+  std::unique_ptr<WindowHost> host_;
+  std::unique_ptr<Disc> disc_;
+  std::unique_ptr<frmMain> window_;
+  DialogPlayer player_;
+  std::vector<int> ends_;  // each end of the program, with its status
+};
+
+}  // namespace sectorbox::testing
