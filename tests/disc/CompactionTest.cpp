@@ -1,0 +1,254 @@
+#include "disc/Compaction.h"
+
+#include <random>
+
+#include "disc/TrackedSector.h"
+#include "tests/disc/EngineTest.h"
+#include "tests/disc/PlainCompaction.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+
+class CompactionTest : public EngineTest {
+ protected:
+  // Compacts, and expects that the step-by-step way leaves the very same bytes.
+  void CompactAndCompare() {
+    Bytes expected = Image();
+    CompactPlainly(expected);
+    CompactDisc(disc_);
+    ASSERT_EQ(Image(), expected);
+  }
+};
+
+TEST_F(CompactionTest, ADiscWithoutHolesGetsItsOneRunAtTheSamePlace) {
+  ImageBuilder image(640);
+  image.AddFile(image.AddDirectory(2, "D"), {"A", Pattern(900), 0, 0, "WR"});
+  Open(image);
+  const Bytes before = Image();
+  CompactAndCompare();
+  EXPECT_EQ(Image(), before);
+  EXPECT_TRUE(disc_.ImageChanged);
+  EXPECT_EQ(host_.Log, (std::vector<std::string>{"status Compacting Disc (busy)", "pointer busy",
+                                                 "pointer normal"}));
+}
+
+TEST_F(CompactionTest, AFullDiscKeepsARunOfLengthZero) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Bytes(633 * 256), 0, 0, "WR"});
+  Open(image);
+  CompactAndCompare();
+  EXPECT_EQ(Image()[510], 3);
+  EXPECT_EQ(Runs(), "640+0");
+}
+
+TEST_F(CompactionTest, AChildIsFoundAtItsParentsNewPlaceAndAtTheOldOneWhenTheParentLiesHigher) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto low = image.AddDirectory(2, "LOW");
+  image.AddHole(3);
+  image.AddFile(low, {"ABOVE", Pattern(700, 1), 0, 0, "WR"});
+  const auto below = image.AddFile(2, {"TEMP", Pattern(700, 2), 0, 0, "WR"});
+  image.AddHole(2);
+  const auto high = image.AddDirectory(2, "ZHIGH");
+  const auto sub = image.AddDirectory(high, "SUB");
+  image.AddFile(sub, {"X", Pattern(10, 3), 0, 0, "WR"});
+  // TEMP becomes an entry of the directory that lies above it.
+  Bytes bytes = image.Bytes();
+  const auto root = bytes.begin() + 517;
+  const auto entries = bytes.begin() + high * 256 + 5;
+  std::copy(root + 26, root + 52, entries + 26);
+  std::copy(root + 52, root + 78, root + 26);
+  std::fill(root + 52, root + 78, std::uint8_t{0});
+  Open(bytes);
+  ASSERT_EQ(Names(high), "SUB TEMP");
+  CompactAndCompare();
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+  const auto newHigh = GetEntrySector(disc_, 2, "ZHIGH");
+  EXPECT_EQ(Contents(newHigh, "TEMP"), Pattern(700, 2));
+  EXPECT_EQ(Contents(GetEntrySector(disc_, 2, "LOW"), "ABOVE"), Pattern(700, 1));
+  EXPECT_EQ(Contents(GetEntrySector(disc_, newHigh, "SUB"), "X"), Pattern(10, 3));
+  EXPECT_LT(GetEntrySector(disc_, newHigh, "TEMP"), below);
+  EXPECT_EQ(disc_.FreeCount, 1);
+}
+
+TEST_F(CompactionTest, NoSequenceNumberChanges) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  image.AddFile(image.AddDirectory(2, "D"), {"A", Pattern(900), 0, 0, "WR"});
+  Open(image);
+  CompactAndCompare();
+  EXPECT_EQ(Sequence(2), 1);
+  EXPECT_EQ(Sequence(7), 1);
+}
+
+TEST_F(CompactionTest, ADirectoryWhoseOwnNameDisagreesMovesAndItsEntryStaysBehind) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto dir = image.AddDirectory(2, "D");
+  image.Poke(dir * 256 + 1228, 'Q');
+  Open(image);
+  CompactAndCompare();
+  EXPECT_EQ(GetEntrySector(disc_, 2, "D"), dir);
+  EXPECT_TRUE(IsDirectory(disc_, 7));
+}
+
+TEST_F(CompactionTest, ThePanesAreToldWhichDirectoriesMoved) {
+  ImageBuilder image(640);
+  image.AddDirectory(2, "A");
+  image.AddHole(10);
+  image.AddDirectory(2, "B");
+  image.AddFile(2, {"F", {}, 0, 0, "WR"});
+  image.AddDirectory(2, "C");
+  Open(image);
+  CompactDisc(disc_);
+  EXPECT_EQ(host_.LogOf("moved"), std::vector<std::string>{"moved 22>12 28>18"});
+}
+
+TEST_F(CompactionTest, ASectorThatIsHeldFollowsTheMove) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto dir = image.AddDirectory(2, "A");
+  Open(image);
+  const TrackedSector held(disc_, dir);
+  const TrackedSector root(disc_, 2);
+  CompactDisc(disc_);
+  EXPECT_EQ(held, 7);
+  EXPECT_EQ(root, 2);
+}
+
+class DamagedCompactionTest : public CompactionTest {
+ protected:
+  void ExpectRefusal(const ImageBuilder& image) {
+    Open(image);
+    const Bytes before = Image();
+    host_.ExpectedMessages = {"Cannot Compact A Damaged Disc"};
+    CompactDisc(disc_);
+    EXPECT_EQ(Image(), before);
+    EXPECT_FALSE(disc_.ImageChanged);
+    EXPECT_EQ(host_.Log.back(), "message Cannot Compact A Damaged Disc");
+  }
+};
+
+TEST_F(DamagedCompactionTest, DirectoriesThatLeadInACircleAreLeftAlone) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddDirectory(dir, "LOOP");
+  image.Poke(dir * 256 + 5 + 22, static_cast<std::uint8_t>(dir));
+  ExpectRefusal(image);
+}
+
+TEST_F(DamagedCompactionTest, ObjectsThatOverlapAreLeftAlone) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
+  image.AddFile(2, {"B", Pattern(900), 0, 0, "WR"});
+  image.Poke(517 + 26 + 22, 18);
+  ExpectRefusal(image);
+}
+
+TEST_F(DamagedCompactionTest, AnObjectInTheMapOrTheRootIsLeftAlone) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
+  image.Poke(517 + 22, 1);
+  ExpectRefusal(image);
+}
+
+TEST_F(DamagedCompactionTest, ObjectsThatNeedMoreThanTheDiscAreLeftAlone) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
+  for (int i = 18; i < 22; ++i) image.Poke(517 + i, 0xFF);
+  ExpectRefusal(image);
+}
+
+TEST_F(DamagedCompactionTest, AWebOfDirectoriesEndsInBoundedTime) {
+  ImageBuilder image(2560);
+  std::vector<std::int32_t> level{2};
+  for (int depth = 0; depth < 6; ++depth) {
+    const auto next = image.AddDirectory(level.back(), "D00");
+    for (int i = 1; i < 47; ++i) {
+      image.AddDirectory(level.back(), "D" + std::to_string(10 + i));
+      const auto entry = level.back() * 256 + 5 + 26 * i + 22;
+      image.Poke(entry, static_cast<std::uint8_t>(next & 255));
+      image.Poke(entry + 1, static_cast<std::uint8_t>(next >> 8));
+      if (i == 1) image.SetFreeRuns({{next + 5, 2500 - next}});
+    }
+    image.SetFreeRuns({{next + 5, 2500 - next}});
+    level.push_back(next);
+  }
+  ExpectRefusal(image);
+}
+
+// --- The same bytes as the plain, quadratic way --------------------------------------------------
+
+class RandomDisc {
+ public:
+  explicit RandomDisc(unsigned seed) : random_(seed), image_(1280) {
+    dirs_.push_back(2);
+    const int objects = 5 + static_cast<int>(random_() % 60);
+    for (int i = 0; i < objects; ++i) AddOne(i);
+  }
+  const ImageBuilder& Image() const { return image_; }
+  // Pokes that leave a disc whose objects don't overlap, but whose directories tell untruths.
+  void TellUntruths() {
+    for (std::size_t i = 1; i < dirs_.size(); ++i) {
+      const std::int64_t base = std::int64_t{dirs_[i]} * 256;
+      if (random_() % 3 == 0) image_.Poke(base + 1228, static_cast<std::uint8_t>(random_()));
+      if (random_() % 3 == 0) {
+        image_.Poke(base + 1238, static_cast<std::uint8_t>(dirs_[random_() % dirs_.size()]));
+      }
+      if (random_() % 6 == 0) image_.Poke(base + 1, 'x');
+    }
+  }
+
+ private:
+  void AddOne(int i) {
+    const auto dir = dirs_[random_() % dirs_.size()];
+    const std::string name =
+        (random_() % 2 ? "n" : "N") + std::to_string(random_() % 1000) + "_" + std::to_string(i);
+    try {
+      if (random_() % 2 == 0) image_.AddHole(1 + static_cast<std::int32_t>(random_() % 9));
+    } catch (const std::runtime_error&) {
+      return;
+    }
+    try {
+      if (random_() % 4 == 0) {
+        dirs_.push_back(image_.AddDirectory(dir, name));
+      } else {
+        image_.AddFile(dir,
+                       {name, Pattern(random_() % 3000, static_cast<unsigned>(i)), 0, 0, "WR"});
+      }
+    } catch (const std::runtime_error&) {
+    }
+  }
+
+  std::mt19937 random_;
+  ImageBuilder image_;
+  std::vector<std::int32_t> dirs_;
+};
+
+TEST_F(CompactionTest, RandomDiscsComeOutByteForByteAsInTheStepByStepWay) {
+  for (unsigned seed = 0; seed < 300; ++seed) {
+    SCOPED_TRACE(seed);
+    const RandomDisc disc(seed);
+    Open(disc.Image(), seed % 2 ? kAdf : kDat);
+    CompactAndCompare();
+    ASSERT_EQ(Faults(), std::vector<std::string>());
+  }
+}
+
+TEST_F(CompactionTest, SoDoDiscsWhoseDirectoriesTellUntruthsOfThemselves) {
+  for (unsigned seed = 0; seed < 300; ++seed) {
+    SCOPED_TRACE(seed);
+    RandomDisc disc(seed);
+    disc.TellUntruths();
+    Open(disc.Image());
+    CompactAndCompare();
+  }
+}
+
+}  // namespace
+}  // namespace sectorbox

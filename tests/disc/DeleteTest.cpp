@@ -1,0 +1,169 @@
+#include "disc/WalkBudget.h"
+#include "tests/disc/EngineTest.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+
+class DeleteTest : public EngineTest {};
+
+TEST_F(DeleteTest, ANameThatIsNotThereIsDoneWithoutAMessageOrABump) {
+  Open(ImageBuilder(640));
+  const Bytes before = Image();
+  EXPECT_EQ(DeleteEntry(disc_, 2, "NONE", false, false), 0);
+  EXPECT_EQ(Image(), before);
+  EXPECT_FALSE(disc_.ImageChanged);
+}
+
+TEST_F(DeleteTest, TheSectorsComeFreeTheGapClosesAndTheDataStay) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(300), 0, 0, "WR"});
+  image.AddFile(2, {"B", Pattern(300), 0, 0, "WR"});
+  image.AddFile(2, {"C", Pattern(300), 0, 0, "WR"});
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "b", false, false), 0);
+  EXPECT_EQ(Names(2), "A C");
+  EXPECT_EQ(Runs(), "9+2 13+627");
+  EXPECT_EQ(Sequence(2), 2);
+  EXPECT_TRUE(disc_.ImageChanged);
+  const Bytes disc = Image();
+  EXPECT_EQ(Bytes(disc.begin() + 9 * 256, disc.begin() + 9 * 256 + 300), Pattern(300));
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
+TEST_F(DeleteTest, DeletingTheLastEntryOfAFullDirectoryZeroesSlot46) {
+  ImageBuilder image(640);
+  for (int i = 0; i < 47; ++i) image.AddFile(2, {"F" + std::to_string(100 + i), {}, 0, 0, "WR"});
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "F146", false, false), 0);
+  const Bytes disc = Image();
+  EXPECT_EQ(Bytes(disc.begin() + 512 + 1201, disc.begin() + 512 + 1227), Bytes(26));
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
+TEST_F(DeleteTest, LockedEntriesAreRefusedUnlessTheLockIsIgnored) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"FILE", {}, 0, 0, "LWR"});
+  image.AddDirectory(2, "DIR", "LWR");
+  Open(image);
+  const Bytes before = Image();
+  host_.ExpectedMessages = {"Cannot Delete Locked File : FILE",
+                            "Cannot Delete Locked Directory : DIR"};
+  EXPECT_EQ(DeleteEntry(disc_, 2, "FILE", false, false), -1);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, false), -1);
+  EXPECT_EQ(Image(), before);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "FILE", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), 0);
+  EXPECT_EQ(Runs(), "7+633");
+}
+
+TEST_F(DeleteTest, TheLockIsReportedBeforeTheContents) {
+  ImageBuilder image(640);
+  image.AddFile(image.AddDirectory(2, "DIR", "LWR"), {"X", {}, 0, 0, "WR"});
+  Open(image);
+  host_.ExpectedMessages = {"Cannot Delete Locked Directory : DIR",
+                            "Cannot Delete Non Empty Directory : DIR"};
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, false), -1);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), -1);
+}
+
+TEST_F(DeleteTest, ADirectoryCountsAs1280BytesWhateverItsFieldHolds) {
+  ImageBuilder image(640);
+  image.AddDirectory(2, "DIR");
+  image.Poke(517 + 18, 0);
+  image.Poke(517 + 19, 0);
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), 0);
+  EXPECT_EQ(Runs(), "7+633");
+}
+
+TEST_F(DeleteTest, ATreeGoesWithAllThatIsInItAndYieldsAfterEachEntry) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddFile(dir, {"A", {}, 0, 0, "WR"});
+  image.AddFile(image.AddDirectory(dir, "SUB"), {"B", {}, 0, 0, "WR"});
+  Open(image);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(Names(2), "");
+  EXPECT_EQ(Runs(), "7+633");
+  EXPECT_EQ(host_.LogOf("pump").size(), 3U);
+}
+
+TEST_F(DeleteTest, WithoutTheOptionANonEmptyTreeIsRefused) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddFile(dir, {"A", {}, 0, 0, "WR"});
+  Open(image);
+  host_.ExpectedMessages = {"Cannot Delete Non Empty Directory : DIR"};
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, false), -1);
+  EXPECT_EQ(Names(dir), "A");
+}
+
+TEST_F(DeleteTest, ALockedFileDeepInATreeLeavesItHalfRemoved) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddFile(dir, {"A", {}, 0, 0, "WR"});
+  image.AddFile(dir, {"B", {}, 0, 0, "LWR"});
+  image.AddFile(dir, {"C", {}, 0, 0, "WR"});
+  Open(image);
+  host_.ExpectedMessages = {"Cannot Delete Locked File : B"};
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", false, true), -1);
+  EXPECT_EQ(Names(dir), "B C");
+  EXPECT_EQ(Names(2), "DIR");
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
+TEST_F(DeleteTest, TheRootIsEmptiedAndKept) {
+  ImageBuilder image(640);
+  image.AddFile(image.AddDirectory(2, "DIR"), {"A", {}, 0, 0, "WR"});
+  image.AddFile(2, {"B", {}, 0, 0, "WR"});
+  Open(image);
+  EXPECT_EQ(DeleteTree(disc_, -1, 2, "$", true, true), 0);
+  EXPECT_EQ(Names(2), "");
+  EXPECT_EQ(Runs(), "7+633");
+}
+
+TEST_F(DeleteTest, ATreeThatLeadsBackUpIsRefusedBeforeAnythingInItIsDeleted) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddFile(dir, {"A", {}, 0, 0, "WR"});
+  image.AddDirectory(dir, "LOOP");
+  image.Poke(dir * 256 + 5 + 26 + 22, static_cast<std::uint8_t>(dir));
+  image.AddFile(2, {"MINE", {}, 0, 0, "WR"});
+  Open(image);
+  const Bytes before = Image();
+  host_.ExpectedMessages = {"Cannot Delete Damaged Directory : DIR"};
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), -1);
+  EXPECT_EQ(Image(), before);
+}
+
+TEST_F(DeleteTest, ADirectoryThatIsTheRootItselfDoesNotTakeTheDiscAlong) {
+  ImageBuilder image(640);
+  image.AddDirectory(2, "LOOP");
+  image.Poke(517 + 22, 2);
+  image.AddFile(2, {"MINE", {}, 0, 0, "WR"});
+  Open(image);
+  const Bytes before = Image();
+  host_.ExpectedMessages = {"Cannot Delete Damaged Directory : LOOP"};
+  EXPECT_EQ(DeleteTree(disc_, 2, 2, "LOOP", true, true), -1);
+  EXPECT_EQ(Image(), before);
+}
+
+TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapOrBeyondTheDiscDoesNotComeFree) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"LOW", Pattern(2560), 0, 0, "WR"});
+  image.AddFile(2, {"PAST", Pattern(512), 0, 0, "WR"});
+  image.Poke(517 + 22, 0);          // LOW starts in the map
+  image.Poke(517 + 26 + 18, 0xFF);  // PAST is four gigabytes long
+  for (int i = 19; i < 22; ++i) image.Poke(517 + 26 + i, 0xFF);
+  image.SetFreeRuns({});
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), 0);
+  EXPECT_EQ(Runs(), "17+623");
+  EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), 0);
+  EXPECT_EQ(Runs(), "7+3 17+623");
+}
+
+}  // namespace
+}  // namespace sectorbox

@@ -1,0 +1,107 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "disc/Adfs.h"
+#include "disc/Disc.h"
+#include "disc/FreeMap.h"
+#include "disc/Mutation.h"
+#include "tests/support/DiscReading.h"
+#include "tests/support/ImageBuilder.h"
+#include "tests/support/ScriptedHost.h"
+#include "tests/support/TempFolder.h"
+
+namespace sectorbox::testing {
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline Bytes Pattern(std::size_t length, unsigned seed = 1) {
+  Bytes bytes(length);
+  for (std::size_t i = 0; i < length; ++i) {
+    bytes[i] = static_cast<std::uint8_t>((i * 31 + seed * 97 + i / 251) & 255);
+  }
+  return bytes;
+}
+
+// An open disc, a scripted host and a folder of the host.
+class EngineTest : public ::testing::Test {
+ protected:
+  void Open(const ImageBuilder& image, DiscType kind = kAdf) { Open(image.Bytes(), kind); }
+
+  // bytes are in the order of the store.
+  void Open(const Bytes& bytes, DiscType kind = kAdf) {
+    size_ = bytes.size();
+    const std::string path = folder_ / "disc.img";
+    WriteAll(path, bytes);
+    host_.Interleave = false;
+    disc_.TheDisc.OpenFile(path, kind, static_cast<std::int32_t>(size_ / 4096 + 1), 1, 16);
+    ReadFreeMap(disc_);
+    host_.Log.clear();
+  }
+
+  Bytes Image() {
+    Bytes bytes(size_);
+    disc_.TheDisc.FetchBytes(0, bytes);
+    return bytes;
+  }
+  std::vector<std::string> Faults() { return FaultsOf(Image()); }
+  ReadObject Tree() { return ReadTree(Image()); }
+
+  // The names in a directory, in order, with blanks between.
+  std::string Names(std::int32_t dir) {
+    std::string names;
+    for (std::int32_t slot = 0; slot < 47; ++slot) {
+      const std::string name = GetEntryName(disc_, dir, slot);
+      if (EntryIsEmpty(name)) break;
+      names += (names.empty() ? "" : " ") + name;
+    }
+    return names;
+  }
+  int Sequence(std::int32_t dir) { return disc_.TheDisc.Fetch(SectorOffset(dir)); }
+  std::string Attr(std::int32_t dir, const std::string& name) {
+    return GetEntryAttributes(disc_, EntryOffset(dir, FindEntry(disc_, dir, name)));
+  }
+  std::uint32_t Load(std::int32_t dir, const std::string& name) {
+    return Fetch32(disc_, EntryOffset(dir, FindEntry(disc_, dir, name)) + 10);
+  }
+  std::uint32_t Length(std::int32_t dir, const std::string& name) {
+    return Fetch32(disc_, EntryOffset(dir, FindEntry(disc_, dir, name)) + 18);
+  }
+  Bytes Contents(std::int32_t dir, const std::string& name) {
+    Bytes bytes(Length(dir, name));
+    disc_.TheDisc.FetchBytes(SectorOffset(GetEntrySector(disc_, dir, name)), bytes);
+    return bytes;
+  }
+  // The free list, as "start+length start+length".
+  std::string Runs() {
+    std::string text;
+    for (const FreeRun& run : ReadFreeRuns(Image())) {
+      text +=
+          (text.empty() ? "" : " ") + std::to_string(run.Start) + "+" + std::to_string(run.Length);
+    }
+    return text;
+  }
+
+  // Makes a host file and gives its path.
+  std::string HostFile(const std::string& name, const Bytes& bytes) {
+    WriteAll(folder_ / name, bytes);
+    return folder_ / name;
+  }
+  std::string HostFile(const std::string& name, const std::string& text) {
+    return HostFile(name, Bytes(text.begin(), text.end()));
+  }
+  std::int16_t Add(const std::string& name, const Bytes& bytes, std::int32_t dir = 2) {
+    return AddFile(disc_, dir, HostFile(name, bytes));
+  }
+
+  TempFolder folder_;
+  ScriptedHost host_;
+  Disc disc_{host_};
+  std::size_t size_ = 0;
+};
+
+}  // namespace sectorbox::testing
