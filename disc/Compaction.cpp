@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "disc/Adfs.h"
@@ -29,10 +30,17 @@ constexpr std::size_t kMaxObjects = 0x210000;
 // Sectors are moved this many bytes at a time.
 constexpr std::int64_t kMoveSize = 65536;
 
-// Adds the directory and all below it; false when the walk runs out of its bounds.
+struct Walk {
+  WalkBudget Budget;
+  std::unordered_set<std::int32_t> Seen;
+};
+
+// Adds the directory and all below it; false when the walk comes to a directory a second time, or
+// runs out of its bounds.
 bool CollectObjects(Disc& disc, std::int32_t DirSector, std::vector<ObjectRecord>& objects,
-                    WalkBudget& budget) {
-  if (!budget.Enter() || objects.size() + kEntryCount > kMaxObjects) return false;
+                    Walk& walk) {
+  if (!walk.Seen.insert(DirSector).second || !walk.Budget.Enter()) return false;
+  if (objects.size() + kEntryCount > kMaxObjects) return false;
   // What the directory says of itself, and not what its entry says, is how it is found again.
   objects.push_back({GetDirName(disc, DirSector), false,
                      Fetch24(disc, SectorOffset(DirSector) + kDirParent), DirSector, kDirSectors});
@@ -44,13 +52,13 @@ bool CollectObjects(Disc& disc, std::int32_t DirSector, std::vector<ObjectRecord
     const std::int64_t entry = EntryOffset(DirSector, slot);
     const std::int32_t start = Fetch24(disc, entry + kEntrySector);
     if (EntryHas(disc, entry, kAttrDirectory)) {
-      whole = CollectObjects(disc, start, objects, budget);
+      whole = CollectObjects(disc, start, objects, walk);
     } else {
       objects.push_back(
           {name, true, DirSector, start, SectorsOfLength(Fetch32(disc, entry + kEntryLength))});
     }
   }
-  budget.Leave();
+  walk.Budget.Leave();
   return whole;
 }
 
@@ -59,8 +67,8 @@ bool CollectObjects(Disc& disc, std::int32_t DirSector, std::vector<ObjectRecord
 // write over what hasn't been moved yet.
 std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
   std::vector<ObjectRecord> objects;
-  WalkBudget budget;
-  if (!CollectObjects(disc, kRootSector, objects, budget)) return std::nullopt;
+  Walk walk;
+  if (!CollectObjects(disc, kRootSector, objects, walk)) return std::nullopt;
   objects.erase(objects.begin());
   std::sort(objects.begin(), objects.end(),
             [](const ObjectRecord& a, const ObjectRecord& b) { return a.Start < b.Start; });

@@ -127,7 +127,7 @@ TEST_F(HostExchangeTest, EveryNameThatTheFormatAllowsRoundTrips) {
     if (std::string("-.:*#$&@^").find(c) == std::string::npos) allowed += c;
   }
   allowed += '\x7F';
-  for (int round = 0; round < 40; ++round) {
+  for (int round = 0; round < 12; ++round) {
     Open(ImageBuilder(2560));
     const std::int32_t source = NewDirectory(disc_, 2, "SOURCE");
     EXPECT_EQ(Add("seed", Pattern(9), source), 0);

@@ -48,6 +48,7 @@ void ReadContents(const Bytes& disc, ReadObject& dir) {
   const auto base = static_cast<std::size_t>(dir.Start) * 256;
   dir.MasterSequence = disc.at(base);
   dir.Title = Text(disc, base + 1241, 19);
+  dir.Title = dir.Title.substr(0, dir.Title.find('\0'));
   for (std::size_t slot = 0; slot < 47; ++slot) {
     const std::size_t at = base + 5 + slot * 26;
     if ((disc.at(at) & 127) == 0) break;
