@@ -1,9 +1,5 @@
 #include "cli/ImageSession.h"
 
-#include <unistd.h>
-
-#include <cerrno>
-
 #include "disc/HostError.h"
 #include "disc/OpenImage.h"
 
@@ -12,25 +8,23 @@ namespace {
 
 constexpr const char* kCardPrefix = "cf:";
 
-void OpenCard(Disc& disc, const std::string& name) {
-  const auto comma = name.rfind(',');
-  const std::string partition = comma == std::string::npos ? "" : name.substr(comma + 1);
-  if (comma == 0 || (partition != "0" && partition != "1")) {
-    throw UsageError("a card is cf:DEVICE,P with a partition P of 0 or 1");
-  }
-  const std::string device = name.substr(0, comma);
-  // The engine takes a device that it can't open for one that reads as nothing.
-  if (::access(device.c_str(), R_OK | W_OK) != 0) ThrowHostError(device, errno);
-  disc.ImageName = name;
-  OpenCFPartition(disc, name);
-  if (!disc.TheDisc.DeviceIsOpen()) throw HostError(device, "not a block device or a plain file");
-}
-
 bool WritesThrough(const Disc& disc) {
   return !disc.TheDisc.InMemory();
 }
 
 }  // namespace
+
+void OpenCard(Disc& disc, const std::string& name) {
+  const auto comma = name.rfind(',');
+  const std::string partition = comma == std::string::npos ? "" : name.substr(comma + 1);
+  if (comma == 0 || (partition != "0" && partition != "1")) {
+    throw UsageError("a card is DEVICE,P with a partition P of 0 or 1");
+  }
+  const std::string device = name.substr(0, comma);
+  disc.ImageName = name;
+  OpenCFPartition(disc, name);
+  if (!disc.TheDisc.DeviceIsOpen()) ThrowHostError(device, disc.TheDisc.DeviceError());
+}
 
 void OpenForReading(Disc& disc, const std::string& image) {
   if (image.rfind(kCardPrefix, 0) == 0) {
@@ -52,7 +46,7 @@ int RunWriting(const CommandLine& line, const std::string& image,
     throw;
   }
   if (done || WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
-  return done ? 0 : 1;
+  return done && session.Open.TheDisc.CardFaults() == 0 ? 0 : 1;
 }
 
 PathTarget RequirePath(Disc& disc, const std::string& path) {

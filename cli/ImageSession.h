@@ -24,10 +24,13 @@ struct ImageSession {
 // UsageError when P isn't 0 or 1.
 void OpenForReading(Disc& disc, const std::string& image);
 
+// Opens "DEVICE,P", a partition of a card, which becomes ImageName. The same errors.
+void OpenCard(Disc& disc, const std::string& name);
+
 // Opens IMAGE, runs change and stores the disc back as CloseFile does; gives the exit status.
-// change gives false when the engine refused; a message shown meanwhile counts as a refusal too.
-// After a refusal, or an exception out of change, an .adf or .adl is left as it was, while on a
-// .dat or a card what was done before stays.
+// change gives false when the engine refused; a message shown meanwhile, or a card that failed,
+// counts as a refusal too. After a refusal, or an exception out of change, an .adf or .adl is left
+// as it was, while on a .dat or a card what was done before stays.
 int RunWriting(const CommandLine& line, const std::string& image,
                const std::function<bool(Disc& disc, CliHost& host)>& change);
 
