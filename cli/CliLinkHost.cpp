@@ -1,0 +1,171 @@
+#include "cli/CliLinkHost.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <thread>
+
+#include "link/Commands.h"
+#include "link/SerialDevices.h"
+
+namespace sectorbox::cli {
+namespace {
+
+constexpr std::array<const char*, 5> kSpeeds = {"19200", "9600", "4800", "2400", "1200"};
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void NoteInterrupt(int) {
+  interrupted = 1;
+}
+
+void CatchInterrupt() {
+  interrupted = 0;
+  struct sigaction action {};
+  action.sa_handler = NoteInterrupt;
+  action.sa_flags = SA_RESETHAND;  // a second Ctrl-C ends the program at once
+  ::sigemptyset(&action.sa_mask);
+  ::sigaction(SIGINT, &action, nullptr);
+}
+
+std::int32_t SpeedOf(const CommandLine& line) {
+  const std::string speed = line.Option("speed", kSpeeds[0]);
+  for (const char* known : kSpeeds) {
+    if (speed == known) return std::stoi(speed);
+  }
+  throw UsageError("--speed takes 19200, 9600, 4800, 2400 or 1200");
+}
+
+std::string PortOf(const CommandLine& line) {
+  if (line.Has("port")) return line.Option("port", "");
+  const auto devices = ListSerialDevices();
+  if (devices.empty()) {
+    throw Failure("no serial port was found on this machine; name one with --port DEVICE");
+  }
+  return devices.front();
+}
+
+// The BBC ends its texts with line ends of its own, in the middle of which a box would break.
+std::string OnOneLine(std::string text) {
+  for (char& c : text) {
+    if (c == '\r' || c == '\n') c = ' ';
+  }
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+CliLinkHost::CliLinkHost(const CommandLine& line)
+    : speed_(SpeedOf(line)), check_(line.Has("check")), terminal_(::isatty(STDERR_FILENO) == 1) {}
+
+std::int64_t CliLinkHost::Milliseconds() {
+  using std::chrono::steady_clock;
+  return std::chrono::duration_cast<std::chrono::milliseconds>(
+             steady_clock::now().time_since_epoch())
+      .count();
+}
+
+void CliLinkHost::Sleep(std::int32_t milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+void CliLinkHost::PumpEvents() {
+  if (interrupted == 0) return;
+  interrupted = 0;
+  WasInterrupted = true;
+  if (AbortRequested != nullptr) *AbortRequested = true;
+}
+
+std::string CliLinkHost::DateAndTime() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  ::localtime_r(&now, &local);
+  std::array<char, 64> text{};
+  const std::size_t length = std::strftime(text.data(), text.size(), "%x %X", &local);
+  return {text.data(), length};
+}
+
+void CliLinkHost::ShowMessage(const std::string& text, const std::string&) {
+  ShowWarning(text);
+}
+
+void CliLinkHost::ShowWarning(const std::string& text) {
+  MessageShown = true;
+  ShowProgressLine("");
+  std::fprintf(stderr, "%s\n", OnOneLine(text).c_str());
+}
+
+ReplaceAnswer CliLinkHost::AskReplace(const std::string&) {
+  return ReplaceAnswer::kNo;
+}
+
+std::string CliLinkHost::AskOpenFileName(const FileQuestion&) {
+  return FileAnswer;
+}
+
+std::string CliLinkHost::AskSaveFileName(const FileQuestion&) {
+  return FileAnswer;
+}
+
+void CliLinkHost::OpenTransfer(const std::string&) {
+  // Opening the dialog clears the flag; a Ctrl-C that came before still counts.
+  if (WasInterrupted && AbortRequested != nullptr) *AbortRequested = true;
+}
+
+void CliLinkHost::ShowChunk(const std::string& text) {
+  chunk_ = text;
+  ShowPercent(percent_);
+}
+
+void CliLinkHost::ShowTotal(const std::string&) {}
+
+void CliLinkHost::ShowCounters(const TransferCounters& counters) {
+  Counters = counters;
+}
+
+void CliLinkHost::ShowPercent(float percent) {
+  percent_ = percent;
+  ShowProgressLine(chunk_ + " (" + std::to_string(static_cast<int>(percent)) + "%, retries " +
+                   std::to_string(Counters.Retries) + ", bad CRCs " +
+                   std::to_string(Counters.BadCRCs) + ", bad sectors " +
+                   std::to_string(Counters.BadSectors) + ")");
+}
+
+void CliLinkHost::FinishTransfer() {
+  Finished = true;
+  ShowProgressLine("");
+  if (Counters.BadSectors == 0) return;
+  std::fprintf(stderr, "Bad Sectors: %d; the trace names those that were given up\n",
+               Counters.BadSectors);
+}
+
+void CliLinkHost::CloseTransfer() {
+  ShowProgressLine("");
+}
+
+std::string CliLinkHost::ProgramFolder() {
+  return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+}
+
+void CliLinkHost::ShowProgressLine(const std::string& text) {
+  if (terminal_) std::fprintf(stderr, "\r%s\033[K", text.c_str());
+}
+
+CliLink::CliLink(const CommandLine& line) : Host(line) {
+  Host.AbortRequested = &TheLink.AbortRequested;
+  Port.SelectDevice(PortOf(line));
+  if (line.Has("trace")) TheLink.TraceFile.Open(line.Option("trace", ""));
+  CatchInterrupt();
+}
+
+void CliLink::Disconnect() {
+  sectorbox::Disconnect(TheLink);
+}
+
+}  // namespace sectorbox::cli
