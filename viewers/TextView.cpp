@@ -3,8 +3,8 @@
 namespace sectorbox {
 
 void TextView::ShowData(std::string& text) {
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] == '\r') text.insert(++at, 1, '\n');
+  for (auto at = text.find('\r'); at != std::string::npos; at = text.find('\r', at + 2)) {
+    text.insert(at + 1, 1, '\n');
   }
   Append(text);
 }
@@ -12,6 +12,11 @@ void TextView::ShowData(std::string& text) {
 void EndView(TextView& view) {
   if (view.Finished) view.CloseWindow();
   view.Finished = true;
+}
+
+void SetFileCaption(TextView& view, const std::string& verb, const std::string& name) {
+  view.SetCaption(verb + name);
+  view.DefaultName = name;
 }
 
 }  // namespace sectorbox
