@@ -87,29 +87,6 @@ int RunLs(const CommandLine& line) {
   return kDone;
 }
 
-std::string MapText(const Disc& disc, const char* lineEnd) {
-  std::string text = std::string("Address : Length") + lineEnd;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(disc.FreeCount); ++i) {
-    text += Hex(static_cast<std::uint32_t>(disc.FreeStart[i]), 6) + "  : " +
-            Hex(static_cast<std::uint32_t>(disc.FreeLen[i]), 6) + lineEnd;
-  }
-  return text;
-}
-
-int RunMap(const CommandLine& line) {
-  line.Expect(1, 1);
-  ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
-  if (!line.Has("o")) {
-    Print(MapText(session.Open, "\n"));
-    return kDone;
-  }
-  OutputFile output = CreateOutputFile(line.Option("o", ""));
-  output.Write(MapText(session.Open, "\r\n"));
-  output.Close();
-  return kDone;
-}
-
 // Hands the file's bytes to sink, a part at a time: the length field may say up to 4 GiB.
 void CopyOut(Disc& disc, const PathTarget& file,
              const std::function<void(std::span<const std::uint8_t>)>& sink) {
@@ -169,7 +146,6 @@ std::vector<Command> ReadCommands() {
       {"info", "IMAGE", "the disc's figures, as name: value lines", RunInfo},
       {"tree", "IMAGE", "every directory, with its start sector", RunTree},
       {"ls", "IMAGE [DIR]", "the entries of a directory, columns with TABs between", RunLs},
-      {"map", "IMAGE [-o FILE]", "the free space map", RunMap},
       {"get", "IMAGE PATH [-o FILE]", "a file's bytes", RunGet},
       {"check", "IMAGE", "look the disc over for faults; status 1 if there is an error", RunCheck},
       {"open", "IMAGE", "open the image in the window program", RunOpen},
