@@ -219,7 +219,9 @@ std::optional<std::int32_t> TrimmedSize(const Disc& disc, std::int32_t discSize)
   if (disc.FreeCount <= 0) return std::nullopt;
   const auto last = static_cast<std::size_t>(disc.FreeCount - 1);
   const std::int32_t start = disc.FreeStart[last];
-  if (start > discSize || start + disc.FreeLen[last] < discSize) return std::nullopt;
+  // The map and the root are never free, whatever a damaged map says.
+  if (start < kFirstFreeSector || start > discSize || start + disc.FreeLen[last] < discSize)
+    return std::nullopt;
   return start;
 }
 

@@ -124,11 +124,24 @@ bool DiscImg::ReadyForBlocks() {
 void DiscImg::WriteSlot(Slot& slot) {
   if (disctype_ == kDat) {
     // The whole of Data goes out. After a card has been open that is 2048 bytes at each 1024-byte
-    // place, and so it stays: the next block is loaded from the file again before it is used.
+    // place, and so it stays; what hangs over into the next block is what that block holds now.
+    if (slot.Data.size() > kBlockSize) RefreshOverhang(slot);
     WriteFileAt(fileNumber_, fileName_, std::int64_t{slot.Block} * kBlockSize, slot.Data);
   } else {
     WriteCardSlot(slot);
   }
+}
+
+void DiscImg::RefreshOverhang(Slot& slot) {
+  const auto overhang = std::span(slot.Data).subspan(kBlockSize);
+  const Slot& other = slots_[&slot == &slots_[0] ? 1 : 0];
+  if (other.Block == slot.Block + 1) {
+    std::copy_n(other.Data.begin(), kBlockSize, overhang.begin());
+    return;
+  }
+  const auto next = (std::int64_t{slot.Block} + 1) * kBlockSize;
+  const auto done = ReadFileAt(fileNumber_, fileName_, next, overhang);
+  std::fill(overhang.begin() + static_cast<std::ptrdiff_t>(done), overhang.end(), std::uint8_t{0});
 }
 
 DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {

@@ -126,6 +126,7 @@ class DiscImg {
   void WriteCardSlot(Slot& slot);
   void WriteCardSector(const Slot& slot, std::int32_t sector);
   void MarkStored(Slot& slot, std::size_t in, std::size_t bytes);
+  void RefreshOverhang(Slot& slot);
   void EmptySlots();
   void CloseCard();
   void ProbeCard();
@@ -153,11 +154,11 @@ class DiscImg {
   void DeviceRead(std::uint64_t offset, std::size_t& bytes, std::uint8_t* buffer);
   void DeviceWrite(std::uint64_t offset, std::size_t& bytes, const std::uint8_t* buffer);
 
-  Disc& disc_;
-  std::unique_ptr<RawDevice> device_;
   // Byte access to a .dat or card that CloseFile has closed opens it again.
   bool ReadyForBlocks();
 
+  Disc& disc_;
+  std::unique_ptr<RawDevice> device_;
   int fileNumber_ = -1;     // the open .dat, -1 when none
   bool readOnly_ = false;   // the open .dat can't be written
   bool suspended_ = false;  // closed by CloseFile, to be opened again at the next byte access

@@ -25,7 +25,12 @@ std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory) {
 }
 
 std::vector<std::uint8_t> ArrangeAdl(Disc& disc) {
-  const std::int32_t discSize = MapDiscSize(disc);
+  std::int32_t discSize = MapDiscSize(disc);
+  // A damaged map may leave no room for the disc's own root. Storing back is no reason to cut the
+  // user's file down to that.
+  if (disc.TheDisc.InMemory() && discSize < format::kFirstFreeSector) {
+    discSize = static_cast<std::int32_t>(disc.TheDisc.ImageBytes() / format::kSectorSize);
+  }
   // A card partition or a .dat can hold a disc of this size too; it is fetched as far as it goes.
   const std::size_t available = disc.TheDisc.InMemory() ? disc.TheDisc.ImageBytes() : SIZE_MAX;
   const std::int32_t tracks = StoredTracks(discSize, available);

@@ -129,6 +129,7 @@ OutputFile::OutputFile(const std::string& path, OnMedium onMedium)
     : path_(ResolveTarget(path)), onMedium_(onMedium) {
   struct stat info {};
   const bool replaces = StatOf(path_, info);
+  replaces_ = replaces;
   if (replaces && S_ISDIR(info.st_mode)) ThrowHostError(path, EISDIR);
   if (replaces && !S_ISREG(info.st_mode)) {
     // A device or a pipe can't be replaced by a rename: it is written straight through.
@@ -143,6 +144,7 @@ OutputFile::OutputFile(const std::string& path, OnMedium onMedium)
     temporary_.clear();
     ThrowHostError(path, errno);
   }
+  if (replaces) (void)!::fchown(file_, info.st_uid, info.st_gid);
   const mode_t mask = ::umask(0);
   ::umask(mask);
   ::fchmod(file_, replaces ? (info.st_mode & 07777) : (0666 & ~mask));
@@ -153,6 +155,7 @@ OutputFile::OutputFile(OutputFile&& other) noexcept
       temporary_(std::move(other.temporary_)),
       onMedium_(other.onMedium_),
       file_(other.file_),
+      replaces_(other.replaces_),
       endsInHole_(other.endsInHole_) {
   other.file_ = -1;
   other.temporary_.clear();
@@ -202,8 +205,9 @@ void OutputFile::Close() {
     if (::close(file) != 0) ThrowHostError(path_, errno);
     return;
   }
-  // The bytes are on the medium before the name is: a crash right after leaves a whole file.
-  const int synced = onMedium_ == OnMedium::kAtOnce ? ::fsync(file) : 0;
+  // Before an older file goes, the bytes of the new one are on the medium, so that even a power cut
+  // leaves one of the two. Where there is none to lose nobody waits for that.
+  const int synced = replaces_ && onMedium_ == OnMedium::kAtOnce ? ::fsync(file) : 0;
   const int syncError = errno;
   if (::close(file) != 0 || synced != 0) ThrowHostError(path_, synced != 0 ? syncError : errno);
   if (::rename(temporary_.c_str(), path_.c_str()) != 0) ThrowHostError(path_, errno);

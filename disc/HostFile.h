@@ -44,8 +44,8 @@ class OutputFile {
   void Write(const std::string& text);
   // Leaves a hole of that many bytes, which reads as zeros and takes no room on the medium.
   void Skip(std::uint64_t bytes);
-  // Flushes to the medium (unless kLater) and replaces the target. HostError if that fails; the old
-  // file stays.
+  // Puts the file in place; an older one goes only once the new one is on the medium (unless
+  // kLater). HostError if that fails; the old file stays.
   void Close();
 
  private:
@@ -53,6 +53,7 @@ class OutputFile {
   std::string temporary_;
   OnMedium onMedium_;
   int file_ = -1;
+  bool replaces_ = false;
   bool endsInHole_ = false;
 };
 
