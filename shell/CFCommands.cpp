@@ -1,9 +1,45 @@
 #include "shell/CFCommands.h"
 
+#include "cfcard/frmCF.h"
+#include "cfcard/frmFormatCF.h"
+#include "shell/WindowHost.h"
 #include "shell/frmMain.h"
 
 namespace sectorbox {
 
-CFCommands::CFCommands(frmMain&) {}
+CFCommands::CFCommands(frmMain& window) : window_(window) {
+  OnCommand("mnuCFCardOpen", RunCFCardOpen);
+  OnCommand("mnuCFFormat", RunCFFormat);
+  OnCommand("mnuCFCardBackup",
+            [](Disc& disc, CardDialogs& dialogs) { RunCFCardBackup(disc, dialogs, false); });
+  OnCommand("mnuCFCardFullBackup",
+            [](Disc& disc, CardDialogs& dialogs) { RunCFCardBackup(disc, dialogs, true); });
+  OnCommand("mnuCFCardRestore", RunCFCardRestore);
+}
+
+void CFCommands::OnCommand(const char* name, void (*run)(Disc& disc, CardDialogs& dialogs)) {
+  window_.OnCommand(name, [this, run] { Run([this, run] { run(window_.TheDisc(), *this); }); });
+}
+
+void CFCommands::FormatBySize(const SizedFormat& format) {
+  Run([&] { RunSizedFormat(window_.TheDisc(), *this, format); });
+}
+
+void CFCommands::Run(const std::function<void()>& command) {
+  window_.Host().ForgetNote();
+  command();
+  // The refilled panes have put the path where the note stood. A card that failed is worth more.
+  window_.Host().ShowNoteAgain();
+}
+
+void CFCommands::ShowCF() {
+  frmCF dialog(&window_, window_.TheDisc(), window_.Host().Drives);
+  dialog.exec();
+}
+
+void CFCommands::ShowFormatCF() {
+  frmFormatCF dialog(&window_, window_.TheDisc(), window_.Host().Drives);
+  dialog.exec();
+}
 
 }  // namespace sectorbox

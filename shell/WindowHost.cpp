@@ -39,7 +39,12 @@ void WindowHost::SetStatus(const std::string& text, bool busy) {
   if (window_ != nullptr) window_->SetStatus(FromBbc(text), busy);
 }
 
+void WindowHost::ShowNoteAgain() {
+  if (!note_.empty()) Note(std::string(note_));
+}
+
 void WindowHost::Note(const std::string& line) {
+  note_ = line;
   if (window_ != nullptr) window_->SetPanel2(FromHost(line));
 }
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "cfcard/CardDrives.h"
 #include "disc/Disc.h"
 
 namespace sectorbox {
@@ -18,6 +19,13 @@ class WindowHost : public DiscHost {
 
   // The window from now on; null when it goes.
   void Attach(frmMain* window);
+
+  // The drives that may hold a card; the disc's device finds its letters here.
+  CardDrives Drives;
+
+  // The last Note since ForgetNote, once more, after something else has taken its place.
+  void ForgetNote() { note_.clear(); }
+  void ShowNoteAgain();
 
   void ShowMessage(const std::string& text) override;
   bool AskYesNo(const std::string& text, const std::string& title) override;
@@ -44,6 +52,7 @@ class WindowHost : public DiscHost {
   frmMain* window_ = nullptr;
   std::unique_ptr<frmSave> progress_;
   bool busy_ = false;
+  std::string note_;
 };
 
 }  // namespace sectorbox

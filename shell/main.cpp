@@ -1,3 +1,4 @@
+#include "cfcard/CardDrives.h"
 #include "disc/Disc.h"
 #include "shell/Application.h"
 #include "shell/Program.h"
@@ -11,7 +12,7 @@ int main(int argc, char** argv) {
   std::string commandLine;
   for (int i = 1; i < argc; ++i) commandLine += (i == 1 ? "" : " ") + std::string(argv[i]);
   WindowHost host;
-  Disc disc(host);
+  Disc disc(host, MakeCardDevice(host.Drives));
   const auto window = StartProgram(disc, host, SystemHooks(), commandLine);
   return window == nullptr ? 1 : Application::exec();
 }

@@ -56,6 +56,7 @@ DialogPlayer::~DialogPlayer() {
 void DialogPlayer::Tick() {
   QWidget* dialog = QApplication::activeModalWidget();
   if (dialog == nullptr || !dialog->isVisible()) return;
+  if (PassOverProgress && dialog->objectName() == QStringLiteral("frmSave")) return;
   if (dialog == answered_) {
     if (++ticksOpen_ < kMostTicksOpen) return;
     ADD_FAILURE() << "left open: " << dialog->windowTitle().toStdString();
@@ -134,7 +135,9 @@ frmMain& WindowTest::Start(const std::string& commandLine) {
   auto device = std::make_unique<MemoryDevice>(std::uint64_t{64} << 20);
   device_ = device.get();
   host_ = std::make_unique<WindowHost>();
-  disc_ = std::make_unique<Disc>(*host_, std::move(device));
+  // No test looks at the drives of the machine it runs on.
+  host_->Drives = CardDrives({folder_ / "no-drives", "/dev"});
+  disc_ = std::make_unique<Disc>(*host_, MakeCardDevice(host_->Drives, std::move(device)));
   window_ = std::make_unique<frmMain>(*disc_, *host_);
   window_->EndProgram = [this](int status) { ends_.push_back(status); };
   window_->Load(commandLine);

@@ -43,6 +43,9 @@ class DialogPlayer {
   // Accepted file dialogs' properties are looked at by who passes a look.
   void ExpectFileDialog(const std::string& path, std::function<void(QWidget&)> look);
 
+  // Progress dialogs come and go by themselves; how long one stands depends on the machine.
+  bool PassOverProgress = false;
+
   bool AllPlayed() const { return answers_.empty(); }
 
  private:

@@ -1,0 +1,73 @@
+#include "cfcard/frmCardChoice.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDragEnterEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QUrl>
+
+#include "cfcard/ScanCFCards.h"
+#include "cfcard/frmCardFiles.h"
+#include "toolkit/Text.h"
+#include "toolkit/WindowPlace.h"
+
+namespace sectorbox {
+
+frmCardChoice::frmCardChoice(QWidget* parent, Disc& disc, CardDrives& drives)
+    : QDialog(parent),
+      disc_(disc),
+      drives_(drives),
+      lblCFCard_(new QLabel(FromBbc(kNoCardText), this)),
+      cmbCFCard_(new QComboBox(this)),
+      chkNonADFS_(new QCheckBox(QStringLiteral("Include Non ADFS Partitions"), this)) {
+  lblCFCard_->setObjectName(QStringLiteral("lblCFCard"));
+  cmbCFCard_->setObjectName(QStringLiteral("cmbCFCard"));
+  cmbCFCard_->setMinimumWidth(260);
+  chkNonADFS_->setObjectName(QStringLiteral("chkNonADFS"));
+  setAcceptDrops(true);
+  connect(chkNonADFS_, &QCheckBox::toggled, this, [this] { chkNonADFS_Click(); });
+  RestorePlace(*this, kCFPlace);
+}
+
+frmCardChoice::~frmCardChoice() {
+  SavePlace(*this, kCFPlace);
+}
+
+void frmCardChoice::ScanCFCards() {
+  cmbCFCard_->setEnabled(false);
+  cmbCFCard_->clear();
+  ReadCardFiles(drives_);
+  const CardScan scan = sectorbox::ScanCFCards(disc_, drives_, includeNonADFS_);
+  for (const std::string& row : scan.Rows) cmbCFCard_->addItem(FromBbc(row));
+  // No row is chosen for the user: Ok on the first that happens to stand there could cost a card.
+  cmbCFCard_->setCurrentIndex(-1);
+  if (scan.Rows.empty()) return;
+  cmbCFCard_->setEnabled(true);
+  lblCFCard_->setText(FromBbc(kSelectCardText));
+}
+
+void frmCardChoice::chkNonADFS_Click() {
+  includeNonADFS_ = chkNonADFS_->isChecked();
+  ScanCFCards();
+}
+
+bool frmCardChoice::TakeChoice() {
+  disc_.ProgressRunning = cmbCFCard_->isEnabled();
+  if (disc_.ProgressRunning) disc_.ImageName = ImageNameOfRow(ToBbc(cmbCFCard_->currentText()));
+  return disc_.ProgressRunning;
+}
+
+void frmCardChoice::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void frmCardChoice::dropEvent(QDropEvent* event) {
+  const QList<QUrl> urls = event->mimeData()->urls();
+  for (const QUrl& url : urls) {
+    if (url.isLocalFile()) AddCardFile(url.toLocalFile());
+  }
+  ScanCFCards();
+}
+
+}  // namespace sectorbox
