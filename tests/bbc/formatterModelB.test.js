@@ -1,0 +1,3 @@
+import { testFormatter } from "./lib/formatterTests.js";
+
+testFormatter("modelB");
