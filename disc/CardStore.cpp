@@ -119,6 +119,29 @@ void DiscImg::LoadCardSlot(Slot& slot) {
              " can't be read in full");
 }
 
+std::size_t DiscImg::FetchCardRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  // A run is worth a transfer of its own from two blocks on; most requests are shorter.
+  if (disctype_ != kCF || bytes.size() < 2 * kBlockSize || offset < 0) return 0;
+  if (offset % kBlockSize != 0 || !ReadyForBlocks() || !device_->IsOpen()) return 0;
+  const auto first = static_cast<std::int32_t>(offset / kBlockSize);
+  std::int64_t end = std::min(WritableBytes() / kBlockSize,
+                              first + static_cast<std::int64_t>(bytes.size() / kBlockSize));
+  end = std::min<std::int64_t>(end, first + kTransferSize / kCFBlockSize);
+  // What stands in a slot may not have reached the card yet.
+  for (const Slot& slot : slots_) {
+    if (slot.Block >= first) end = std::min<std::int64_t>(end, slot.Block);
+  }
+  if (end - first < 2) return 0;
+  std::array<std::uint8_t, kTransferSize> device;
+  const std::size_t wanted = static_cast<std::size_t>(end - first) * kCFBlockSize;
+  std::size_t done = wanted;
+  DeviceRead(static_cast<std::uint64_t>(first) * kCFBlockSize, done, device.data());
+  // A fault shows block by block, where it is dealt with.
+  if (done != wanted) return 0;
+  for (std::size_t i = 0; i < wanted / 2; ++i) bytes[i] = device[2 * i];
+  return wanted / 2;
+}
+
 void DiscImg::MarkStored(Slot& slot, std::size_t in, std::size_t bytes) {
   slot.Dirty = true;
   if (!device_->IsOpen()) CountFault("not open, so that nothing is written");

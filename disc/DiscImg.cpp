@@ -50,6 +50,15 @@ std::string DeviceOf(const std::string& name) {
   return name.substr(0, name.size() - kPartition);
 }
 
+// The disc bytes of a card are the even ones of the device's.
+void TakeEven(const std::uint8_t* device, std::size_t count, std::uint8_t* disc) {
+  for (std::size_t i = 0; i < count; ++i) disc[i] = device[2 * i];
+}
+
+void PutEven(const std::uint8_t* disc, std::size_t count, std::uint8_t* device) {
+  for (std::size_t i = 0; i < count; ++i) device[2 * i] = disc[i];
+}
+
 }  // namespace
 
 DiscImg::DiscImg(Disc& disc, std::unique_ptr<RawDevice> device)
@@ -224,6 +233,11 @@ bool DiscImg::Holds(std::int64_t offset) {
 
 void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
   while (!bytes.empty()) {
+    if (const std::size_t run = FetchCardRun(offset, bytes); run > 0) {
+      offset += static_cast<std::int64_t>(run);
+      bytes = bytes.subspan(run);
+      continue;
+    }
     const auto part = bytes.first(TogetherAt(offset, bytes.size()));
     if (!Holds(offset)) {
       std::fill(part.begin(), part.end(), std::uint8_t{0});
@@ -231,11 +245,11 @@ void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
       std::copy_n(image_.begin() + offset, part.size(), part.begin());
     } else {
       const Slot& slot = LocateBlock(offset);
-      const std::size_t stride = disctype_ == kDat ? 1 : 2;
-      auto from = static_cast<std::size_t>(offset % kBlockSize) * stride;
-      for (std::uint8_t& byte : part) {
-        byte = slot.Data[from];
-        from += stride;
+      const auto in = static_cast<std::size_t>(offset % kBlockSize);
+      if (disctype_ == kDat) {
+        std::copy_n(slot.Data.data() + in, part.size(), part.data());
+      } else {
+        TakeEven(slot.Data.data() + 2 * in, part.size(), part.data());
       }
     }
     offset += static_cast<std::int64_t>(part.size());
@@ -252,11 +266,11 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
     } else if (Holds(offset)) {
       if (disctype_ == kDat && readOnly_) ThrowHostError(fileName_, EROFS);
       Slot& slot = LocateBlock(offset);
-      const std::size_t stride = disctype_ == kDat ? 1 : 2;
-      auto to = static_cast<std::size_t>(offset % kBlockSize) * stride;
-      for (const std::uint8_t byte : part) {
-        slot.Data[to] = byte;
-        to += stride;
+      const auto in = static_cast<std::size_t>(offset % kBlockSize);
+      if (disctype_ == kDat) {
+        std::copy(part.begin(), part.end(), slot.Data.data() + in);
+      } else {
+        PutEven(part.data(), part.size(), slot.Data.data() + 2 * in);
       }
       slot.Dirty = true;
       if (disctype_ == kCF) {

@@ -123,6 +123,9 @@ class DiscImg {
   Slot& LocateBlock(std::int64_t offset);
   void WriteSlot(Slot& slot);
   void LoadCardSlot(Slot& slot);
+  // Whole blocks of a card past the slots, in one transfer: the count of disc bytes fetched, 0
+  // where the bytes are to be had block by block.
+  std::size_t FetchCardRun(std::int64_t offset, std::span<std::uint8_t> bytes);
   void WriteCardSlot(Slot& slot);
   void WriteCardSector(const Slot& slot, std::int32_t sector);
   void MarkStored(Slot& slot, std::size_t in, std::size_t bytes);

@@ -221,6 +221,32 @@ TEST_F(CardTest, RunsOfBytesAreWhatAsManySingleBytesAre) {
   EXPECT_EQ(back, run);
 }
 
+TEST_F(CardTest, LongRunsGoOutInLargeTransfersAndSeeWhatIsStillInASlot) {
+  MemoryDevice& card = Insert("card", 256);
+  for (std::uint64_t i = 0; i < card.Size(); ++i) card.Poke(i, static_cast<std::uint8_t>(i / 2));
+  disc.TheDisc.OpenFile("C:,0", kCF, 0, 0, 0);
+  disc.TheDisc.Store(20 * 1024, 0xA5);
+  card.Transfers.clear();
+  std::vector<std::uint8_t> run(64 * 1024);
+  disc.TheDisc.FetchBytes(0, run);
+  for (std::size_t i = 0; i < run.size(); ++i) {
+    ASSERT_EQ(run[i], i == 20 * 1024 ? 0xA5 : i % 256) << i;
+  }
+  EXPECT_LT(card.Transfers.size(), 10u);
+}
+
+TEST_F(CardTest, ALongRunOverAFaultReadsWhatSingleBytesRead) {
+  // 250 sectors: the last block is read short.
+  MemoryDevice& card = Insert("card", 250);
+  for (std::uint64_t i = 0; i < card.Size(); ++i) card.Poke(i, 0x33);
+  disc.TheDisc.OpenFile("C:,0", kCF, 0, 0, 0);
+  std::vector<std::uint8_t> run(250 * 256);
+  disc.TheDisc.FetchBytes(0, run);
+  for (std::size_t i = 0; i < 248 * 256; ++i) ASSERT_EQ(run[i], 0x33) << i;
+  for (std::size_t i = 248 * 256; i < 249 * 256; ++i) ASSERT_EQ(run[i], 0) << i;
+  EXPECT_EQ(disc.TheDisc.CardFaults(), 1);
+}
+
 TEST(CardNames, CommasInAPathBelongToTheDevice) {
   ScriptedHost host;
   CardShelf shelf;
