@@ -295,7 +295,8 @@ TEST_F(HostExchangeTest, OfMoreThanAThousandFilesNoneIsLeftOutWithoutAWord) {
   }
   EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
   std::size_t files = 0;
-  for (const ReadObject& dir : Tree().Contents[0].Contents) files += dir.Contents.size();
+  const ReadObject root = Tree();
+  for (const ReadObject& dir : root.Contents[0].Contents) files += dir.Contents.size();
   EXPECT_EQ(files, 1100U);
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }

@@ -28,7 +28,7 @@ class OpenImageTest : public ::testing::Test {
 
   TempFolder folder_;
   ScriptedHost host_;
-  Disc disc_{host_, std::make_unique<MemoryDevice>(0x10000)};
+  Disc disc_{host_, std::make_unique<MemoryDevice>(0x400000)};
 };
 
 TEST_F(OpenImageTest, TheKindFollowsFromTheSizeAndTheName) {

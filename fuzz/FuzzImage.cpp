@@ -1,0 +1,53 @@
+// Any bytes as an image of any kind: open, walk, list, check.
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <string>
+
+#include "disc/Adfs.h"
+#include "disc/Catalogue.h"
+#include "disc/Check.h"
+#include "disc/OpenImage.h"
+#include "tests/support/QuietHost.h"
+
+namespace {
+
+using namespace sectorbox;
+
+void Use(const std::string& path) {
+  sectorbox::testing::QuietHost host;
+  Disc disc(host);
+  OpenImage(disc, path);
+  std::size_t left = 64;
+  for (const TreeNode& node : WalkTree(disc)) {
+    if (left-- == 0) break;
+    for (const ListRow& row : ReadRows(disc, node.Tag)) FindPath(disc, row.Name());
+    GetDirTitle(disc, node.Tag);
+  }
+  ShowFreeSpace(disc);
+  CheckDisc(disc);
+}
+
+// A file in memory, under a name that opens it.
+class MemoryFile {
+ public:
+  MemoryFile() : file_(::memfd_create("image", 0)) {}
+  void Fill(const std::uint8_t* data, std::size_t size) {
+    if (::ftruncate(file_, 0) != 0 || ::pwrite(file_, data, size, 0) < 0) ::abort();
+  }
+  std::string Path() const { return "/proc/self/fd/" + std::to_string(file_); }
+
+ private:
+  int file_;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static MemoryFile file;
+  file.Fill(data, size);
+  Use(file.Path());
+  return 0;
+}
