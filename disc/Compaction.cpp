@@ -23,6 +23,7 @@ struct ObjectRecord {
   std::int32_t Parent = 0;  // sector of the directory that holds the object's entry
   std::int32_t Start = 0;
   std::int32_t Sectors = 0;
+  bool IsEmpty = false;  // a file of no bytes, which to the BBC owns no sector
 };
 
 // As many objects as the largest disc has sectors; only a damaged disc seems to hold more.
@@ -43,7 +44,8 @@ bool CollectObjects(Disc& disc, std::int32_t DirSector, std::vector<ObjectRecord
   if (objects.size() + kEntryCount > kMaxObjects) return false;
   // What the directory says of itself, and not what its entry says, is how it is found again.
   objects.push_back({GetDirName(disc, DirSector), false,
-                     Fetch24(disc, SectorOffset(DirSector) + kDirParent), DirSector, kDirSectors});
+                     Fetch24(disc, SectorOffset(DirSector) + kDirParent), DirSector, kDirSectors,
+                     false});
   bool whole = true;
   const std::int32_t slots = IsDirectory(disc, DirSector) ? kEntryCount : 0;
   for (std::int32_t slot = 0; whole && slot < slots; ++slot) {
@@ -54,32 +56,51 @@ bool CollectObjects(Disc& disc, std::int32_t DirSector, std::vector<ObjectRecord
     if (EntryHas(disc, entry, kAttrDirectory)) {
       whole = CollectObjects(disc, start, objects, walk);
     } else {
-      objects.push_back(
-          {name, true, DirSector, start, SectorsOfLength(Fetch32(disc, entry + kEntryLength))});
+      const std::uint32_t length = Fetch32(disc, entry + kEntryLength);
+      objects.push_back({name, true, DirSector, start, SectorsOfLength(length), length == 0});
     }
   }
   walk.Budget.Leave();
   return whole;
 }
 
-// The objects in the order of their places, the root left out; none if they overlap each other, the
-// map or the root, or need more room than the disc has. Moving such objects down one by one would
-// write over what hasn't been moved yet.
+// Here an empty file owns a sector of its own. The BBC gives it none and may have left it at a
+// place that is another object's: then it owns nothing to be moved, and only its entry follows. The
+// objects are in the order of their places, an empty file behind what else starts there.
+void DisownShared(std::vector<ObjectRecord>& objects, std::int32_t discSize) {
+  std::int64_t end = kFirstFreeSector;
+  for (ObjectRecord& object : objects) {
+    const bool hasOwn = object.Start >= end && object.Start < discSize;
+    if (object.IsEmpty && !hasOwn) object.Sectors = 0;
+    end = std::max(end, std::int64_t{object.Start} + object.Sectors);
+  }
+}
+
+// True if the objects overlap each other, the map or the root, or need more room than the disc has.
+// Moving such objects down one by one would write over what hasn't been moved yet.
+bool WouldBeLost(const std::vector<ObjectRecord>& objects, std::int32_t discSize) {
+  std::int64_t end = kFirstFreeSector;
+  std::int64_t used = kFirstFreeSector;
+  for (const ObjectRecord& object : objects) {
+    if (object.Sectors == 0) continue;
+    if (object.Start < end) return true;
+    end = std::int64_t{object.Start} + object.Sectors;
+    used += object.Sectors;
+  }
+  return used > discSize;
+}
+
+// The objects in the order of their places, the root left out; none if the disc is too damaged.
 std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
   std::vector<ObjectRecord> objects;
   Walk walk;
   if (!CollectObjects(disc, kRootSector, objects, walk)) return std::nullopt;
   objects.erase(objects.begin());
-  std::sort(objects.begin(), objects.end(),
-            [](const ObjectRecord& a, const ObjectRecord& b) { return a.Start < b.Start; });
-  std::int64_t end = kFirstFreeSector;
-  std::int64_t used = kFirstFreeSector;
-  for (const ObjectRecord& object : objects) {
-    if (object.Start < end) return std::nullopt;
-    end = std::int64_t{object.Start} + object.Sectors;
-    used += object.Sectors;
-  }
-  if (used > MapDiscSize(disc)) return std::nullopt;
+  std::sort(objects.begin(), objects.end(), [](const ObjectRecord& a, const ObjectRecord& b) {
+    return a.Start != b.Start ? a.Start < b.Start : a.IsEmpty < b.IsEmpty;
+  });
+  DisownShared(objects, MapDiscSize(disc));
+  if (WouldBeLost(objects, MapDiscSize(disc))) return std::nullopt;
   return objects;
 }
 

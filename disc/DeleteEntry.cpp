@@ -5,6 +5,7 @@
 #include "disc/DirectoryEdit.h"
 #include "disc/FreeMap.h"
 #include "disc/Mutation.h"
+#include "disc/Ownership.h"
 #include "disc/TrackedSector.h"
 #include "disc/WalkBudget.h"
 
@@ -120,10 +121,12 @@ std::int16_t DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& 
     return Refuse(disc, "Cannot Delete Non Empty Directory : " + Name);
   }
   BumpSequence(disc, DirSector);
-  const std::int32_t sectors =
-      IsDir ? kDirSectors : SectorsOfLength(Fetch32(disc, offset + kEntryLength));
+  const std::uint32_t length =
+      IsDir ? std::uint32_t{kDirSize} : Fetch32(disc, offset + kEntryLength);
   CloseGap(disc, DirSector, slot);
-  ReleaseOwned(disc, start, sectors);
+  // The sector of an empty file that the BBC wrote or moved may be another object's.
+  if (length == 0 && SectorIsOwned(disc, start)) return kDone;
+  ReleaseOwned(disc, start, SectorsOfLength(length));
   return kDone;
 }
 

@@ -118,6 +118,28 @@ TEST_F(CompactionTest, ASectorThatIsHeldFollowsTheMove) {
   EXPECT_EQ(root, 2);
 }
 
+// The BBC gives an empty file no sector and, when it compacts, leaves it where another object
+// starts.
+TEST_F(CompactionTest, AnEmptyFileWithoutASectorOfItsOwnHarmsNoNeighbour) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto first = image.AddFile(2, {"A", Pattern(900, 1), 0, 0, "WR"});
+  image.AddFile(2, {"B", Pattern(900, 2), 0, 0, "WR"});
+  image.AddFile(2, {"E1", {}, 0, 0, "WR"});
+  image.AddFile(2, {"E2", {}, 0, 0, "WR"});
+  image.Poke(517 + 2 * 26 + 22, static_cast<std::uint8_t>(first));
+  image.Poke(517 + 3 * 26 + 22, static_cast<std::uint8_t>(first + 4));
+  Open(image);
+  for (int round = 0; round < 2; ++round) {
+    CompactDisc(disc_);
+    EXPECT_EQ(Contents(2, "A"), Pattern(900, 1));
+    EXPECT_EQ(Contents(2, "B"), Pattern(900, 2));
+    // The second time E2 stands in free space, and so gets its sector.
+    EXPECT_EQ(Runs(), round == 0 ? "15+625" : "16+624");
+    EXPECT_EQ(Names(2), "A B E1 E2");
+  }
+}
+
 class DamagedCompactionTest : public CompactionTest {
  protected:
   void ExpectRefusal(const ImageBuilder& image) {

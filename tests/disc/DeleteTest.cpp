@@ -150,6 +150,19 @@ TEST_F(DeleteTest, ADirectoryThatIsTheRootItselfDoesNotTakeTheDiscAlong) {
   EXPECT_EQ(Image(), before);
 }
 
+TEST_F(DeleteTest, AnEmptyFileThatTheBbcGaveNoSectorFreesNobodyElses) {
+  ImageBuilder image(640);
+  const auto file = image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
+  image.AddFile(2, {"E1", {}, 0, 0, "WR"});
+  image.AddFile(2, {"E2", {}, 0, 0, "WR"});
+  image.Poke(517 + 26 + 22, static_cast<std::uint8_t>(file + 1));
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E1", false, true), 0);
+  EXPECT_EQ(Runs(), "13+627") << "the sector is A's";
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E2", false, true), 0);
+  EXPECT_EQ(Runs(), "12+628") << "the sector was E2's own";
+}
+
 TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapOrBeyondTheDiscDoesNotComeFree) {
   ImageBuilder image(640);
   image.AddFile(2, {"LOW", Pattern(2560), 0, 0, "WR"});

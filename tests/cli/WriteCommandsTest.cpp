@@ -1,0 +1,193 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/support/DiscReading.h"
+#include "tests/support/ImageBuilder.h"
+#include "tests/support/RunSbx.h"
+#include "tests/support/TempFolder.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+using Bytes = std::vector<std::uint8_t>;
+
+class WriteCommandsTest : public ::testing::Test {
+ protected:
+  WriteCommandsTest() {
+    ImageBuilder image(640);
+    image.AddFile(image.AddDirectory(2, "GAMES"), {"ELITE", Bytes(700, 7), 1, 2, "LWR"});
+    image.AddFile(2, {"README", Bytes(300, 9), 3, 4, "WR"});
+    image.WriteTo(image_);
+  }
+  Bytes Disc() const {
+    Bytes bytes = ReadAll(image_);
+    bytes.resize(640 * 256);
+    return bytes;
+  }
+  // Runs a command that is to succeed without a word, and gives what is then on the disc.
+  ReadObject Do(const std::vector<std::string>& words) {
+    const SbxResult result = RunSbx(words);
+    EXPECT_EQ(result.Status, 0) << result.Err;
+    EXPECT_EQ(result.Out + result.Err, "");
+    EXPECT_EQ(FaultsOf(Disc()), std::vector<std::string>());
+    return ReadTree(Disc());
+  }
+  // Runs a command that is to be refused with the line, the image untouched.
+  void Refused(const std::vector<std::string>& words, const std::string& line, int status = 1) {
+    const Bytes before = ReadAll(image_);
+    const SbxResult result = RunSbx(words);
+    EXPECT_EQ(result.Status, status) << words[0];
+    EXPECT_EQ(result.Err, line + "\n");
+    EXPECT_EQ(ReadAll(image_), before);
+  }
+
+  TempFolder folder_;
+  std::string image_ = folder_ / "disc.adf";
+};
+
+TEST_F(WriteCommandsTest, AddTakesFilesAndFolders) {
+  std::filesystem::create_directory(folder_ / "in");
+  WriteText(folder_ / "in/X", "x");
+  WriteText(folder_ / "Y", "yy");
+  const ReadObject root = Do({"add", image_, "games", folder_ / "in", folder_ / "Y"});
+  const auto& games = root.Contents[0].Contents;
+  ASSERT_EQ(games.size(), 3U);
+  EXPECT_EQ(games[1].Name, "in");
+  EXPECT_EQ(games[1].Contents[0].Name, "X");
+  EXPECT_EQ(games[2].Bytes, (Bytes{'y', 'y'}));
+}
+
+TEST_F(WriteCommandsTest, AddRefusesAMissingHostFileAndAMissingDirectory) {
+  WriteText(folder_ / "Y", "yy");
+  Refused({"add", image_, "$", folder_ / "Y", folder_ / "none"},
+          (folder_ / "none") + ": No such file or directory");
+  Refused({"add", image_, "$.NONE", folder_ / "Y"}, "Not found: $.NONE");
+  Refused({"add", image_, "README", folder_ / "Y"}, "Not a directory: README");
+}
+
+TEST_F(WriteCommandsTest, AMessageInTheMidstOfAnAddLeavesTheImageAsItWas) {
+  WriteText(folder_ / "GAMES", "not a directory");
+  WriteText(folder_ / "Y", "yy");
+  Refused({"add", image_, "$", folder_ / "Y", folder_ / "GAMES"},
+          "Cannot Yet Overwrite A Directory");
+}
+
+TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {
+  Do({"export", image_, "GAMES", folder_ / "out"});
+  EXPECT_EQ(ReadText((folder_ / "out") + "/ELITE.INF"),
+            "ELITE      00000001 00000002 000002BC LWR\r\n");
+  Do({"export", image_, "readme", folder_ / "out"});
+  EXPECT_EQ(ReadAll((folder_ / "out") + "/README"), Bytes(300, 9));
+  Refused({"export", image_, "NONE", folder_ / "out"}, "Not found: NONE");
+}
+
+TEST_F(WriteCommandsTest, DeleteTakesFilesAndTreesAndTheRootsContents) {
+  EXPECT_EQ(Do({"delete", image_, "README"}).Contents.size(), 1U);
+  EXPECT_EQ(Do({"delete", image_, "GAMES"}).Contents.size(), 0U);
+  WriteText(folder_ / "Y", "yy");
+  Do({"add", image_, "$", folder_ / "Y"});
+  EXPECT_EQ(Do({"delete", image_, "$"}).Contents.size(), 0U);
+}
+
+TEST_F(WriteCommandsTest, DeleteObeysItsOptions) {
+  Refused({"delete", "--delete-locked", "off", image_, "README", "GAMES.ELITE"},
+          "Cannot Delete Locked File : ELITE");
+  Refused({"delete", "--delete-non-empty", "off", image_, "GAMES"},
+          "Cannot Delete Non Empty Directory : GAMES");
+  Refused({"delete", image_, "README", "README"}, "Not found: README");
+}
+
+TEST_F(WriteCommandsTest, RenameGivesANewName) {
+  EXPECT_EQ(Do({"rename", image_, "README", "ABOUT"}).Contents[0].Name, "ABOUT");
+  Refused({"rename", image_, "ABOUT", "games"}, "games Already Exists");
+  Refused({"rename", image_, "ABOUT", "A*B"}, "File A*B Contains Illegal Characters");
+  Refused({"rename", image_, "$", "X"}, "Not an entry of a directory: $");
+}
+
+TEST_F(WriteCommandsTest, MkdirMakesADirectory) {
+  EXPECT_EQ(Do({"mkdir", image_, "GAMES", "NEW"}).Contents[0].Contents[1].Attr, "DWR");
+  Refused({"mkdir", image_, "$", "games"}, "Directory games Already Exists");
+}
+
+TEST_F(WriteCommandsTest, AccessSetsTheLettersGivenAndNoOthers) {
+  EXPECT_EQ(Do({"access", image_, "README", "LR"}).Contents[1].Attr, "LR");
+  EXPECT_EQ(Do({"access", image_, "README", "-"}).Contents[1].Attr, "");
+  EXPECT_EQ(Do({"access", image_, "GAMES", "l"}).Contents[0].Attr, "DL");
+  Refused({"access", image_, "README", "X"}, "access: LETTERS are any of R W L, or - for none", 2);
+  Refused({"access", image_, "NONE", "R"}, "Not found: NONE");
+}
+
+TEST_F(WriteCommandsTest, AddressTakesOneToEightDigits) {
+  const ReadObject root = Do({"address", image_, "README", "ffff1900", "0"});
+  EXPECT_EQ(root.Contents[1].Load, 0xFFFF1900U);
+  EXPECT_EQ(root.Contents[1].Exec, 0U);
+  Refused({"address", image_, "README", "123456789", "G"}, "Load Address Is Wrong Length");
+  Refused({"address", image_, "README", "1", "G"}, "Exec Address Contains Illegal Characters");
+  Refused({"address", image_, "GAMES", "1", "1"}, "Not a file: GAMES");
+}
+
+TEST_F(WriteCommandsTest, TitleNamesADirectory) {
+  EXPECT_EQ(Do({"title", image_, "$", "My Disc"}).Title, "My Disc");
+  Refused({"title", image_, "$", "A*"}, "Title A* Contains Illegal Characters");
+}
+
+TEST_F(WriteCommandsTest, BootKeepsTheMapSoundForTheBbc) {
+  Do({"boot", image_, "exec"});
+  EXPECT_EQ(Disc()[509], 3);
+  Do({"boot", image_, "off"});
+  EXPECT_EQ(Disc()[509], 0);
+  Refused({"boot", image_, "maybe"}, "boot: the option is off, load, run or exec", 2);
+}
+
+TEST_F(WriteCommandsTest, CompactClosesTheHoles) {
+  Do({"delete", image_, "GAMES"});
+  Do({"compact", image_});
+  EXPECT_EQ(ReadFreeRuns(Disc()).size(), 1U);
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Start, 7);
+}
+
+TEST_F(WriteCommandsTest, CompactLeavesADamagedDiscAlone) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  image.AddDirectory(2, "LOOP");
+  image.Poke(517 + 22, 2);
+  image.WriteTo(image_);
+  Refused({"compact", image_}, "Cannot Compact A Damaged Disc");
+}
+
+TEST_F(WriteCommandsTest, ResizeChangesTheRecordedSize) {
+  ImageBuilder(4224).WriteTo(folder_ / "x.dat");
+  EXPECT_EQ(RunSbx({"resize", folder_ / "x.dat", "2"}).Status, 0);
+  const Bytes after = ReadAll(folder_ / "x.dat");
+  EXPECT_EQ(after[252] | after[253] << 8 | after[254] << 16, 8448);
+  for (const char* size : {"two", "", "1e9x", "nan"}) {
+    const SbxResult result = RunSbx({"resize", folder_ / "x.dat", size});
+    EXPECT_EQ(result.Status, 1);
+    EXPECT_EQ(result.Err, std::string("Not a number: ") + size + "\n");
+  }
+  EXPECT_EQ(RunSbx({"resize", folder_ / "x.dat", "0"}).Err, "Disc Size Is Out Of Range\n");
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), after);
+}
+
+TEST_F(WriteCommandsTest, OnAHardDiscWhatWasDoneBeforeARefusalStays) {
+  ImageBuilder image(4224);
+  image.AddFile(2, {"A", Bytes(10, 1), 0, 0, "WR"});
+  image.AddFile(2, {"B", Bytes(10, 1), 0, 0, "LWR"});
+  image.WriteTo(folder_ / "x.dat");
+  EXPECT_EQ(RunSbx({"delete", "--delete-locked", "off", folder_ / "x.dat", "A", "B"}).Status, 1);
+  const ReadObject root = ReadTree(ReadAll(folder_ / "x.dat"));
+  ASSERT_EQ(root.Contents.size(), 1U);
+  EXPECT_EQ(root.Contents[0].Name, "B");
+}
+
+TEST_F(WriteCommandsTest, TooFewWordsAreNamed) {
+  for (const char* command : {"add", "export", "delete", "rename", "mkdir", "access", "address",
+                              "title", "boot", "resize"}) {
+    Refused({command, image_}, std::string(command) + ": an argument is missing", 2);
+  }
+}
+
+}  // namespace
+}  // namespace sectorbox
