@@ -1,0 +1,428 @@
+#include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPrinter>
+#include <QPushButton>
+#include <QTest>
+
+#include "disc/HostFile.h"
+#include "tests/support/WindowFixture.h"
+#include "toolkit/Text.h"
+#include "viewers/frmView.h"
+
+namespace sectorbox::testing {
+namespace {
+
+std::vector<std::uint8_t> BytesOf(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+class ViewWindowTest : public WindowTest {
+ protected:
+  void StartWithFiles() {
+    ImageBuilder image(2560);
+    image.AddFile(2, {"Alpha", BytesOf("one\rTwo two\rthree\r"), 0x1900, 0x1900});
+    image.AddFile(2, {"Basic", {13, 0, 10, 5, 0xF1, '"', 'A', '"', 13, 0xFF}});
+    image.AddFile(2, {"Code", {0x60}, 0x1900, 0x1900});
+    image.AddDirectory(2, "Dir");
+    image.AddFile(2, {"Long", std::vector<std::uint8_t>(200000, 'x')});
+    image.AddFile(2, {"Word",
+                      BytesOf("a\x02US\x07"
+                              "b\x02UE\x07"
+                              "c\r"),
+                      0xFFFFFFFF, 0xFFFFFFFF});
+    StartWith(image);
+  }
+  // Lets windows that have closed go: a test runs outside the loop that would do it.
+  void Settle() {
+    WindowTest::Settle();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  // All views, hidden ones included, the oldest first.
+  static std::vector<frmView*> Views() {
+    std::vector<frmView*> views;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      if (auto* view = qobject_cast<frmView*>(widget)) views.push_back(view);
+    }
+    return views;
+  }
+  frmView& View() {
+    const auto views = Views();
+    if (views.empty()) throw std::runtime_error("no view");
+    return *views.back();
+  }
+  frmView& ViewRow(const QString& name, const char* entry) {
+    ClickRow(name);
+    Choose(entry);
+    return View();
+  }
+  static ViewText& TextOf(frmView& view) { return *view.findChild<ViewText*>("rtbView"); }
+  static std::string Shown(frmView& view) { return ToBbc(TextOf(view).WholeText()); }
+  static void ChooseIn(frmView& view, const char* entry) {
+    auto* action = view.findChild<QAction*>(QLatin1String(entry));
+    ASSERT_NE(action, nullptr) << entry;
+    action->trigger();
+  }
+  // Answers the next Find dialog with this text, or with Cancel where it is null.
+  void ExpectFind(const char* text) {
+    player_.Expect([text](QWidget& dialog) {
+      EXPECT_EQ(dialog.objectName(), QStringLiteral("frmFind"));
+      EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Find"));
+      auto* field = dialog.findChild<QLineEdit*>("txtFind");
+      EXPECT_EQ(field->selectedText(), field->text());
+      if (text != nullptr) field->setText(QLatin1String(text));
+      dialog.findChild<QPushButton*>(text != nullptr ? "cmdOK" : "cmdCancel")->click();
+    });
+  }
+};
+
+TEST_F(ViewWindowTest, EachEntryOpensItsView) {
+  StartWithFiles();
+  const std::vector<std::tuple<const char*, const char*, std::string, std::string>> cases = {
+      {"Alpha", "mnuFileViewText", "View File - Alpha", "one\r\nTwo two\r\nthree\r\n"},
+      {"Code", "mnuFileViewHex", "View File - Code", "000000 : 60 "},
+      {"Basic", "mnuFileViewBasic", "View File - Basic", "   10PRINT\"A\"\r\n"},
+      {"Code", "mnuFileViewDis", "Disassemble File - Code", "1900  60          RTS"},
+      {"Word", "mnuFileViewWordwise", "View File - Word", "abc\r\n"},
+      {"Dir", "mnuFileViewCat", "*CAT", "Dir   "},
+      {"Dir", "mnuFileViewEx", "*EX", "Dir   "},
+      {"Dir", "mnuFileViewCatAll", "*CATALL", std::string(40, '*') + "\r\nDir\r\n"},
+      {"Dir", "mnuFileViewExAll", "*EXALL", std::string(40, '*') + "\r\nDir\r\n"},
+      {"Dir", "mnuDirectoryCat", "*CAT", "$    "},
+      {"Dir", "mnuDirectoryEx", "*EX", "$    "},
+      {"Dir", "mnuDirectoryCatAll", "*CATALL", std::string(40, '*') + "\r\n$\r\n"},
+      {"Dir", "mnuDirectoryExAll", "*EXALL", std::string(40, '*') + "\r\n$\r\n"},
+      {"Dir", "mnuDiscMap", "Free Disc Space Map", "Address : Length\r\n"},
+  };
+  for (const auto& [row, entry, caption, begin] : cases) {
+    // The one box is the second group of deferred commands; it isn't modal.
+    QTimer boxes;
+    QObject::connect(&boxes, &QTimer::timeout, [] {
+      for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (auto* box = qobject_cast<QMessageBox*>(widget)) box->accept();
+      }
+    });
+    boxes.start(5);
+    frmView& view = ViewRow(QLatin1String(row), entry);
+    EXPECT_TRUE(view.isVisible()) << entry;
+    EXPECT_EQ(view.windowTitle().toStdString(), caption) << entry;
+    EXPECT_EQ(Shown(view).substr(0, begin.size()), begin) << entry;
+    EXPECT_TRUE(view.Finished) << entry;
+    EXPECT_EQ(TextOf(view).textCursor().position(), 0) << entry;
+    view.close();
+    Settle();
+    EXPECT_TRUE(Views().empty()) << entry;
+  }
+}
+
+TEST_F(ViewWindowTest, MenusHaveTheirCaptionsAndShortcuts) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  const std::vector<std::tuple<const char*, const char*, const char*>> entries = {
+      {"mnuFile", "&File", ""},
+      {"mnuFileSave", "&Save File...", ""},
+      {"mnuFilePrint", "&Print File", ""},
+      {"mnuFileClose", "&Close", ""},
+      {"mnuEdit", "&Edit", ""},
+      {"mnuEditFind", "&Find...", "Ctrl+F"},
+      {"mnuEditNext", "Find &Next", "F3"},
+      {"mnuEditCopy", "&Copy", "Ctrl+C"},
+      {"mnuEditSelectAll", "Select &All", "Ctrl+A"}};
+  for (const auto& [name, caption, shortcut] : entries) {
+    const auto* action = view.findChild<QAction*>(QLatin1String(name));
+    ASSERT_NE(action, nullptr) << name;
+    EXPECT_EQ(action->text().toStdString(), caption);
+    EXPECT_EQ(action->shortcut().toString().toStdString(), shortcut);
+  }
+  EXPECT_TRUE(view.findChild<QAction*>("mnuEditSep")->isSeparator());
+}
+
+TEST_F(ViewWindowTest, ViewAsWritesTheTextToAFileAndShowsNothing) {
+  StartWithFiles();
+  Choose("mnuOptionsViewAs");
+  const std::string path = folder_ / "out.txt";
+  player_.ExpectFileDialog(path, [](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Save File As"));
+  });
+  ClickRow("Alpha");
+  Choose("mnuFileViewText");
+  Settle();
+  EXPECT_TRUE(Views().empty());
+  const auto bytes = ReadHostFile(path);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "one\r\nTwo two\r\nthree\r\n");
+}
+
+TEST_F(ViewWindowTest, ACancelledViewAsRunsNothing) {
+  StartWithFiles();
+  Choose("mnuOptionsViewAs");
+  player_.ExpectFileDialog("");
+  ClickRow("Alpha");
+  Choose("mnuFileViewText");
+  EXPECT_FALSE(View().isVisible());
+  EXPECT_EQ(View().DefaultName, "");
+}
+
+TEST_F(ViewWindowTest, AFileThatCannotBeMadeIsToldAndNothingRuns) {
+  StartWithFiles();
+  Choose("mnuOptionsViewAs");
+  player_.ExpectFileDialog(folder_ / "missing/out.txt");
+  player_.Expect([](QWidget& dialog) {
+    auto* box = qobject_cast<QMessageBox*>(&dialog);
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->icon(), QMessageBox::Warning);
+    EXPECT_TRUE(box->text().contains(QStringLiteral("out.txt")));
+    box->accept();
+  });
+  ClickRow("Alpha");
+  Choose("mnuFileViewText");
+  EXPECT_EQ(View().DefaultName, "");
+}
+
+TEST_F(ViewWindowTest, SaveAddsOneLineEnd) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  const std::string path = folder_ / "saved.txt";
+  player_.ExpectFileDialog(path);
+  ChooseIn(view, "mnuFileSave");
+  const auto bytes = ReadHostFile(path);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "one\r\nTwo two\r\nthree\r\n\r\n");
+}
+
+TEST_F(ViewWindowTest, EveryByteOfATextComesBackFromTheWindow) {
+  ImageBuilder image(2560);
+  std::string all;
+  for (int c = 0; c < 256; ++c) {
+    if (c != 10 && c != 13) all += static_cast<char>(c);
+  }
+  image.AddFile(2, {"Bytes", BytesOf(all)});
+  StartWith(image);
+  EXPECT_EQ(Shown(ViewRow("Bytes", "mnuFileViewText")), all);
+}
+
+TEST_F(ViewWindowTest, PrintSendsTheWholeText) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  QPrinter printer;
+  printer.setOutputFormat(QPrinter::PdfFormat);
+  printer.setOutputFileName(QString::fromStdString(folder_ / "print.pdf"));
+  view.PrintTo(printer);
+  EXPECT_GT(HostFileLength(folder_ / "print.pdf"), 1000U);
+}
+
+TEST_F(ViewWindowTest, FindIgnoresCaseAndFindNextGoesOn) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  ExpectFind("TWO");
+  ChooseIn(view, "mnuEditFind");
+  EXPECT_EQ(view.FindPos, 4);
+  EXPECT_EQ(TextOf(view).SelectedText(), QStringLiteral("Two"));
+  ChooseIn(view, "mnuEditNext");
+  EXPECT_EQ(view.FindPos, 8);
+  ChooseIn(view, "mnuEditNext");
+  EXPECT_EQ(view.FindPos, -1);
+  ChooseIn(view, "mnuEditNext");
+  EXPECT_EQ(view.FindPos, -1);
+}
+
+TEST_F(ViewWindowTest, AFindThatFailsSaysSoAndFindNextThenDoesNothing) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  ExpectFind("nowhere");
+  player_.ExpectBox("Text Not Found");
+  ChooseIn(view, "mnuEditFind");
+  EXPECT_EQ(view.FindPos, -1);
+  ChooseIn(view, "mnuEditNext");
+  EXPECT_EQ(view.FindPos, -1);
+}
+
+TEST_F(ViewWindowTest, ACancelledFindMakesFindNextDoNothing) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  ExpectFind("two");
+  ChooseIn(view, "mnuEditFind");
+  ExpectFind(nullptr);
+  ChooseIn(view, "mnuEditFind");
+  EXPECT_EQ(view.FindPos, -1);
+  ChooseIn(view, "mnuEditNext");
+  EXPECT_EQ(view.FindPos, -1);
+}
+
+TEST_F(ViewWindowTest, TheTextLookedForIsSharedAndAFreshWindowFindsNextFromPositionOne) {
+  StartWithFiles();
+  frmView& first = ViewRow("Alpha", "mnuFileViewText");
+  ExpectFind("o");
+  ChooseIn(first, "mnuEditFind");
+  EXPECT_EQ(first.FindPos, 0);
+  frmView& second = ViewRow("Alpha", "mnuFileViewText");
+  EXPECT_EQ(second.FindPos, 0);
+  ChooseIn(second, "mnuEditNext");
+  EXPECT_EQ(second.FindPos, 6);
+}
+
+TEST_F(ViewWindowTest, FindPosFollowsTheCaretWhenItMovesByHand) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  Press(TextOf(view), Qt::Key_Down);
+  EXPECT_EQ(view.FindPos, 4);
+  Press(TextOf(view), Qt::Key_Right);
+  EXPECT_EQ(view.FindPos, 5);
+}
+
+TEST_F(ViewWindowTest, CopyAndSelectAll) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  ChooseIn(view, "mnuEditSelectAll");
+  EXPECT_EQ(TextOf(view).SelStart(), 0);
+  ChooseIn(view, "mnuEditCopy");
+  EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("one\nTwo two\nthree\n"));
+}
+
+TEST_F(ViewWindowTest, StylesReachTheTextAreaAndStayOnForLaterViews) {
+  ImageBuilder image(2560);
+  image.AddFile(2, {"Alpha", BytesOf("plain")});
+  image.AddFile(2, {"Word",
+                    BytesOf("a\x02US\x07\x02"
+                            "DS\x07"
+                            "b\r"),
+                    0xFFFFFFFF, 0xFFFFFFFF});
+  StartWith(image);
+  const auto formatAt = [](frmView& view, int position) {
+    QTextCursor cursor(TextOf(view).document());
+    cursor.setPosition(position);
+    return cursor.charFormat();
+  };
+  frmView& word = ViewRow("Word", "mnuFileViewWordwise");
+  EXPECT_FALSE(formatAt(word, 1).fontUnderline());
+  EXPECT_TRUE(formatAt(word, 2).fontUnderline());
+  EXPECT_EQ(formatAt(word, 2).fontWeight(), QFont::Bold);
+  frmView& text = ViewRow("Alpha", "mnuFileViewText");
+  EXPECT_TRUE(formatAt(text, 3).fontUnderline());
+}
+
+TEST_F(ViewWindowTest, ClosingAWindowInTheMiddleOfAHexDumpStopsIt) {
+  StartWithFiles();
+  ClickRow("Long");
+  QTimer::singleShot(0, [this] { View().close(); });
+  Choose("mnuFileViewHex");
+  Settle();
+  EXPECT_TRUE(Views().empty());
+}
+
+TEST_F(ViewWindowTest, ClosingAWindowDuringExIsSwallowed) {
+  StartWithFiles();
+  QTimer::singleShot(0, [this] { View().close(); });
+  Choose("mnuDirectoryEx");
+  Settle();
+  ASSERT_EQ(Views().size(), 1U);
+  EXPECT_TRUE(View().isVisible());
+  EXPECT_NE(Shown(View()).find("Word "), std::string::npos);
+  View().close();
+  Settle();
+  EXPECT_TRUE(Views().empty());
+}
+
+TEST_F(ViewWindowTest, ASecondCloseRequestClosesAViewUnderItsGenerator) {
+  StartWithFiles();
+  QTimer::singleShot(0, [this] {
+    View().close();
+    View().close();
+  });
+  Choose("mnuDirectoryEx");
+  Settle();
+  EXPECT_TRUE(Views().empty());
+}
+
+TEST_F(ViewWindowTest, ViewsThatRunAtTheSameTimeDoNotMixTheirTexts) {
+  StartWithFiles();
+  QTimer::singleShot(0, [this] { Choose("mnuDirectoryExAll"); });
+  ClickRow("Long");
+  Choose("mnuFileViewHex");
+  ASSERT_EQ(Views().size(), 2U);
+  for (frmView* view : Views()) {
+    const bool hex = view->windowTitle() == QStringLiteral("View File - Long");
+    const std::string text = Shown(*view);
+    EXPECT_EQ(text.size(), hex ? 12500U * 76 : text.size());
+    EXPECT_EQ(text.find("Dir. $") == std::string::npos, hex);
+    EXPECT_EQ(text.find("xxxxxxxxxxxxxxxx") != std::string::npos, hex);
+  }
+}
+
+TEST_F(ViewWindowTest, TheMainWindowMayCloseWhileAViewRuns) {
+  StartWithFiles();
+  ClickRow("Long");
+  QTimer::singleShot(0, [this] { window_->close(); });
+  Choose("mnuFileViewHex");
+  EXPECT_EQ(ends_, std::vector<int>{0});
+}
+
+TEST_F(ViewWindowTest, ClosingTheWindowStopsTheBoxesOfAWordwiseDocument) {
+  ImageBuilder image(2560);
+  std::string text;
+  for (int i = 0; i < 4000; ++i) text += "\x02XX\ra\r";
+  image.AddFile(2, {"Word", BytesOf(text), 0xFFFFFFFF, 0xFFFFFFFF});
+  StartWith(image);
+  ClickRow("Word");
+  int boxes = 0;
+  QTimer user;
+  QObject::connect(&user, &QTimer::timeout, [&] {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      auto* box = qobject_cast<QMessageBox*>(widget);
+      if (box == nullptr || !box->isVisible()) continue;
+      EXPECT_EQ(box->text(), QStringLiteral("Unrecognised Command XX"));
+      if (++boxes < 3) return box->accept();
+      View().close();
+      return;
+    }
+  });
+  user.start(2);
+  Choose("mnuFileViewWordwise");
+  Settle();
+  EXPECT_EQ(boxes, 3);
+  EXPECT_TRUE(Views().empty());
+}
+
+TEST_F(ViewWindowTest, TheWindowComesBackWhereItWasAndWordwiseIsWider) {
+  SettingsStore().PutString("ViewLeft", QStringLiteral("1500"));
+  SettingsStore().PutString("ViewTop", QStringLiteral("750"));
+  SettingsStore().PutString("ViewWidth", QStringLiteral("6000"));
+  SettingsStore().PutString("ViewHeight", QStringLiteral("4500"));
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  EXPECT_EQ(view.size(), QSize(400, 300));
+  view.resize(500, 350);
+  view.close();
+  EXPECT_EQ(SettingsStore().GetString("ViewWidth"), QStringLiteral("7500"));
+  EXPECT_EQ(SettingsStore().GetString("ViewHeight"), QStringLiteral("5250"));
+}
+
+TEST_F(ViewWindowTest, AMegabyteOfHexNeverHoldsTheWindowUpForLong) {
+  ImageBuilder image(8000);
+  image.AddFile(2, {"Big", std::vector<std::uint8_t>(1 << 20, 0x5A)});
+  StartWith(image, "test.dat");
+  ClickRow("Big");
+  qint64 longest = 0;
+  QElapsedTimer sinceTurn;
+  QTimer heart;
+  QObject::connect(&heart, &QTimer::timeout,
+                   [&] { longest = std::max(longest, sinceTurn.restart()); });
+  sinceTurn.start();
+  heart.start(0);
+  QElapsedTimer whole;
+  whole.start();
+  Choose("mnuFileViewHex");
+  const qint64 running = whole.elapsed();
+  QTest::qWait(200);
+  RecordProperty("longest_ms", static_cast<int>(longest));
+  RecordProperty("whole_ms", static_cast<int>(running));
+  std::printf("longest stretch %lld ms, whole %lld ms\n", static_cast<long long>(longest),
+              static_cast<long long>(running));
+  // A hundred on a machine of its own; tests share theirs, and may run with sanitizers.
+  EXPECT_LT(longest, 400);
+  EXPECT_EQ(Shown(View()).size(), 65536U * 76);
+}
+
+}  // namespace
+}  // namespace sectorbox::testing
