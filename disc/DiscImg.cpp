@@ -231,7 +231,26 @@ bool DiscImg::Holds(std::int64_t offset) {
   return ReadyForBlocks() && (disctype_ != kCF || offset < kPartitionBytes);
 }
 
+bool DiscImg::FetchFileRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  if (disctype_ != kDat || offset < 0 || bytes.size() < 2 * kBlockSize || !ReadyForBlocks()) {
+    return false;
+  }
+  const auto done = ReadFileAt(fileNumber_, fileName_, offset, bytes);
+  std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(done), bytes.end(), std::uint8_t{0});
+  const std::int64_t end = offset + static_cast<std::int64_t>(bytes.size());
+  for (const Slot& slot : slots_) {
+    if (slot.Block == -1) continue;
+    const std::int64_t block = std::int64_t{slot.Block} * kBlockSize;
+    const std::int64_t from = std::max(block, offset);
+    const std::int64_t to = std::min(block + kBlockSize, end);
+    if (from < to)
+      std::copy_n(slot.Data.begin() + (from - block), to - from, bytes.begin() + (from - offset));
+  }
+  return true;
+}
+
 void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  if (FetchFileRun(offset, bytes)) return;
   while (!bytes.empty()) {
     if (const std::size_t run = FetchCardRun(offset, bytes); run > 0) {
       offset += static_cast<std::int64_t>(run);

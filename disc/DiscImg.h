@@ -122,6 +122,9 @@ class DiscImg {
 
   Slot& LocateBlock(std::int64_t offset);
   void WriteSlot(Slot& slot);
+  // A long run of a .dat comes straight from the file, with what the slots hold laid over it; the
+  // slots stay as they are. False when the run is short or the store is another.
+  bool FetchFileRun(std::int64_t offset, std::span<std::uint8_t> bytes);
   void LoadCardSlot(Slot& slot);
   // Whole blocks of a card past the slots, in one transfer: the count of disc bytes fetched, 0
   // where the bytes are to be had block by block.

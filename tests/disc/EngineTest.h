@@ -35,6 +35,8 @@ class EngineTest : public ::testing::Test {
   // bytes are in the order of the store.
   void Open(const Bytes& bytes, DiscType kind = kAdf) {
     size_ = bytes.size();
+    // A .dat that is still open would write its last blocks back over the new bytes.
+    if (!disc_.TheDisc.InMemory()) disc_.TheDisc.CloseFile();
     const std::string path = folder_ / "disc.img";
     WriteAll(path, bytes);
     host_.Interleave = false;

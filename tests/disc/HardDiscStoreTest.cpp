@@ -86,6 +86,19 @@ TEST_F(HardDiscStore, ReadingBeyondTheEndDoesNotGrowTheFile) {
   EXPECT_EQ(ReadAll(path_).size(), 4096U);
 }
 
+TEST_F(HardDiscStore, ALongRunShowsWhatTheBlocksHoldAndLeavesThemHeld) {
+  disc_.TheDisc.Store(5, 77);
+  disc_.TheDisc.Store(3 * 1024, 78);
+  std::vector<std::uint8_t> bytes(5000, 0xEE);
+  disc_.TheDisc.FetchBytes(3, bytes);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const std::size_t at = i + 3;
+    const auto filled = static_cast<std::uint8_t>(at < 4096 ? at / 1024 + 1 : 0);
+    ASSERT_EQ(bytes[i], at == 5 ? 77 : at == 3072 ? 78 : filled) << at;
+  }
+  EXPECT_EQ(ReadAll(path_)[5], 1);
+}
+
 TEST_F(HardDiscStore, AFileThatDoesNotExistComesIntoBeing) {
   disc_.TheDisc.OpenFile(folder_ / "new.dat", kDat, 1, 4, 33);
   EXPECT_TRUE(std::filesystem::exists(folder_ / "new.dat"));
