@@ -131,13 +131,13 @@ void frmMain::Guarded(const std::function<void()>& work) {
   }
 }
 
-void frmMain::Fail(const QString& reason) {
+void frmMain::Fail(const QString& reason, const QString& title) {
   host_.SetBusyPointer(false);
   QString text = reason;
   const QString kept = KeepUnsavedDisc(disc_);
   if (!kept.isEmpty()) text += QStringLiteral("\n\n") + kept;
   hide();
-  ShowBox(nullptr, text, QStringLiteral("Sectorbox"), BoxIcon::kCritical);
+  ShowBox(nullptr, text, title, BoxIcon::kCritical);
   EndProgram(1);
 }
 

@@ -73,7 +73,7 @@ class frmMain : public QMainWindow {
   void Guarded(const std::function<void()>& work);
   // The program can't go on: an unsaved disc in memory goes to a recovery file, the user is told
   // the reason and where, and the program ends.
-  void Fail(const QString& reason);
+  void Fail(const QString& reason, const QString& title = QStringLiteral("Sectorbox"));
 
   // --- What is current -------------------------------------------------------------------------
   // Empty only while no tree exists.

@@ -1,0 +1,325 @@
+#include <QCoreApplication>
+#include <QPrinter>
+#include <QTest>
+#include <filesystem>
+
+#include "shell/PictureCommands.h"
+#include "tests/support/WindowFixture.h"
+#include "viewers/Colours.h"
+#include "viewers/PictureFile.h"
+#include "viewers/Teletext.h"
+#include "viewers/frmMode.h"
+#include "viewers/frmPalette.h"
+#include "viewers/frmTeletext.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr char kFont[] = TELETEXT_FONT_PATH;
+
+Bytes Striped(std::size_t count, int step) {
+  Bytes bytes(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    bytes[i] = static_cast<std::uint8_t>(i * static_cast<std::size_t>(step));
+  }
+  return bytes;
+}
+
+class PictureWindowsTest : public WindowTest {
+ protected:
+  PictureWindowsTest() {
+    PictureCommands::FontFolder = folder_.Path();
+    std::filesystem::copy_file(kFont, Font());
+    ImageBuilder image(2560);
+    image.AddFile(2, {"AEMPTY", {}});
+    image.AddFile(2, {"PAGE", page_});
+    image.AddFile(2, {"SCREEN", screen_});
+    StartWith(image);
+  }
+  ~PictureWindowsTest() override { PictureCommands::FontFolder.clear(); }
+
+  std::string Font() const { return folder_ / kTeletextFontFile; }
+
+  static frmMode& Screen() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (auto* screen = qobject_cast<frmMode*>(window)) return *screen;
+    }
+    throw std::runtime_error("no screen is shown");
+  }
+  static const Picture& Shown(QWidget& window) {
+    return window.findChild<PictureBox*>(QStringLiteral("Picture1"))->Shown();
+  }
+  template <typename T = QPushButton>
+  static T& Child(QWidget& window, const QString& name) {
+    T* found = window.findChild<T*>(name);
+    if (found == nullptr) throw std::runtime_error("no such child: " + name.toStdString());
+    return *found;
+  }
+  static void Tick(QWidget& window) {
+    QTimer& timer = Child<QTimer>(window, QStringLiteral("Timer1"));
+    ASSERT_TRUE(timer.isActive());
+    EXPECT_EQ(timer.interval(), 500);
+    QMetaObject::invokeMethod(&timer, "timeout");
+  }
+  Bytes PixelsOf(int number, const ScreenPalette& palette, bool flash) const {
+    const ScreenMode& mode = *FindScreenMode(number);
+    return EncodeBmp(DrawScreen(mode, screen_, FindCurrentColours(mode, palette, flash)));
+  }
+  Bytes Page(std::int16_t phase) const {
+    return EncodeBmp(DrawTeletext(page_, LoadTeletextFont(kFont).value(), phase));
+  }
+  frmMode& OpenScreen(const char* entry) {
+    ClickRow(QStringLiteral("SCREEN"));
+    Choose(entry);
+    return Screen();
+  }
+
+  Bytes page_ = Striped(960, 7);
+  Bytes screen_ = Striped(20480, 31);
+};
+
+TEST_F(PictureWindowsTest, ATeletextPageFlashesTwiceASecond) {
+  ClickRow(QStringLiteral("PAGE"));
+  player_.Expect([&](QWidget& window) {
+    EXPECT_EQ(window.objectName(), QStringLiteral("frmTeletext"));
+    EXPECT_TRUE(window.isModal());
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("View Teletext File - PAGE"));
+    EXPECT_EQ(window.size(), QSize(520, 24 * 20 + 110));
+    EXPECT_EQ(Child<PictureBox>(window, QStringLiteral("Picture1")).size(), QSize(484, 484));
+    EXPECT_EQ(EncodeBmp(Shown(window)), Page(0));
+    Tick(window);
+    EXPECT_EQ(EncodeBmp(Shown(window)), Page(1));
+    Tick(window);
+    EXPECT_EQ(EncodeBmp(Shown(window)), Page(0));
+    Child<QAction>(window, QStringLiteral("mnuFileClose")).trigger();
+  });
+  Choose("mnuFileViewTeletext");
+  EXPECT_NE(Page(0), Page(1));
+}
+
+TEST_F(PictureWindowsTest, AnEmptyFileIsAnEmptyPage) {
+  ClickRow(QStringLiteral("AEMPTY"));
+  player_.Expect([&](QWidget& window) {
+    EXPECT_EQ(window.size(), QSize(520, 110));
+    EXPECT_EQ(Child<PictureBox>(window, QStringLiteral("Picture1")).height(), 8);
+    window.close();
+  });
+  Choose("mnuFileViewTeletext");
+}
+
+TEST_F(PictureWindowsTest, ThePageIsSavedInThePhaseThatShows) {
+  ClickRow(QStringLiteral("PAGE"));
+  // The player can't answer one dialog from within the answer to another, so the window acts after.
+  player_.Expect([&](QWidget& window) {
+    Tick(window);
+    Child<QTimer>(window, QStringLiteral("Timer1")).stop();
+    QTimer::singleShot(0, &window, [&window] {
+      Child<QAction>(window, QStringLiteral("mnuFileSave")).trigger();
+      Child<QAction>(window, QStringLiteral("mnuFileSave")).trigger();
+      window.close();
+    });
+  });
+  player_.ExpectFileDialog(folder_ / "PAGE.bmp");
+  player_.ExpectFileDialog("");
+  Choose("mnuFileViewTeletext");
+  EXPECT_EQ(ReadAll(folder_ / "PAGE.bmp"), Page(1));
+}
+
+TEST_F(PictureWindowsTest, ThePageIsPrintedAtTheTopLeftOfOnePage) {
+  ClickRow(QStringLiteral("PAGE"));
+  const std::string pdf = folder_ / "page.pdf";
+  player_.Expect([&](QWidget& window) {
+    static_cast<frmTeletext&>(window).SetUpPrinter = [&](QPrinter& printer) {
+      printer.setOutputFormat(QPrinter::PdfFormat);
+      printer.setOutputFileName(QString::fromStdString(pdf));
+    };
+    Child<QAction>(window, QStringLiteral("mnuFilePrint")).trigger();
+    window.close();
+  });
+  Choose("mnuFileViewTeletext");
+  const std::string text = ReadText(pdf);
+  EXPECT_EQ(text.rfind("%PDF-", 0), 0U);
+  EXPECT_NE(text.find("/Width 480"), std::string::npos);
+  EXPECT_NE(text.find("/Height 480"), std::string::npos);
+  EXPECT_NE(text.find("/Count 1"), std::string::npos);
+}
+
+TEST_F(PictureWindowsTest, AMissingFontEndsTheProgramAndKeepsWhatIsNotSaved) {
+  std::filesystem::remove(Font());
+  ClickRow(QStringLiteral("PAGE"));
+  player_.ExpectBox(QStringLiteral("Cannot open Teletext font file teletext.fnt"),
+                    QStringLiteral("WindowTitle"));
+  Choose("mnuFileViewTeletext");
+  EXPECT_EQ(ends_, std::vector<int>{1});
+}
+
+TEST_F(PictureWindowsTest, AShortFontEndsTheProgramToo) {
+  WriteAll(Font(), Bytes(3455));
+  disc_->ImageChanged = true;
+  ClickRow(QStringLiteral("PAGE"));
+  player_.Expect([&](QWidget& box) {
+    const QString text = dynamic_cast<QMessageBox&>(box).text();
+    EXPECT_TRUE(text.startsWith(QStringLiteral("Cannot open Teletext font file teletext.fnt\n")));
+    EXPECT_EQ(dynamic_cast<QMessageBox&>(box).icon(), QMessageBox::Critical);
+    box.close();
+  });
+  Choose("mnuFileViewTeletext");
+  EXPECT_EQ(ends_, std::vector<int>{1});
+  disc_->ImageChanged = false;
+}
+
+TEST_F(PictureWindowsTest, TheTeletextWindowComesBackWhereItWas) {
+  ClickRow(QStringLiteral("PAGE"));
+  player_.Expect([&](QWidget& window) {
+    EXPECT_EQ(window.pos(), QPoint(6, 6));
+    window.move(120, 80);
+    window.close();
+  });
+  Choose("mnuFileViewTeletext");
+  EXPECT_EQ(SettingsStore().GetTwips("TeletextLeft", 0), 1800);
+  EXPECT_EQ(SettingsStore().GetTwips("TeletextTop", 0), 1200);
+  player_.Expect([&](QWidget& window) {
+    EXPECT_EQ(window.pos(), QPoint(120, 80));
+    window.close();
+  });
+  Choose("mnuFileViewTeletext");
+}
+
+TEST_F(PictureWindowsTest, EveryModeEntryShowsItsScreen) {
+  for (const ScreenMode& mode : kScreenModes) {
+    frmMode& window = OpenScreen(("mnuFileViewMode" + std::to_string(mode.Mode)).c_str());
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("View Mode %1 File - SCREEN").arg(mode.Mode));
+    EXPECT_FALSE(window.isModal());
+    EXPECT_EQ(window.size(), QSize(680, 662));
+    EXPECT_EQ(Child<PictureBox>(window, QStringLiteral("Picture1")).size(), QSize(644, 516));
+    EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(mode.Mode, {}, false));
+    for (int i = 0; i < 8; ++i) {
+      auto& button = Child<ColourButton>(window, QStringLiteral("cmdPalet%1").arg(i));
+      EXPECT_EQ(button.isEnabled(), i < mode.BaseColours);
+      EXPECT_EQ(button.BackColour(),
+                i < mode.BaseColours ? static_cast<int>(ScreenPalette().Get(mode, i)) : -1);
+    }
+    window.close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+}
+
+TEST_F(PictureWindowsTest, OnlyMode2FlashesAndLeavingItStopsTheTimer) {
+  frmMode& window = OpenScreen("mnuFileViewMode2");
+  Tick(window);
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(2, {}, true));
+  Tick(window);
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(2, {}, false));
+  Tick(window);
+  for (const int mode : {0, 1, 4, 5}) {
+    Child(window, QStringLiteral("cmdMode%1").arg(mode)).click();
+    EXPECT_FALSE(Child<QTimer>(window, QStringLiteral("Timer1")).isActive());
+    EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(mode, {}, false));
+  }
+  Child(window, QStringLiteral("cmdMode2")).click();
+  EXPECT_TRUE(Child<QTimer>(window, QStringLiteral("Timer1")).isActive());
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(2, {}, false));
+}
+
+TEST_F(PictureWindowsTest, AChosenColourIsKeptAcrossModesUntilReset) {
+  frmMode& window = OpenScreen("mnuFileViewMode1");
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Change Palette"));
+    Child(dialog, QStringLiteral("cmdColour6")).click();
+  });
+  Child(window, QStringLiteral("cmdPalet2")).click();
+  ScreenPalette changed;
+  changed.Set(*FindScreenMode(1), 2, kCyan);
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(1, changed, false));
+  EXPECT_EQ(Child<ColourButton>(window, QStringLiteral("cmdPalet2")).BackColour(),
+            static_cast<int>(kCyan));
+  Child(window, QStringLiteral("cmdMode5")).click();
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(5, {}, false));
+  Child(window, QStringLiteral("cmdReset")).click();
+  Child(window, QStringLiteral("cmdMode1")).click();
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(1, changed, false));
+  Child(window, QStringLiteral("cmdReset")).click();
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(1, {}, false));
+}
+
+TEST_F(PictureWindowsTest, CancellingThePaletteDialogChangesNothing) {
+  frmMode& window = OpenScreen("mnuFileViewMode4");
+  player_.Expect([](QWidget& dialog) { Child(dialog, QStringLiteral("cmdCancel")).click(); });
+  Child(window, QStringLiteral("cmdPalet1")).click();
+  EXPECT_EQ(SelectedColour, -1);
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(4, {}, false));
+}
+
+TEST_F(PictureWindowsTest, AScreenShowsTheRowThatIsCurrentAtEachDrawing) {
+  frmMode& window = OpenScreen("mnuFileViewMode0");
+  ClickRow(QStringLiteral("PAGE"));
+  EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(0, {}, false));
+  Child(window, QStringLiteral("cmdMode4")).click();
+  EXPECT_EQ(window.windowTitle(), QStringLiteral("View Mode 4 File - PAGE"));
+  const ScreenMode& mode = *FindScreenMode(4);
+  EXPECT_EQ(EncodeBmp(Shown(window)),
+            EncodeBmp(DrawScreen(mode, page_, FindCurrentColours(mode, {}, false))));
+}
+
+TEST_F(PictureWindowsTest, AnotherTagOnlyClearsThePicture) {
+  frmMode& window = OpenScreen("mnuFileViewMode1");
+  window.Tag = 3;
+  window.Show_File();
+  EXPECT_EQ(Shown(window).Pixels, std::vector<Colour>(640 * 512, kBlack));
+}
+
+TEST_F(PictureWindowsTest, AScreenIsSavedPrintedAndPlacedLikeAPage) {
+  frmMode& window = OpenScreen("mnuFileViewMode2");
+  EXPECT_EQ(window.pos(), QPoint(6, 6));
+  Child<QTimer>(window, QStringLiteral("Timer1")).stop();
+  player_.ExpectFileDialog(folder_ / "SCREEN.bmp");
+  Child<QAction>(window, QStringLiteral("mnuFileSave")).trigger();
+  EXPECT_EQ(ReadAll(folder_ / "SCREEN.bmp"), PixelsOf(2, {}, false));
+  const std::string pdf = folder_ / "screen.pdf";
+  window.SetUpPrinter = [&](QPrinter& printer) {
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(QString::fromStdString(pdf));
+  };
+  Child<QAction>(window, QStringLiteral("mnuFilePrint")).trigger();
+  EXPECT_NE(ReadText(pdf).find("/Width 640"), std::string::npos);
+  window.move(60, 45);
+  Child<QAction>(window, QStringLiteral("mnuFileClose")).trigger();
+  EXPECT_EQ(SettingsStore().GetTwips("ModeLeft", 0), 900);
+  EXPECT_EQ(SettingsStore().GetTwips("ModeTop", 0), 675);
+}
+
+TEST_F(PictureWindowsTest, TheColourEntriesAreThere) {
+  frmMode& window = OpenScreen("mnuFileViewMode1");
+  for (const char* name : {"Black", "Red", "Green", "Yellow", "Blue", "Magenta", "Cyan", "White"}) {
+    const QString caption = QString::fromLatin1(name);
+    EXPECT_EQ(Child<QAction>(window, QStringLiteral("mnuColour") + caption).text(), caption);
+  }
+}
+
+// At 200 % each pixel of the picture is two by two of the screen's, unblurred.
+TEST_F(PictureWindowsTest, PicturesAreCrispAtEveryWholeScale) {
+  frmMode& window = OpenScreen("mnuFileViewMode0");
+  auto& box = Child<PictureBox>(window, QStringLiteral("Picture1"));
+  const Picture& picture = box.Shown();
+  for (const double scale : {1.0, 2.0, 3.0}) {
+    QImage target((QSizeF(box.size()) * scale).toSize(), QImage::Format_RGB32);
+    target.setDevicePixelRatio(scale);
+    box.render(&target);
+    const int n = static_cast<int>(scale);
+    const int left = (target.width() - 640 * n) / 2;
+    const int top = (target.height() - 512 * n) / 2;
+    int wrong = 0;
+    for (int y = 0; y < 512 * n; ++y) {
+      for (int x = 0; x < 640 * n; ++x) {
+        wrong += (target.pixel(left + x, top + y) & kWhite) != picture.At(x / n, y / n) ? 1 : 0;
+      }
+    }
+    EXPECT_EQ(wrong, 0) << "scale " << scale;
+  }
+}
+
+}  // namespace
+}  // namespace sectorbox
