@@ -258,7 +258,7 @@
  2580STA L%,X:INX:CMP #13:BNE li5:DEC crs:BNE li5:BEQ li7
  2590.li6 CPX #255:BEQ lib
  2600.li7 LDA #13:STA L%,X
- 2610LDA L%:CMP #83:BEQ li3:LDY #0:JSR wt:BCS lib
+ 2610LDA L%:CMP #83:BEQ li3:CMP #81:BEQ li3:LDY #0:JSR wt:BCS lib
  2620LDA L%:CMP #27:BNE li3:BEQ lia
  2630\ Wait Y*0.6 s (20 ms if 0) for a byte; C set if it's there
  2640.wt LDA #0:STA w:CPY #1:BCS wt0:LDA #247

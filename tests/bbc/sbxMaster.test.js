@@ -1,0 +1,3 @@
+import { testSbx } from "./lib/sbxTests.js";
+
+testSbx("master");
