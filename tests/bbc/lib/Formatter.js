@@ -21,7 +21,7 @@ export const kLoader = [
 
 /** The formatter as the build made it, or, outside a build, assembled for the occasion. */
 export function formatterBytes() {
-  const built = process.env.SECTORBOX_AFORM;
+  const built = process.env.AFORM;
   if (built && existsSync(built)) return readFileSync(built);
   const folder = mkdtempSync(join(tmpdir(), "aform-"));
   try {

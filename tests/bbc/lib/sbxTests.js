@@ -12,8 +12,8 @@ import { PtyCable } from "./PtyCable.js";
 import { SerialLine } from "./SerialLine.js";
 import { giveKeyboardToTheLine, listingLines, startServer } from "./TransferServer.js";
 
-const { SECTORBOX_SBX: sbx, SECTORBOX_PTY_BRIDGE: bridge } = process.env;
-const missing = sbx && bridge ? false : "SECTORBOX_SBX and SECTORBOX_PTY_BRIDGE name no programs";
+const { SBX: sbx, PTY_BRIDGE: bridge } = process.env;
+const missing = sbx && bridge ? false : "SBX and PTY_BRIDGE name no programs";
 
 /** Declares the tests of `sbx` with one kind of machine. */
 export function testSbx(kind) {
