@@ -140,6 +140,11 @@ void DirTree::mousePressEvent(QMouseEvent* event) {
     if (MenuWanted) MenuWanted(event->globalPosition().toPoint());
     return;
   }
+  // A press beside all nodes keeps the mark on the current one.
+  if (itemAt(event->position().toPoint()) == nullptr) {
+    event->accept();
+    return;
+  }
   quiet_ = true;
   QTreeWidget::mousePressEvent(event);
   quiet_ = false;
@@ -173,6 +178,13 @@ void DirTree::keyPressEvent(QKeyEvent* event) {
     return;
   }
   QTreeWidget::keyPressEvent(event);
+}
+
+// The column is as wide as its longest path of names, so that deep trees scroll, but never narrower
+// than the pane, so that a selected row is marked over its whole width.
+void DirTree::resizeEvent(QResizeEvent* event) {
+  header()->setMinimumSectionSize(viewport()->width());
+  QTreeWidget::resizeEvent(event);
 }
 
 void DirTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option,

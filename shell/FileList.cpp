@@ -16,6 +16,15 @@ constexpr int kSmallIcon = 16;
 constexpr int kLargeIcon = 32;
 constexpr int kCellMargin = 4;
 
+// Cells as wide as the longest name in capitals, so that the icons stand in columns.
+QSize GridOf(ListLook look, const QFontMetrics& metrics) {
+  const int name = metrics.horizontalAdvance(QStringLiteral("MMMMMMMMMM"));
+  const int line = metrics.height() + 6;
+  if (look == ListLook::kLargeIcons) return {name + 8, kLargeIcon + line + 10};
+  if (look == ListLook::kSmallIcons) return {kSmallIcon + name + 12, std::max(kSmallIcon, line)};
+  return {};
+}
+
 // Paints a whole row in the report mode; in the other modes the plain item.
 class RowPainter : public NameEditor {
  public:
@@ -95,7 +104,10 @@ FileList::FileList(QWidget* parent)
   connect(header_, &QHeaderView::sectionClicked, this, [this](int column) {
     if (HeadingClicked) HeadingClicked(column);
   });
-  connect(header_, &QHeaderView::sectionResized, this, [this] { scheduleDelayedItemsLayout(); });
+  connect(header_, &QHeaderView::sectionResized, this, [this](int column) {
+    if (!sizing_) dragged_[static_cast<std::size_t>(column)] = true;
+    scheduleDelayedItemsLayout();
+  });
   connect(horizontalScrollBar(), &QScrollBar::valueChanged, header_, &QHeaderView::setOffset);
   SetMode(ListLook::kReport);
 }
@@ -110,9 +122,8 @@ void FileList::SetMode(ListLook mode) {
   setFlow(mode == ListLook::kReport || mode == ListLook::kList ? QListView::TopToBottom
                                                                : QListView::LeftToRight);
   setWrapping(mode != ListLook::kReport);
-  setSpacing(large ? 8 : 0);
   setIconSize(large ? QSize(kLargeIcon, kLargeIcon) : QSize(kSmallIcon, kSmallIcon));
-  setGridSize(mode == ListLook::kSmallIcons ? QSize(116, 22) : QSize());
+  setGridSize(GridOf(mode, fontMetrics()));
   // IconMode turns these off.
   setDragEnabled(true);
   setAcceptDrops(true);
@@ -136,7 +147,25 @@ void FileList::updateGeometries() {
 }
 
 void FileList::SetColumnWidth(int column, double twips) {
+  sizing_ = true;
   header_->resizeSection(column, PixelsFromTwips(twips));
+  sizing_ = false;
+  dragged_[static_cast<std::size_t>(column)] = false;
+}
+
+void FileList::FitColumns() {
+  sizing_ = true;
+  for (int column = 0; column < kColumns; ++column) {
+    if (dragged_[static_cast<std::size_t>(column)]) continue;
+    int widest = 0;
+    for (int row = 0; row < model_->rowCount(); ++row) {
+      const QString text = model_->index(row, column).data().toString();
+      widest = std::max(widest, fontMetrics().horizontalAdvance(text));
+    }
+    widest += 2 * kCellMargin + (column == kColName ? kSmallIcon + 2 * kCellMargin : 0);
+    if (widest > header_->sectionSize(column)) header_->resizeSection(column, widest);
+  }
+  sizing_ = false;
 }
 
 QRect FileList::CellRect(const QRect& rowRect, int column) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QListView>
+#include <array>
 #include <functional>
 
 #include "shell/FileListModel.h"
@@ -25,8 +26,10 @@ class FileList : public QListView {
   QHeaderView* Header() { return header_; }
   ListLook Mode() const { return mode_; }
   void SetMode(ListLook mode);
-  // The width of a column in twips.
+  // The width of a column in twips; forgets what the user dragged it to.
   void SetColumnWidth(int column, double twips);
+  // Widens the columns whose texts would be cut, but for those that the user dragged.
+  void FitColumns();
   bool IsSelected(int row) const;
   void SetSelected(int row, bool selected);
   // Starts the in-place edit of a row's name.
@@ -65,6 +68,8 @@ class FileList : public QListView {
   QHeaderView* header_;
   ListLook mode_ = ListLook::kReport;
   bool pressing_ = false;
+  bool sizing_ = false;  // the program itself changes column widths
+  std::array<bool, kColumns> dragged_{};
 };
 
 }  // namespace sectorbox

@@ -133,6 +133,7 @@ void Panes::GetRootTitles() {
   filling_ = true;
   CurrentItem_ = QPersistentModelIndex();
   List().Model().SetRows(ReadRows(disc_, CurrentSector()));
+  List().FitColumns();
   filling_ = false;
   ShowFreeSpace(disc_);
   window_.Host().SetBusyPointer(false);

@@ -12,6 +12,15 @@ namespace sectorbox {
 namespace {
 
 constexpr int kMargin = 5;
+constexpr int kLeastCharacters = 5;
+constexpr double kFontScale = 0.92;
+
+// The locale's short time without its seconds.
+QString ShortTime(const QTime& time) {
+  QString pattern = QLocale().timeFormat(QLocale::ShortFormat);
+  pattern.remove(QStringLiteral(":ss")).remove(QStringLiteral(".ss"));
+  return QLocale().toString(time, pattern);
+}
 
 }  // namespace
 
@@ -22,11 +31,14 @@ Panel::Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent)
 }
 
 QSize Panel::sizeHint() const {
-  return {fontMetrics().horizontalAdvance(text()) + 2 * kMargin, fontMetrics().height() + 4};
+  // One pixel more: widths of text are fractions.
+  return {fontMetrics().horizontalAdvance(text()) + 1 + 2 * kMargin, fontMetrics().height() + 4};
 }
 
 QSize Panel::minimumSizeHint() const {
-  return {2 * kMargin, fontMetrics().height() + 4};
+  if (mode_ == Qt::ElideNone) return sizeHint();
+  return {fontMetrics().horizontalAdvance(u'0') * kLeastCharacters + 2 * kMargin,
+          fontMetrics().height() + 4};
 }
 
 void Panel::paintEvent(QPaintEvent*) {
@@ -48,6 +60,9 @@ StatusBar::StatusBar(QWidget* parent)
   setObjectName(QStringLiteral("sbStatusBar"));
   setStyleSheet(QStringLiteral("QStatusBar::item { border: none; }"));
   setSizeGripEnabled(true);
+  QFont small = font();
+  small.setPointSizeF(small.pointSizeF() * kFontScale);
+  for (Panel* panel : {text_, path_, date_, time_}) panel->setFont(small);
   addWidget(text_);
   addWidget(path_, 1);
   addPermanentWidget(date_);
@@ -71,7 +86,7 @@ void StatusBar::SetPath(const QString& text) {
 void StatusBar::ShowClock() {
   const QDateTime now = QDateTime::currentDateTime();
   const QString date = QLocale().toString(now.date(), QLocale::ShortFormat);
-  const QString time = QLocale().toString(now.time(), QLocale::ShortFormat);
+  const QString time = ShortTime(now.time());
   if (date_->text() != date) date_->setText(date);
   if (time_->text() != time) time_->setText(time);
 }

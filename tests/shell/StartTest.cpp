@@ -1,4 +1,6 @@
+#include <QApplication>
 #include <QMenu>
+#include <filesystem>
 
 #include "shell/MenuTable.h"
 #include "shell/Program.h"
@@ -46,6 +48,125 @@ TEST_F(StartTest, EveryMenuEntryIsThereOnceUnderItsNameWithItsCaption) {
     }
   }
 }
+
+TEST_F(StartTest, OnlyTheViewEntriesStartDisabled) {
+  Start();
+  for (const MenuEntry& entry : MenuTable()) {
+    EXPECT_EQ(window_->Action(entry.Name)->isEnabled(), !entry.StartsDisabled) << entry.Name;
+  }
+}
+
+TEST_F(StartTest, APathInQuotesIsOpened) {
+  ImageBuilder image(2560);
+  image.AddFile(2, {"HELLO", {1, 2, 3}});
+  StartWith(image);
+  EXPECT_EQ(Names(), QStringList{QStringLiteral("HELLO")});
+  EXPECT_EQ(disc_->ImageName, folder_ / "test.adl");
+  EXPECT_EQ(SettingsStore().GetString("Root"), FromHost(folder_ / "test.adl"));
+}
+
+TEST_F(StartTest, APathWithoutQuotesLosesItsEndsAndTheScratchDiscStaysWithoutAMessage) {
+  ImageBuilder image(2560);
+  image.WriteInterleavedTo(folder_ / "test.adl");
+  Start(folder_ / "test.adl");
+  EXPECT_EQ(disc_->ImageName, "NewDisc.adl");
+}
+
+TEST_F(StartTest, AnArgumentOfQuotesAloneOrOfOneCharacterOpensNothing) {
+  for (const char* line : {"\"\"", "\"", "x"}) {
+    StartAgain(line);
+    EXPECT_EQ(disc_->ImageName, "NewDisc.adl");
+  }
+}
+
+TEST_F(StartTest, WhatEarlierDragsLeftIsRemovedAndTheLogStays) {
+  std::filesystem::create_directories(folder_ / "adfs_temp/temp_0/DIR");
+  WriteText(folder_ / "adfs_temp/temp_0/DIR/FILE", "x");
+  WriteText(folder_ / "drag.log", "x\n");
+  Start();
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "adfs_temp"));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "drag.log"));
+}
+
+TEST_F(StartTest, ALinkAmongTheLeftoversIsRemovedAndNotFollowed) {
+  std::filesystem::create_directories(folder_ / "adfs_temp");
+  std::filesystem::create_directories(folder_ / "mine");
+  WriteText(folder_ / "mine/FILE", "x");
+  std::filesystem::create_directory_symlink(folder_ / "mine", folder_ / "adfs_temp/link");
+  Start();
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "adfs_temp"));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "mine/FILE"));
+}
+
+// The hooks of a start in a test: a clock that a pump of 10 ms moves on.
+struct FakeTime {
+  double Now = 100.0;
+  int Pumps = 0;
+};
+
+StartHooks HooksOf(FakeTime& time, std::vector<int>& ends) {
+  StartHooks hooks;
+  hooks.Clock = [&time] { return time.Now; };
+  hooks.Pump = [&time] {
+    time.Now += 0.01;
+    ++time.Pumps;
+  };
+  hooks.EndProgram = [&ends](int status) { ends.push_back(status); };
+  return hooks;
+}
+
+TEST_F(StartTest, TheSplashStandsForFourSecondsAndIsGoneBeforeTheWindowShows) {
+  FakeTime time;
+  bool splashSeen = false;
+  StartHooks hooks = HooksOf(time, ends_);
+  const auto pump = hooks.Pump;
+  hooks.Pump = [&] {
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+      if (top->objectName() == QLatin1String("frmSplash")) splashSeen = top->isVisible();
+      EXPECT_NE(top->objectName(), QStringLiteral("frmMain"));
+    }
+    pump();
+  };
+  hooks.Created = [](frmMain& window) { EXPECT_FALSE(window.isVisible()); };
+  host_ = std::make_unique<WindowHost>();
+  disc_ = std::make_unique<Disc>(*host_);
+  window_ = StartProgram(*disc_, *host_, hooks, "");
+  ASSERT_NE(window_, nullptr);
+  EXPECT_TRUE(splashSeen);
+  EXPECT_GE(time.Pumps, 399);
+  EXPECT_LE(time.Pumps, 401);
+  EXPECT_TRUE(window_->isVisible());
+  for (QWidget* top : QApplication::topLevelWidgets()) {
+    EXPECT_NE(top->objectName(), QStringLiteral("frmSplash"));
+  }
+}
+
+class BadSettingTest : public StartTest,
+                       public ::testing::WithParamInterface<std::pair<const char*, const char*>> {};
+
+TEST_P(BadSettingTest, EndsTheProgramWithAMessageAndKeepsTheSetting) {
+  const auto [key, text] = GetParam();
+  SettingsStore().PutString(key, QString::fromLatin1(text));
+  FakeTime time;
+  player_.Expect([key = key](QWidget& dialog) {
+    auto& box = dynamic_cast<QMessageBox&>(dialog);
+    EXPECT_TRUE(box.text().contains(QLatin1String(key))) << box.text().toStdString();
+    box.accept();
+  });
+  host_ = std::make_unique<WindowHost>();
+  disc_ = std::make_unique<Disc>(*host_);
+  window_ = StartProgram(*disc_, *host_, HooksOf(time, ends_), "");
+  EXPECT_EQ(window_, nullptr);
+  EXPECT_EQ(ends_, std::vector<int>{1});
+  EXPECT_EQ(SettingsStore().GetString(key), QString::fromLatin1(text));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Start, BadSettingTest,
+    ::testing::Values(std::pair{"MainLeft", "abc"}, std::pair{"MainHeight", "nan"},
+                      std::pair{"ComPort", "32768"}, std::pair{"BaudRate", "38400"},
+                      std::pair{"PadDiscImages", "maybe"}, std::pair{"CheckBeforeWrite", ""}),
+    [](const auto& test) { return std::string(test.param.first); });
 
 }  // namespace
 }  // namespace sectorbox::testing
