@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QPushButton>
 #include <QSettings>
 #include <QTest>
@@ -74,7 +75,14 @@ void DialogPlayer::Tick() {
   answers_.pop_front();
   answered_ = dialog;
   ticksOpen_ = 0;
-  answer(*dialog);
+  // From a timer of its own: the answer may open a box, whose events this timer must serve, and a
+  // timer doesn't run again inside its own call.
+  QTimer::singleShot(0, &timer_, [this, answer, held = QPointer<QWidget>(dialog)] {
+    if (held == nullptr) return;
+    answer(*held);
+    // Some dialogs are made once and used again: closed, this one may come up as the next.
+    if (answered_ != nullptr && !answered_->isVisible()) answered_ = nullptr;
+  });
 }
 
 void DialogPlayer::Expect(std::function<void(QWidget&)> answer) {
@@ -114,6 +122,8 @@ void DialogPlayer::ExpectFileDialog(const std::string& path, std::function<void(
     look(*files);
     if (path.empty()) return files->reject();
     auto* name = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    // Typing takes the mark off the file that the dialog began with; without the focus it stays.
+    files->findChild<QListView*>(QStringLiteral("listView"))->clearSelection();
     name->setText(FromHost(path));
     QMetaObject::invokeMethod(files, "accept");
   });

@@ -1,0 +1,372 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <filesystem>
+
+#include "disc/Adfs.h"
+#include "disc/FreeMap.h"
+#include "disc/Mutation.h"
+#include "tests/support/WindowFixture.h"
+#include "toolkit/Text.h"
+
+namespace sectorbox::testing {
+namespace {
+
+void Push(QWidget& dialog, const char* button) {
+  dialog.findChild<QPushButton*>(QString::fromLatin1(button))->click();
+}
+
+void Type(QWidget& dialog, const char* field, const QString& text) {
+  dialog.findChild<QLineEdit*>(QString::fromLatin1(field))->setText(text);
+}
+
+class FileCommandsTest : public WindowTest {
+ protected:
+  FileCommandsTest() {
+    image_.AddFile(2, {"ALPHA", {1, 2, 3}, 0xFFFF1900, 0x8023, "WR"});
+    image_.AddFile(2, {"BETA", std::vector<std::uint8_t>(600, 5), 0, 0, "LWR"});
+    dir_ = image_.AddDirectory(2, "DIR");
+    image_.AddFile(dir_, {"INSIDE", {1}});
+    image_.AddFile(2, {"GAMMA", {4}, 1, 2, "R"});
+  }
+  ListRow RowOf(const char* name) {
+    return window_->ThePanes().List().Model().Rows()[static_cast<std::size_t>(
+        Row(QString::fromLatin1(name)))];
+  }
+  bool OnDisc(const char* name, std::int32_t sector = 2) {
+    return FindEntry(*disc_, sector, name) != -1;
+  }
+  void Select(std::initializer_list<const char*> names) {
+    QStringList list;
+    for (const char* name : names) list.append(QString::fromLatin1(name));
+    SelectRows(list);
+  }
+  // Types a new name into the editor that is open in the list.
+  void Rename(const QString& name, Qt::Key end = Qt::Key_Return) {
+    auto* editor = Find("lvwDB").findChild<QLineEdit*>(QStringLiteral("txtName"));
+    ASSERT_NE(editor, nullptr);
+    editor->setText(name);
+    QTest::keyClick(editor, end);
+    Settle();
+  }
+
+  ImageBuilder image_{2560};
+  std::int32_t dir_ = 0;
+};
+
+// --- Attributes --------------------------------------------------------------------------------
+
+TEST_F(FileCommandsTest, TheAttributeDialogOpensWithTheCurrentRowsState) {
+  StartWith(image_);
+  Select({"BETA"});
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(dialog.objectName(), QStringLiteral("frmAttr"));
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Set File Attributes"));
+    for (const char* box : {"chkRead", "chkWrite", "chkLocked"}) {
+      EXPECT_TRUE(dialog.findChild<QCheckBox*>(QString::fromLatin1(box))->isChecked()) << box;
+    }
+    Push(dialog, "cmdCancel");
+  });
+  Choose("mnuFileAttributes");
+  EXPECT_EQ(RowOf("BETA").Attr(), "LWR");
+  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+TEST_F(FileCommandsTest, EverySelectedRowGetsTheDialogsAttributesDirectoriesIncluded) {
+  StartWith(image_);
+  Select({"ALPHA", "DIR", "GAMMA"});
+  player_.Expect([](QWidget& dialog) {
+    dialog.findChild<QCheckBox*>(QStringLiteral("chkWrite"))->setChecked(true);
+    dialog.findChild<QCheckBox*>(QStringLiteral("chkLocked"))->setChecked(true);
+    Push(dialog, "cmdOK");
+  });
+  Choose("mnuFileAttributes");
+  EXPECT_EQ(RowOf("ALPHA").Attr(), "LWR");
+  EXPECT_EQ(RowOf("DIR").Attr(), "DLWR");
+  EXPECT_EQ(RowOf("GAMMA").Attr(), "LWR");
+  EXPECT_EQ(RowOf("BETA").Attr(), "LWR");
+  EXPECT_TRUE(disc_->ImageChanged);
+  EXPECT_EQ(window_->windowTitle().right(1), QStringLiteral("*"));
+}
+
+TEST_F(FileCommandsTest, TheCloseBoxLeavesAcceptedAsTheLastUseLeftIt) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  player_.Expect([](QWidget& dialog) { dialog.close(); });
+  Choose("mnuFileAttributes");
+  EXPECT_EQ(RowOf("ALPHA").Attr(), "WR");
+  player_.Expect([](QWidget& dialog) { Push(dialog, "cmdOK"); });
+  Choose("mnuFileAttributes");
+  const std::string seq = RowOf("ALPHA").Columns[kColSeq];
+  // Accepted still stands from the OK, so closing applies once more.
+  player_.Expect([](QWidget& dialog) { dialog.close(); });
+  Choose("mnuFileAttributes");
+  EXPECT_NE(RowOf("ALPHA").Columns[kColSeq], seq);
+}
+
+TEST_F(FileCommandsTest, CommandsWithoutACurrentRowReturnSilently) {
+  Start();
+  ASSERT_EQ(window_->CurrentItem(), nullptr);
+  for (const char* entry : {"mnuFileAttributes", "mnuFileAddresses", "mnuFileDelete",
+                            "mnuFileRename", "mnuFileExport", "mnuFileSelectAll"}) {
+    Choose(entry);
+  }
+  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+// --- Addresses ---------------------------------------------------------------------------------
+
+TEST_F(FileCommandsTest, AddressesArePaddedAndUpperCased) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("txtLoad"))->text(),
+              QStringLiteral("FFFF1900"));
+    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("txtExec"))->text(),
+              QStringLiteral("00008023"));
+    Type(dialog, "txtLoad", QStringLiteral("0"));
+    Type(dialog, "txtExec", QStringLiteral("ffff19ab"));
+    Push(dialog, "cmdOK");
+  });
+  Choose("mnuFileAddresses");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "00000000");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColExec], "FFFF19AB");
+  EXPECT_EQ(Fetch32(*disc_, EntryOffset(2, FindEntry(*disc_, 2, "ALPHA")) + 14), 0xFFFF19ABu);
+}
+
+TEST_F(FileCommandsTest, AddressesOfADirectoryAreNotOffered) {
+  StartWith(image_);
+  Select({"DIR"});
+  Choose("mnuFileAddresses");
+  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+struct BadAddress {
+  const char* Name;
+  const char* Load;
+  const char* Exec;
+  const char* Message;
+};
+
+class BadAddressTest : public FileCommandsTest, public ::testing::WithParamInterface<BadAddress> {};
+
+TEST_P(BadAddressTest, IsRefusedTheDialogStaysAndCancelAppliesNothing) {
+  const BadAddress& bad = GetParam();
+  StartWith(image_);
+  Select({"ALPHA"});
+  const QString message = QString::fromLatin1(bad.Message);
+  bool stayed = false;
+  player_.Expect([&](QWidget& dialog) {
+    Type(dialog, "txtLoad", QString::fromLatin1(bad.Load));
+    Type(dialog, "txtExec", QString::fromLatin1(bad.Exec));
+    Push(dialog, "cmdOK");
+    stayed = dialog.isVisible();
+    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("txtLoad"))->text(),
+              QString::fromLatin1(bad.Load));
+    Push(dialog, "cmdCancel");
+  });
+  player_.ExpectBox(message, QStringLiteral("Error"));
+  Choose("mnuFileAddresses");
+  EXPECT_TRUE(stayed);
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "FFFF1900");
+  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Addresses, BadAddressTest,
+    ::testing::Values(
+        BadAddress{"EightDigitsAndABlank", "FFFF1900 ", "0", "Load Address Is Wrong Length"},
+        BadAddress{"EmptyExec", "0", "", "Exec Address Is Wrong Length"},
+        BadAddress{"LetterG", "G", "0", "Load Address Contains Illegal Characters"},
+        BadAddress{"BadExec", "0", "12X4", "Exec Address Contains Illegal Characters"},
+        BadAddress{"LongLoadAndBadExec", "123456789", "XX", "Load Address Is Wrong Length"},
+        BadAddress{"BadLoadAndLongExec", "XX", "123456789", "Exec Address Is Wrong Length"}),
+    [](const auto& test) { return std::string(test.param.Name); });
+
+TEST_F(FileCommandsTest, ARefusedEntryThatIsClosedByItsBoxWritesNothing) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  player_.Expect([](QWidget& dialog) {
+    Type(dialog, "txtLoad", QStringLiteral("XYZ"));
+    Push(dialog, "cmdOK");
+    dialog.close();
+  });
+  player_.ExpectBox(QStringLiteral("Load Address Contains Illegal Characters"));
+  Choose("mnuFileAddresses");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "FFFF1900");
+  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+// --- Deleting ----------------------------------------------------------------------------------
+
+TEST_F(FileCommandsTest, EverySelectedRowIsDeletedWithoutAQuestion) {
+  StartWith(image_);
+  Select({"ALPHA", "DIR"});
+  Choose("mnuFileDelete");
+  EXPECT_FALSE(OnDisc("ALPHA"));
+  EXPECT_FALSE(OnDisc("DIR"));
+  EXPECT_TRUE(OnDisc("BETA"));
+  EXPECT_EQ(Nodes(), QStringList{QStringLiteral("$")});
+  EXPECT_EQ(Names().size(), 2);
+}
+
+TEST_F(FileCommandsTest, TheDeleteKeyOfTheListDeletes) {
+  StartWith(image_);
+  Select({"GAMMA"});
+  Press(window_->ThePanes().List(), Qt::Key_Delete);
+  EXPECT_FALSE(OnDisc("GAMMA"));
+}
+
+TEST_F(FileCommandsTest, ALockedFileEndsTheLoopAndWhatWasDoneStays) {
+  StartWith(image_);
+  Choose("mnuOptionsDelete");
+  ASSERT_FALSE(window_->Checked("mnuOptionsDelete"));
+  Select({"ALPHA", "BETA", "GAMMA"});
+  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+  Choose("mnuFileDelete");
+  EXPECT_FALSE(OnDisc("ALPHA"));
+  EXPECT_TRUE(OnDisc("BETA"));
+  EXPECT_TRUE(OnDisc("GAMMA"));
+}
+
+TEST_F(FileCommandsTest, NothingSelectedDeletesNothing) {
+  StartWith(image_);
+  window_->ThePanes().List().clearSelection();
+  Choose("mnuFileDelete");
+  EXPECT_EQ(Names().size(), 4);
+}
+
+// Files of one sector alternate with directories of five, so that deleting the files leaves run
+// after run until the 80th compacts the disc in the middle of the command.
+TEST_F(FileCommandsTest, RowsOfDirectoriesFollowACompactionInTheMiddleOfADelete) {
+  ImageBuilder image(2560);
+  const auto work = image.AddDirectory(2, "WORK");
+  const auto other = image.AddDirectory(2, "OTHER");
+  std::vector<std::int32_t> more;
+  for (int i = 0; i < 4; ++i) more.push_back(image.AddDirectory(2, "P" + std::to_string(i)));
+  // 78 holes outside of WORK.
+  std::vector<std::pair<std::int32_t, std::int32_t>> holes;
+  for (int i = 0; i < 78; ++i) {
+    image.AddHole(1);
+    image.AddFile(i < 40 ? more[0] : more[1], {"H" + std::to_string(100 + i), {1}});
+  }
+  for (int i = 0; i < 4; ++i) {
+    image.AddFile(work, {"A" + std::to_string(i), {1}});
+    image.AddFile(other, {"K" + std::to_string(i), {2}});
+  }
+  const auto last = image.AddDirectory(work, "ZLAST");
+  image.AddFile(last, {"DEEP", {3}});
+  image.AddFile(other, {"KEEP", {7, 7}});
+  StartWith(image);
+  ClickNode(QStringLiteral("WORK"));
+  Choose("mnuFileSelectAll");
+  Choose("mnuFileDelete");
+  EXPECT_LT(disc_->FreeCount, 40) << "the disc was never compacted";
+  EXPECT_EQ(Nodes().count(QStringLiteral("ZLAST")), 0);
+  ClickNode(QStringLiteral("WORK"));
+  EXPECT_TRUE(Names().isEmpty());
+  ClickNode(QStringLiteral("OTHER"));
+  EXPECT_EQ(Names().size(), 5);
+  const std::int32_t keep = GetEntrySector(*disc_, window_->CurrentNode()->Tag, "KEEP");
+  EXPECT_EQ(disc_->TheDisc.Fetch(SectorOffset(keep)), 7);
+}
+
+// --- Renaming ----------------------------------------------------------------------------------
+
+TEST_F(FileCommandsTest, RenamingShowsTheStoredForm) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  Press(window_->ThePanes().List(), Qt::Key_F2);
+  Rename(QStringLiteral("OMEGAOMEGAOMEGA"));
+  EXPECT_TRUE(Names().contains(QStringLiteral("OMEGAOMEGA")));
+  EXPECT_TRUE(OnDisc("OMEGAOMEGA"));
+  EXPECT_EQ(Panel(2), QStringLiteral("$.OMEGAOMEGA"));
+}
+
+TEST_F(FileCommandsTest, AForbiddenCharacterGivesTheMessageAndTheOldNameStays) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  Choose("mnuFileRename");
+  player_.ExpectBox(QStringLiteral("File A:B Contains Illegal Characters"));
+  Rename(QStringLiteral("A:B"));
+  EXPECT_TRUE(Names().contains(QStringLiteral("ALPHA")));
+  EXPECT_TRUE(OnDisc("ALPHA"));
+}
+
+TEST_F(FileCommandsTest, AnEmptyNameAndEscapeChangeNothing) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  Choose("mnuFileRename");
+  Rename(QString());
+  Choose("mnuFileRename");
+  Rename(QStringLiteral("OTHER"), Qt::Key_Escape);
+  EXPECT_TRUE(OnDisc("ALPHA"));
+  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+TEST_F(FileCommandsTest, ADirectoryRenamedInTheListKeepsItsOldNodeUntilARebuild) {
+  StartWith(image_);
+  Select({"DIR"});
+  Choose("mnuFileRename");
+  Rename(QStringLiteral("NEWNAME"));
+  EXPECT_TRUE(Nodes().contains(QStringLiteral("DIR")));
+  window_->ThePanes().List().RowDoubleClicked(Row(QStringLiteral("NEWNAME")));
+  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
+  Press(window_->ThePanes().Tree(), Qt::Key_F5);
+  EXPECT_TRUE(Nodes().contains(QStringLiteral("NEWNAME")));
+}
+
+TEST_F(FileCommandsTest, ALockedFileIsRenamedOnlyWithTheOption) {
+  StartWith(image_);
+  Choose("mnuOptionsDelete");
+  Select({"BETA"});
+  Choose("mnuFileRename");
+  player_.ExpectBox(QStringLiteral("Cannot Rename Locked File : BETA"));
+  Rename(QStringLiteral("OTHER"));
+  EXPECT_TRUE(OnDisc("BETA"));
+}
+
+// --- Exporting ---------------------------------------------------------------------------------
+
+TEST_F(FileCommandsTest, ExportWritesSelectedFilesAndDirectoriesWithSidecars) {
+  StartWith(image_);
+  Select({"BETA", "DIR"});
+  std::filesystem::create_directory(folder_ / "out");
+  player_.ExpectFileDialog(folder_ / "out", [](QWidget& dialog) {
+    EXPECT_EQ(dialog.objectName(), QStringLiteral("objBD"));
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Browse For Folder"));
+  });
+  Choose("mnuFileExport");
+  EXPECT_EQ(ReadAll(folder_ / "out/BETA"), std::vector<std::uint8_t>(600, 5));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "out/BETA.INF"));
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "out/DIR.INF"));
+  EXPECT_EQ(ReadAll(folder_ / "out/DIR/INSIDE"), std::vector<std::uint8_t>{1});
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "out/ALPHA"));
+}
+
+TEST_F(FileCommandsTest, AnExportThatTheHostRefusesIsABoxAndTheWindowLives) {
+  StartWith(image_);
+  Select({"BETA"});
+  std::filesystem::create_directories(folder_ / "out/BETA");
+  player_.ExpectFileDialog(folder_ / "out");
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_TRUE(dynamic_cast<QMessageBox&>(dialog).text().contains(QStringLiteral("directory")));
+    dynamic_cast<QMessageBox&>(dialog).accept();
+  });
+  Choose("mnuFileExport");
+  EXPECT_TRUE(window_->isVisible());
+  EXPECT_TRUE(ends_.empty());
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(FileCommandsTest, ACancelledExportDoesNothing) {
+  StartWith(image_);
+  Select({"BETA"});
+  player_.ExpectFileDialog("");
+  Choose("mnuFileExport");
+}
+
+}  // namespace
+}  // namespace sectorbox::testing
