@@ -14,13 +14,16 @@ namespace {
 using namespace format;
 
 // Sectors that something claims: [Start, End), cut at the disc's end. A free run has Run set;
-// an object is named by the directory it is listed in and its name.
+// an object is named by the directory it is listed in and its name. An empty file is given a sector
+// by us and none by the BBC, whose compaction leaves it wherever the next object starts: it claims
+// its sector only where nothing else does.
 struct Extent {
   std::int32_t Start = 0;
   std::int32_t End = 0;
   std::int32_t Run = -1;
   std::int32_t Directory = -1;
   std::string Name;
+  bool IsEmptyFile = false;
 };
 
 struct DirectoryNode {
@@ -39,9 +42,9 @@ class Checker {
   std::vector<Fault> Run() {
     CheckMap();
     CheckRuns();
-    Own({0, kRootSector, -1, -1, "the free space map"});
+    Own({0, kRootSector, -1, -1, "the free space map", false});
     directories_.push_back({-1, "$"});
-    Own({kRootSector, kFirstFreeSector, -1, -1, "$"});
+    Own({kRootSector, kFirstFreeSector, -1, -1, "$", false});
     if (kFirstFreeSector > size_) Error("$", "runs past the end of the disc");
     CheckDirectory(0, kRootSector, kRootSector);
     CheckOwnership();
@@ -98,7 +101,7 @@ class Checker {
         Error(place, "touches the run in front of it");
       }
       if (end > size_) Error(place, "runs past the end of the disc");
-      Own({start, end, i, -1, ""});
+      Own({start, end, i, -1, "", false});
       formerStart = start;
       formerEnd = end;
     }
@@ -190,14 +193,16 @@ class Checker {
       Error(path, "leads back to a directory that it lies in");
       return;
     }
-    const std::int32_t end =
-        start + (isDirectory ? kDirSectors : SectorsOfLength(Fetch32(disc_, entry + kEntryLength)));
-    if (start >= size_) {
+    const std::uint32_t length = isDirectory ? kDirSize : Fetch32(disc_, entry + kEntryLength);
+    const std::int32_t end = start + SectorsOfLength(length);
+    // On a full disc the BBC leaves an empty file just behind the last sector.
+    const bool atEndOfFullDisc = length == 0 && start == size_;
+    if (start >= size_ && !atEndOfFullDisc) {
       Error(path, "starts past the end of the disc");
-    } else if (end > size_) {
+    } else if (end > size_ && !atEndOfFullDisc) {
       Error(path, "runs past the end of the disc");
     }
-    Own({start, end, -1, node, name});
+    Own({start, end, -1, node, name, length == 0});
     if (!isDirectory || start >= size_) return;
     const auto child = static_cast<std::int32_t>(directories_.size());
     directories_.push_back({node, name});
@@ -206,14 +211,17 @@ class Checker {
 
   // Goes over all that is claimed in the order of the sectors. Whatever begins before the furthest
   // end so far overlaps the one that reaches there; between that end and the next begin is a hole.
+  // Empty files stand behind all else that starts where they do, so that none hides an overlap.
   void CheckOwnership() {
-    std::stable_sort(extents_.begin(), extents_.end(),
-                     [](const Extent& a, const Extent& b) { return a.Start < b.Start; });
+    std::stable_sort(extents_.begin(), extents_.end(), [](const Extent& a, const Extent& b) {
+      return a.Start != b.Start ? a.Start < b.Start : a.IsEmptyFile < b.IsEmptyFile;
+    });
     const Extent* furthest = nullptr;
     std::int32_t reached = 0;
     for (const Extent& extent : extents_) {
       if (extent.Start > reached) WarnOfHole(reached, extent.Start);
-      if (furthest != nullptr && extent.Start < reached) TellOverlap(*furthest, extent);
+      const bool overlaps = furthest != nullptr && extent.Start < reached;
+      if (overlaps && !extent.IsEmptyFile) TellOverlap(*furthest, extent);
       if (extent.End > reached) {
         furthest = &extent;
         reached = extent.End;

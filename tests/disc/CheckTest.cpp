@@ -34,6 +34,7 @@ class CheckTest : public ::testing::Test {
   }
   using Faults = std::vector<std::string>;
   static constexpr int kEntryG = 517 + 26;
+  static constexpr int kEntryE = 517 + 26;  // once E is added, in front of G
   int EntryF() const { return a_ * 256 + 5; }
 
   TempFolder folder_;
@@ -96,6 +97,60 @@ TEST_F(CheckTest, AFileOverTheMapAndTheRoot) {
   image_.Poke(kEntryG + 22, 1);
   image_.Poke(kEntryG + 19, 1);  // two sectors
   EXPECT_EQ(Check(), (Faults{"error: $.G: overlaps the free space map", "error: $: overlaps $.G",
+                             "warning: sector 00000E: 1 sectors from here belong to nothing"}));
+}
+
+// The BBC gives an empty file no sector of its own, and its compaction leaves the file where the
+// next object starts.
+TEST_F(CheckTest, AnEmptyFileMayStandWhereAnotherObjectStarts) {
+  image_.AddFile(2, {"E", {}});
+  image_.SetFreeRuns({{15, 625}});
+  for (const int start : {7, 12, 14}) {  // $.A, $.A.F, $.G
+    image_.Poke(kEntryE + 22, static_cast<std::uint8_t>(start));
+    EXPECT_EQ(Check(), Faults{}) << start;
+  }
+}
+
+TEST_F(CheckTest, AnEmptyFileMayStandInsideAnotherObject) {
+  image_.AddFile(2, {"E", {}});
+  image_.SetFreeRuns({{15, 625}});
+  for (const int start : {1, 4, 9, 13}) {  // the map, the root, $.A, $.A.F
+    image_.Poke(kEntryE + 22, static_cast<std::uint8_t>(start));
+    EXPECT_EQ(Check(), Faults{}) << start;
+  }
+}
+
+TEST_F(CheckTest, AnEmptyFileMayStandInTheFreeSpace) {
+  image_.AddFile(2, {"E", {}});
+  image_.SetFreeRuns({{15, 625}});
+  EXPECT_EQ(Check(), Faults{});
+}
+
+TEST_F(CheckTest, EmptyFilesMayShareASector) {
+  image_.AddFile(2, {"E", {}});
+  image_.AddFile(2, {"E2", {}});
+  image_.Poke(kEntryE + 26 + 22, 15);
+  image_.SetFreeRuns({{16, 624}});
+  EXPECT_EQ(Check(), Faults{});
+}
+
+TEST_F(CheckTest, AnEmptyFileMayStandAtTheEndOfAFullDisc) {
+  image_.AddFile(2, {"E", {}});
+  image_.AddFile(2, {"H", std::vector<std::uint8_t>(624 * 256)});
+  image_.SetFreeRuns({{15, 1}});
+  image_.Poke(kEntryE + 22, 640 & 255);
+  image_.Poke(kEntryE + 23, 640 >> 8);
+  EXPECT_EQ(Check(), Faults{});
+  image_.Poke(kEntryE + 22, 641 & 255);
+  EXPECT_EQ(Check(), Faults{"error: $.E: starts past the end of the disc"});
+}
+
+TEST_F(CheckTest, AnEmptyFileHidesNoOverlapOfItsNeighbours) {
+  image_.AddFile(2, {"E", {}});
+  image_.SetFreeRuns({{15, 625}});
+  image_.Poke(kEntryE + 22, 13);
+  image_.Poke(kEntryG + 26 + 22, 13);  // G moved one entry on
+  EXPECT_EQ(Check(), (Faults{"error: $.G: overlaps $.A.F",
                              "warning: sector 00000E: 1 sectors from here belong to nothing"}));
 }
 
