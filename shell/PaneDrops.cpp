@@ -18,12 +18,11 @@ QUrl UrlOf(const std::string& path) {
   return QUrl::fromEncoded("file://" + escaped);
 }
 
-void RunDrag(Panes& panes, QWidget& source, const std::vector<std::string>& paths) {
+void RunDrag(QWidget& source, const std::vector<std::string>& paths) {
   if (paths.empty()) return;
   auto* drag = new QDrag(&source);
   drag->setMimeData(FileListData(paths).release());
   drag->exec(Qt::CopyAction, Qt::CopyAction);
-  static_cast<void>(panes);
 }
 
 // True if a folder was among what was added.
@@ -81,11 +80,11 @@ std::vector<std::string> ExportForTreeDrag(Panes& panes) {
 }
 
 void DragList(Panes& panes) {
-  RunDrag(panes, panes.List(), panes.Busily([&] { return ExportForListDrag(panes); }));
+  RunDrag(panes.List(), panes.Busily([&] { return ExportForListDrag(panes); }));
 }
 
 void DragTree(Panes& panes) {
-  RunDrag(panes, panes.Tree(), panes.Busily([&] { return ExportForTreeDrag(panes); }));
+  RunDrag(panes.Tree(), panes.Busily([&] { return ExportForTreeDrag(panes); }));
 }
 
 void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
