@@ -1,0 +1,43 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "tests/support/SimulatedBbc.h"
+
+namespace sectorbox::testing {
+
+// A SimulatedBbc at the other end of a pseudo-terminal, in real time, on a thread of its own. What
+// Bbc holds may be set before Start and looked at after Stop.
+class PtyBbc {
+ public:
+  PtyBbc();
+  ~PtyBbc();
+  PtyBbc(const PtyBbc&) = delete;
+  PtyBbc& operator=(const PtyBbc&) = delete;
+
+  SimulatedBbc Bbc;
+
+  // What a program opens as its serial port.
+  const std::string& Device() const { return device_; }
+  void Start();
+  void Stop();
+  // Pulls the plug: the PC's side fails from now on.
+  void Unplug();
+  // Bytes that have come from the PC so far.
+  std::size_t Received() const { return received_; }
+
+ private:
+  void Run();
+  void Send(const std::string& bytes);
+
+  std::string device_;
+  int master_ = -1;
+  int slave_ = -1;  // held open, so that the PC may close and open its own as it likes
+  std::atomic<bool> stop_{false};
+  std::atomic<std::size_t> received_{0};
+  std::thread thread_;
+};
+
+}  // namespace sectorbox::testing
