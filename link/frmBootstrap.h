@@ -11,9 +11,10 @@ class QPushButton;
 
 namespace sectorbox {
 
-// What the two bootstrap dialogs share: what to type at the BBC, Go and Cancel. Link::AbortRequested
-// is the dialog's state: set means idle. Loading the dialog sets it, so that Cancel closes; Cancel
-// during a send stops the send, and the dialog closes when that has ended. link outlives it.
+// What the two bootstrap dialogs share: what to type at the BBC, Go and Cancel.
+// Link::AbortRequested is the dialog's state: set means idle. Loading the dialog sets it, so that
+// Cancel closes; Cancel during a send stops the send, and the dialog closes when that has ended.
+// link outlives it.
 class frmBootstrap : public QDialog {
  public:
   using Send = std::function<void(Link& link, const BootstrapProgress& progress)>;

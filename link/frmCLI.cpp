@@ -131,8 +131,7 @@ void frmCLI::mnuFileClose_Click() {
 }
 
 qsizetype frmCLI::FindFrom(qsizetype position) {
-  const qsizetype found =
-      rtbCLI_->toPlainText().indexOf(findText_, position, Qt::CaseInsensitive);
+  const qsizetype found = rtbCLI_->toPlainText().indexOf(findText_, position, Qt::CaseInsensitive);
   if (found < 0 || findText_.isEmpty()) return -1;
   QTextCursor cursor = rtbCLI_->textCursor();
   cursor.setPosition(static_cast<int>(found));

@@ -47,8 +47,7 @@ frmRX::frmRX(Link& link, const QString& caption, QWidget* parent)
   auto* counters = new QFormLayout;
   counters->addRow(Named(new QLabel(QStringLiteral("Retries"), this), "Label1"), txtRetry_);
   counters->addRow(Named(new QLabel(QStringLiteral("Bad CRC's"), this), "Label2"), txtCRC_);
-  counters->addRow(Named(new QLabel(QStringLiteral("Bad Sectors"), this), "Label3"),
-                   txtBadSector_);
+  counters->addRow(Named(new QLabel(QStringLiteral("Bad Sectors"), this), "Label3"), txtBadSector_);
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
   buttons->addWidget(cmdAbort_);

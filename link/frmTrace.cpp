@@ -25,9 +25,7 @@ QString TextOf(const QPlainTextEdit& text) {
 }  // namespace
 
 frmTrace::frmTrace(QWidget* parent, std::function<void()> closed)
-    : QWidget(parent, Qt::Window),
-      txtTrace_(new QPlainTextEdit(this)),
-      closed_(std::move(closed)) {
+    : QWidget(parent, Qt::Window), txtTrace_(new QPlainTextEdit(this)), closed_(std::move(closed)) {
   setObjectName(QStringLiteral("frmTrace"));
   setWindowTitle(QStringLiteral("Trace"));
   setAttribute(Qt::WA_DeleteOnClose);

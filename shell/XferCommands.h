@@ -1,12 +1,20 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "link/Link.h"
+#include "link/TermiosPort.h"
+#include "shell/LinkWindowHost.h"
 
 namespace sectorbox {
 
 class frmMain;
 
-// The ADFS Xfer menu.
+// The ADFS Xfer menu, and with it the program's one serial port and the state of its link.
 class XferCommands : public QObject {
  public:
   explicit XferCommands(frmMain& window);
@@ -18,6 +26,29 @@ class XferCommands : public QObject {
   void ClosePort();
   // Closes the trace log, if one is open.
   void CloseTrace();
+
+  Link& TheLink() { return link_; }
+
+ private:
+  void ConnectSerialMenu();
+  void ConnectTransfers(const char* stem, const std::function<void(std::int32_t drive)>& run);
+  void Receive(std::int32_t drive, bool dataOnly);
+  std::optional<QString> AskFindText();
+  void ChooseCom(std::int16_t number);
+  void ChooseSpeed(const char* entry);
+  void ShowDevices();
+  void SelectDevice();
+  // Runs what talks to the BBC, on the device that the ticked port stands for now. While one such
+  // command runs, its waits let the menus live, but another one would take its replies away from
+  // it: choosing one then does nothing.
+  std::function<void()> Exclusive(std::function<void()> command);
+
+  frmMain& window_;
+  LinkWindowHost host_;
+  TermiosPort port_;
+  Link link_{port_, host_};
+  bool busy_ = false;
+  QString findText_;
 };
 
 }  // namespace sectorbox

@@ -158,7 +158,7 @@ void SimulatedBbc::RunStar(const std::string& command) {
     mounted_ = std::atoi(command.c_str() + 6);
     Say(MountFails || Drives.count(mounted_) == 0 ? kErrorToken + "\r" : Acknowledge);
   } else if (command == "FREE") {
-    Say((FreeReply.empty() ? FreeSpaceText() : FreeReply) + Acknowledge);
+    if (!FreeIsSilent) Say((FreeReply.empty() ? FreeSpaceText() : FreeReply) + Acknowledge);
   } else {
     Say(kErrorToken + "\n\r");
   }

@@ -43,6 +43,7 @@ class SimulatedBbc {
   std::string BufferReply = "4096\r";
   std::string Acknowledge = "-----BBC-----PC-----\n\r";
   std::string FreeReply;  // made from the drive's map when empty
+  bool FreeIsSilent = false;
   bool AdfsFails = false;
   bool MountFails = false;
   std::map<std::string, std::vector<Burst>> StarReplies;  // other commands are errors

@@ -1,0 +1,175 @@
+#include "link/SendImage.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/link/LinkRig.h"
+
+namespace sectorbox::testing {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+class SendImageTest : public ::testing::Test {
+ protected:
+  void Send(const std::string& name, const Bytes& file, bool dataOnly = false) {
+    WriteAll(rig.Folder / name, file);
+    rig.Host.FileAnswers.push_back(rig.Folder / name);
+    SendImage(rig.TheLink, 0, dataOnly);
+  }
+  std::vector<std::string> Writes() const {
+    std::vector<std::string> writes;
+    for (const auto& command : rig.Bbc.Heard) {
+      if (command[0] == 'a') writes.push_back(command);
+    }
+    return writes;
+  }
+  void BlankDrive(int sectors) {
+    rig.Bbc.Drives[0] = Bytes(static_cast<std::size_t>(sectors) * 256);
+  }
+
+  LinkRig rig;
+};
+
+TEST_F(SendImageTest, DiscsOfEveryKindArriveByteForByte) {
+  for (const auto& [sectors, name] : std::vector<std::pair<int, std::string>>{
+           {640, "a.adf"}, {1280, "B.ADF"}, {2560, "c.AdL"}, {800, "d.Dat"}}) {
+    LinkRig one;
+    one.Bbc.SetBuffer(64);
+    one.Bbc.Drives[0] = Bytes(static_cast<std::size_t>(sectors) * 256);
+    const Bytes disc = NoiseDisc(sectors, {{sectors / 2, 10}});
+    WriteAll(one.Folder / name, sectors == 2560 ? Interleave(disc) : disc);
+    one.Host.FileAnswers.push_back(one.Folder / name);
+    SendImage(one.TheLink, 0, false);
+    EXPECT_EQ(one.Bbc.Drives[0], disc) << name;
+    EXPECT_TRUE(one.Host.DialogFinished);
+    EXPECT_EQ(one.Host.LogOf("dialog"), (std::vector<std::string>{"dialog Send Image"}));
+  }
+}
+
+TEST_F(SendImageTest, TheExchangeRunsInThisOrder) {
+  BlankDrive(40);
+  Send("x.dat", NoiseDisc(40, {}));
+  EXPECT_EQ(rig.Bbc.Heard,
+            (std::vector<std::string>{"S19200|", "B|", "*FADFS|", "*MOUNT 0|", "*FREE|", "a0|0|16|",
+                                      "a0|16|16|", "a0|32|8|"}));
+  EXPECT_EQ(rig.Host.LogOf("total"),
+            (std::vector<std::string>{"total Written 0 of 40", "total Written 16 of 40",
+                                      "total Written 32 of 40", "total Written 40 of 40"}));
+  EXPECT_EQ(rig.Host.LogOf("trace Writing"),
+            (std::vector<std::string>{"trace Writing 40 sectors starting at sector 0"}));
+}
+
+TEST_F(SendImageTest, AnyOtherExtensionIsRefusedBeforeTheFirstStarCommand) {
+  BlankDrive(40);
+  rig.Host.ExpectedMessages = {"Unknown image type"};
+  Send("x.img", NoiseDisc(40, {}));
+  EXPECT_EQ(rig.Bbc.Heard, (std::vector<std::string>{"S19200|", "B|"}));
+}
+
+TEST_F(SendImageTest, AFloppyImageThatIsTooLargeIsRefusedAndTheSameAsDatIsSent) {
+  BlankDrive(1000);
+  rig.Bbc.FreeReply = "0003E0 free\r000008 used\r";
+  rig.Host.ExpectedMessages = {"Drive 0 is too small for the image"};
+  Send("x.adf", NoiseDisc(1280, {}));
+  EXPECT_TRUE(Writes().empty());
+  BlankDrive(1280);
+  Send("x.dat", NoiseDisc(1280, {}));
+  EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(1280, {}));
+}
+
+TEST_F(SendImageTest, AnLfBehindTheCrOfTheFreeReplyReadsTheUsedSectorsWrong) {
+  BlankDrive(640);
+  rig.Bbc.FreeReply = "000100 free\r\n000180 used\r\n";
+  rig.Host.ExpectedMessages = {"Drive 0 is too small for the image"};
+  Send("x.adf", NoiseDisc(640, {}));
+}
+
+TEST_F(SendImageTest, EachFailureOfTheOpeningHasItsWords) {
+  const std::vector<std::pair<std::string, std::function<void(SimulatedBbc&)>>> table = {
+      {"Error changing to ADFS", [](SimulatedBbc& b) { b.AdfsFails = true; }},
+      {"Error setting drive 0", [](SimulatedBbc& b) { b.MountFails = true; }},
+      {"Error getting free space", [](SimulatedBbc& b) { b.FreeIsSilent = true; }},
+  };
+  for (const auto& [message, damage] : table) {
+    LinkRig one;
+    one.Bbc.Drives[0] = Bytes(40 * 256);
+    damage(one.Bbc);
+    one.Host.ExpectedMessages = {message};
+    // The file isn't touched before the three commands have succeeded: there is none.
+    one.Host.FileAnswers.push_back(one.Folder / "none.adf");
+    SendImage(one.TheLink, 0, false);
+  }
+  BlankDrive(40);
+  rig.Host.ExpectedMessages = {rig.Folder / "none.adf" + ": No such file or directory"};
+  rig.Host.FileAnswers.push_back(rig.Folder / "none.adf");
+  SendImage(rig.TheLink, 0, false);
+  EXPECT_EQ(rig.Bbc.Heard.back(), "*FREE|");
+}
+
+TEST_F(SendImageTest, AWriteWithoutAnAcknowledgeCountsARetryAndNamesDriveAndSector) {
+  BlankDrive(40);
+  rig.Bbc.Faults.NoAcknowledgeEvery = 2;
+  Send("x.dat", NoiseDisc(40, {}));
+  EXPECT_TRUE(rig.Host.Traced("Received no reply for disc 0 sector 16 from BBC"));
+  EXPECT_GE(rig.Host.Counters.Retries, 1);
+  EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(40, {}));
+}
+
+TEST_F(SendImageTest, AWriteErrorIsFeltAroundAndOnlyTheBadSectorIsSkipped) {
+  BlankDrive(40);
+  rig.Bbc.Faults.CannotWrite = {18};
+  Send("x.dat", NoiseDisc(40, {}));
+  EXPECT_EQ(Writes(), (std::vector<std::string>{"a0|0|16|", "a0|16|16|", "a0|16|1|", "a0|17|1|",
+                                                "a0|18|1|", "a0|19|16|", "a0|35|5|"}));
+  EXPECT_TRUE(rig.Host.Traced("Error writing sector 000012, 18"));
+  EXPECT_EQ(rig.Host.Counters.BadSectors, 2);
+  Bytes expected = NoiseDisc(40, {});
+  std::fill(expected.begin() + 18 * 256, expected.begin() + 19 * 256, std::uint8_t{0});
+  EXPECT_EQ(rig.Bbc.Drives[0], expected);
+}
+
+TEST_F(SendImageTest, AWrongCrcSendsTheChunkAgainAtOnceWithoutAReset) {
+  BlankDrive(40);
+  rig.Bbc.Faults.WrongCrcEvery = 2;
+  Send("x.dat", NoiseDisc(40, {}));
+  EXPECT_EQ(rig.Port.Opens, 2);  // both for the connection
+  EXPECT_EQ(rig.Host.Counters.BadCRCs, 2);
+  EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(40, {}));
+}
+
+TEST_F(SendImageTest, ADataImageSendsOnlyWhatItsMapDoesNotListAsFree) {
+  BlankDrive(60);
+  const Bytes disc = NoiseDisc(60, {{10, 5}, {30, 30}});
+  Send("x.dat", disc, true);
+  EXPECT_EQ(Writes(), (std::vector<std::string>{"a0|0|10|", "a0|15|15|"}));
+}
+
+TEST_F(SendImageTest, SectorsPastTheEndOfAShortImageGoOutAsZeros) {
+  rig.Bbc.Drives[0] = NoiseDisc(40, {}, 9);
+  Bytes disc = NoiseDisc(40, {});
+  disc.resize(20 * 256 + 100);
+  Send("x.dat", disc);
+  disc.resize(40 * 256);
+  EXPECT_EQ(rig.Bbc.Drives[0], disc);
+}
+
+TEST_F(SendImageTest, CheckBeforeTransferWritesOnlyTheChunksThatDiffer) {
+  rig.Bbc.Drives[0] = NoiseDisc(64, {});
+  rig.Bbc.Drives[0][20 * 256] ^= 1;
+  rig.Host.Check = true;
+  Send("x.dat", NoiseDisc(64, {}));
+  EXPECT_EQ(Writes(), (std::vector<std::string>{"a0|16|16|"}));
+  EXPECT_EQ(rig.Host.LogOf("trace CRC Match - don't write").size(), 3U);
+  EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(64, {}));
+}
+
+TEST_F(SendImageTest, AnAbortThatStillStandsMakesTheConnectionFail) {
+  BlankDrive(40);
+  rig.TheLink.AbortRequested = true;
+  rig.Host.ExpectedMessages = {"Beeb Not Responding"};
+  SendImage(rig.TheLink, 0, false);
+  EXPECT_TRUE(rig.Bbc.Heard.empty());
+}
+
+}  // namespace
+}  // namespace sectorbox::testing
