@@ -18,6 +18,9 @@ class ViewCommands : public QObject {
   explicit ViewCommands(frmMain& window);
   ~ViewCommands() override;
 
+  // The program's one search text, for the other windows that search.
+  TextSearch& Search() { return shared_.Search; }
+
  private:
   void OnFileView(const char* entry, ViewNumber number);
   void OnDirectoryView(const char* entry, ViewNumber number);

@@ -1,8 +1,6 @@
 #include "shell/XferCommands.h"
 
 #include <QApplication>
-#include <QInputDialog>
-#include <QLineEdit>
 #include <QMenu>
 #include <array>
 #include <string>
@@ -18,8 +16,10 @@
 #include "link/frmFirst.h"
 #include "link/frmFormat.h"
 #include "shell/SerialPorts.h"
+#include "shell/ViewCommands.h"
 #include "shell/frmMain.h"
 #include "toolkit/Text.h"
+#include "viewers/frmFind.h"
 
 namespace sectorbox {
 namespace {
@@ -102,13 +102,10 @@ void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
 }
 
 std::optional<QString> XferCommands::AskFindText() {
-  bool accepted = false;
-  const QString text =
-      QInputDialog::getText(QApplication::activeModalWidget(), QStringLiteral("Find"),
-                            QStringLiteral("Find What:"), QLineEdit::Normal, findText_, &accepted);
-  if (!accepted) return std::nullopt;
-  findText_ = text;
-  return text;
+  TextSearch& search = window_.Views().Search();
+  frmFind(QApplication::activeModalWidget(), search).exec();
+  if (!search.FindOK) return std::nullopt;
+  return search.FindText;
 }
 
 void XferCommands::ChooseCom(std::int16_t number) {

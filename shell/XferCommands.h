@@ -48,7 +48,6 @@ class XferCommands : public QObject {
   TermiosPort port_;
   Link link_{port_, host_};
   bool busy_ = false;
-  QString findText_;
 };
 
 }  // namespace sectorbox

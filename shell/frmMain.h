@@ -59,6 +59,7 @@ class frmMain : public QMainWindow {
   Disc& TheDisc() { return disc_; }
   WindowHost& Host() { return host_; }
   Panes& ThePanes() { return *panes_; }
+  ViewCommands& Views() { return *views_; }
   XferCommands& Xfer() { return *xfer_; }
 
   // --- Menus -----------------------------------------------------------------------------------

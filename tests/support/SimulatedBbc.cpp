@@ -111,6 +111,10 @@ bool SimulatedBbc::ParseFields(const std::string& text) {
 void SimulatedBbc::RunCommand(const std::string& text) {
   switch (text[0]) {
     case 'S':
+      if (text != "S19200\r" && text != "S9600\r" && text != "S4800\r" && text != "S2400\r" &&
+          text != "S1200\r") {
+        return;
+      }
       Speed = std::atoi(text.c_str() + 1);
       // The program on the BBC needs a moment to set its chip.
       Say(Acknowledge, 50);
