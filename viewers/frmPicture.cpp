@@ -44,14 +44,15 @@ void PictureBox::paintEvent(QPaintEvent*) {
   frame.state |= QStyle::State_Sunken;
   frame.lineWidth = 1;
   style()->drawPrimitive(QStyle::PE_Frame, &frame, &painter, this);
-  // In pixels of the screen from here on. At a scale between whole numbers the squares are as large
-  // as fit, in the middle of the box.
-  const double ratio = painter.device()->devicePixelRatioF();
-  painter.scale(1 / ratio, 1 / ratio);
-  const int square = std::max(1, static_cast<int>(ratio));
+  // In pixels of the screen from here on, and of the whole screen: at a scale between whole numbers
+  // the box itself may begin within a pixel. The painter's own transform tells the scale, as its
+  // device doesn't when the box is rendered elsewhere.
+  const QTransform toScreen = painter.deviceTransform();
+  painter.setWorldTransform(toScreen.inverted());
+  const int square = std::max(1, static_cast<int>(toScreen.m11()));
   const QSize size(picture_.Width * square, picture_.Height * square);
-  const QPoint corner((qRound(width() * ratio) - size.width()) / 2,
-                      (qRound(height() * ratio) - size.height()) / 2);
+  const QPointF middle = toScreen.map(QRectF(rect()).center());
+  const QPoint corner = (middle - QPointF(size.width(), size.height()) / 2).toPoint();
   painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
   painter.drawImage(QRect(corner, size), ImageOf(picture_));
 }

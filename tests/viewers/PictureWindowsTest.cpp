@@ -77,6 +77,24 @@ class PictureWindowsTest : public WindowTest {
     return Screen();
   }
 
+  // Middle of the box in pixels of a screen of that scale.
+  static QPointF MiddleOf(const QWidget& box, double scale) {
+    return QPointF(box.width(), box.height()) * scale / 2;
+  }
+  // How many pixels of target differ from the picture drawn in squares around middle.
+  static int WrongPixels(const Picture& picture, const QImage& target, int square, QPointF middle) {
+    const QPointF half = QPointF(picture.Width, picture.Height) * square / 2;
+    const QPoint corner = (middle - half).toPoint();
+    int wrong = 0;
+    for (int y = 0; y < picture.Height * square; ++y) {
+      for (int x = 0; x < picture.Width * square; ++x) {
+        const Colour there = target.pixel(corner.x() + x, corner.y() + y) & kWhite;
+        wrong += there != picture.At(x / square, y / square) ? 1 : 0;
+      }
+    }
+    return wrong;
+  }
+
   Bytes page_ = Striped(960, 7);
   Bytes screen_ = Striped(20480, 31);
 };
@@ -299,26 +317,30 @@ TEST_F(PictureWindowsTest, TheColourEntriesAreThere) {
   }
 }
 
-// At 200 % each pixel of the picture is two by two of the screen's, unblurred.
-TEST_F(PictureWindowsTest, PicturesAreCrispAtEveryWholeScale) {
+// At 200 % each pixel of the picture is two by two of the screen's, unblurred. At a scale between
+// whole numbers the squares stay even, and the picture stands in the middle of its box.
+TEST_F(PictureWindowsTest, PicturesAreCrispAtEveryScale) {
   frmMode& window = OpenScreen("mnuFileViewMode0");
   auto& box = Child<PictureBox>(window, QStringLiteral("Picture1"));
-  const Picture& picture = box.Shown();
-  for (const double scale : {1.0, 2.0, 3.0}) {
+  for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0, 2.5, 3.0}) {
     QImage target((QSizeF(box.size()) * scale).toSize(), QImage::Format_RGB32);
     target.setDevicePixelRatio(scale);
     box.render(&target);
-    const int n = static_cast<int>(scale);
-    const int left = (target.width() - 640 * n) / 2;
-    const int top = (target.height() - 512 * n) / 2;
-    int wrong = 0;
-    for (int y = 0; y < 512 * n; ++y) {
-      for (int x = 0; x < 640 * n; ++x) {
-        wrong += (target.pixel(left + x, top + y) & kWhite) != picture.At(x / n, y / n) ? 1 : 0;
-      }
-    }
-    EXPECT_EQ(wrong, 0) << "scale " << scale;
+    EXPECT_EQ(WrongPixels(box.Shown(), target, static_cast<int>(scale), MiddleOf(box, scale)), 0)
+        << "scale " << scale;
   }
+}
+
+// A window's parts seldom begin on a whole pixel of a 150 % screen.
+TEST_F(PictureWindowsTest, PicturesAreCrispWhereverTheirBoxBegins) {
+  frmMode& window = OpenScreen("mnuFileViewMode0");
+  auto& box = Child<PictureBox>(window, QStringLiteral("Picture1"));
+  constexpr double kScale = 1.5;
+  constexpr QPoint kOdd(11, 7);
+  QImage target(QSize(1000, 800), QImage::Format_RGB32);
+  target.setDevicePixelRatio(kScale);
+  box.render(&target, kOdd);
+  EXPECT_EQ(WrongPixels(box.Shown(), target, 1, MiddleOf(box, kScale) + QPointF(kOdd) * kScale), 0);
 }
 
 }  // namespace
