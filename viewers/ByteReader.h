@@ -28,7 +28,7 @@ class ByteReader {
   Disc& disc_;
   std::int64_t start_ = 0;
   std::uint64_t held_ = 0;
-  std::array<std::uint8_t, 256> bytes_{};
+  std::array<std::uint8_t, 64> bytes_{};
 };
 
 // Bytes of the open image: the store's in memory, the file's for a .dat (and the two blocks that

@@ -7,7 +7,10 @@
 namespace sectorbox {
 namespace {
 
-constexpr int kByteColumns = 12;
+// Columns of a line: address, the bytes from column 6 on, the mnemonic, the operand, characters.
+constexpr std::size_t kBytesColumn = 6;
+constexpr std::size_t kMnemonicColumn = 18;
+constexpr std::size_t kOperandColumn = 23;
 constexpr int kOperandColumns = 12;
 constexpr std::uint8_t kVectorPage = 0xFF;
 
@@ -71,15 +74,14 @@ int DisassembleLine(ByteReader& reader, std::int64_t pointer, std::uint32_t addr
                     std::string& text) {
   const std::uint8_t opcode = reader.At(pointer);
   const Instruction& instruction = kInstructions[opcode];
-  AppendHex(text, address, 4);
-  text += "  ";
+  const std::size_t start = text.size();
+  text.append(kOperandColumn, ' ');
+  char* const line = text.data() + start;
+  PutHex(line, address, 4);
   for (int i = 0; i < instruction.Length; ++i) {
-    AppendHex(text, reader.At(pointer + i), 2);
-    text += ' ';
+    PutHex(line + kBytesColumn + 3 * i, reader.At(pointer + i), 2);
   }
-  text.append(static_cast<std::size_t>(kByteColumns - 3 * instruction.Length), ' ');
-  text += instruction.Mnemonic;
-  text += "  ";
+  instruction.Mnemonic.copy(line + kMnemonicColumn, instruction.Mnemonic.size());
   int used = 0;
   if (opcode == kJsr || opcode == kJmp) used = OSLabel(reader, pointer, text);
   if (used == 0) used = AppendOperand(reader, pointer, address, instruction.Template, text);

@@ -5,10 +5,18 @@
 
 namespace sectorbox {
 
-// Appends exactly digits upper-case hexadecimal digits: the rightmost ones of value, zero-padded.
-inline void AppendHex(std::string& text, std::uint64_t value, int digits) {
+// Writes exactly digits upper-case hexadecimal digits to where to points: the rightmost ones of
+// value, zero-padded.
+inline void PutHex(char* to, std::uint64_t value, int digits) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
-  for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += kDigits[value >> shift & 15];
+  for (int i = digits; i-- > 0; value >>= 4) to[i] = kDigits[value & 15];
+}
+
+// The same at the end of a text; 8 digits at most.
+inline void AppendHex(std::string& text, std::uint64_t value, int digits) {
+  char buffer[8];
+  PutHex(buffer, value, digits);
+  text.append(buffer, static_cast<std::size_t>(digits));
 }
 
 }  // namespace sectorbox
