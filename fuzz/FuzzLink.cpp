@@ -1,0 +1,98 @@
+// Any bytes as what comes over the wire: sectors, replies, a free space map.
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "link/Commands.h"
+#include "link/Packets.h"
+#include "link/StarCommand.h"
+#include "link/TransferMap.h"
+
+namespace sectorbox {
+namespace {
+
+// The input comes in byte by byte, the line falls silent behind it.
+class InputPort final : public SerialPort {
+ public:
+  explicit InputPort(std::span<const std::uint8_t> input) : input_(input) {}
+  void SelectDevice(const std::string&) override {}
+  void Settings(const std::string&) override {}
+  void Open() override { open_ = true; }
+  void Close() override { open_ = false; }
+  bool PortOpen() const override { return open_; }
+  // Each tenth byte comes late enough to end a reply.
+  std::size_t InBufferCount() override {
+    if (at_ % 10 == 9 && ++pause_ % 200 != 0) return 0;
+    return input_.size() - at_;
+  }
+  std::uint8_t Input() override { return input_[at_++]; }
+  std::size_t OutBufferCount() override { return 0; }
+  void Output(std::string_view) override {}
+  bool CTSHolding() override { return true; }
+  bool DSRHolding() override { return true; }
+
+ private:
+  std::span<const std::uint8_t> input_;
+  std::size_t at_ = 0;
+  int pause_ = 0;
+  bool open_ = true;
+};
+
+class SilentHost final : public LinkHost {
+ public:
+  std::int64_t Milliseconds() override { return now_; }
+  void Sleep(std::int32_t milliseconds) override { now_ += milliseconds; }
+  void PumpEvents() override {}
+  std::string DateAndTime() override { return {}; }
+  void ShowMessage(const std::string&, const std::string&) override {}
+  void ShowWarning(const std::string&) override {}
+  ReplaceAnswer AskReplace(const std::string&) override { return ReplaceAnswer::kNo; }
+  std::string AskOpenFileName(const FileQuestion&) override { return {}; }
+  std::string AskSaveFileName(const FileQuestion&) override { return {}; }
+  void OpenTransfer(const std::string&) override {}
+  void ShowChunk(const std::string&) override {}
+  void ShowTotal(const std::string&) override {}
+  void ShowCounters(const TransferCounters&) override {}
+  void ShowPercent(float) override {}
+  void FinishTransfer() override {}
+  void CloseTransfer() override {}
+  std::int32_t TickedSpeed() override { return 19200; }
+  bool CheckBeforeTransfer() override { return false; }
+  bool PlayWaveOnSuccess() override { return false; }
+  std::string ProgramFolder() override { return {}; }
+  bool PlayWave(const std::string&, bool) override { return false; }
+  void ShowTrace(const std::string&) override {}
+
+ private:
+  std::int64_t now_ = 0;
+};
+
+}  // namespace
+}  // namespace sectorbox
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace sectorbox;
+  if (size == 0) return 0;
+  InputPort port({data + 1, size - 1});
+  SilentHost host;
+  Link link(port, host);
+  std::uint8_t sectors[4 * 256] = {};
+  switch (data[0] % 4) {
+    case 0:
+      ReadSectors(link, sectors, 0, 0, 4);
+      break;
+    case 1:
+      RunStarCommand(link, "CAT", [](const std::string&) {});
+      break;
+    case 2:
+      Reconnect(link);
+      break;
+    default:
+      std::copy_n(data + 1, std::min<std::size_t>(size - 1, 512), sectors);
+      ParseTransferMap(link, std::span<const std::uint8_t, 512>(sectors, 512));
+      break;
+  }
+  return 0;
+}
