@@ -7,10 +7,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <functional>
 #include <stdexcept>
 
+#include "bench/Ratio.h"
 #include "disc/Catalogue.h"
 #include "disc/Disc.h"
 #include "disc/OpenImage.h"
@@ -21,31 +20,8 @@
 namespace {
 
 using namespace sectorbox;
+using namespace sectorbox::bench;
 using namespace sectorbox::testing;
-using Clock = std::chrono::steady_clock;
-
-double Seconds(const std::function<void()>& work) {
-  const auto start = Clock::now();
-  work();
-  return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// Runs both in turn and reports the ratio of their best times.
-void Compare(benchmark::State& state, const std::function<void()>& work,
-             const std::function<void()>& floor) {
-  double best = 1e9;
-  double bestFloor = 1e9;
-  for (auto _ : state) {
-    bestFloor = std::min(bestFloor, Seconds(floor));
-    const double taken = Seconds(work);
-    best = std::min(best, taken);
-    state.SetIterationTime(taken);
-  }
-  state.counters["floor_ms"] = bestFloor * 1000;
-  state.counters["best_ms"] = best * 1000;
-  state.counters["ratio"] = best / bestFloor;
-}
-
 void Put(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint32_t value, int width) {
   for (int i = 0; i < width; ++i)
     bytes[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> 8 * i);
@@ -119,21 +95,20 @@ void OpenAndWalk512M(benchmark::State& state) {
   const BigDisc big(path);
   std::size_t nodes = 0;
   Compare(
-      state,
-      [&] {
+      state, {[&] {
         QuietHost host;
         Disc disc(host);
         OpenImage(disc, path);
         nodes = WalkTree(disc).size();
-      },
-      [&] {
+      }},
+      {[&] {
         const int file = ::open(path.c_str(), O_RDONLY);
         std::vector<std::uint8_t> bytes(1280);
         for (const std::uint32_t sector : big.Directories) {
           benchmark::DoNotOptimize(::pread(file, bytes.data(), 1280, std::int64_t{sector} * 256));
         }
         ::close(file);
-      });
+      }});
   state.counters["directories"] = static_cast<double>(nodes);
   if (nodes != big.Directories.size()) state.SkipWithError("the walk missed directories");
 }
@@ -161,20 +136,18 @@ void Save(benchmark::State& state, const std::string& name, std::uint32_t sector
   WriteAll(folder / name, bytes);
   const std::string copy = folder / "copy";
   const std::string saved = folder / "saved";
-  Compare(
-      state,
-      [&] {
-        std::filesystem::remove(saved);
-        QuietHost host;
-        Disc disc(host);
-        host.ProgressRunning = &disc.ProgressRunning;
-        OpenImage(disc, folder / name);
-        SaveImageTo(disc, saved);
-      },
-      [&] {
-        std::filesystem::remove(copy);
-        PlainCopy(folder / name, copy);
-      });
+  Compare(state, {[&] {
+            std::filesystem::remove(saved);
+            QuietHost host;
+            Disc disc(host);
+            host.ProgressRunning = &disc.ProgressRunning;
+            OpenImage(disc, folder / name);
+            SaveImageTo(disc, saved);
+          }},
+          {[&] {
+            std::filesystem::remove(copy);
+            PlainCopy(folder / name, copy);
+          }});
   if (std::filesystem::file_size(saved) != bytes.size()) state.SkipWithError("a short save");
 }
 void Save640K(benchmark::State& state) {

@@ -1,0 +1,212 @@
+// Changing discs: import and export beside a plain recursive copy of the same files, compaction
+// beside a plain copy of the bytes that have to move, and deletion of trees beside plain writes of
+// the directory and the map for each file. The counter "ratio" is the engine's time over the
+// floor's; "us_each" is the engine's time for each object, which stays the same where the whole is
+// linear.
+
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+
+#include "bench/Ratio.h"
+#include "bench/ScatteredDisc.h"
+#include "disc/Adfs.h"
+#include "disc/Check.h"
+#include "disc/Compaction.h"
+#include "disc/Disc.h"
+#include "disc/HostExchange.h"
+#include "disc/Mutation.h"
+#include "disc/NewDisc.h"
+#include "disc/OpenImage.h"
+#include "disc/SaveImage.h"
+#include "tests/support/QuietHost.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using namespace sectorbox;
+using namespace sectorbox::bench;
+using namespace sectorbox::testing;
+namespace fs = std::filesystem;
+
+struct OpenDisc {
+  OpenDisc() { host.ProgressRunning = &disc.ProgressRunning; }
+  explicit OpenDisc(const std::string& path) : OpenDisc() { OpenImage(disc, path); }
+  QuietHost host;
+  Disc disc{host};
+};
+
+// A 640K disc's worth of files: five folders of 45 files of 2700 bytes, 98% of the disc.
+void MakeFolders(const std::string& root) {
+  for (int i = 0; i < 5; ++i) {
+    const std::string folder = root + "/D" + std::to_string(i);
+    fs::create_directories(folder);
+    for (int j = 0; j < 45; ++j) {
+      WriteAll(folder + "/FILE" + std::to_string(j),
+               std::vector<std::uint8_t>(2700, static_cast<std::uint8_t>(45 * i + j)));
+    }
+  }
+}
+
+// A new floppy image of 640K or a .dat of 1M with all of folder in it, as one directory.
+void Import(const std::string& folder, const std::string& image) {
+  fs::remove(image);
+  OpenDisc open;
+  if (image.ends_with(".adl")) {
+    CreateDisc(open.disc, image, 80, 2, 16, kAdl);
+  } else {
+    CreateDisc(open.disc, image, 32, 4, 33, kDat);
+  }
+  if (ImportFolder(open.disc, 2, folder) != 0) throw std::runtime_error("the import was refused");
+  if (image.ends_with(".adl")) SaveImageTo(open.disc, image);
+  open.disc.TheDisc.CloseFile();
+}
+
+// The folders as they come from a disc: SRC with the files and their sidecars.
+class ExportedFolders {
+ public:
+  explicit ExportedFolders(const std::string& image) : Image(folder_ / image) {
+    MakeFolders(folder_ / "plain/SRC");
+    Import(Plain, Image);
+    OpenDisc open(Image);
+    ExportFiles(open.disc, folder_ / "exported", 2);
+    if (!fs::exists(Source + "/D4/FILE44.INF")) throw std::runtime_error("the export is short");
+  }
+  Timed PlainCopy(const std::string& source) {
+    const std::string copy = folder_ / "copy";
+    return {[=] { fs::copy(source, copy, fs::copy_options::recursive); },
+            [=] { fs::remove_all(copy); }};
+  }
+  std::string operator/(const std::string& name) const { return folder_ / name; }
+
+ private:
+  const TempFolder folder_;
+
+ public:
+  const std::string Image;
+  const std::string Plain = folder_ / "plain/SRC";
+  const std::string Source = folder_ / "exported/SRC";
+};
+
+void ImportFiles(benchmark::State& state, const std::string& image) {
+  ExportedFolders folders(image);
+  const std::string made = folders / ("made-" + image);
+  Compare(state, {[&] { Import(folders.Source, made); }}, folders.PlainCopy(folders.Source));
+}
+void ImportFilesWithoutSidecars(benchmark::State& state, const std::string& image) {
+  ExportedFolders folders(image);
+  const std::string made = folders / ("made-" + image);
+  Compare(state, {[&] { Import(folders.Plain, made); }}, folders.PlainCopy(folders.Plain));
+}
+void ExportEverything(benchmark::State& state, const std::string& image) {
+  ExportedFolders folders(image);
+  const std::string out = folders / "out";
+  const auto work = [&] {
+    OpenDisc open(folders.Image);
+    ExportFiles(open.disc, out, 2);
+  };
+  Compare(state, {work, [&] { fs::remove_all(out); }}, folders.PlainCopy(folders / "exported"));
+}
+BENCHMARK_CAPTURE(ImportFiles, floppy, "x.adl")->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ImportFiles, hard, "x.dat")->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ImportFilesWithoutSidecars, floppy, "x.adl")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ExportEverything, floppy, "x.adl")
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(ExportEverything, hard, "x.dat")->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void MustBeSound(benchmark::State& state, const std::string& image, std::int16_t runs) {
+  OpenDisc open(image);
+  if (!CheckDisc(open.disc).empty()) state.SkipWithError("the disc is damaged");
+  if (open.disc.FreeCount != runs) state.SkipWithError("the free space is not as it should be");
+}
+
+// Rising and in large parts, inside the image: the quickest way down for bytes without any order.
+void MoveDown(const ScatteredDisc& image) {
+  const int file = ::open(image.Path().c_str(), O_RDWR);
+  std::vector<std::uint8_t> part(65536);
+  const std::int64_t from = std::int64_t{image.FirstMoved()} * 256;
+  const std::int64_t length = std::int64_t{image.MovedSectors()} * 256;
+  for (std::int64_t done = 0; done < length; done += 65536) {
+    const auto size = static_cast<std::size_t>(std::min<std::int64_t>(65536, length - done));
+    const bool moved = ::pread(file, part.data(), size, from + done) == ::ssize_t(size) &&
+                       ::pwrite(file, part.data(), size, 7 * 256 + done) == ::ssize_t(size);
+    if (!moved) throw std::runtime_error("cannot move the bytes");
+  }
+  ::close(file);
+}
+
+// 1,000 to 100,000 objects of 5 KB with 79 holes between them, most of a 512 MB disc at the most.
+void Compact(benchmark::State& state) {
+  const TempFolder folder;
+  const auto objects = static_cast<std::uint32_t>(state.range(0));
+  const ScatteredDisc image(folder / "x.dat",
+                            {objects, 21, 5300, 79, objects / 2500 + 1, state.range(1) != 0});
+  image.Write();
+  MustBeSound(state, image.Path(), 80);
+  const auto compact = [&] {
+    OpenDisc open(image.Path());
+    CompactDisc(open.disc);
+    open.disc.TheDisc.CloseFile();
+  };
+  Compare(state, {compact, [&] { image.Write(); }},
+          {[&] { MoveDown(image); }, [&] { image.Write(); }});
+  MustBeSound(state, image.Path(), 1);
+  state.counters["us_each"] = state.counters["best_ms"] * 1000 / objects;
+  state.counters["moved_MB"] = image.MovedSectors() / 4096.0;
+}
+BENCHMARK(Compact)
+    ->ArgsProduct({{1000, 10000, 100000}, {0, 1}})
+    ->ArgNames({"objects", "scattered"})
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+
+// For each file the directory and the map, as they would go out if nothing had to be worked out.
+void WriteDirectoryAndMap(const ScatteredDisc& image, const std::vector<std::uint32_t>& sectors) {
+  const int file = ::open(image.Path().c_str(), O_WRONLY);
+  const std::vector<std::uint8_t> bytes(1280);
+  for (const std::uint32_t sector : sectors) {
+    const bool written = ::pwrite(file, bytes.data(), 1280, std::int64_t{sector} * 256) == 1280 &&
+                         ::pwrite(file, bytes.data(), 512, 0) == 512;
+    if (!written) throw std::runtime_error("cannot write the directory");
+  }
+  ::close(file);
+}
+
+void DeleteAll(benchmark::State& state, std::uint32_t fileLength) {
+  const TempFolder folder;
+  const auto objects = static_cast<std::uint32_t>(state.range(0));
+  const ScatteredDisc image(folder / "x.dat",
+                            {objects, std::max((fileLength + 255) / 256, 1U), fileLength});
+  const std::vector<std::uint32_t> directories = image.DirectoryOfEachFile();
+  const auto empty = [&] {
+    OpenDisc open(image.Path());
+    if (DeleteTree(open.disc, -1, 2, "$", true, true) != 0) throw std::runtime_error("refused");
+    open.disc.TheDisc.CloseFile();
+  };
+  Compare(state, {empty, [&] { image.Write(); }},
+          {[&] { WriteDirectoryAndMap(image, directories); }, [&] { image.Write(); }});
+  MustBeSound(state, image.Path(), 1);
+  state.counters["us_each"] = state.counters["best_ms"] * 1000 / objects;
+}
+BENCHMARK_CAPTURE(DeleteAll, files, 1000)
+    ->RangeMultiplier(10)
+    ->Range(1000, 100000)
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DeleteAll, empty_files, 0)
+    ->RangeMultiplier(10)
+    ->Range(1000, 10000)
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
