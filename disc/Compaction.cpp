@@ -23,46 +23,74 @@ struct ObjectRecord {
   std::int32_t Parent = 0;  // sector of the directory that holds the object's entry
   std::int32_t Start = 0;
   std::int32_t Sectors = 0;
-  bool IsEmpty = false;  // a file of no bytes, which to the BBC owns no sector
+  bool IsEmpty = false;    // a file of no bytes, which to the BBC owns no sector
+  std::int32_t Slot = -1;  // of the object's entry in Parent; -1 where it has to be looked for
 };
 
 // As many objects as the largest disc has sectors; only a damaged disc seems to hold more.
 constexpr std::size_t kMaxObjects = 0x210000;
-// Sectors are moved this many bytes at a time.
-constexpr std::int64_t kMoveSize = 65536;
+// Objects that lie side by side are moved together, about this many bytes at a time, before their
+// entries follow. Much more, and a kill in between would cost more of the disc.
+constexpr std::int32_t kMoveSize = 1048576;
 
-struct Walk {
-  WalkBudget Budget;
-  std::unordered_set<std::int32_t> Seen;
-};
+class Collector {
+ public:
+  explicit Collector(Disc& disc) : disc_(disc) {}
 
-// Adds the directory and all below it; false when the walk comes to a directory a second time, or
-// runs out of its bounds.
-bool CollectObjects(Disc& disc, std::int32_t DirSector, std::vector<ObjectRecord>& objects,
-                    Walk& walk) {
-  if (!walk.Seen.insert(DirSector).second || !walk.Budget.Enter()) return false;
-  if (objects.size() + kEntryCount > kMaxObjects) return false;
-  // What the directory says of itself, and not what its entry says, is how it is found again.
-  objects.push_back({GetDirName(disc, DirSector), false,
-                     Fetch24(disc, SectorOffset(DirSector) + kDirParent), DirSector, kDirSectors,
-                     false});
-  bool whole = true;
-  const std::int32_t slots = IsDirectory(disc, DirSector) ? kEntryCount : 0;
-  for (std::int32_t slot = 0; whole && slot < slots; ++slot) {
-    const std::string name = GetEntryName(disc, DirSector, slot);
-    if (EntryIsEmpty(name)) break;
-    const std::int64_t entry = EntryOffset(DirSector, slot);
-    const std::int32_t start = Fetch24(disc, entry + kEntrySector);
-    if (EntryHas(disc, entry, kAttrDirectory)) {
-      whole = CollectObjects(disc, start, objects, walk);
-    } else {
-      const std::uint32_t length = Fetch32(disc, entry + kEntryLength);
-      objects.push_back({name, true, DirSector, start, SectorsOfLength(length), length == 0});
-    }
+  // Adds the directory and all below it; false when the walk comes to a directory a second time, or
+  // runs out of its bounds.
+  bool Collect(std::int32_t DirSector) { return Collect(DirSector, -1, -1, ""); }
+
+  std::vector<ObjectRecord> Objects;
+
+ private:
+  // The directory is listed in lister, in the given slot, as Name.
+  bool Collect(std::int32_t DirSector, std::int32_t lister, std::int32_t slot,
+               const std::string& Name) {
+    if (!seen_.insert(DirSector).second || !budget_.Enter()) return false;
+    if (Objects.size() + kEntryCount > kMaxObjects) return false;
+    // What the directory says of itself, and not what its entry says, is how it is found again.
+    ObjectRecord object{GetDirName(disc_, DirSector),
+                        false,
+                        Fetch24(disc_, SectorOffset(DirSector) + kDirParent),
+                        DirSector,
+                        kDirSectors,
+                        false,
+                        -1};
+    if (object.Parent == lister && UpperCase(object.Name) == Name) object.Slot = slot;
+    Objects.push_back(std::move(object));
+    const bool whole = !IsDirectory(disc_, DirSector) || CollectEntries(DirSector);
+    budget_.Leave();
+    return whole;
   }
-  walk.Budget.Leave();
-  return whole;
-}
+
+  bool CollectEntries(std::int32_t DirSector) {
+    std::vector<std::string> names;
+    bool whole = true;
+    for (std::int32_t slot = 0; whole && slot < kEntryCount; ++slot) {
+      const std::string name = GetEntryName(disc_, DirSector, slot);
+      if (EntryIsEmpty(name)) break;
+      names.push_back(UpperCase(name));
+      // Of two entries with one name the first is the one that is found.
+      const auto found = static_cast<std::int32_t>(
+          std::find(names.begin(), names.end(), names.back()) - names.begin());
+      const std::int64_t entry = EntryOffset(DirSector, slot);
+      const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
+      if (EntryHas(disc_, entry, kAttrDirectory)) {
+        whole = Collect(start, DirSector, found, names.back());
+      } else {
+        const std::uint32_t length = Fetch32(disc_, entry + kEntryLength);
+        Objects.push_back(
+            {name, true, DirSector, start, SectorsOfLength(length), length == 0, found});
+      }
+    }
+    return whole;
+  }
+
+  Disc& disc_;
+  WalkBudget budget_;
+  std::unordered_set<std::int32_t> seen_;
+};
 
 // Here an empty file owns a sector of its own. The BBC gives it none and may have left it at a
 // place that is another object's: then it owns nothing to be moved, and only its entry follows. The
@@ -92,9 +120,9 @@ bool WouldBeLost(const std::vector<ObjectRecord>& objects, std::int32_t discSize
 
 // The objects in the order of their places, the root left out; none if the disc is too damaged.
 std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
-  std::vector<ObjectRecord> objects;
-  Walk walk;
-  if (!CollectObjects(disc, kRootSector, objects, walk)) return std::nullopt;
+  Collector collector(disc);
+  if (!collector.Collect(kRootSector)) return std::nullopt;
+  std::vector<ObjectRecord> objects = std::move(collector.Objects);
   objects.erase(objects.begin());
   std::sort(objects.begin(), objects.end(), [](const ObjectRecord& a, const ObjectRecord& b) {
     return a.Start != b.Start ? a.Start < b.Start : a.IsEmpty < b.IsEmpty;
@@ -104,22 +132,40 @@ std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
   return objects;
 }
 
-// Rising, so that a move by less than the object's own length is safe too: objects only move down.
-void MoveSectors(Disc& disc, std::int32_t from, std::int32_t to, std::int32_t sectors) {
-  std::vector<std::uint8_t> part(static_cast<std::size_t>(kMoveSize));
-  const std::int64_t length = SectorOffset(sectors);
+// Sectors that move down together.
+struct MovingRun {
+  std::int32_t From = 0;
+  std::int32_t To = 0;
+  std::int32_t Sectors = 0;
+};
+
+// Rising, so that a move by less than the run's own length is safe too.
+void MoveSectors(Disc& disc, const MovingRun& run, std::vector<std::uint8_t>& part) {
+  const std::int64_t length = SectorOffset(run.Sectors);
+  part.resize(static_cast<std::size_t>(kMoveSize));
   for (std::int64_t done = 0; done < length; done += kMoveSize) {
-    const auto size = static_cast<std::size_t>(std::min(kMoveSize, length - done));
+    const auto size = static_cast<std::size_t>(std::min<std::int64_t>(kMoveSize, length - done));
     const auto bytes = std::span(part).first(size);
-    disc.TheDisc.FetchBytes(SectorOffset(from) + done, bytes);
-    disc.TheDisc.StoreBytes(SectorOffset(to) + done, bytes);
+    disc.TheDisc.FetchBytes(SectorOffset(run.From) + done, bytes);
+    disc.TheDisc.StoreBytes(SectorOffset(run.To) + done, bytes);
   }
 }
 
+// Moves the objects in the order of their places. Neighbours go together and their entries follow
+// then, which leaves the same bytes as moving one object after the other with its entry.
 class Mover {
  public:
   Mover(Disc& disc, std::vector<ObjectRecord>& objects) : disc_(disc), objects_(objects) {
-    for (ObjectRecord& object : objects_) children_[object.Parent].push_back(&object);
+    std::unordered_set<std::int32_t> directories = {kRootSector};
+    for (ObjectRecord& object : objects_) {
+      children_[object.Parent].push_back(&object);
+      if (!object.IsFile) directories.insert(object.Start);
+    }
+    // What a damaged directory calls its parent may be a place inside a file, and what is found
+    // there depends on how far the move has come.
+    oneByOne_ = !std::all_of(children_.begin(), children_.end(), [&](const auto& children) {
+      return directories.count(children.first) != 0;
+    });
   }
 
   // Gives the first sector behind all objects.
@@ -129,6 +175,7 @@ class Mover {
       if (object.Start != next) Move(object, next);
       next += object.Sectors;
     }
+    Flush();
     for (const ObjectRecord& object : objects_) {
       if (object.IsFile) continue;
       Store24(disc_, SectorOffset(object.Start) + kDirParent, object.Parent);
@@ -141,12 +188,10 @@ class Mover {
  private:
   void Move(ObjectRecord& object, std::int32_t to) {
     const std::int32_t old = object.Start;
-    MoveSectors(disc_, old, to, object.Sectors);
-    // A directory whose own name or parent disagrees with its entry isn't found, and that entry
-    // goes on pointing at the old place.
-    const std::int32_t slot = FindEntry(disc_, object.Parent, object.Name);
-    if (slot >= 0) Store24(disc_, EntryOffset(object.Parent, slot) + kEntrySector, to);
+    AddToRun(object, to);
     object.Start = to;
+    moved_.push_back(&object);
+    if (oneByOne_) Flush();
     if (object.IsFile) return;
     moves_[old] = to;
     const auto children = children_.find(old);
@@ -154,10 +199,43 @@ class Mover {
     for (ObjectRecord* child : children->second) child->Parent = to;
   }
 
+  void AddToRun(const ObjectRecord& object, std::int32_t to) {
+    if (object.Sectors == 0) return;
+    const bool follows = object.Start - run_.From == run_.Sectors && to - run_.To == run_.Sectors;
+    if (!follows || SectorOffset(run_.Sectors + object.Sectors) > kMoveSize) {
+      Flush();
+      run_ = {object.Start, to, 0};
+    }
+    run_.Sectors += object.Sectors;
+  }
+
+  // Moves the run and points the entries at the new places. An entry is looked for in its directory
+  // wherever that now is: it may be part of this run, or still wait for its own move.
+  void Flush() {
+    MoveSectors(disc_, run_, part_);
+    run_.Sectors = 0;
+    std::stable_sort(
+        moved_.begin(), moved_.end(),
+        [](const ObjectRecord* a, const ObjectRecord* b) { return a->Parent < b->Parent; });
+    for (const ObjectRecord* object : moved_) {
+      // A directory whose own name or parent disagrees with its entry isn't found, and that entry
+      // goes on pointing at the old place.
+      const std::int32_t slot =
+          object->Slot >= 0 ? object->Slot : FindEntry(disc_, object->Parent, object->Name);
+      if (slot < 0) continue;
+      Store24(disc_, EntryOffset(object->Parent, slot) + kEntrySector, object->Start);
+    }
+    moved_.clear();
+  }
+
   Disc& disc_;
   std::vector<ObjectRecord>& objects_;
   std::unordered_map<std::int32_t, std::vector<ObjectRecord*>> children_;
   std::map<std::int32_t, std::int32_t> moves_;
+  MovingRun run_;
+  std::vector<const ObjectRecord*> moved_;  // their entries are still to follow
+  std::vector<std::uint8_t> part_;
+  bool oneByOne_ = false;
 };
 
 void WriteOneRun(Disc& disc, std::int32_t start) {

@@ -276,9 +276,31 @@ void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
   }
 }
 
+std::size_t DiscImg::StoreFileRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  const bool wholeBlocks = offset >= 0 && offset % kBlockSize == 0;
+  if (disctype_ != kDat || !wholeBlocks || bytes.size() < 2 * kBlockSize) return 0;
+  if (!ReadyForBlocks() || readOnly_ || slots_[0].Data.size() != kBlockSize) return 0;
+  const auto run = bytes.first(bytes.size() - bytes.size() % kBlockSize);
+  WriteFileAt(fileNumber_, fileName_, offset, run);
+  const auto first = static_cast<std::int32_t>(offset / kBlockSize);
+  const auto blocks = static_cast<std::int32_t>(run.size() / kBlockSize);
+  for (Slot& slot : slots_) {
+    if (slot.Block < first || slot.Block - first >= blocks) continue;
+    const auto in = static_cast<std::size_t>(slot.Block - first) * kBlockSize;
+    std::copy_n(run.begin() + static_cast<std::ptrdiff_t>(in), kBlockSize, slot.Data.begin());
+    slot.Dirty = false;
+  }
+  return run.size();
+}
+
 void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes) {
   if (disctype_ == kCF) bytes = InsidePartition(offset, bytes);
   while (!bytes.empty()) {
+    if (const std::size_t run = StoreFileRun(offset, bytes); run > 0) {
+      offset += static_cast<std::int64_t>(run);
+      bytes = bytes.subspan(run);
+      continue;
+    }
     const auto part = bytes.first(TogetherAt(offset, bytes.size()));
     if (Holds(offset) && InMemory()) {
       std::copy(part.begin(), part.end(), image_.begin() + offset);

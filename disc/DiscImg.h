@@ -125,6 +125,10 @@ class DiscImg {
   // A long run of a .dat comes straight from the file, with what the slots hold laid over it; the
   // slots stay as they are. False when the run is short or the store is another.
   bool FetchFileRun(std::int64_t offset, std::span<std::uint8_t> bytes);
+  // Whole blocks of a .dat go straight to the file, and into the slots that hold them: the count of
+  // bytes stored, 0 where they go block by block. After a card has been open they always do, since
+  // the slots then write more than their block.
+  std::size_t StoreFileRun(std::int64_t offset, std::span<const std::uint8_t> bytes);
   void LoadCardSlot(Slot& slot);
   // Whole blocks of a card past the slots, in one transfer: the count of disc bytes fetched, 0
   // where the bytes are to be had block by block.

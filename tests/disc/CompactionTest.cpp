@@ -222,6 +222,7 @@ class RandomDisc {
       if (random_() % 3 == 0) {
         image_.Poke(base + 1238, static_cast<std::uint8_t>(dirs_[random_() % dirs_.size()]));
       }
+      if (random_() % 6 == 0) image_.Poke(base + 1238, static_cast<std::uint8_t>(random_()));
       if (random_() % 6 == 0) image_.Poke(base + 1, 'x');
     }
   }

@@ -99,6 +99,30 @@ TEST_F(HardDiscStore, ALongRunShowsWhatTheBlocksHoldAndLeavesThemHeld) {
   EXPECT_EQ(ReadAll(path_)[5], 1);
 }
 
+TEST_F(HardDiscStore, ALongRunIsStoredOverWhatTheBlocksHold) {
+  disc_.TheDisc.Store(1030, 77);  // held, and written over whole
+  disc_.TheDisc.Store(3, 66);     // held, and kept in front of the run
+  std::vector<std::uint8_t> run(3 * 1024);
+  for (std::size_t i = 0; i < run.size(); ++i) run[i] = static_cast<std::uint8_t>(i * 7 + i / 256);
+  disc_.TheDisc.StoreBytes(500, run);
+  std::vector<std::uint8_t> expected(4096, 4);
+  std::fill_n(expected.begin(), 500, std::uint8_t{1});
+  expected[3] = 66;
+  std::copy(run.begin(), run.end(), expected.begin() + 500);
+  std::vector<std::uint8_t> held(4096);
+  for (std::size_t i = 0; i < held.size(); ++i)
+    held[i] = disc_.TheDisc.Fetch(static_cast<std::int64_t>(i));
+  EXPECT_EQ(held, expected);
+  disc_.TheDisc.CloseFile();
+  EXPECT_EQ(ReadAll(path_), expected);
+}
+
+TEST_F(HardDiscStore, ALongRunBeyondTheEndGrowsTheFileByWholeBlocks) {
+  disc_.TheDisc.StoreBytes(4096, std::vector<std::uint8_t>(2500, 9));
+  disc_.TheDisc.CloseFile();
+  EXPECT_EQ(ReadAll(path_).size(), 7U * 1024);
+}
+
 TEST_F(HardDiscStore, AFileThatDoesNotExistComesIntoBeing) {
   disc_.TheDisc.OpenFile(folder_ / "new.dat", kDat, 1, 4, 33);
   EXPECT_TRUE(std::filesystem::exists(folder_ / "new.dat"));
