@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTest>
+#include <algorithm>
 
 #include "shell/Application.h"
 #include "toolkit/Text.h"
@@ -54,11 +55,20 @@ DialogPlayer::~DialogPlayer() {
   if (!AllPlayed()) ADD_FAILURE() << answers_.size() << " expected dialog(s) never came up";
 }
 
+// Some dialogs are made once and used again: closed, one may come up as the next.
+void DialogPlayer::ForgetClosed() {
+  std::erase_if(answered_, [](const QPointer<QWidget>& dialog) {
+    return dialog.isNull() || !dialog->isVisible();
+  });
+}
+
 void DialogPlayer::Tick() {
+  ForgetClosed();
   QWidget* dialog = QApplication::activeModalWidget();
   if (dialog == nullptr || !dialog->isVisible()) return;
   if (PassOverProgress && dialog->objectName() == QStringLiteral("frmSave")) return;
-  if (dialog == answered_) {
+  // A dialog that has opened others is the topmost again for a moment when one of them closes.
+  if (std::find(answered_.begin(), answered_.end(), dialog) != answered_.end()) {
     if (++ticksOpen_ < kMostTicksOpen) return;
     ADD_FAILURE() << "left open: " << dialog->windowTitle().toStdString();
     CloseModal(*dialog);
@@ -73,15 +83,14 @@ void DialogPlayer::Tick() {
   }
   const auto answer = answers_.front();
   answers_.pop_front();
-  answered_ = dialog;
+  answered_.emplace_back(dialog);
   ticksOpen_ = 0;
   // From a timer of its own: the answer may open a box, whose events this timer must serve, and a
   // timer doesn't run again inside its own call.
   QTimer::singleShot(0, &timer_, [this, answer, held = QPointer<QWidget>(dialog)] {
     if (held == nullptr) return;
     answer(*held);
-    // Some dialogs are made once and used again: closed, this one may come up as the next.
-    if (answered_ != nullptr && !answered_->isVisible()) answered_ = nullptr;
+    ForgetClosed();
   });
 }
 

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "disc/Disc.h"
 #include "shell/Panes.h"
@@ -50,10 +51,11 @@ class DialogPlayer {
 
  private:
   void Tick();
+  void ForgetClosed();
 
   QTimer timer_;
   std::deque<std::function<void(QWidget&)>> answers_;
-  QPointer<QWidget> answered_;
+  std::vector<QPointer<QWidget>> answered_;  // those that still stand
   int ticksOpen_ = 0;
 };
 
