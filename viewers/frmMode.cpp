@@ -1,5 +1,6 @@
 #include "viewers/frmMode.h"
 
+#include <QApplication>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QMenu>
@@ -13,10 +14,8 @@
 namespace sectorbox {
 namespace {
 
-constexpr int kFlashMilliseconds = 500;
 constexpr int kFlashingMode = 2;
 constexpr QSize kWindowSize{680, 662};
-constexpr int kMargin = 10;
 
 // Entries without an action: the palette is changed by its buttons.
 constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Green", "Yellow",
@@ -28,11 +27,13 @@ frmMode::frmMode(Disc& disc, CurrentRow row) : disc_(disc), row_(std::move(row))
   setObjectName(QStringLiteral("frmMode"));
   setAttribute(Qt::WA_DeleteOnClose);
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  layout->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
   Picture1_ = new PictureBox(this);
   Picture1_->Show(Picture(kScreenWidth, kScreenHeight, kBlack));
   layout->addWidget(Picture1_, 0, Qt::AlignLeft | Qt::AlignTop);
+  layout->addStretch();
   layout->addLayout(MakeControls());
+  layout->addStretch();
   MakeMenus(*layout);
   Timer1_.setObjectName(QStringLiteral("Timer1"));
   Timer1_.setParent(this);
@@ -48,6 +49,7 @@ QLayout* frmMode::MakeControls() {
   auto* inFrame = new QHBoxLayout(frame);
   for (std::size_t i = 0; i < cmdPalet_.size(); ++i) {
     cmdPalet_[i] = new ColourButton(frame, QStringLiteral("cmdPalet%1").arg(i));
+    cmdPalet_[i]->SetSpokenName(QStringLiteral("Colour %1").arg(i));
     connect(cmdPalet_[i], &QPushButton::clicked, this,
             [this, i] { cmdPalet_Click(static_cast<int>(i)); });
     inFrame->addWidget(cmdPalet_[i]);
@@ -56,8 +58,11 @@ QLayout* frmMode::MakeControls() {
   reset->setObjectName(QStringLiteral("cmdReset"));
   connect(reset, &QPushButton::clicked, this, [this] { cmdReset_Click(); });
   inFrame->addWidget(reset);
-  auto* controls = new QHBoxLayout;
-  controls->setSpacing(4);
+  auto* modes = new QHBoxLayout;
+  modes->setSpacing(4);
+  // The frame's title is above its buttons; as much above these puts all of them on one line.
+  modes->setContentsMargins(0, frame->contentsMargins().top(), 0,
+                            frame->contentsMargins().bottom());
   for (const ScreenMode& mode : kScreenModes) {
     auto* button = new QPushButton(QStringLiteral("Mode %1").arg(mode.Mode), this);
     button->setObjectName(QStringLiteral("cmdMode%1").arg(mode.Mode));
@@ -66,8 +71,10 @@ QLayout* frmMode::MakeControls() {
       Tag = number;
       Show_File();
     });
-    controls->addWidget(button);
+    modes->addWidget(button);
   }
+  auto* controls = new QHBoxLayout;
+  controls->addLayout(modes);
   controls->addStretch();
   controls->addWidget(frame);
   return controls;
@@ -141,6 +148,8 @@ void frmMode::cmdReset_Click() {
 // Draws directly: Show_File would begin the flashing anew.
 void frmMode::Timer1_Timer() {
   FlashOn = !FlashOn;
+  // Without a row Render closes the window, and would take away a dialog that is still being asked.
+  if (row_() == nullptr && QApplication::activeModalWidget() != nullptr) return;
   Render();
 }
 

@@ -18,7 +18,6 @@ constexpr int kPatchSize = 28;
 ColourButton::ColourButton(QWidget* parent, const QString& name) : QPushButton(parent) {
   setObjectName(name);
   setFixedSize(kPatchSize, kPatchSize);
-  setAutoDefault(false);
 }
 
 void ColourButton::SetBackColour(Colour colour) {
@@ -29,6 +28,11 @@ void ColourButton::SetBackColour(Colour colour) {
 void ColourButton::ClearBackColour() {
   back_ = -1;
   update();
+}
+
+void ColourButton::SetSpokenName(const QString& name) {
+  setToolTip(name);
+  setAccessibleName(name);
 }
 
 void ColourButton::paintEvent(QPaintEvent* event) {
@@ -60,7 +64,7 @@ frmPalette::frmPalette(QWidget* parent) : QDialog(parent) {
   for (std::size_t i = 0; i < kPhysicalColours.size(); ++i) {
     auto* patch = new ColourButton(this, QStringLiteral("cmdColour%1").arg(i));
     patch->SetBackColour(kPhysicalColours[i]);
-    patch->setToolTip(QString::fromLatin1(kColourNames[i]));
+    patch->SetSpokenName(QString::fromLatin1(kColourNames[i]));
     connect(patch, &QPushButton::clicked, this, [this, patch] {
       SelectedColour = patch->BackColour();
       accept();
@@ -70,7 +74,6 @@ frmPalette::frmPalette(QWidget* parent) : QDialog(parent) {
   layout->addLayout(patches);
   auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
   cancel->setObjectName(QStringLiteral("cmdCancel"));
-  cancel->setAutoDefault(false);
   connect(cancel, &QPushButton::clicked, this, [this] { reject(); });
   layout->addWidget(cancel, 0, Qt::AlignRight);
   layout->setSizeConstraint(QLayout::SetFixedSize);

@@ -19,6 +19,8 @@ class ColourButton : public QPushButton {
   ColourButton(QWidget* parent, const QString& name);
   void SetBackColour(Colour colour);
   void ClearBackColour();  // the system's button colour
+  // What the patch is called, for the pointer that rests on it and for those who can't see it.
+  void SetSpokenName(const QString& name);
   // -1 without a colour of its own.
   std::int32_t BackColour() const { return back_; }
 

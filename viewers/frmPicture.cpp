@@ -33,8 +33,12 @@ PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
 
 void PictureBox::Show(Picture picture) {
   picture_ = std::move(picture);
-  setFixedSize(picture_.Width + 2 * kBorder, picture_.Height + 2 * kBorder);
+  setFixedSize(picture_.Width + 2 * kBorder, HeightFor(picture_.Height));
   update();
+}
+
+int PictureBox::HeightFor(int rows) {
+  return rows + 2 * kBorder;
 }
 
 void PictureBox::paintEvent(QPaintEvent*) {

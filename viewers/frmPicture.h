@@ -16,6 +16,11 @@ class QPrinter;
 // What the windows that show pictures share.
 namespace sectorbox {
 
+// Teletext's flashing characters and MODE 2's flashing colours change twice a second.
+inline constexpr int kFlashMilliseconds = 500;
+// Picture1 stands as many pixels from the window's left edge and from its menu.
+inline constexpr int kPictureMargin = 10;
+
 // The row of the list that is current now; null when there is none. Asked at each drawing.
 using CurrentRow = std::function<const ListRow*()>;
 
@@ -28,8 +33,10 @@ class PictureBox : public QWidget {
 
  public:
   explicit PictureBox(QWidget* parent);
-  // Makes the box as large as the picture wants it.
+  // Makes the box as large as the picture and its border want it.
   void Show(Picture picture);
+  // The height of the box around that many rows of pixels.
+  static int HeightFor(int rows);
   const Picture& Shown() const { return picture_; }
 
  protected:

@@ -10,10 +10,8 @@
 namespace sectorbox {
 namespace {
 
-constexpr int kFlashMilliseconds = 500;
 constexpr int kWidth = 520;
 constexpr int kExtraHeight = 110;  // of the window over the rows of the page
-constexpr int kMargin = 10;
 
 }  // namespace
 
@@ -21,7 +19,7 @@ frmTeletext::frmTeletext(QWidget* parent, Disc& disc, CurrentRow row, const Tele
     : QDialog(parent), disc_(disc), row_(std::move(row)), font_(font) {
   setObjectName(QStringLiteral("frmTeletext"));
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+  layout->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
   Picture1_ = new PictureBox(this);
   layout->addWidget(Picture1_, 0, Qt::AlignLeft | Qt::AlignTop);
   menu_ = std::make_unique<PictureMenu>(*this, *layout);
@@ -47,9 +45,11 @@ void frmTeletext::Show_File() {
   // A directory's row has neither size nor sector: its page is empty.
   const auto sector = static_cast<std::int32_t>(ParseHex(row->Columns[kColSector]));
   const auto codes = ReadTeletextPage(disc_, sector, ParseHex(row->Columns[kColSize]));
-  const int rows = static_cast<int>(codes.size()) / kTeletextColumns;
+  const int height = static_cast<int>(codes.size()) / kTeletextColumns * TeletextFont::kCellHeight;
   Picture1_->Show(DrawTeletext(codes, font_, FlashPhase));
-  setFixedSize(kWidth, rows * TeletextFont::kCellHeight + kExtraHeight);
+  // The picture of no rows is as high as the border alone and fills it.
+  Picture1_->setFixedHeight(PictureBox::HeightFor(height));
+  setFixedSize(kWidth, height + kExtraHeight);
 }
 
 void frmTeletext::Timer1_Timer() {

@@ -43,6 +43,10 @@ class PictureWindowsTest : public WindowTest {
 
   std::string Font() const { return folder_ / kTeletextFontFile; }
 
+  static std::string Recovered() {
+    return (SettingsStore().Folder() + QStringLiteral("/Recovered1.adl")).toStdString();
+  }
+
   static frmMode& Screen() {
     for (QWidget* window : QApplication::topLevelWidgets()) {
       if (auto* screen = qobject_cast<frmMode*>(window)) return *screen;
@@ -122,7 +126,8 @@ TEST_F(PictureWindowsTest, AnEmptyFileIsAnEmptyPage) {
   ClickRow(QStringLiteral("AEMPTY"));
   player_.Expect([&](QWidget& window) {
     EXPECT_EQ(window.size(), QSize(520, 110));
-    EXPECT_EQ(Child<PictureBox>(window, QStringLiteral("Picture1")).height(), 8);
+    EXPECT_EQ(Child<PictureBox>(window, QStringLiteral("Picture1")).size(), QSize(484, 4));
+    EXPECT_EQ(Shown(window).Height, 4);
     window.close();
   });
   Choose("mnuFileViewTeletext");
@@ -165,28 +170,45 @@ TEST_F(PictureWindowsTest, ThePageIsPrintedAtTheTopLeftOfOnePage) {
   EXPECT_NE(text.find("/Count 1"), std::string::npos);
 }
 
-TEST_F(PictureWindowsTest, AMissingFontEndsTheProgramAndKeepsWhatIsNotSaved) {
+TEST_F(PictureWindowsTest, AMissingFontEndsTheProgram) {
   std::filesystem::remove(Font());
   ClickRow(QStringLiteral("PAGE"));
-  player_.ExpectBox(QStringLiteral("Cannot open Teletext font file teletext.fnt"),
-                    QStringLiteral("WindowTitle"));
-  Choose("mnuFileViewTeletext");
-  EXPECT_EQ(ends_, std::vector<int>{1});
-}
-
-TEST_F(PictureWindowsTest, AShortFontEndsTheProgramToo) {
-  WriteAll(Font(), Bytes(3455));
-  disc_->ImageChanged = true;
-  ClickRow(QStringLiteral("PAGE"));
   player_.Expect([&](QWidget& box) {
-    const QString text = dynamic_cast<QMessageBox&>(box).text();
-    EXPECT_TRUE(text.startsWith(QStringLiteral("Cannot open Teletext font file teletext.fnt\n")));
-    EXPECT_EQ(dynamic_cast<QMessageBox&>(box).icon(), QMessageBox::Critical);
+    const auto& message = dynamic_cast<QMessageBox&>(box);
+    EXPECT_EQ(message.text(), QStringLiteral("Cannot open Teletext font file teletext.fnt"));
+    EXPECT_EQ(message.windowTitle(), QStringLiteral("WindowTitle"));
+    EXPECT_EQ(message.icon(), QMessageBox::Critical);
     box.close();
   });
   Choose("mnuFileViewTeletext");
   EXPECT_EQ(ends_, std::vector<int>{1});
-  disc_->ImageChanged = false;
+  EXPECT_FALSE(std::filesystem::exists(Recovered()));
+}
+
+TEST_F(PictureWindowsTest, AShortFontEndsTheProgramTooAndKeepsWhatIsNotSaved) {
+  WriteAll(Font(), Bytes(3455));
+  constexpr std::size_t kPlace = 5000;
+  disc_->TheDisc.Store(kPlace, 0x77);
+  disc_->ImageChanged = true;
+  ClickRow(QStringLiteral("PAGE"));
+  player_.Expect([&](QWidget& box) {
+    EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(),
+              QStringLiteral("Cannot open Teletext font file teletext.fnt\n\n"
+                             "The disc with your unsaved changes was kept in ") +
+                  QString::fromStdString(Recovered()));
+    box.close();
+  });
+  Choose("mnuFileViewTeletext");
+  EXPECT_EQ(ends_, std::vector<int>{1});
+  // The kept file opens as the disc that was in memory, the change in it.
+  Disc kept(disc_->Host);
+  kept.TheDisc.OpenFile(Recovered(), kAdl, 80, 2, 16);
+  Bytes there(disc_->TheDisc.ImageBytes());
+  Bytes before(there.size());
+  kept.TheDisc.FetchBytes(0, there);
+  disc_->TheDisc.FetchBytes(0, before);
+  EXPECT_EQ(there, before);
+  EXPECT_EQ(there[kPlace], 0x77);
 }
 
 TEST_F(PictureWindowsTest, TheTeletextWindowComesBackWhereItWas) {
@@ -269,6 +291,45 @@ TEST_F(PictureWindowsTest, CancellingThePaletteDialogChangesNothing) {
   Child(window, QStringLiteral("cmdPalet1")).click();
   EXPECT_EQ(SelectedColour, -1);
   EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(4, {}, false));
+}
+
+TEST_F(PictureWindowsTest, ReturnTakesTheColourThatHasTheFocus) {
+  frmMode& window = OpenScreen("mnuFileViewMode4");
+  player_.Expect([](QWidget& dialog) {
+    Child(dialog, QStringLiteral("cmdColour2")).setFocus();
+    QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+  });
+  Child(window, QStringLiteral("cmdPalet1")).click();
+  EXPECT_EQ(SelectedColour, static_cast<int>(kGreen));
+}
+
+TEST_F(PictureWindowsTest, AllButtonsUnderAScreenStandOnOneLine) {
+  frmMode& window = OpenScreen("mnuFileViewMode1");
+  const auto middle = [&](const char* name) {
+    auto& button = Child(window, QString::fromLatin1(name));
+    return button.mapTo(&window, button.rect().center()).y();
+  };
+  for (const char* name : {"cmdMode0", "cmdMode5", "cmdPalet7", "cmdReset"}) {
+    EXPECT_NEAR(middle(name), middle("cmdPalet0"), 1) << name;
+  }
+}
+
+// The tick comes while the dialog, which lives on the stack below it, still waits for its answer.
+TEST_F(PictureWindowsTest, AScreenWithoutARowIsNotClosedUnderItsPaletteDialog) {
+  const QPointer<frmMode> window = &OpenScreen("mnuFileViewMode2");
+  player_.Expect([&](QWidget& dialog) {
+    constexpr std::int64_t kFirstEntry = 2 * 256 + 5;
+    disc_->TheDisc.Store(kFirstEntry, 0);  // the root is empty now
+    disc_->Host.RebuildTree();
+    ASSERT_EQ(window_->CurrentItem(), nullptr);
+    Tick(*window);
+    EXPECT_TRUE(window->isVisible());
+    Child(dialog, QStringLiteral("cmdCancel")).click();
+  });
+  Child(*window, QStringLiteral("cmdPalet1")).click();
+  ASSERT_FALSE(window.isNull());
+  Tick(*window);
+  EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(PictureWindowsTest, AScreenShowsTheRowThatIsCurrentAtEachDrawing) {
