@@ -1,9 +1,9 @@
 #include "cfcard/CardMenu.h"
 
 #include <functional>
-#include <system_error>
 
 #include "cfcard/FormatCF.h"
+#include "cfcard/OpenedCard.h"
 #include "disc/Adfs.h"
 #include "disc/HostError.h"
 #include "disc/NewDisc.h"
@@ -52,13 +52,6 @@ void RunEntry(Disc& disc, const std::function<void()>& dialog, const std::functi
 }
 
 }  // namespace
-
-bool CardIsOpen(Disc& disc) {
-  if (disc.TheDisc.DeviceIsOpen()) return true;
-  disc.Host.Note(disc.TheDisc.FileName() + ": can't be opened: " +
-                 std::generic_category().message(disc.TheDisc.DeviceError()));
-  return false;
-}
 
 void OpenBlankImage(Disc& disc) {
   constexpr std::int32_t kTracks = 80;

@@ -45,7 +45,5 @@ void BackupPartition(Disc& disc, bool wholeCard);
 std::string BackupFileName(const std::string& imageName);
 // An empty double-sided floppy in memory takes the place of whatever was open.
 void OpenBlankImage(Disc& disc);
-// Whether the card that was opened last is there; if not, the host is told why.
-bool CardIsOpen(Disc& disc);
 
 }  // namespace sectorbox

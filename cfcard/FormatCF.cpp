@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <vector>
 
-#include "cfcard/CardMenu.h"
+#include "cfcard/OpenedCard.h"
 #include "disc/Adfs.h"
+#include "disc/BusyPointer.h"
 #include "disc/Format.h"
 #include "disc/NewDisc.h"
 #include "disc/OpenImage.h"
@@ -105,12 +106,11 @@ bool WipeImage(Disc& disc, std::int32_t sectors) {
 void FormatCFDisc(Disc& disc, FormatView& view, const std::string& capacity, bool quick) {
   view.FormatStarted();
   disc.ImageChanged = false;
-  disc.Host.SetBusyPointer(true);
+  const BusyPointer busy(disc.Host);
   const std::int32_t partition = disc.ImageName.empty() ? -1 : disc.ImageName.back() - '0';
   disc.TheDisc.OpenFile(disc.ImageName, kCF, partition, 0, 0);
   if (!FormatOpenPartition(disc, view, capacity, quick)) disc.ProgressRunning = false;
   disc.TheDisc.CloseFile();
-  disc.Host.SetBusyPointer(false);
 }
 
 void FormatCFImage(Disc& disc, std::int32_t sectors, bool wipe) {

@@ -1,8 +1,8 @@
 #include "cfcard/ScanCFCards.h"
 
 #include <cerrno>
-#include <system_error>
 
+#include "cfcard/OpenedCard.h"
 #include "disc/Adfs.h"
 #include "disc/Format.h"
 
@@ -10,11 +10,6 @@ namespace sectorbox {
 namespace {
 
 constexpr std::int32_t kPartitions = 2;
-
-void TellWhyNotOpened(Disc& disc, const CardSource& source) {
-  const int error = disc.TheDisc.DeviceError();
-  disc.Host.Note(source.Device + ": can't be opened: " + std::generic_category().message(error));
-}
 
 void ScanPartition(Disc& disc, const CardSource& source, char digit, bool includeNonADFS,
                    std::vector<std::string>& rows) {
@@ -41,7 +36,7 @@ CardScan ScanCards(Disc& disc, const std::vector<CardSource>& sources, bool incl
         ScanPartition(disc, source, digit, includeNonADFS, scan.Rows);
       } else if (partition == 0 && disc.TheDisc.DeviceError() != ENOMEDIUM) {
         scan.AllOpened = false;
-        TellWhyNotOpened(disc, source);
+        NoteNotOpened(disc, source.Device);
       }
       // Closed for good: nobody has chosen this device, so nothing may reach it later.
       disc.TheDisc.Abandon();

@@ -1,15 +1,16 @@
 // Cards: what is there, and the whole of a partition at once. DEVICE,P is named without "cf:" here.
 
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
 #include "cfcard/FormatCF.h"
 #include "cfcard/ScanCFCards.h"
 #include "cli/Dispatch.h"
 #include "cli/ImageSession.h"
+#include "disc/Adfs.h"
 #include "disc/HostFile.h"
 #include "disc/SaveImage.h"
-
-#include <algorithm>
-#include <cstdio>
-#include <filesystem>
 
 namespace sectorbox::cli {
 namespace {
@@ -46,9 +47,7 @@ void RefuseTheCardItself(const std::string& name, const std::string& file) {
 // "64MB", as the rows of the dialog have it, or "64".
 std::string RequireCapacity(const std::string& word) {
   const auto digits = std::min(word.find_first_not_of("0123456789"), word.size());
-  std::string unit = word.substr(digits);
-  std::transform(unit.begin(), unit.end(), unit.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; });
+  const std::string unit = UpperCase(word.substr(digits));
   const bool isZero = word.find_first_not_of('0') == digits;
   if (digits == 0 || isZero || !(unit.empty() || unit == "MB")) {
     throw UsageError("a capacity is a number of megabytes above 0, such as 64MB");

@@ -6,9 +6,9 @@
 #include <csignal>
 #include <cstdio>
 #include <ctime>
-#include <filesystem>
 #include <thread>
 
+#include "cli/ProgramFolder.h"
 #include "link/Commands.h"
 #include "link/SerialDevices.h"
 
@@ -150,7 +150,7 @@ void CliLinkHost::CloseTransfer() {
 }
 
 std::string CliLinkHost::ProgramFolder() {
-  return std::filesystem::read_symlink("/proc/self/exe").parent_path().string();
+  return cli::ProgramFolder();
 }
 
 void CliLinkHost::ShowProgressLine(const std::string& text) {
