@@ -313,7 +313,7 @@ TEST_F(FormatTest, FormatCFImageTakesNoMoreThanThePartitionHas) {
 TEST(Sizes, TheLastIsASectorShortOf512Megabytes) {
   std::int32_t sectors = 4096;
   for (const CardSize& size : kCardSizes) {
-    EXPECT_EQ(size.Sectors, size.Capacity == kCardSizes.back().Capacity ? 2097151 : sectors);
+    EXPECT_EQ(size.Sectors, &size == &kCardSizes.back() ? 2097151 : sectors);
     sectors *= 2;
   }
 }
