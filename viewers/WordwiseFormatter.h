@@ -27,7 +27,7 @@ class WordwiseFormatter : private WordwiseState {
   void EmitLineEnds();
   void PageHead();
   void PageFoot();
-  void PageEdge(std::int16_t lines, std::int16_t textLine, const std::int32_t& textPos);
+  void PageEdge(std::int16_t lines, const std::int16_t& textLine, const std::int32_t& textPos);
   void NewLine();
 
   // Page heads, page feet and deferred commands read elsewhere in the document for a while, and

@@ -45,18 +45,18 @@ void WordwiseFormatter::JustifyLine() {
     if (--LinePos == LineStart) return;
   }
   if (LinePos >= LineLength) return;
-  JustifyFromLeft = !JustifyFromLeft;
+  JustifySide = !JustifySide;
   while (Sweep()) {
   }
 }
 
 // True if it found a gap and the line isn't full yet.
 bool WordwiseFormatter::Sweep() {
-  const std::int32_t step = JustifyFromLeft ? 1 : -1;
-  std::int32_t position = JustifyFromLeft ? LineStart : LinePos;
+  const std::int32_t step = JustifySide ? 1 : -1;
+  std::int32_t position = JustifySide ? LineStart : LinePos;
   std::uint8_t prev = kBlank;
   bool inserted = false;
-  while (JustifyFromLeft ? position < LinePos : position > LineStart) {
+  while (JustifySide ? position < LinePos : position > LineStart) {
     const std::uint8_t c = CellAt(position);
     if (c == kBlank && prev != kBlank) {
       InsertSpace(position);

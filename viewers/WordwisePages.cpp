@@ -98,8 +98,9 @@ void WordwiseFormatter::PageFoot() {
   PageEdge(BottomSpace, FooterLine, FooterPos);
 }
 
-// textPos is looked at when its line is reached: the commands in it may define it anew.
-void WordwiseFormatter::PageEdge(std::int16_t lines, std::int16_t textLine,
+// Both textLine and textPos are looked at line by line: the text's own commands may move it, and so
+// have it printed once more further down, or define it anew.
+void WordwiseFormatter::PageEdge(std::int16_t lines, const std::int16_t& textLine,
                                  const std::int32_t& textPos) {
   for (std::int16_t i = 0; i < lines; ++i) {
     if (i == textLine) {

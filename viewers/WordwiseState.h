@@ -47,13 +47,13 @@ struct WordwiseState {
   bool Centring = false;
   std::int16_t CentreLines = 1;  // lines still to centre
   bool FlushRight = false;
-  bool JustifyFromLeft = false;  // JustifySide: flips with each justified line
-  std::int16_t LeftMargin = 0;   // blanks sent before each line, outside the line buffer
-  std::uint8_t PadChar = '|';    // the hard blank
-  std::int16_t TickChar = '`';   // printed instead of a backquote
-  std::int32_t Pos = -1;         // offset of the last byte read from the document
-  std::int32_t LinePos = 0;      // last used cell of the line buffer
-  std::int32_t LineStart = 0;    // the cell before the line's text
+  bool JustifySide = false;     // from the left; flips with each justified line
+  std::int16_t LeftMargin = 0;  // blanks sent before each line, outside the line buffer
+  std::uint8_t PadChar = '|';   // the hard blank
+  std::int16_t TickChar = '`';  // printed instead of a backquote
+  std::int32_t Pos = -1;        // offset of the last byte read from the document
+  std::int32_t LinePos = 0;     // last used cell of the line buffer
+  std::int32_t LineStart = 0;   // the cell before the line's text
   // One line; cells are counted modulo 256. Cell 0 is a blank that isn't printed. A top bit on a
   // cell marks commands that run when the cell has been printed.
   std::array<std::uint8_t, 256> LineBuffer{};

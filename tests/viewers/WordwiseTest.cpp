@@ -353,6 +353,10 @@ TEST_F(WordwiseTest, AHeaderMayHoldCommandsAndTheTextAfterItIsNotCentred) {
   EXPECT_EQ(Format("{LL20}{EP}{TS1}{HP0}{DH{CE}Hi/x/"), Blanks(9) + "Hi\nx\n");
 }
 
+TEST_F(WordwiseTest, AHeaderThatMovesItselfDownIsPrintedThereTooOnTheSamePage) {
+  EXPECT_EQ(Format("{EP}{TS4}{HP1}{DH}T{HP3}/x/"), "\nT\n\nT\nx\n");
+}
+
 TEST_F(WordwiseTest, TheFooterShowsThePageNumber) {
   EXPECT_EQ(Format("{BS3}{FP1}{PL10}{DF}Page{PP}/" + Times(15, "x/")),
             Times(7, "x\n") + "\nPage 1\n\n" + Times(7, "x\n") + "\nPage 2\n\n" + "x\n");
