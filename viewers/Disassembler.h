@@ -16,7 +16,7 @@ namespace sectorbox {
 // whole, with bytes from beyond the file if need be. A close request takes effect at the next line.
 void ShowDis(Disc& disc, const ListRow& row, TextView& view);
 
-// Puts the line of one instruction into text, without the final carriage return: address, bytes,
+// Appends the line of one instruction to text, without the final carriage return: address, bytes,
 // mnemonic, operand, characters. pointer is the store offset of the instruction, address its place
 // in the 6502's memory (the last four digits are shown). Gives the instruction's length. After RTI
 // and RTS the text ends in a carriage return, so that an empty line follows each routine.

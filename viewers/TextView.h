@@ -58,8 +58,8 @@ class TextView {
 // The fixed end of a generator: close the window if that was asked for meanwhile, then be finished.
 void EndView(TextView& view);
 
-// Caption and DefaultName of the views of one file: verb is "View File - " or "Disassemble File -
-// ".
+// Caption and DefaultName of the views of one file. verb stands before the name and brings its own
+// blank: "View File - " or "Disassemble File - ".
 void SetFileCaption(TextView& view, const std::string& verb, const std::string& name);
 
 }  // namespace sectorbox
