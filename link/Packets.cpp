@@ -117,7 +117,10 @@ bool TraceCRCs(Link& link, std::string_view reply, std::uint32_t crc) {
   const std::int64_t received = LeadingNumber(reply);
   TraceLine(link, "Received CRC of " + SignedDecimal(received) + "\r");
   TraceLine(link, "My CRC = " + SignedDecimal(crc) + "\r");
-  return received == std::int64_t{crc};
+  // The CRC of zeros is 0, and so is the number of a text without digits: noise in place of a
+  // checksum must not pass for a match, or the sectors of a new file would never be read.
+  const bool isNumber = !reply.empty() && reply[0] >= '0' && reply[0] <= '9';
+  return isNumber && received == std::int64_t{crc};
 }
 
 SectorStatus ReadSectors(Link& link, std::span<std::uint8_t> buffer, std::int32_t drive,

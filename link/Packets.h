@@ -36,7 +36,8 @@ void SendPacket(Link& link, std::span<const std::uint8_t> buffer, std::uint32_t&
                 std::int32_t sectors);
 
 // The two trace lines that show the server's CRC beside ours; true if the two are equal. Compared
-// as numbers, so leading zeros and a line end don't matter.
+// as numbers, so leading zeros and a line end don't matter. A reply that doesn't begin with a digit
+// is shown as 0 and equals nothing.
 bool TraceCRCs(Link& link, std::string_view reply, std::uint32_t crc);
 
 }  // namespace sectorbox

@@ -20,6 +20,8 @@ BbcFaults Draw(std::mt19937& random) {
   };
   BbcFaults faults;
   faults.WrongCrcEvery = every(3, 9);
+  faults.NoCrcEvery = every(5, 9);
+  faults.NoiseForCrcEvery = every(3, 9);
   faults.SilentEvery = every(4, 9);
   faults.NoAcknowledgeEvery = every(3, 9);
   faults.WrongEscapeEvery = every(3, 9);

@@ -139,6 +139,49 @@ TEST_F(PacketTest, AStreamThatStopsAnywhereTimesOutThirtySecondsAfterItsLastByte
   }
 }
 
+TEST_F(PacketTest, AnAbortEndsAStreamAtItsNextItemAndSaysSo) {
+  rig.Host.OnPump = [&] {
+    if (buffer[9] == 5) rig.TheLink.AbortRequested = true;
+  };
+  EXPECT_EQ(Receive(Bytes(256, 5), 1), SectorStatus::kTimeOut);
+  EXPECT_TRUE(rig.Host.Traced("Transfer Aborted"));
+  EXPECT_EQ(buffer[250], 0xCC);
+}
+
+TEST_F(PacketTest, AReadWhoseCrcNeverComesIsATimeOutAndResetsTheLink) {
+  rig.Bbc.Drives[0] = NoiseDisc(4, {});
+  rig.Bbc.Faults.NoCrcEvery = 1;
+  EXPECT_EQ(ReadSectors(rig.TheLink, buffer, 0, 0, 4), SectorStatus::kTimeOut);
+  const auto log = rig.Host.LogOf("trace ");
+  ASSERT_GE(log.size(), 2U);
+  EXPECT_EQ(log[log.size() - 2], "trace Waiting for CRC");
+  EXPECT_EQ(log.back(), "trace Timeout waiting for response");
+  EXPECT_EQ(rig.Host.LogOf("close").size(), 1U);
+}
+
+TEST_F(PacketTest, ASendTracesItsSizeWithoutTheEndMarkAndGivesTheCrcOfTheWire) {
+  rig.Port.Written.clear();
+  const auto pumps = rig.Host.Pumps;
+  SendPacket(rig.TheLink, Bytes(256), crc, 1);
+  EXPECT_EQ(rig.Port.Written, std::string("\x1B\0\xFF\0\0\x1B\x03", 7));
+  EXPECT_EQ(crc, 6952U);
+  EXPECT_TRUE(rig.Host.Traced("Compressed Packet Size  5"));
+  EXPECT_EQ(rig.Host.Pumps - pumps, 1);
+}
+
+TEST_F(PacketTest, AnAbortStopsASendAtOnceWithoutItsEndMark) {
+  const Bytes data = NoiseBytes(512, 3);
+  const Bytes stream = CompressBytes(data);
+  rig.Port.Written.clear();
+  rig.Host.OnPump = [&] {
+    if (rig.Port.Written.size() > 128) rig.TheLink.AbortRequested = true;
+  };
+  SendPacket(rig.TheLink, data, crc, 2);
+  EXPECT_GT(rig.Port.Written.size(), 128U);
+  EXPECT_LT(rig.Port.Written.size(), 260U);
+  EXPECT_TRUE(std::string(stream.begin(), stream.end()).starts_with(rig.Port.Written));
+}
+
 TEST(Replies, AnAcknowledgeIsTheTokenWithCrOrWithLfAndCr) {
   EXPECT_TRUE(IsAcknowledge("-----BBC-----PC-----\r"));
   EXPECT_TRUE(IsAcknowledge("-----BBC-----PC-----\n\r"));
@@ -146,6 +189,23 @@ TEST(Replies, AnAcknowledgeIsTheTokenWithCrOrWithLfAndCr) {
                          "x-----BBC-----PC-----\r", "-----BBC-----PC-----\r\r"}) {
     EXPECT_FALSE(IsAcknowledge(no)) << no;
   }
+}
+
+TEST(Replies, TheErrorTokenIsTestedLikeTheAcknowledge) {
+  EXPECT_TRUE(IsStarError("-----BBCerror1-----PC-----\r"));
+  EXPECT_TRUE(IsStarError("-----BBCerror1-----PC-----\n\r"));
+  for (const char* no : {"-----BBCerror1-----PC-----", "-----BBCerror1-----PC-----\r\n",
+                         "-----BBCerror2-----PC-----\r", "-----BBC-----PC-----\r"}) {
+    EXPECT_FALSE(IsStarError(no)) << no;
+  }
+}
+
+// The CRC of zeros is 0, which is also what a text without digits counts as.
+TEST(Replies, NoiseIsNoCrcAlsoWhereOursIsZero) {
+  LinkRig rig;
+  EXPECT_TRUE(TraceCRCs(rig.TheLink, "0\n\r", 0));
+  EXPECT_FALSE(TraceCRCs(rig.TheLink, "\x80\xFF", 0));
+  EXPECT_FALSE(TraceCRCs(rig.TheLink, "", 0));
 }
 
 TEST(Replies, NumbersAreComparedAsNumbers) {
@@ -199,6 +259,21 @@ TEST(Commands, ASpeedChosenWhileThePortIsOpenCountsAtTheNextConnection) {
   EXPECT_EQ(rig.Bbc.Speed, 9600);
 }
 
+TEST(Commands, WithoutATickedSpeedTheLinkRunsAt19200) {
+  LinkRig rig;
+  rig.Host.Speed = 0;
+  EXPECT_TRUE(Reconnect(rig.TheLink));
+  EXPECT_EQ(rig.Bbc.Heard, (std::vector<std::string>{"S19200|"}));
+}
+
+TEST(Commands, AReconnectThatGetsAnotherReplySaysSo) {
+  LinkRig rig;
+  rig.Bbc.Acknowledge = "-----BBC-----PC-----\r\n";
+  rig.Host.ExpectedMessages = {"Beeb Not Responding"};
+  EXPECT_FALSE(Reconnect(rig.TheLink));
+  EXPECT_EQ(rig.Host.LogOf("message").at(0), "message Sectorbox|Beeb Not Responding");
+}
+
 TEST(Commands, AResetThrowsAwayWhatComesInUntilTwoSecondsOfSilence) {
   LinkRig rig;
   rig.Connect();
@@ -219,7 +294,7 @@ TEST(Trace, ADumpIgnoresBit7InItsText) {
             "NOW TX: 0000 : C1 1B 7F                                         A..\r\n");
 }
 
-TEST(Trace, LogAndWindowGetTheSameLinesAndTheLogGoesOnWithoutTheWindow) {
+TEST(Trace, LogAndWindowGetTheSameLinesWithTheSameTime) {
   LinkRig rig;
   rig.Host.FileAnswers.push_back(rig.Folder / "x.log");
   ChooseTraceFile(rig.TheLink);
@@ -246,6 +321,25 @@ TEST(Trace, NoAppendsYesReplacesAndCancelAsksAgain) {
   EXPECT_EQ(rig.Host.LogOf("replace").at(0), "replace Replace existing file - " + path + "?");
   choose({ReplaceAnswer::kYes});
   EXPECT_EQ(ReadText(path), "NOW new\r\n");
+}
+
+TEST(Trace, CancellingTheChoiceChangesNothingAndAFailedOneEndsTheLog) {
+  LinkRig rig;
+  const std::string path = rig.Folder / "x.log";
+  const std::string missing = rig.Folder / "none/x.log";
+  for (const std::string& answer : {path, std::string(), missing}) {
+    rig.Host.FileAnswers.push_back(answer);
+    if (answer == missing) {
+      rig.Host.ExpectedMessages = {missing + ": No such file or directory"};
+    }
+    ChooseTraceFile(rig.TheLink);
+    TraceLine(rig.TheLink, "line\r");
+  }
+  EXPECT_EQ(ReadText(path), "NOW line\r\nNOW line\r\n");
+  EXPECT_FALSE(rig.TheLink.TraceFile.IsOpen());
+  EXPECT_EQ(rig.Host.LogOf("save").at(0),
+            "save Open Trace Log File|Log Files (*.LOG)|*.log|All Files (*.*)|*.*|");
+  EXPECT_EQ(rig.Host.LogOf("warning").size(), 1U);
 }
 
 TEST(StarCommand, OutputInBurstsComesInPiecesAndEndsWithTheToken) {
@@ -275,6 +369,25 @@ TEST(StarCommand, ALeadingStarGoesOutTwiceAndAnErrorShowsTheBbcsText) {
   EXPECT_FALSE(RunStarCommand(rig.TheLink, "*X", [](const std::string&) {}));
   EXPECT_EQ(rig.Bbc.Heard, (std::vector<std::string>{"**X|", "-----BBCerror1-----PC-----"}));
   EXPECT_EQ(rig.Host.LogOf("message").at(0), "message * Command Error|Bad command\n\r");
+}
+
+TEST(StarCommand, WhatFollowsTheTokenInAPieceIsDropped) {
+  LinkRig rig;
+  rig.Connect();
+  rig.Bbc.Acknowledge = "-----BBC-----PC-----\n\rrest";
+  rig.Bbc.StarReplies["CAT"] = {{0, "one\r"}};
+  std::string shown;
+  EXPECT_TRUE(RunStarCommand(rig.TheLink, "CAT", [&](const std::string& p) { shown += p; }));
+  EXPECT_EQ(shown, "one\r\n");
+}
+
+TEST(StarCommand, AnErrorWhoseTextNeverComesIsAProblem) {
+  LinkRig rig;
+  rig.Connect();
+  rig.Bbc.ErrorText = "";
+  rig.Host.ExpectedMessages = {"Problem sending * Command"};
+  EXPECT_FALSE(RunStarCommand(rig.TheLink, "X", [](const std::string&) {}));
+  EXPECT_EQ(rig.Host.LogOf("message").at(0), "message * Command Error|Problem sending * Command");
 }
 
 TEST(StarCommand, AnAbortLeftByTheLastTransferFailsEveryCommandAtOnce) {

@@ -252,6 +252,38 @@ TEST_F(ReceiveImageTest, ASilentCompareCountsARetryAndComesAgain) {
   EXPECT_EQ(File("x"), rig.Bbc.Drives[0]);
 }
 
+TEST_F(ReceiveImageTest, NoiseInPlaceOfAChecksumIsNoMatchForANewFile) {
+  Bytes disc = NoiseDisc(32, {});
+  rig.Bbc.Drives[0] = disc;
+  rig.Host.Check = true;
+  rig.Host.OnLog = [&](const std::string& line) {
+    rig.Bbc.Faults.NoiseForCrcEvery = line.starts_with("trace TX: 0000 : 63") ? 1 : 0;
+  };
+  EXPECT_TRUE(Receive("x"));
+  EXPECT_TRUE(rig.Host.LogOf("trace CRC Match").empty());
+  EXPECT_EQ(File("x"), disc);
+}
+
+TEST_F(ReceiveImageTest, EachKindOfFailureHasItsCounter) {
+  const std::vector<std::pair<const char*, std::function<void(BbcFaults&)>>> table = {
+      {"counters 1 0 0", [](BbcFaults& f) { f.NoCrcEvery = 2; }},
+      {"counters 0 1 0", [](BbcFaults& f) { f.WrongCrcEvery = 2; }},
+      {"counters 0 1 0", [](BbcFaults& f) { f.WrongEscapeEvery = 2; }},
+      {"counters 0 1 0", [](BbcFaults& f) { f.ShortStreamEvery = 2; }},
+      {"counters 0 1 0", [](BbcFaults& f) { f.LongStreamEvery = 2; }},
+  };
+  for (const auto& [counters, damage] : table) {
+    LinkRig one;
+    one.Bbc.Drives[0] = NoiseDisc(16, {});
+    damage(one.Bbc.Faults);
+    one.Host.FileAnswers.push_back(one.Folder / "x");
+    std::string fileName;
+    EXPECT_TRUE(ReceiveImage(one.TheLink, 0, false, fileName));
+    EXPECT_EQ(one.Host.LogOf("counters").back(), counters);
+    EXPECT_EQ(ReadAll(one.Folder / "x"), one.Bbc.Drives[0]);
+  }
+}
+
 TEST_F(ReceiveImageTest, TheTailOfALongerFileStays) {
   rig.Bbc.Drives[0] = NoiseDisc(20, {});
   WriteAll(rig.Folder / "x", Bytes(25 * 256, 0xEE));

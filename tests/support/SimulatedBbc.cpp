@@ -51,6 +51,11 @@ std::vector<SimulatedBbc::Burst> SimulatedBbc::TakeOutput() {
 }
 
 void SimulatedBbc::SayCrc(std::uint32_t crc, std::int32_t delay) {
+  if (Due(Faults.NoCrcEvery, missingCrcs_)) return;
+  if (Due(Faults.NoiseForCrcEvery, noisyCrcs_)) {
+    Say("\x80\xFF", delay);
+    return;
+  }
   const bool wrong = Due(Faults.WrongCrcEvery, crcReplies_);
   Say(std::to_string(wrong ? (crc ^ 1) : crc) + "\n\r", delay);
 }

@@ -12,9 +12,11 @@ namespace sectorbox::testing {
 // never.
 struct BbcFaults {
   int WrongCrcEvery = 0;       // CRC replies, also those of the checksum command
+  int NoCrcEvery = 0;          // CRC replies: none comes
+  int NoiseForCrcEvery = 0;    // CRC replies: bytes that are no number
   int SilentEvery = 0;         // reads, writes, checksums: the command is not heard
   int NoAcknowledgeEvery = 0;  // writes
-  int WrongEscapeEvery = 0;    // streams sent: ESC, 4 in the middle
+  int WrongEscapeEvery = 0;    // streams sent: ESC, 4 in front
   int ShortStreamEvery = 0;    // streams sent: one data byte too few
   int LongStreamEvery = 0;     // streams sent: three data bytes too many
   int GarbageEvery = 0;        // streams sent: noise in front
@@ -95,8 +97,9 @@ class SimulatedBbc {
   std::uint8_t runCount_ = 0;
   std::vector<std::uint8_t> incoming_;
   std::uint32_t incomingCrc_ = 0;
-  int crcReplies_ = 0, exchanges_ = 0, writes_ = 0, wrongEscapes_ = 0, shortStreams_ = 0,
-      longStreams_ = 0, garbage_ = 0, bursts_ = 0, outgoing_ = 0, lostIncoming_ = 0;
+  int crcReplies_ = 0, missingCrcs_ = 0, noisyCrcs_ = 0, exchanges_ = 0, writes_ = 0,
+      wrongEscapes_ = 0, shortStreams_ = 0, longStreams_ = 0, garbage_ = 0, bursts_ = 0,
+      outgoing_ = 0, lostIncoming_ = 0;
 };
 
 // CRC-16 with polynomial 0x00AF, a bit at a time.
