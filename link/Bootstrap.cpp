@@ -38,7 +38,6 @@ class BareLine {
   explicit BareLine(Link& link) : link_(link) {
     link.Port.Settings(wire::kBootstrapSettings);
     link.AbortRequested = false;
-    if (!link.Port.PortOpen()) link.Port.Open();
   }
   ~BareLine() {
     link_.Port.Close();
@@ -46,6 +45,11 @@ class BareLine {
   }
   BareLine(const BareLine&) = delete;
   BareLine& operator=(const BareLine&) = delete;
+
+  // Apart from the constructor, so that a port that can't be opened is left at 19200, too.
+  void Open() {
+    if (!link_.Port.PortOpen()) link_.Port.Open();
+  }
 
  private:
   Link& link_;
@@ -79,7 +83,8 @@ double Percent(std::size_t position, std::size_t length) {
 }  // namespace
 
 void SendBasicProgram(Link& link, const BootstrapProgress& progress) {
-  const BareLine line(link);
+  BareLine line(link);
+  line.Open();
   const std::string listing = ReadCompanionFile(link, "adfsxfer.bas");
   progress(0);
   for (std::size_t position = 0; position < listing.size() && !link.AbortRequested;) {
@@ -97,7 +102,8 @@ void SendBasicProgram(Link& link, const BootstrapProgress& progress) {
 }
 
 void SendFormatProgram(Link& link, const BootstrapProgress& progress) {
-  const BareLine line(link);
+  BareLine line(link);
+  line.Open();
   TypeLines(link, kLoader);
   if (link.AbortRequested) return;
   const std::string program = ReadCompanionFile(link, "aform");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "disc/HostError.h"
 #include "link/Bootstrap.h"
 #include "link/Commands.h"
 #include "link/ReceiveImage.h"
@@ -99,6 +100,20 @@ TEST(Abort, BetweenTheChunksOfAReceiveNothingIsSaid) {
   EXPECT_TRUE(rig.TheLink.AbortRequested);
 }
 
+TEST(Abort, InTheStreamOfAReceiveNothingIsSaidEither) {
+  LinkRig rig;
+  rig.Bbc.Drives[0] = NoiseDisc(40, {});
+  rig.Host.FileAnswers.push_back(rig.Folder / "x");
+  rig.Host.OnPump = [&] {
+    if (rig.Bbc.Heard.back() == "A0|16|16|") rig.TheLink.AbortRequested = true;
+  };
+  std::string fileName;
+  EXPECT_FALSE(ReceiveImage(rig.TheLink, 0, false, fileName));
+  EXPECT_EQ(rig.Bbc.Heard.back(), "A0|16|16|");
+  EXPECT_TRUE(rig.Host.Traced("Transfer Aborted"));
+  EXPECT_EQ(ReadAll(rig.Folder / "x").size(), 16U * 256);
+}
+
 TEST(Abort, BehindTheChecksumOfAReceiveTheServerIsTold) {
   LinkRig rig;
   rig.Bbc.Drives[0] = NoiseDisc(40, {});
@@ -190,6 +205,21 @@ TEST_F(BootstrapTest, AMissingListingComesIntoBeingEmptyAndOnlyTheClosingLinesGo
   EXPECT_EQ(ReadText(rig.Folder / "adfsxfer.bas"), "");
   EXPECT_TRUE(rig.Port.Written.starts_with("REM ****"));
   EXPECT_TRUE(rig.Port.Written.ends_with(kClosing));
+}
+
+TEST_F(BootstrapTest, APortThatCannotBeOpenedIsLeftAt19200AllTheSame) {
+  rig.Port.CannotOpen = true;
+  EXPECT_THROW(SendBasicProgram(rig.TheLink, progress), HostError);
+  EXPECT_THROW(SendFormatProgram(rig.TheLink, progress), HostError);
+  EXPECT_EQ(rig.Host.Log.back(), "settings 19200,N,8,1");
+}
+
+TEST_F(BootstrapTest, ACancelInTheLoaderSendsNeitherTheRestOfItNorTheFormatter) {
+  WriteAll(rig.Folder / "aform", NoiseBytes(5738, 4));
+  rig.Host.OnPump = [&] { rig.TheLink.AbortRequested = true; };
+  SendFormatProgram(rig.TheLink, progress);
+  EXPECT_EQ(rig.Port.Written, "10CLS:P.\"Please Wait ...\";:*DISC\r");
+  EXPECT_EQ(percent, -1);
 }
 
 const char* const kLoaderText =

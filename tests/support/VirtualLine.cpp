@@ -26,6 +26,7 @@ void VirtualPort::Settings(const std::string& settings) {
 
 void VirtualPort::Open() {
   Advance();
+  if (CannotOpen) throw HostError("/dev/virtual", "No such device");
   Note("open " + settings_);
   open_ = true;
   ++Opens;

@@ -30,6 +30,7 @@ class VirtualPort final : public SerialPort {
   // --- What the test sets and looks at ---------------------------------------------------------
   bool CTS = true;
   bool DSR = true;
+  bool CannotOpen = false;
   // The port vanishes when so many more bytes have come in or gone out.
   std::int64_t BytesUntilItVanishes = std::numeric_limits<std::int64_t>::max();
   std::int64_t NanosecondsBusy = 0;  // time in which the BBC was sending
