@@ -106,6 +106,17 @@ TEST_F(SendImageTest, EachFailureOfTheOpeningHasItsWords) {
   EXPECT_EQ(rig.Bbc.Heard.back(), "*FREE|");
 }
 
+TEST_F(SendImageTest, ASilentBbcOrBufferSizeEndsItBeforeTheFileIsAskedFor) {
+  BlankDrive(40);
+  rig.Bbc.BufferReply = "";
+  rig.Host.ExpectedMessages = {"Error reading track buffer size", "Beeb Not Responding"};
+  SendImage(rig.TheLink, 0, false);
+  rig.Port.Close();
+  rig.Bbc.Faults.Mute = true;
+  SendImage(rig.TheLink, 0, false);
+  EXPECT_TRUE(rig.Host.LogOf("open Send").empty());
+}
+
 TEST_F(SendImageTest, AWriteWithoutAnAcknowledgeCountsARetryAndNamesDriveAndSector) {
   BlankDrive(40);
   rig.Bbc.Faults.NoAcknowledgeEvery = 2;
@@ -135,6 +146,16 @@ TEST_F(SendImageTest, AWrongCrcSendsTheChunkAgainAtOnceWithoutAReset) {
   EXPECT_EQ(rig.Port.Opens, 2);  // both for the connection
   EXPECT_EQ(rig.Host.Counters.BadCRCs, 2);
   EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(40, {}));
+}
+
+TEST_F(SendImageTest, ACrcThatNeverComesIsARetryWithAResetAndShowsTheTotal) {
+  BlankDrive(32);
+  rig.Bbc.Faults.NoCrcEvery = 2;
+  Send("x.dat", NoiseDisc(32, {}));
+  EXPECT_EQ(Writes(), (std::vector<std::string>{"a0|0|16|", "a0|16|16|", "a0|16|16|"}));
+  EXPECT_EQ(rig.Host.LogOf("counters").back(), "counters 1 0 0");
+  EXPECT_EQ(rig.Port.Opens, 3);
+  EXPECT_EQ(rig.Host.LogOf("total Written 16 of 32").size(), 2U);
 }
 
 TEST_F(SendImageTest, ADataImageSendsOnlyWhatItsMapDoesNotListAsFree) {
