@@ -1,7 +1,6 @@
 #include "link/ReceiveImage.h"
 
 #include <array>
-#include <memory>
 
 #include "disc/HostError.h"
 #include "link/Commands.h"
@@ -22,7 +21,8 @@ class Receiver final : public Transfer {
     link_.AbortRequested = false;
     if (!ConnectIfClosed() || !AskBufferSize() || !SelectDrive() || !ReadMap()) return false;
     fileName = AskFile();
-    if (fileName.empty() || !OpenFile(fileName)) return false;
+    if (fileName.empty()) return false;
+    if (!OpenFile(fileName, TransferFile::Access::kReadWrite)) return false;
     OpenDialog();
     if (RunAreas(dataOnly) == Progress::kAbandoned) return false;
     file_.reset();
@@ -37,15 +37,11 @@ class Receiver final : public Transfer {
 
   bool ReadMap();
   std::string AskFile();
-  bool OpenFile(const std::string& fileName);
   Progress RunChunk() override;
   Compared CompareFirst();
   Progress ReadChunk();
   void CountFailure(SectorStatus status);
   Progress Abandon();
-
-  FileLayout layout_ = FileLayout::kLinear;
-  std::unique_ptr<TransferFile> file_;
 };
 
 bool Receiver::ReadMap() {
@@ -67,16 +63,6 @@ std::string Receiver::AskFile() {
     layout_ = FileLayout::kDoubleSided;
   }
   return link_.Host.AskSaveFileName({"Receive ADFS Image", filter, ""});
-}
-
-bool Receiver::OpenFile(const std::string& fileName) {
-  try {
-    file_ = std::make_unique<TransferFile>(fileName, TransferFile::Access::kReadWrite);
-    return true;
-  } catch (const HostError& error) {
-    link_.Host.ShowWarning(error.what());
-    return false;
-  }
 }
 
 // Without a word to the server: it has finished its exchange or notices the silence. Only an Abort

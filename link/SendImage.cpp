@@ -1,7 +1,6 @@
 #include "link/SendImage.h"
 
 #include <array>
-#include <memory>
 #include <string>
 
 #include "disc/Adfs.h"
@@ -26,7 +25,7 @@ class Sender final : public Transfer {
     if (!ConnectIfClosed()) return;
     link_.AbortRequested = false;
     if (!AskBufferSize() || !ChooseFile() || !SelectDrive() || !AskDriveSize()) return;
-    if (!OpenFile() || !FitsDrive()) return;
+    if (!OpenFile(fileName_, TransferFile::Access::kRead) || !FitsDrive()) return;
     OpenDialog();
     if (RunAreas(dataOnly) == Progress::kAbandoned) return;
     file_.reset();
@@ -40,7 +39,6 @@ class Sender final : public Transfer {
 
   bool ChooseFile();
   bool AskDriveSize();
-  bool OpenFile();
   bool FitsDrive();
   Progress RunChunk() override;
   Progress WriteChunk();
@@ -50,9 +48,7 @@ class Sender final : public Transfer {
 
   std::string fileName_;
   Kind kind_ = Kind::kAdf;
-  FileLayout layout_ = FileLayout::kLinear;
   std::int64_t driveSectors_ = 0;  // free and used sectors of the drive together
-  std::unique_ptr<TransferFile> file_;
 };
 
 bool Sender::ChooseFile() {
@@ -81,16 +77,6 @@ bool Sender::AskDriveSize() {
   driveSectors_ = std::int64_t{ParseHex(reply.substr(0, kDigits))} +
                   ParseHex(reply.substr(lineEnd + 1, kDigits));
   return true;
-}
-
-bool Sender::OpenFile() {
-  try {
-    file_ = std::make_unique<TransferFile>(fileName_, TransferFile::Access::kRead);
-    return true;
-  } catch (const HostError& error) {
-    link_.Host.ShowWarning(error.what());
-    return false;
-  }
 }
 
 bool Sender::FitsDrive() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "disc/Adfs.h"
+#include "disc/HostError.h"
 #include "link/Commands.h"
 #include "link/Packets.h"
 #include "link/Protocol.h"
@@ -46,6 +47,16 @@ bool Transfer::SelectDrive() {
   const std::string drive = std::to_string(drive_);
   if (IsAcknowledge(SendCommand(link_, "*MOUNT " + drive + "\r", true))) return true;
   return Refuse("Error setting drive " + drive);
+}
+
+bool Transfer::OpenFile(const std::string& fileName, TransferFile::Access access) {
+  try {
+    file_ = std::make_unique<TransferFile>(fileName, access);
+    return true;
+  } catch (const HostError& error) {
+    link_.Host.ShowWarning(error.what());
+    return false;
+  }
 }
 
 void Transfer::OpenDialog() {

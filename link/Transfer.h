@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -42,6 +42,7 @@ class Transfer {
   bool ConnectIfClosed();
   bool AskBufferSize();
   bool SelectDrive();
+  bool OpenFile(const std::string& fileName, TransferFile::Access access);
   bool Refuse(const std::string& message);
 
   // The dialog, the list of areas, and all chunks of all areas.
@@ -74,6 +75,8 @@ class Transfer {
   const Words& words_;
   TransferCounters counters_;
   TransferMap map_;
+  std::unique_ptr<TransferFile> file_;
+  FileLayout layout_ = FileLayout::kLinear;
   std::int32_t bufferSectors_ = 0;  // the server's buffer
   std::int32_t usedSectors_ = 0;    // sectors that the transfer has to deliver
   std::int32_t areaLeft_ = 0;       // sectors still to do in the current area
