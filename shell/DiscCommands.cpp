@@ -50,8 +50,8 @@ DiscCommands::DiscCommands(frmMain& window) : window_(window) {
   window.OnCommand("mnuDiscResizeUser", [this] { mnuDiscResizeUser(); });
   window.OnCommand("mnuDiscBoot", [this] { mnuDiscBoot(); });
   window.OnCommand("mnuDiscCompact", [this] { mnuDiscCompact(); });
-  window.OnCommand("mnuDiscClose", [this, &disc] {
-    if (disc.ImageChanged) QuerySaveChanges(disc);
+  window.OnCommand("mnuDiscClose", [this] {
+    window_.QuerySaveAtExit();
     window_.close();
   });
 }

@@ -8,7 +8,7 @@ namespace sectorbox {
 enum MenuKind {
   kMenu,      // opens a menu of its own
   kCommand,   // runs something
-  kCheck,     // flips its check mark
+  kCheck,     // flips its check mark, which is all that an option does when it is chosen
   kSeparator  // a line; it has a name all the same
 };
 

@@ -48,7 +48,7 @@ QString KeepUnsavedDisc(Disc& disc) {
     }
     disc.ImageChanged = false;
     return QStringLiteral("The disc with your unsaved changes was kept in %1").arg(FromHost(path));
-  } catch (const HostError& error) {
+  } catch (const std::exception& error) {
     return QStringLiteral("The unsaved changes could not be kept: %1").arg(FromHost(error.what()));
   }
 }

@@ -19,7 +19,6 @@
 #include "shell/Icons.h"
 #include "shell/MainSettings.h"
 #include "shell/MenuTable.h"
-#include "shell/OptionCommands.h"
 #include "shell/Panes.h"
 #include "shell/PictureCommands.h"
 #include "shell/Recovery.h"
@@ -36,6 +35,7 @@ namespace sectorbox {
 namespace {
 
 constexpr double kLeastWidth = 3000;  // twips
+constexpr int kMostRefusals = 2;
 
 }  // namespace
 
@@ -51,7 +51,6 @@ frmMain::frmMain(Disc& disc, WindowHost& host) : disc_(disc), host_(host) {
   host_.Attach(this);
   MainWindow = this;
   MakeCommands();
-  TellUnhandled();
 }
 
 frmMain::~frmMain() {
@@ -72,7 +71,8 @@ void frmMain::MakeMenus() {
       menus.insert(name, menu);
       action = menu->menuAction();
     } else {
-      action = new QAction(caption, this);
+      // A line with a caption would be drawn as the heading of a section.
+      action = new QAction(entry.Kind == kSeparator ? QString() : caption, this);
       action->setCheckable(entry.Kind == kCheck);
       action->setSeparator(entry.Kind == kSeparator);
       parent->addAction(action);
@@ -87,24 +87,11 @@ void frmMain::MakeCommands() {
   discCommands_ = std::make_unique<DiscCommands>(*this);
   directory_ = std::make_unique<DirectoryCommands>(*this);
   file_ = std::make_unique<FileCommands>(*this);
-  options_ = std::make_unique<OptionCommands>(*this);
   help_ = std::make_unique<HelpCommands>(*this);
   views_ = std::make_unique<ViewCommands>(*this);
   pictures_ = std::make_unique<PictureCommands>(*this);
   xfer_ = std::make_unique<XferCommands>(*this);
   cards_ = std::make_unique<CFCommands>(*this);
-}
-
-// An entry whose command isn't there yet says so instead of doing nothing.
-void frmMain::TellUnhandled() {
-  for (const MenuEntry& entry : MenuTable()) {
-    const QString name = QString::fromLatin1(entry.Name);
-    if (entry.Kind == kMenu || entry.Kind == kSeparator || handled_.contains(name)) continue;
-    QAction* action = actions_.value(name);
-    connect(action, &QAction::triggered, this, [this, action] {
-      status_->SetText(action->text().remove(u'&') + QStringLiteral(" isn't available"));
-    });
-  }
 }
 
 QAction* frmMain::Action(const char* name) const {
@@ -114,7 +101,6 @@ QAction* frmMain::Action(const char* name) const {
 }
 
 void frmMain::OnCommand(const char* name, std::function<void()> command) {
-  handled_.insert(QString::fromLatin1(name));
   connect(Action(name), &QAction::triggered, this,
           [this, command = std::move(command)] { Guarded(command); });
 }
@@ -203,26 +189,35 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 // Closing can't be cancelled: the question is only whether to save first.
 void frmMain::Form_QueryUnload() {
-  Guarded([this] {
-    if (disc_.ImageChanged) QuerySaveChanges(disc_);
-  });
+  QuerySaveAtExit();
+}
+
+void frmMain::QuerySaveAtExit() {
+  if (!disc_.ImageChanged || refusedSaves_ == kMostRefusals) return;
+  Guarded([this] { QuerySaveChanges(disc_); });
+  if (disc_.ImageChanged) ++refusedSaves_;
+}
+
+// The user wanted the changes saved and the host took them nowhere: they go to the recovery file.
+// A .dat or a card is written through, but its last blocks only when it is closed; the boot option
+// changes them without ImageChanged.
+void frmMain::KeepOrCloseDisc() {
+  const auto type = disc_.TheDisc.disctype();
+  if (type != kDat && type != kCF) {
+    const QString kept = KeepUnsavedDisc(disc_);
+    if (!kept.isEmpty()) ShowBox(this, kept, QStringLiteral("Sectorbox"), BoxIcon::kExclamation);
+  } else if (!disc_.ImageChanged) {
+    disc_.TheDisc.CloseFile();
+  }
 }
 
 void frmMain::Form_Unload() {
-  Guarded([this] {
-    if (disc_.ImageChanged) QuerySaveChanges(disc_);
-  });
-  // A .dat or a card is written through, but its last blocks only when it is closed. The boot
-  // option changes them without ImageChanged.
-  Guarded([this] {
-    if (disc_.TheDisc.disctype() == kDat || disc_.TheDisc.disctype() == kCF) {
-      disc_.TheDisc.CloseFile();
-    }
-  });
+  QuerySaveAtExit();
+  Guarded([this] { KeepOrCloseDisc(); });
   Guarded([this] { xfer_->ClosePort(); });
   SavePlace(*this, kMainPlace);
   SaveSettings(*this);
-  xfer_->CloseTrace();
+  Guarded([this] { xfer_->CloseTrace(); });
   EndProgram(0);
 }
 

@@ -3,7 +3,6 @@
 #include <QAction>
 #include <QHash>
 #include <QMainWindow>
-#include <QSet>
 #include <QString>
 #include <functional>
 #include <memory>
@@ -20,7 +19,6 @@ class DirectoryCommands;
 class DiscCommands;
 class FileCommands;
 class HelpCommands;
-class OptionCommands;
 class Panes;
 class PictureCommands;
 class StatusBar;
@@ -72,6 +70,10 @@ class frmMain : public QMainWindow {
   // Runs a piece of a command: a HostError becomes a box with its text and leaves the window alive;
   // any other failure ends the program by way of Fail.
   void Guarded(const std::function<void()>& work);
+  // At the end of the program: the question about unsaved changes, if there are any. A save that
+  // the host refused is told and asked about again, but only once; Form_Unload keeps what is then
+  // still unsaved.
+  void QuerySaveAtExit();
   // The program can't go on: an unsaved disc in memory goes to a recovery file, the user is told
   // the reason and where, and the program ends.
   void Fail(const QString& reason, const QString& title = QStringLiteral("Sectorbox"));
@@ -105,23 +107,22 @@ class frmMain : public QMainWindow {
  private:
   void MakeMenus();
   void MakeCommands();
-  void TellUnhandled();
   void OpenFromCommandLine(const std::string& commandLine);
   void Form_QueryUnload();
   void Form_Unload();
+  void KeepOrCloseDisc();
 
   Disc& disc_;
   WindowHost& host_;
   QHash<QString, QAction*> actions_;
-  QSet<QString> handled_;
   Panes* panes_ = nullptr;
   StatusBar* status_ = nullptr;
   std::int16_t comPort_ = 1;
   bool unloaded_ = false;
+  int refusedSaves_ = 0;  // at the end of the program
   std::unique_ptr<DiscCommands> discCommands_;
   std::unique_ptr<DirectoryCommands> directory_;
   std::unique_ptr<FileCommands> file_;
-  std::unique_ptr<OptionCommands> options_;
   std::unique_ptr<HelpCommands> help_;
   std::unique_ptr<ViewCommands> views_;
   std::unique_ptr<PictureCommands> pictures_;

@@ -124,6 +124,32 @@ TEST_F(ExitTest, ASaveThatFailsTellsTheSystemsWordsAndTheProgramStillEnds) {
   EXPECT_EQ(ends_, std::vector<int>{0});
 }
 
+// The question isn't a trap: a host that takes nothing still lets the program end, and the changes
+// are not lost.
+TEST_F(ExitTest, ASaveThatIsRefusedTwiceGoesToTheRecoveryFileAndTheProgramEnds) {
+  for (const bool byMenu : {false, true}) {
+    StartAgain();
+    ends_.clear();
+    ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+    const QString kept =
+        SettingsStore().Folder() + QStringLiteral("/Recovered%1.adl").arg(byMenu ? 2 : 1);
+    for (int i = 0; i < 2; ++i) {
+      player_.ExpectYesNo(QStringLiteral("Save your changes now ?"), true);
+      player_.ExpectFileDialog(folder_ / "missing/saved.adl");
+      player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+    }
+    player_.ExpectBox(
+        QStringLiteral("The disc with your unsaved changes was kept in %1").arg(kept));
+    if (byMenu) {
+      Choose("mnuDiscClose");
+    } else {
+      window_->close();
+    }
+    EXPECT_EQ(ends_, std::vector<int>{0});
+    EXPECT_EQ(ReadAll(ToHost(kept)).size(), 655360u);
+  }
+}
+
 TEST_F(ExitTest, FailingKeepsAnUnsavedDiscBesideTheSettingsAndSaysWhere) {
   Start();
   ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);

@@ -39,6 +39,7 @@ TEST_F(StartTest, EveryMenuEntryIsThereOnceUnderItsNameWithItsCaption) {
     ASSERT_EQ(found.size(), 1) << entry.Name;
     if (entry.Kind == kSeparator) {
       EXPECT_TRUE(found[0]->isSeparator()) << entry.Name;
+      EXPECT_TRUE(found[0]->text().isEmpty()) << entry.Name;
     } else {
       EXPECT_EQ(found[0]->text(), QString::fromLatin1(entry.Caption));
     }
@@ -54,6 +55,21 @@ TEST_F(StartTest, OnlyTheViewEntriesStartDisabled) {
   for (const MenuEntry& entry : MenuTable()) {
     EXPECT_EQ(window_->Action(entry.Name)->isEnabled(), !entry.StartsDisabled) << entry.Name;
   }
+}
+
+TEST_F(StartTest, TheStatusShowsWaitingTextsReadyForNoneAndTheCaptionFollows) {
+  Start();
+  window_->SetStatus(QStringLiteral("Compacting Disc"), true);
+  EXPECT_EQ(Panel(1), QStringLiteral("Compacting Disc, please wait..."));
+  host_->SetBusyPointer(true);
+  disc_->ImageChanged = true;
+  window_->SetPanel2(QStringLiteral("$.ROW"));
+  window_->SetStatus({}, true);
+  EXPECT_EQ(Panel(1), QStringLiteral("Ready"));
+  EXPECT_EQ(Panel(2), QStringLiteral("$"));
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+  EXPECT_EQ(window_->windowTitle(), QStringLiteral("Sectorbox - NewDisc.adl*"));
+  disc_->ImageChanged = false;
 }
 
 TEST_F(StartTest, APathInQuotesIsOpened) {
