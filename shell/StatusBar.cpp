@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionFrame>
+#include <QTextDocument>
 
 #include "toolkit/Twips.h"
 
@@ -20,6 +21,11 @@ QString ShortTime(const QTime& time) {
   QString pattern = QLocale().timeFormat(QLocale::ShortFormat);
   pattern.remove(QStringLiteral(":ss")).remove(QStringLiteral(".ss"));
   return QLocale().toString(time, pattern);
+}
+
+// Names on a disc may look like markup, which a tool tip would follow.
+QString AsToolTip(const QString& text) {
+  return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
 
 }  // namespace
@@ -75,12 +81,12 @@ StatusBar::StatusBar(QWidget* parent)
 
 void StatusBar::SetText(const QString& text) {
   text_->setText(text);
-  text_->setToolTip(text);
+  text_->setToolTip(AsToolTip(text));
 }
 
 void StatusBar::SetPath(const QString& text) {
   path_->setText(text);
-  path_->setToolTip(text);
+  path_->setToolTip(AsToolTip(text));
 }
 
 void StatusBar::ShowClock() {

@@ -2,6 +2,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QShowEvent>
 
 #include "disc/Addresses.h"
 #include "shell/DialogButtons.h"
@@ -39,11 +40,13 @@ frmAddr::frmAddr(QWidget* parent)
 }
 
 void frmAddr::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  // Coming back from an icon isn't a new use: what the user has typed so far stays.
+  if (event->spontaneous()) return;
   txtLoad_->setText(FromBbc(LoadText));
   txtExec_->setText(FromBbc(ExecText));
   txtLoad_->selectAll();
   txtLoad_->setFocus();
-  QDialog::showEvent(event);
 }
 
 // After a refusal the dialog stays open with what the user typed.

@@ -1,5 +1,6 @@
 #include "shell/frmAttr.h"
 
+#include <QShowEvent>
 #include <QVBoxLayout>
 
 #include "shell/DialogButtons.h"
@@ -30,11 +31,13 @@ frmAttr::frmAttr(QWidget* parent)
 }
 
 void frmAttr::showEvent(QShowEvent* event) {
+  QDialog::showEvent(event);
+  // Coming back from an icon isn't a new use: what the user has ticked so far stays.
+  if (event->spontaneous()) return;
   chkRead_->setChecked(AttrRead);
   chkWrite_->setChecked(AttrWrite);
   chkLocked_->setChecked(AttrLocked);
   chkRead_->setFocus();
-  QDialog::showEvent(event);
 }
 
 // A box in its third state, if a style had one, would count for Locked and for the others not:

@@ -4,6 +4,7 @@
 
 #include "disc/Mutation.h"
 #include "shell/DialogButtons.h"
+#include "shell/frmMain.h"
 
 namespace sectorbox {
 namespace {
@@ -27,7 +28,8 @@ frmBoot::frmBoot(QWidget* parent, Disc& disc) : QDialog(parent), disc_(disc) {
   options_[now]->setChecked(true);
   options_[now]->setFocus();
   const OKCancel buttons(this);
-  connect(buttons.OK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+  connect(buttons.OK, &QPushButton::clicked, this,
+          [this] { frmMain::MainWindow->Guarded([this] { cmdOK_Click(); }); });
   connect(buttons.Cancel, &QPushButton::clicked, this, [this] { reject(); });
   layout->addSpacing(6);
   layout->addWidget(buttons.Box);

@@ -5,6 +5,7 @@
 #include "disc/Adfs.h"
 #include "disc/Mutation.h"
 #include "shell/DialogButtons.h"
+#include "shell/frmMain.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -19,7 +20,8 @@ frmTitle::frmTitle(QWidget* parent, Disc& disc, std::int32_t DirSector)
   txtTitle_->setFocus();
   txtTitle_->setMinimumWidth(240);
   const OKCancel buttons(this);
-  connect(buttons.OK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+  connect(buttons.OK, &QPushButton::clicked, this,
+          [this] { frmMain::MainWindow->Guarded([this] { cmdOK_Click(); }); });
   connect(buttons.Cancel, &QPushButton::clicked, this, [this] { reject(); });
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(txtTitle_);
