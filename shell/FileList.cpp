@@ -219,21 +219,32 @@ void FileList::mousePressEvent(QMouseEvent* event) {
     if (MenuWanted) MenuWanted(event->globalPosition().toPoint());
     return;
   }
-  pressing_ = true;
+  quiet_ = true;
   QListView::mousePressEvent(event);
-  pressing_ = false;
+  quiet_ = false;
   const QModelIndex index = indexAt(event->position().toPoint());
   if (event->button() == Qt::LeftButton && index.isValid() && RowClicked) RowClicked(index.row());
 }
 
-void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
-  const QModelIndex index = indexAt(event->position().toPoint());
-  if (event->button() == Qt::LeftButton && index.isValid()) {
+// The view itself would clear the selection when a right button is let go beside all rows.
+void FileList::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) {
     event->accept();
-    if (RowDoubleClicked) RowDoubleClicked(index.row());
     return;
   }
+  QListView::mouseReleaseEvent(event);
+}
+
+// The view has its turn first: it calls off the in-place edit that the first click on a selected
+// row has set going.
+void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
+  quiet_ = true;
   QListView::mouseDoubleClickEvent(event);
+  quiet_ = false;
+  const QModelIndex index = indexAt(event->position().toPoint());
+  if (event->button() == Qt::LeftButton && index.isValid() && RowDoubleClicked) {
+    RowDoubleClicked(index.row());
+  }
 }
 
 // The mouse is served at its press; what comes here is the keyboard's menu key.
@@ -252,10 +263,17 @@ void FileList::keyPressEvent(QKeyEvent* event) {
   QListView::keyPressEvent(event);
 }
 
+// A view that gets the focus without a current row takes its first, which nobody has chosen.
+void FileList::focusInEvent(QFocusEvent* event) {
+  quiet_ = true;
+  QListView::focusInEvent(event);
+  quiet_ = false;
+}
+
 // Moving with the keys makes a row current as a click does.
 void FileList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QListView::currentChanged(current, previous);
-  if (!pressing_ && current.isValid() && RowClicked) RowClicked(current.row());
+  if (!quiet_ && current.isValid() && RowClicked) RowClicked(current.row());
 }
 
 }  // namespace sectorbox

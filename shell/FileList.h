@@ -58,6 +58,8 @@ class FileList : public QListView {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   void updateGeometries() override;
 
@@ -67,7 +69,7 @@ class FileList : public QListView {
   FileListModel* model_;
   QHeaderView* header_;
   ListLook mode_ = ListLook::kReport;
-  bool pressing_ = false;
+  bool quiet_ = false;   // a change of the current row isn't the user's move with the keys
   bool sizing_ = false;  // the program itself changes column widths
   std::array<bool, kColumns> dragged_{};
 };

@@ -4,6 +4,7 @@
 #include <QUrl>
 
 #include "disc/Adfs.h"
+#include "disc/HostError.h"
 #include "disc/HostFile.h"
 #include "disc/Mutation.h"
 #include "disc/TrackedSector.h"
@@ -25,15 +26,13 @@ void RunDrag(QWidget& source, const std::vector<std::string>& paths) {
   drag->exec(Qt::CopyAction, Qt::CopyAction);
 }
 
-// True if a folder was among what was added.
-bool AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths) {
+// folder becomes true if there is one among what was added, also when the host then refuses a path.
+void AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths, bool& folder) {
   const TrackedSector target(disc, sector);
-  bool folder = false;
   for (const auto& path : paths) {
     if (HostFolderExists(path)) folder = true;
     if (AddFile(disc, target, path) == -1) break;
   }
-  return folder;
 }
 
 std::vector<ListRow> SelectedRows(Panes& panes) {
@@ -89,13 +88,25 @@ void DragTree(Panes& panes) {
 
 void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
   if (!panes.CurrentNode() || !data.hasUrls()) return;
-  if (AddAll(disc, panes.CurrentSector(), PathsOf(data))) panes.RebuildTree();
-  panes.GetRootTitles();
+  bool folder = false;
+  const auto follow = [&] {
+    if (folder) panes.RebuildTree();
+    panes.GetRootTitles();
+  };
+  try {
+    AddAll(disc, panes.CurrentSector(), PathsOf(data), folder);
+  } catch (const HostError&) {
+    // What came before the path that the host refused is on the disc, and is shown.
+    follow();
+    throw;
+  }
+  follow();
 }
 
 void DropOnTree(Panes& panes, Disc& disc, const QMimeData& data) {
   if (panes.Tree().DropHighlight() != nullptr && data.hasUrls()) {
-    AddAll(disc, panes.Tree().DropHighlight()->Tag, PathsOf(data));
+    bool folder = false;
+    AddAll(disc, panes.Tree().DropHighlight()->Tag, PathsOf(data), folder);
     // The message of a refusal runs events, in which a rebuild may have taken the node away.
     DirNode* target = panes.Tree().DropHighlight();
     if (target != nullptr) panes.AppendSubdirectories(*target);

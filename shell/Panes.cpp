@@ -15,6 +15,26 @@ namespace {
 
 constexpr std::array<double, kColumns> kColumnTwips = {1200, 700, 500, 1000, 1000, 1000, 1000};
 
+// A tree that isn't shown doesn't lay itself out for each node, and tells nobody of its clicks.
+class HiddenTree {
+ public:
+  explicit HiddenTree(DirTree& tree) : tree_(tree), focus_(tree.hasFocus()) {
+    tree_.blockSignals(true);
+    tree_.hide();
+  }
+  ~HiddenTree() {
+    tree_.show();
+    tree_.blockSignals(false);
+    if (focus_) tree_.setFocus();
+  }
+  HiddenTree(const HiddenTree&) = delete;
+  HiddenTree& operator=(const HiddenTree&) = delete;
+
+ private:
+  DirTree& tree_;
+  bool focus_;
+};
+
 }  // namespace
 
 Panes::Panes(frmMain& window)
@@ -73,26 +93,41 @@ void Panes::RebuildTree() {
   TreeReady = false;
   MakeRootColumns();
   window_.RefreshCaption();
-  DirTree& tree = Tree();
-  tree.SetDropHighlight(nullptr);
+  Tree().SetDropHighlight(nullptr);
   CurrentNode_ = nullptr;
-  // A tree that isn't shown doesn't lay itself out for each node.
-  const bool focus = tree.hasFocus();
-  tree.blockSignals(true);
-  tree.hide();
-  window_.Host().SetBusyPointer(true);
-  tree.clear();
-  const std::vector<TreeNode> nodes = WalkTree(disc_);
-  auto* root = new DirNode(nodes.front().Text, nodes.front().Tag);
-  AddNodes(*root, nodes);
-  tree.addTopLevelItem(root);
-  tree.expandAll();
-  tree.show();
-  tree.blockSignals(false);
-  if (focus) tree.setFocus();
-  window_.Host().SetBusyPointer(false);
+  DirNode* root = nullptr;
+  try {
+    root = FillTree();
+  } catch (...) {
+    EmptyPanes();
+    throw;
+  }
+  if (root == nullptr) return;
   TreeReady = true;
   tvwDB_NodeClick(*root);
+}
+
+// The root; null if events that ran during the walk have rebuilt the tree already, perhaps for
+// another disc.
+DirNode* Panes::FillTree() {
+  const int turn = ++rebuilds_;
+  const BusyPointer busy(disc_.Host);
+  const HiddenTree hidden(Tree());
+  Tree().clear();
+  const std::vector<TreeNode> nodes = WalkTree(disc_);
+  if (turn != rebuilds_) return nullptr;
+  auto* root = new DirNode(nodes.front().Text, nodes.front().Tag);
+  AddNodes(*root, nodes);
+  Tree().addTopLevelItem(root);
+  Tree().expandAll();
+  return root;
+}
+
+// Rows of the former disc must not be taken for the new one's.
+void Panes::EmptyPanes() {
+  CurrentItem_ = QPersistentModelIndex();
+  List().Model().SetRows({});
+  TreeReady = true;
 }
 
 // nodes[0] is root itself. Parents come before their children.
@@ -122,14 +157,19 @@ void Panes::AppendSubdirectories(DirNode& target) {
 }
 
 void Panes::GetRootTitles() {
-  window_.Host().SetBusyPointer(true);
-  filling_ = true;
-  CurrentItem_ = QPersistentModelIndex();
-  List().Model().SetRows(ReadRows(disc_, CurrentSector()));
-  List().FitColumns();
-  filling_ = false;
-  ShowFreeSpace(disc_);
-  window_.Host().SetBusyPointer(false);
+  {
+    const BusyPointer busy(disc_.Host);
+    CurrentItem_ = QPersistentModelIndex();
+    filling_ = true;
+    List().Model().SetRows({});
+    filling_ = false;
+    std::vector<ListRow> rows = ReadRows(disc_, CurrentSector());
+    filling_ = true;
+    List().Model().SetRows(std::move(rows));
+    List().FitColumns();
+    filling_ = false;
+    ShowFreeSpace(disc_);
+  }
   if (List().Model().rowCount() == 0) return;
   CurrentItem_ = List().Model().index(0, kColName);
   UpdateFileMenu();

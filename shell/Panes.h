@@ -24,9 +24,11 @@ class Panes : public PaneLayout {
   // --- Following the disc ----------------------------------------------------------------------
   // Sets the seven headings and their widths, and sorts by name again.
   void MakeRootColumns();
-  // Fills tree and list anew; the root is current afterwards.
+  // Fills tree and list anew; the root is current afterwards. A disc that can't be read (HostError)
+  // leaves both empty.
   void RebuildTree();
-  // Fills the list from the current directory and makes its first row current.
+  // Fills the list from the current directory and makes its first row current. A directory that
+  // can't be read (HostError) leaves the list empty.
   void GetRootTitles();
   // The directories that a compaction moved: nodes and rows take the new sectors.
   void FollowMoves(const std::map<std::int32_t, std::int32_t>& moves);
@@ -75,6 +77,8 @@ class Panes : public PaneLayout {
   void ConnectTree();
   void ConnectList();
   void MakeToolBar();
+  DirNode* FillTree();
+  void EmptyPanes();
   void NodeToggled(DirNode& node, bool expanded);
   bool TreeKey(QKeyEvent& event);
   bool ListKey(QKeyEvent& event);
@@ -88,6 +92,7 @@ class Panes : public PaneLayout {
   QPersistentModelIndex CurrentItem_;
   bool TreeReady = false;
   bool filling_ = false;
+  int rebuilds_ = 0;
   // The list's own Tag: " 0" or " 1" once a heading was clicked. It remembers the last order for
   // all columns together, so that the order flips at every click, whichever heading it was on.
   QString listTag_;

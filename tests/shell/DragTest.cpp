@@ -169,6 +169,17 @@ TEST_F(DragTest, ARefusedPathEndsTheDropAndThoseBeforeItStay) {
   EXPECT_EQ(Names(), List({"INSIDE", "ONE", "SUB"}));
 }
 
+TEST_F(DragTest, AHostThatRefusesAPathOfADropIsABoxAndWhatCameBeforeItIsShown) {
+  StartWith(image_);
+  WriteText(folder_ / "HELLO", "hello");
+  ClickNode(QStringLiteral("DIR"));
+  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+  // Not a plain file.
+  DropOnTheList({folder_ / "HELLO", "/dev/null"});
+  EXPECT_EQ(Names(), List({"HELLO", "INSIDE", "SUB"}));
+  EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
+}
+
 TEST_F(DragTest, AnythingButAFileListIsIgnored) {
   StartWith(image_);
   QMimeData text;

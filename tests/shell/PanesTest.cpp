@@ -1,41 +1,9 @@
-#include <QMenu>
-#include <QTest>
-#include <QToolBar>
-
 #include "disc/Mutation.h"
-#include "tests/support/WindowFixture.h"
+#include "tests/shell/PanesFixture.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox::testing {
 namespace {
-
-QStringList List(std::initializer_list<const char*> names) {
-  QStringList list;
-  for (const char* name : names) list.append(QString::fromLatin1(name));
-  return list;
-}
-
-class PanesTest : public WindowTest {
- protected:
-  // $ with ALPHA (3 bytes), DIR (INNER, with DEEP; FILE), EMPTY and ZED.
-  PanesTest() {
-    image_.AddFile(2, {"ALPHA", {1, 2, 3}, 0xFFFF1900, 0x8023, "LWR"});
-    dir_ = image_.AddDirectory(2, "DIR");
-    image_.AddDirectory(2, "EMPTY");
-    image_.AddFile(2, {"ZED", {9}, 0x1000, 0x2000, "WR"});
-    const auto inner = image_.AddDirectory(dir_, "INNER");
-    image_.AddDirectory(inner, "DEEP");
-    image_.AddFile(dir_, {"FILE", std::vector<std::uint8_t>(300, 7)});
-  }
-  ListRow RowOf(const QString& name) {
-    return window_->ThePanes().List().Model().Rows()[static_cast<std::size_t>(Row(name))];
-  }
-  void ClickHeading(int column) { window_->ThePanes().List().HeadingClicked(column); }
-  void Tool(const char* key) { Find<QAction>(key).trigger(); }
-
-  ImageBuilder image_{2560};
-  std::int32_t dir_ = 0;
-};
 
 TEST_F(PanesTest, TheTreeShowsEveryDirectoryExpandedWithTheRootCurrent) {
   StartWith(image_);
@@ -204,104 +172,6 @@ TEST_F(PanesTest, ADirectoryThatListsItselfOpensAllTheSame) {
   }
   StartWith(cyclic);
   EXPECT_GE(Nodes().size(), 3);
-}
-
-TEST_F(PanesTest, UpOneLevelGoesToTheParentAndDoesNothingAtTheRoot) {
-  StartWith(image_);
-  ClickNode(QStringLiteral("INNER"));
-  Tool("Up One Level");
-  EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
-  Tool("Up One Level");
-  Tool("Up One Level");
-  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
-}
-
-TEST_F(PanesTest, TheToolBarHasItsButtonsInOrderWithTextAndToolTip) {
-  Start();
-  const auto actions = Find<QToolBar>("tbToolBar").actions();
-  const QStringList expected = List({"New", "Open", "Save", "", "Up One Level", "View Details",
-                                     "View Large Icons", "View List", "View Small Icons"});
-  ASSERT_EQ(actions.size(), expected.size());
-  for (qsizetype i = 0; i < expected.size(); ++i) {
-    EXPECT_EQ(actions[i]->isSeparator(), expected[i].isEmpty());
-    if (expected[i].isEmpty()) continue;
-    EXPECT_EQ(actions[i]->text(), expected[i]);
-    EXPECT_EQ(actions[i]->toolTip(), expected[i]);
-    EXPECT_FALSE(actions[i]->icon().isNull());
-    EXPECT_FALSE(actions[i]->icon().pixmap(18, 18).isNull());
-  }
-}
-
-TEST_F(PanesTest, EveryViewModeShowsTheSameRowsAndKeepsTheSelection) {
-  StartWith(image_);
-  SelectRows(List({"ALPHA", "ZED"}));
-  FileList& list = window_->ThePanes().List();
-  const std::pair<const char*, ListLook> modes[] = {{"View Large Icons", ListLook::kLargeIcons},
-                                                    {"View List", ListLook::kList},
-                                                    {"View Small Icons", ListLook::kSmallIcons},
-                                                    {"View Details", ListLook::kReport}};
-  for (const auto& [key, look] : modes) {
-    Tool(key);
-    Settle();
-    EXPECT_EQ(list.Mode(), look);
-    EXPECT_TRUE(list.IsSelected(Row(QStringLiteral("ALPHA")))) << key;
-    EXPECT_FALSE(list.IsSelected(Row(QStringLiteral("DIR")))) << key;
-    EXPECT_TRUE(list.IsSelected(Row(QStringLiteral("ZED")))) << key;
-    EXPECT_FALSE(list.grab().isNull());
-  }
-}
-
-TEST_F(PanesTest, TheListMenuPopsUpForACurrentRowOnlyAndSelectsNothing) {
-  StartWith(image_);
-  auto* menu = window_->findChild<QMenu*>(QStringLiteral("mnuFile"));
-  FileList& list = window_->ThePanes().List();
-  const auto press = [&](const QPoint& at) {
-    QTest::mousePress(list.viewport(), Qt::RightButton, {}, at);
-    const bool popped = menu->isVisible();
-    menu->hide();
-    return popped;
-  };
-  const QRect zed = list.visualRect(list.Model().index(Row(QStringLiteral("ZED")), 0));
-  EXPECT_TRUE(press(zed.topLeft() + QPoint(25, 8)));
-  EXPECT_EQ(window_->CurrentItem()->Name(), "ALPHA");
-  EXPECT_FALSE(list.IsSelected(Row(QStringLiteral("ZED"))));
-  ClickNode(QStringLiteral("EMPTY"));
-  EXPECT_FALSE(press({20, 20}));
-}
-
-TEST_F(PanesTest, TheTreeMenuPopsUpAndLeavesTheCurrentNode) {
-  StartWith(image_);
-  auto* menu = window_->findChild<QMenu*>(QStringLiteral("mnuDirectory"));
-  DirTree& tree = window_->ThePanes().Tree();
-  QTest::mousePress(tree.viewport(), Qt::RightButton, {},
-                    tree.visualItemRect(&Node(QStringLiteral("EMPTY"))).center());
-  EXPECT_TRUE(menu->isVisible());
-  menu->hide();
-  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
-}
-
-TEST_F(PanesTest, ControlASelectsAllRowsFromEitherPane) {
-  StartWith(image_);
-  FileList& list = window_->ThePanes().List();
-  for (QWidget* pane :
-       {static_cast<QWidget*>(&list), static_cast<QWidget*>(&window_->ThePanes().Tree())}) {
-    list.clearSelection();
-    ClickRow(QStringLiteral("ZED"));
-    Press(*pane, Qt::Key_A, Qt::ControlModifier);
-    for (int row = 0; row < 4; ++row) EXPECT_TRUE(list.IsSelected(row)) << row;
-    EXPECT_EQ(window_->CurrentItem()->Name(), "ALPHA");
-  }
-}
-
-TEST_F(PanesTest, F5ReadsTheDiscAgain) {
-  StartWith(image_);
-  ASSERT_NE(NewDirectory(*disc_, 2, "NEW"), -1);
-  Press(window_->ThePanes().List(), Qt::Key_F5);
-  EXPECT_TRUE(Names().contains(QStringLiteral("NEW")));
-  EXPECT_FALSE(Nodes().contains(QStringLiteral("NEW")));
-  Press(window_->ThePanes().Tree(), Qt::Key_F5);
-  EXPECT_TRUE(Nodes().contains(QStringLiteral("NEW")));
-  EXPECT_EQ(window_->windowTitle().right(1), QStringLiteral("*"));
 }
 
 TEST_F(PanesTest, NamesAreBytesShownAsLatin1) {
