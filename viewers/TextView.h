@@ -42,7 +42,8 @@ class TextView {
   // stays usable until the generator's caller has returned.
   virtual void CloseWindow() = 0;
 
-  // Name offered by the save dialog, without extension. The generator sets it.
+  // Name offered by the save dialog, as it is on the disc and without extension. The generator sets
+  // it; the dialog shows the host's form of it.
   std::string DefaultName;
   // Set when the generator has ended; set before that by a close request, which asks the generator
   // to stop.

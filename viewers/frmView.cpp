@@ -13,6 +13,7 @@
 #include "disc/Adfs.h"
 #include "disc/BusyPointer.h"
 #include "disc/HostError.h"
+#include "disc/HostExchange.h"
 #include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
@@ -226,7 +227,9 @@ void frmView::Form_Unload() {
 }
 
 void frmView::mnuFileSave_Click() {
-  const std::string name = AskSaveFile(this, SaveQuestion(ToHost(FromBbc(DefaultName)) + ".txt"));
+  // "READ/ME" would be taken for a file in a folder.
+  const QString offer = FromBbc(AdfsToHostName(DefaultName));
+  const std::string name = AskSaveFile(this, SaveQuestion(ToHost(offer) + ".txt"));
   if (name.empty()) return;
   try {
     TextFile file(name);

@@ -2,6 +2,7 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPrinter>
@@ -140,6 +141,25 @@ TEST_F(ViewWindowTest, MenusHaveTheirCaptionsAndShortcuts) {
   EXPECT_TRUE(view.findChild<QAction*>("mnuEditSep")->isSeparator());
 }
 
+TEST_F(ViewWindowTest, AFreshWindowIsCalledViewFileAndBeginsToFindAtItsTop) {
+  StartWithFiles();
+  ViewShared shared;
+  const frmView view(*disc_, shared);
+  EXPECT_EQ(view.windowTitle(), QStringLiteral("View File"));
+  EXPECT_EQ(view.FindPos, 0);
+  EXPECT_FALSE(view.Finished);
+}
+
+TEST_F(ViewWindowTest, TheTextAreaIsInCourierNewNeverWrapsAndHasBothScrollBars) {
+  StartWithFiles();
+  const ViewText& area = TextOf(ViewRow("Alpha", "mnuFileViewText"));
+  EXPECT_EQ(area.font().family(), QStringLiteral("Courier New"));
+  EXPECT_EQ(area.font().pointSizeF(), 9.75);
+  EXPECT_EQ(area.lineWrapMode(), QPlainTextEdit::NoWrap);
+  EXPECT_EQ(area.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+  EXPECT_EQ(area.verticalScrollBarPolicy(), Qt::ScrollBarAlwaysOn);
+}
+
 TEST_F(ViewWindowTest, ViewAsWritesTheTextToAFileAndShowsNothing) {
   StartWithFiles();
   Choose("mnuOptionsViewAs");
@@ -153,6 +173,18 @@ TEST_F(ViewWindowTest, ViewAsWritesTheTextToAFileAndShowsNothing) {
   EXPECT_TRUE(Views().empty());
   const auto bytes = ReadHostFile(path);
   EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "one\r\nTwo two\r\nthree\r\n");
+}
+
+TEST_F(ViewWindowTest, AListingGoesToAFileAsItGoesToTheWindow) {
+  StartWithFiles();
+  Choose("mnuOptionsViewAs");
+  const std::string path = folder_ / "list.txt";
+  player_.ExpectFileDialog(path);
+  ClickRow("Basic");
+  Choose("mnuFileViewBasic");
+  Settle();
+  const auto bytes = ReadHostFile(path);
+  EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "   10PRINT\"A\"\r\n");
 }
 
 TEST_F(ViewWindowTest, ACancelledViewAsRunsNothing) {
@@ -191,6 +223,24 @@ TEST_F(ViewWindowTest, SaveAddsOneLineEnd) {
   EXPECT_EQ(std::string(bytes.begin(), bytes.end()), "one\r\nTwo two\r\nthree\r\n\r\n");
 }
 
+TEST_F(ViewWindowTest, SaveOffersTheNameOfTheFileAsTheHostWouldHaveIt) {
+  ImageBuilder image(2560);
+  image.AddFile(2, {"Alpha", BytesOf("a")});
+  image.AddFile(2, {"READ/ME", BytesOf("b")});
+  StartWith(image);
+  const std::vector<std::pair<const char*, const char*>> offers = {{"Alpha", "Alpha.txt"},
+                                                                   {"READ/ME", "READ.ME.txt"}};
+  for (const auto& [row, offer] : offers) {
+    frmView& view = ViewRow(QLatin1String(row), "mnuFileViewText");
+    player_.ExpectFileDialog("", [offer](QWidget& dialog) {
+      EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), QLatin1String(offer));
+    });
+    ChooseIn(view, "mnuFileSave");
+    view.close();
+    Settle();
+  }
+}
+
 TEST_F(ViewWindowTest, EveryByteOfATextComesBackFromTheWindow) {
   ImageBuilder image(2560);
   std::string all;
@@ -210,6 +260,19 @@ TEST_F(ViewWindowTest, PrintSendsTheWholeText) {
   printer.setOutputFileName(QString::fromStdString(folder_ / "print.pdf"));
   view.PrintTo(printer);
   EXPECT_GT(HostFileLength(folder_ / "print.pdf"), 1000U);
+}
+
+TEST_F(ViewWindowTest, TheFindDialogHasItsTexts) {
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(dialog.findChild<QLabel*>("lblFind")->text(), QStringLiteral("Find :"));
+    EXPECT_EQ(dialog.findChild<QPushButton*>("cmdOK")->text(), QStringLiteral("OK"));
+    auto* cancel = dialog.findChild<QPushButton*>("cmdCancel");
+    EXPECT_EQ(cancel->text(), QStringLiteral("Cancel"));
+    cancel->click();
+  });
+  ChooseIn(view, "mnuEditFind");
 }
 
 TEST_F(ViewWindowTest, FindIgnoresCaseAndFindNextGoesOn) {
@@ -269,6 +332,11 @@ TEST_F(ViewWindowTest, FindPosFollowsTheCaretWhenItMovesByHand) {
   EXPECT_EQ(view.FindPos, 4);
   Press(TextOf(view), Qt::Key_Right);
   EXPECT_EQ(view.FindPos, 5);
+  QTextCursor cursor(TextOf(view).document());
+  cursor.setPosition(9);
+  QTest::mouseClick(TextOf(view).viewport(), Qt::LeftButton, Qt::NoModifier,
+                    TextOf(view).cursorRect(cursor).center());
+  EXPECT_EQ(view.FindPos, 9);
 }
 
 TEST_F(ViewWindowTest, CopyAndSelectAll) {
