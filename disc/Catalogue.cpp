@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <string_view>
+#include <unordered_set>
 #include <utility>
 
 #include "disc/Adfs.h"
+#include "disc/WalkBudget.h"
 
 namespace sectorbox {
 namespace {
@@ -89,27 +91,45 @@ PathTarget StepDown(Disc& disc, const PathTarget& from, std::string_view name) {
   return target;
 }
 
+class TreeWalk {
+ public:
+  TreeWalk(Disc& disc, std::vector<TreeNode>& tree, WalkCounts& counts)
+      : disc_(disc), tree_(tree), counts_(counts) {}
+
+  void Visit(std::int32_t index, std::int32_t sector) {
+    // On a damaged disc a directory may list itself, one above it, or one that others list too.
+    // Going into each of them once keeps all that is on the disc in the tree, and gives it an end.
+    if (!seen_.insert(sector).second || !budget_.Enter()) return;
+    for (Subdirectory& child : ReadSubdirectories(disc_, sector, counts_)) {
+      if (budget_.Exhausted()) break;
+      const auto node = static_cast<std::int32_t>(tree_.size());
+      tree_.push_back({std::move(child.Name), child.Sector, index, false});
+      tree_[static_cast<std::size_t>(index)].Open = true;
+      Visit(node, child.Sector);
+      if (sector == kRootSector) disc_.Host.PumpEvents();
+    }
+    budget_.Leave();
+  }
+
+ private:
+  Disc& disc_;
+  std::vector<TreeNode>& tree_;
+  WalkCounts& counts_;
+  std::unordered_set<std::int32_t> seen_;
+  WalkBudget budget_;
+};
+
 }  // namespace
 
 void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t intIndex, std::int32_t sector,
-               WalkCounts& counts, WalkBudget& budget) {
-  if (!budget.Enter()) return;
-  for (Subdirectory& child : ReadSubdirectories(disc, sector, counts)) {
-    if (budget.Exhausted()) break;
-    const auto node = static_cast<std::int32_t>(tree.size());
-    tree.push_back({std::move(child.Name), child.Sector, intIndex, false});
-    tree[static_cast<std::size_t>(intIndex)].Open = true;
-    FindFiles(disc, tree, node, child.Sector, counts, budget);
-    if (sector == kRootSector) disc.Host.PumpEvents();
-  }
-  budget.Leave();
+               WalkCounts& counts) {
+  TreeWalk(disc, tree, counts).Visit(intIndex, sector);
 }
 
 std::vector<TreeNode> WalkTree(Disc& disc) {
   std::vector<TreeNode> tree = {{GetDirName(disc, kRootSector), kRootSector, -1, false}};
   WalkCounts counts;
-  WalkBudget budget;
-  FindFiles(disc, tree, 0, kRootSector, counts, budget);
+  FindFiles(disc, tree, 0, kRootSector, counts);
   return tree;
 }
 

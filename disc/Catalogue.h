@@ -2,12 +2,10 @@
 
 #include <array>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "disc/Disc.h"
-#include "disc/WalkBudget.h"
 
 // What the panes show, as plain values: the tree of directories and the rows of one directory.
 namespace sectorbox {
@@ -28,9 +26,10 @@ struct WalkCounts {
 
 // Walks the directory at sector depth first and appends its subdirectories below node intIndex.
 // A directory without its mark adds nothing. At the top level (sector 2) the host's event pump runs
-// after each child. Cycles aren't noticed; budget bounds the walk.
+// after each child. A directory that is listed again, as on a damaged disc, gets a node wherever it
+// is listed, and its children below the first of them only. The bounds of WalkBudget hold.
 void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t intIndex, std::int32_t sector,
-               WalkCounts& counts, WalkBudget& budget);
+               WalkCounts& counts);
 
 // The whole tree from the root on.
 std::vector<TreeNode> WalkTree(Disc& disc);

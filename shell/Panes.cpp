@@ -5,7 +5,6 @@
 #include <array>
 
 #include "disc/Adfs.h"
-#include "disc/WalkBudget.h"
 #include "shell/PaneDrops.h"
 #include "shell/WindowHost.h"
 #include "toolkit/Text.h"
@@ -148,8 +147,7 @@ void Panes::AddNodes(DirNode& root, const std::vector<TreeNode>& nodes) {
 void Panes::AppendSubdirectories(DirNode& target) {
   std::vector<TreeNode> nodes(1);
   WalkCounts counts;
-  WalkBudget budget;
-  FindFiles(disc_, nodes, 0, target.Tag, counts, budget);
+  FindFiles(disc_, nodes, 0, target.Tag, counts);
   Tree().blockSignals(true);
   AddNodes(target, nodes);
   target.setExpanded(true);

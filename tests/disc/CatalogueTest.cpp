@@ -27,6 +27,13 @@ class CatalogueTest : public ::testing::Test {
     return lines;
   }
 
+  // The names alone, in the order of the walk.
+  std::string Walked() {
+    std::string names;
+    for (const TreeNode& node : WalkTree(disc_)) names += (names.empty() ? "" : " ") + node.Text;
+    return names;
+  }
+
   TempFolder folder_;
   ScriptedHost host_;
   Disc disc_{host_};
@@ -64,11 +71,9 @@ TEST_F(CatalogueTest, TheWalkCountsFilesAndDirectories) {
   Open(image);
   std::vector<TreeNode> tree = {{"$", 2, -1, false}};
   WalkCounts counts;
-  WalkBudget budget;
-  FindFiles(disc_, tree, 0, 2, counts, budget);
+  FindFiles(disc_, tree, 0, 2, counts);
   EXPECT_EQ(counts.FileCount, 2);
   EXPECT_EQ(counts.DirCount, 1);
-  EXPECT_FALSE(budget.Exhausted());
 }
 
 TEST_F(CatalogueTest, ARootFullOfDirectoriesGives47Nodes) {
@@ -91,13 +96,29 @@ TEST_F(CatalogueTest, ADirectoryWithoutItsMarkIsANodeWithoutChildrenAndListsNoth
   EXPECT_FALSE(FindPath(disc_, "$.A.AA").Found);
 }
 
-TEST_F(CatalogueTest, ADirectoryThatListsItselfEndsTheWalkAtItsBound) {
+TEST_F(CatalogueTest, ADirectoryThatLeadsBackIsANodeWithoutChildrenAndHidesNoOther) {
   ImageBuilder image(1280);
-  image.AddDirectory(2, "A");
-  image.Poke(517 + 22, 2);  // it is the root again
+  image.AddDirectory(image.AddDirectory(2, "A"), "SELF");
+  image.Poke(7 * 256 + 5 + 22, 7);  // SELF is A again
+  image.AddDirectory(image.AddDirectory(2, "B"), "ROOT");
+  image.Poke(17 * 256 + 5 + 22, 2);  // ROOT is the root again
+  image.AddDirectory(2, "C");
   Open(image);
-  const auto tree = WalkTree(disc_);
-  EXPECT_EQ(tree.size(), static_cast<std::size_t>(WalkBudget::kMaxDepth) + 1);
+  EXPECT_EQ(Walked(), "$ A SELF B ROOT C");
+}
+
+TEST_F(CatalogueTest, DirectoriesThatAllListEachOtherAreWalkedOnce) {
+  ImageBuilder image(1280);
+  // Twelve directories: each but the last lists two, which are one and the same.
+  std::int32_t dir = 2;
+  for (int i = 0; i < 12; ++i) {
+    const auto left = image.AddDirectory(dir, "L");
+    image.AddDirectory(dir, "R");
+    image.Poke(dir * 256 + 5 + 26 + 22, static_cast<std::uint8_t>(left));
+    dir = left;
+  }
+  Open(image);
+  EXPECT_EQ(WalkTree(disc_).size(), 25U);
 }
 
 TEST_F(CatalogueTest, TheRootNodeCarriesTheRootsOwnName) {
