@@ -37,8 +37,9 @@ class Collector {
  public:
   explicit Collector(Disc& disc) : disc_(disc) {}
 
-  // Adds the directory and all below it; false when the walk comes to a directory a second time, or
-  // runs out of its bounds.
+  // Adds the directory and all below it; false when the walk comes to a directory a second time, to
+  // one without its mark (what it listed can't be told, and would be written over), or out of its
+  // bounds.
   bool Collect(std::int32_t DirSector) { return Collect(DirSector, -1, -1, ""); }
 
   std::vector<ObjectRecord> Objects;
@@ -48,6 +49,7 @@ class Collector {
   bool Collect(std::int32_t DirSector, std::int32_t lister, std::int32_t slot,
                const std::string& Name) {
     if (!seen_.insert(DirSector).second || !budget_.Enter()) return false;
+    if (!IsDirectory(disc_, DirSector)) return false;
     if (Objects.size() + kEntryCount > kMaxObjects) return false;
     // What the directory says of itself, and not what its entry says, is how it is found again.
     ObjectRecord object{GetDirName(disc_, DirSector),
@@ -59,7 +61,7 @@ class Collector {
                         -1};
     if (object.Parent == lister && UpperCase(object.Name) == Name) object.Slot = slot;
     Objects.push_back(std::move(object));
-    const bool whole = !IsDirectory(disc_, DirSector) || CollectEntries(DirSector);
+    const bool whole = CollectEntries(DirSector);
     budget_.Leave();
     return whole;
   }

@@ -36,18 +36,20 @@ class TreeCheck {
  public:
   explicit TreeCheck(Disc& disc) : disc_(disc) {}
 
-  // True if no directory below lists itself or one above it, and the walk stays within bounds. Such
-  // a tree has no bottom to start deleting from, and on the way would take along all that the
-  // ancestor holds.
-  bool HasBottom(std::int32_t DirSector) {
+  // False if a directory below lists itself or one above it, or the walk leaves its bounds: such a
+  // tree has no bottom to start deleting from, and on the way would take along all that the
+  // ancestor holds. False too if one isn't marked as a directory and isn't empty: what would be
+  // deleted there are the bytes of something else.
+  bool MayBeEmptied(std::int32_t DirSector) {
     if (finished_.count(DirSector) != 0) return true;
+    if (!IsDirectory(disc_, DirSector)) return !HasEntries(disc_, DirSector);
     if (!above_.insert(DirSector).second || !budget_.Enter()) return false;
     bool sound = true;
     for (std::int32_t slot = 0; sound && slot < kEntryCount; ++slot) {
       if (EntryIsEmpty(GetEntryName(disc_, DirSector, slot))) break;
       const std::int64_t offset = EntryOffset(DirSector, slot);
       if (!EntryHas(disc_, offset, kAttrDirectory)) continue;
-      sound = HasBottom(Fetch24(disc_, offset + kEntrySector));
+      sound = MayBeEmptied(Fetch24(disc_, offset + kEntrySector));
     }
     budget_.Leave();
     above_.erase(DirSector);
@@ -132,7 +134,7 @@ std::int16_t DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& 
 
 std::int16_t DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
                         const std::string& Name, bool IgnoreLock, bool DeleteNonEmpty) {
-  if (DeleteNonEmpty && !TreeCheck(disc).HasBottom(DirSector)) {
+  if (DeleteNonEmpty && !TreeCheck(disc).MayBeEmptied(DirSector)) {
     return Refuse(disc, "Cannot Delete Damaged Directory : " + Name);
   }
   WalkBudget budget;

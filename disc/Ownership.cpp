@@ -1,5 +1,7 @@
 #include "disc/Ownership.h"
 
+#include <algorithm>
+#include <array>
 #include <unordered_set>
 
 #include "disc/Adfs.h"
@@ -25,21 +27,30 @@ class OwnerSearch {
     if (Covers(DirSector, kDirSectors)) return true;
     if (!seen_.insert(DirSector).second) return false;
     if (!budget_.Enter()) return true;
-    bool found = false;
-    const std::int32_t slots = IsDirectory(disc_, DirSector) ? kEntryCount : 0;
-    for (std::int32_t slot = 0; !found && slot < slots; ++slot) {
-      if (EntryIsEmpty(GetEntryName(disc_, DirSector, slot))) break;
-      const std::int64_t entry = EntryOffset(DirSector, slot);
-      const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
-      found = EntryHas(disc_, entry, kAttrDirectory)
-                  ? IsIn(start)
-                  : Covers(start, SectorsOfLength(Fetch32(disc_, entry + kEntryLength)));
+    // In one piece: deleting a tree of empty files asks this of the whole disc for each of them.
+    std::array<std::uint8_t, kDirSize> bytes;
+    disc_.TheDisc.FetchBytes(SectorOffset(DirSector), bytes);
+    bool found = !std::equal(kHugo, kHugo + kHugoLength, bytes.begin() + kDirMark);
+    for (std::int32_t slot = 0; !found && slot < kEntryCount; ++slot) {
+      const std::uint8_t* entry = bytes.data() + kDirEntries + slot * kEntrySize;
+      const int first = entry[kEntryName] & kLowBits;
+      if (first == 0 || first == '\r') break;
+      found = Holds(entry);
     }
     budget_.Leave();
     return found;
   }
 
  private:
+  bool Holds(const std::uint8_t* entry) {
+    const std::uint8_t* at = entry + kEntrySector;
+    const std::int32_t start = at[0] | at[1] << 8 | at[2] << 16;
+    if ((entry[kEntryName + kAttrDirectory] & kTopBit) != 0) return IsIn(start);
+    at = entry + kEntryLength;
+    const auto length = static_cast<std::uint32_t>(at[0] | at[1] << 8 | at[2] << 16) |
+                        static_cast<std::uint32_t>(at[3]) << 24;
+    return Covers(start, SectorsOfLength(length));
+  }
   bool Covers(std::int32_t start, std::int32_t sectors) const {
     return sector_ >= start && sector_ - start < sectors;
   }

@@ -162,6 +162,24 @@ TEST_F(DamagedCompactionTest, DirectoriesThatLeadInACircleAreLeftAlone) {
   ExpectRefusal(image);
 }
 
+TEST_F(DamagedCompactionTest, WhatADirectoryWithoutItsMarkListsIsNotWrittenOver) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddFile(dir, {"LOST", Pattern(900), 0, 0, "WR"});
+  image.AddHole(10);
+  image.AddFile(2, {"F", Pattern(900), 0, 0, "WR"});
+  image.Poke(dir * 256 + 1, 0);
+  ExpectRefusal(image);
+}
+
+TEST_F(DamagedCompactionTest, ADiscWhoseRootHasNoMarkDoesNotBecomeFree) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"F", Pattern(900), 0, 0, "WR"});
+  image.Poke(512 + 1, 0);
+  ExpectRefusal(image);
+}
+
 TEST_F(DamagedCompactionTest, ObjectsThatOverlapAreLeftAlone) {
   ImageBuilder image(640);
   image.AddHole(10);
@@ -223,7 +241,6 @@ class RandomDisc {
         image_.Poke(base + 1238, static_cast<std::uint8_t>(dirs_[random_() % dirs_.size()]));
       }
       if (random_() % 6 == 0) image_.Poke(base + 1238, static_cast<std::uint8_t>(random_()));
-      if (random_() % 6 == 0) image_.Poke(base + 1, 'x');
     }
   }
 

@@ -150,6 +150,39 @@ TEST_F(DeleteTest, ADirectoryThatIsTheRootItselfDoesNotTakeTheDiscAlong) {
   EXPECT_EQ(Image(), before);
 }
 
+TEST_F(DeleteTest, ADirectoryWithoutItsMarkIsNotTakenApart) {
+  ImageBuilder image(640);
+  const auto file = image.AddFile(2, {"A", Pattern(3000), 0, 0, "WR"});
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddDirectory(dir, "BAD");
+  image.AddFile(dir, {"MINE", {1}, 0, 0, "WR"});
+  image.Poke(dir * 256 + 5 + 22, static_cast<std::uint8_t>(file));  // BAD is A's bytes
+  Open(image);
+  const Bytes before = Image();
+  host_.ExpectedMessages = {"Cannot Delete Damaged Directory : DIR"};
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), -1);
+  EXPECT_EQ(Image(), before);
+}
+
+TEST_F(DeleteTest, AnEmptyDirectoryWithoutItsMarkCanGo) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "BAD");
+  image.Poke(dir * 256 + 1, 0);
+  Open(image);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "BAD", true, true), 0);
+  EXPECT_EQ(Runs(), "7+633");
+}
+
+TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereADamagedDirectoryMayOwnIt) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "BAD");
+  image.AddFile(2, {"E", {}, 0, 0, "WR"});
+  image.Poke(dir * 256 + 1, 0);
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(Runs(), "13+627");
+}
+
 TEST_F(DeleteTest, AnEmptyFileThatTheBbcGaveNoSectorFreesNobodyElses) {
   ImageBuilder image(640);
   const auto file = image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
