@@ -1,14 +1,15 @@
 // What a disc holds: its figures, its directories, its files as they are, and its faults.
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
-#include <functional>
 
 #include "cli/Dispatch.h"
 #include "cli/ImageSession.h"
 #include "cli/StartWindow.h"
 #include "disc/Adfs.h"
 #include "disc/Check.h"
+#include "disc/HostExchange.h"
 #include "disc/HostFile.h"
 
 namespace sectorbox::cli {
@@ -87,18 +88,15 @@ int RunLs(const CommandLine& line) {
   return kDone;
 }
 
-// Hands the file's bytes to sink, a part at a time: the length field may say up to 4 GiB.
-void CopyOut(Disc& disc, const PathTarget& file,
-             const std::function<void(std::span<const std::uint8_t>)>& sink) {
-  std::vector<std::uint8_t> part(65536);
-  std::int64_t left = Fetch32(disc, EntryOffset(file.DirSector, file.Slot) + format::kEntryLength);
-  for (std::int64_t at = SectorOffset(file.Sector); left > 0;) {
-    const auto bytes = std::min<std::int64_t>(left, static_cast<std::int64_t>(part.size()));
-    const auto piece = std::span(part).first(static_cast<std::size_t>(bytes));
-    disc.TheDisc.FetchBytes(at, piece);
-    sink(piece);
-    at += bytes;
-    left -= bytes;
+void PrintContents(Disc& disc, std::int32_t sector, std::uint32_t length) {
+  const auto print = [](std::span<const std::uint8_t> bytes) {
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+  };
+  static constexpr std::array<std::uint8_t, 65536> kZeros{};
+  for (std::size_t rest = ReadContents(disc, sector, length, print); rest > 0;) {
+    const auto part = std::min(rest, kZeros.size());
+    print(std::span(kZeros).first(part));
+    rest -= part;
   }
 }
 
@@ -107,14 +105,13 @@ int RunGet(const CommandLine& line) {
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
   const PathTarget file = RequireFile(session.Open, line.Arguments[1]);
+  const std::uint32_t length = ReadRow(session.Open, file.DirSector, file.Slot).Length();
   if (!line.Has("o")) {
-    CopyOut(session.Open, file, [](std::span<const std::uint8_t> bytes) {
-      std::fwrite(bytes.data(), 1, bytes.size(), stdout);
-    });
+    PrintContents(session.Open, file.Sector, length);
     return kDone;
   }
   OutputFile output = CreateOutputFile(line.Option("o", ""));
-  CopyOut(session.Open, file, [&](std::span<const std::uint8_t> bytes) { output.Write(bytes); });
+  WriteContents(session.Open, output, file.Sector, length);
   output.Close();
   return kDone;
 }

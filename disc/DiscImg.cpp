@@ -99,8 +99,9 @@ void DiscImg::OpenFile(const std::string& fileName, std::int16_t disctype, std::
                   static_cast<std::size_t>(sectors) * format::kSectorSize);
   } else if (disctype == kDat) {
     int file = ::open(fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    readOnly_ = file < 0 && (errno == EACCES || errno == EROFS || errno == EPERM);
-    if (readOnly_) file = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool mayRead = file < 0 && (errno == EACCES || errno == EROFS || errno == EPERM);
+    writeError_ = mayRead ? errno : 0;
+    if (mayRead) file = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
     if (file < 0) ThrowHostError(fileName, errno);
     fileNumber_ = file;
   }
@@ -205,7 +206,7 @@ void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
     return;
   }
   if (!ReadyForBlocks()) return;
-  if (disctype_ == kDat && readOnly_) ThrowHostError(fileName_, EROFS);
+  if (disctype_ == kDat && writeError_ != 0) ThrowHostError(fileName_, writeError_);
   if (disctype_ == kCF) {
     StoreBytes(offset, std::span(&value, 1));
     return;
@@ -305,7 +306,7 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
     if (Holds(offset) && InMemory()) {
       std::copy(part.begin(), part.end(), image_.begin() + offset);
     } else if (Holds(offset)) {
-      if (disctype_ == kDat && readOnly_) ThrowHostError(fileName_, EROFS);
+      if (disctype_ == kDat && writeError_ != 0) ThrowHostError(fileName_, writeError_);
       Slot& slot = LocateBlock(offset);
       const auto in = static_cast<std::size_t>(offset % kBlockSize);
       if (disctype_ == kDat) {
@@ -335,7 +336,8 @@ bool DiscImg::IsOpenFile(const std::string& path) const {
 
 std::int64_t DiscImg::EndOfData() {
   if (InMemory()) return static_cast<std::int64_t>(image_.size());
-  if (disctype_ == kCF || !ReadyForBlocks()) return INT64_MAX;
+  if (disctype_ == kCF) return kPartitionBytes;
+  if (!ReadyForBlocks()) return INT64_MAX;
   struct stat info {};
   if (::fstat(fileNumber_, &info) != 0) ThrowHostError(fileName_, errno);
   std::int64_t end = info.st_size;

@@ -104,8 +104,8 @@ class DiscImg {
   bool InMemory() const { return disctype_ == kAdf || disctype_ == kAdl; }
   // True if path is the very file that an open .dat works on, by whatever name.
   bool IsOpenFile(const std::string& path) const;
-  // Byte offset from which everything reads as zero because the store ends there. A card has no
-  // known end.
+  // Byte offset from which everything reads as zero because the store ends there. On a card that is
+  // the room that a partition can have, since its probed size may be wrong where sectors are bad.
   std::int64_t EndOfData();
 
  private:
@@ -170,7 +170,7 @@ class DiscImg {
   Disc& disc_;
   std::unique_ptr<RawDevice> device_;
   int fileNumber_ = -1;     // the open .dat, -1 when none
-  bool readOnly_ = false;   // the open .dat can't be written
+  int writeError_ = 0;      // why the open .dat can't be written; 0 when it can
   bool suspended_ = false;  // closed by CloseFile, to be opened again at the next byte access
   std::string fileName_;
   std::int16_t disctype_ = kAdf;

@@ -24,23 +24,6 @@ void WriteHostFile(const std::string& path, const std::string& text) {
   file.Close();
 }
 
-// The file's bytes. What an entry of a damaged disc claims beyond the end of the store reads as
-// zeros, which take no room on the host.
-void WriteContents(Disc& disc, OutputFile& output, const ExportedFile& file) {
-  const std::int64_t start = SectorOffset(file.Sector);
-  const std::int64_t held = std::max<std::int64_t>(disc.TheDisc.EndOfData() - start, 0);
-  const std::int64_t inside = std::min<std::int64_t>(file.Length, held);
-  std::array<std::uint8_t, 65536> part{};
-  for (std::int64_t done = 0; done < inside;) {
-    const auto size = std::min<std::int64_t>(inside - done, part.size());
-    const auto bytes = std::span(part).first(static_cast<std::size_t>(size));
-    disc.TheDisc.FetchBytes(start + done, bytes);
-    output.Write(bytes);
-    done += size;
-  }
-  if (file.Length > inside) output.Skip(static_cast<std::uint64_t>(file.Length - inside));
-}
-
 class Export {
  public:
   explicit Export(Disc& disc) : disc_(disc) {}
@@ -101,9 +84,30 @@ class Export {
 
 }  // namespace
 
+std::uint32_t ReadContents(Disc& disc, std::int32_t Sector, std::uint32_t Length,
+                           const std::function<void(std::span<const std::uint8_t>)>& sink) {
+  const std::int64_t start = SectorOffset(Sector);
+  const std::int64_t held = std::max<std::int64_t>(disc.TheDisc.EndOfData() - start, 0);
+  const std::int64_t inside = std::min<std::int64_t>(Length, held);
+  std::array<std::uint8_t, 65536> part{};
+  for (std::int64_t done = 0; done < inside;) {
+    const auto size = std::min<std::int64_t>(inside - done, part.size());
+    const auto bytes = std::span(part).first(static_cast<std::size_t>(size));
+    disc.TheDisc.FetchBytes(start + done, bytes);
+    sink(bytes);
+    done += size;
+  }
+  return static_cast<std::uint32_t>(Length - inside);
+}
+
+void WriteContents(Disc& disc, OutputFile& output, std::int32_t Sector, std::uint32_t Length) {
+  output.Skip(ReadContents(disc, Sector, Length,
+                           [&](std::span<const std::uint8_t> bytes) { output.Write(bytes); }));
+}
+
 void ExportFile(Disc& disc, const std::string& hostPath, const ExportedFile& file) {
   OutputFile output = CreateOutputFile(hostPath, OnMedium::kLater);
-  WriteContents(disc, output, file);
+  WriteContents(disc, output, file.Sector, file.Length);
   output.Close();
   WriteHostFile(hostPath + kSidecarEnding,
                 MakeFileSidecar(file.Name, file.Load, file.Exec, file.Size, file.Attr));

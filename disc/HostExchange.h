@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
 
 #include "disc/Disc.h"
+#include "disc/HostFile.h"
 
 // Files between a disc and the host, with what the host can't hold in .INF sidecars.
 namespace sectorbox {
@@ -16,6 +19,14 @@ std::string GetHostName(Disc& disc, std::int32_t DirSector, std::int32_t Slot);
 
 // -1 when the import should stop.
 std::int16_t ImportFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder);
+
+// Hands the Length bytes from a start sector on to sink, a part at a time, as far as the store
+// goes. Gives the count of the rest, which an entry of a damaged disc claims beyond that: all
+// zeros.
+std::uint32_t ReadContents(Disc& disc, std::int32_t Sector, std::uint32_t Length,
+                           const std::function<void(std::span<const std::uint8_t>)>& sink);
+// The same into a file of the host, where that rest takes no room.
+void WriteContents(Disc& disc, OutputFile& output, std::int32_t Sector, std::uint32_t Length);
 
 // Writes one file of the disc, its length in bytes from its start sector on, with its sidecar.
 // hostPath is the host file's path; the texts are the row's or the entry's own.
