@@ -1,8 +1,11 @@
 #include "cli/Dispatch.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <exception>
 #include <new>
+#include <string_view>
 
 #include "disc/HostError.h"
 
@@ -27,6 +30,26 @@ int Complain(int status, const char* what) {
   return status;
 }
 
+// What a command doesn't take is no option of the call, even where another command has one of that
+// name: a file of -o that is silently not written is worse than an error.
+void ExpectOptions(const CommandLine& line, const Command& command) {
+  static constexpr std::array<std::string_view, 7> kEverywhere = {"help",
+                                                                  "version",
+                                                                  "pad",
+                                                                  "interleave",
+                                                                  "delete-locked",
+                                                                  "overwrite-locked",
+                                                                  "delete-non-empty"};
+  const std::string told = std::string(command.Arguments) + command.Help;
+  for (const auto& [name, value] : line.Options) {
+    if (std::find(kEverywhere.begin(), kEverywhere.end(), name) != kEverywhere.end()) continue;
+    const std::string option = (name.size() == 1 ? "-" : "--") + name;
+    if (told.find(option) == std::string::npos) {
+      throw UsageError(line.Command + ": takes no option " + option);
+    }
+  }
+}
+
 int Run(const std::vector<std::string>& words) {
   const CommandLine line = ParseCommandLine(words);
   const std::vector<Command> commands = AllCommands();
@@ -46,6 +69,7 @@ int Run(const std::vector<std::string>& words) {
     std::printf("Usage: sbx %s %s\n%s\n", command->Name, command->Arguments, command->Help);
     return kDone;
   }
+  ExpectOptions(line, *command);
   return command->Run(line);
 }
 
@@ -71,6 +95,9 @@ int RunSbx(const std::vector<std::string>& words) {
     status = Complain(kRefused, error.what());
   } catch (const std::bad_alloc&) {
     status = Complain(kRefused, "out of memory");
+  } catch (const std::exception& error) {
+    // The libraries' own: nothing may end this program but a line and a status.
+    status = Complain(kRefused, error.what());
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
     status = Complain(kRefused, "standard output: write error");

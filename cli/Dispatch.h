@@ -16,7 +16,7 @@ inline constexpr int kBadUsage = 2;
 struct Command {
   const char* Name;
   const char* Arguments;  // as in the help, such as "IMAGE [DIR]"
-  const char* Help;       // one line
+  const char* Help;       // one line; an option that neither of the two names is refused
   int (*Run)(const CommandLine& line);
 };
 

@@ -97,8 +97,8 @@ std::vector<Command> LinkCommands() {
       {"send", "DRIVE FILE [--data-only] [--check]",
        "write an image onto a drive of the BBC; also --port --speed --trace", RunSend},
       {"star", "COMMAND", "run a star command on the BBC; also --port --speed --trace", RunStar},
-      {"bootstrap", "basic|format", "send the first program to a bare BBC; also --port",
-       RunBootstrap},
+      {"bootstrap", "basic|format",
+       "send the first program to a bare BBC; also --port --speed --trace", RunBootstrap},
   };
 }
 

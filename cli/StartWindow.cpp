@@ -39,7 +39,10 @@ std::string WindowProgram() {
 void StartWindow(const std::string& image) {
   const std::string program = WindowProgram();
   // The program takes the first and the last character of its argument for quotes and drops them.
-  const std::string argument = "\"" + std::filesystem::absolute(image).string() + "\"";
+  std::error_code error;
+  const std::string path = std::filesystem::absolute(image, error).string();
+  if (error) ThrowHostError(image, error.value());
+  const std::string argument = "\"" + path + "\"";
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowHostError(program, errno);
   const pid_t child = ::fork();

@@ -26,10 +26,18 @@ PathTarget RequireEntry(Disc& disc, const std::string& path) {
   return target;
 }
 
+// A directory that is written into has its mark. Without it, as in a file that is no disc at all,
+// the bytes there are something else's.
+std::int32_t RequireMarkedDirectory(Disc& disc, const std::string& path) {
+  const std::int32_t sector = RequireDirectory(disc, path).Sector;
+  if (!IsDirectory(disc, sector)) throw Failure("Not a directory: " + path);
+  return sector;
+}
+
 int RunAdd(const CommandLine& line) {
   line.Expect(3, kAnyNumber);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    const TrackedSector dir(disc, RequireDirectory(disc, line.Arguments[1]).Sector);
+    const TrackedSector dir(disc, RequireMarkedDirectory(disc, line.Arguments[1]));
     for (std::size_t i = 2; i < line.Arguments.size(); ++i) {
       if (AddFile(disc, dir, line.Arguments[i]) != 0) return false;
     }
@@ -89,8 +97,8 @@ int RunRename(const CommandLine& line) {
 int RunMkdir(const CommandLine& line) {
   line.Expect(3, 3);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    const PathTarget target = RequireDirectory(disc, line.Arguments[1]);
-    return NewDirectory(disc, target.Sector, line.Arguments[2]) >= 0;
+    const std::int32_t dir = RequireMarkedDirectory(disc, line.Arguments[1]);
+    return NewDirectory(disc, dir, line.Arguments[2]) >= 0;
   });
 }
 
@@ -127,7 +135,7 @@ int RunAddress(const CommandLine& line) {
 int RunTitle(const CommandLine& line) {
   line.Expect(3, 3);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    SetDirTitle(disc, RequireDirectory(disc, line.Arguments[1]).Sector, line.Arguments[2]);
+    SetDirTitle(disc, RequireMarkedDirectory(disc, line.Arguments[1]), line.Arguments[2]);
     return true;
   });
 }

@@ -22,7 +22,9 @@ bool StatOf(const std::string& path, struct stat& result) {
 class InputFile {
  public:
   explicit InputFile(const std::string& path) : path_(path) {
-    file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Without waiting: a pipe that nobody writes to would never open. It can't be read at an offset
+    // anyway, and to plain files it makes no difference.
+    file_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (file_ < 0) ThrowHostError(path_, errno);
   }
   ~InputFile() { ::close(file_); }
@@ -179,6 +181,7 @@ void OutputFile::Write(std::span<const std::uint8_t> bytes) {
 }
 
 void OutputFile::Skip(std::uint64_t bytes) {
+  if (bytes == 0) return;
   // Only a plain file that is made anew reads as zeros where nothing was written.
   if (temporary_.empty()) {
     const std::vector<std::uint8_t> zeros(65536);
@@ -188,7 +191,7 @@ void OutputFile::Skip(std::uint64_t bytes) {
     return;
   }
   if (::lseek(file_, static_cast<off_t>(bytes), SEEK_CUR) < 0) ThrowHostError(path_, errno);
-  endsInHole_ = bytes > 0;
+  endsInHole_ = true;
 }
 
 void OutputFile::Write(const std::string& text) {

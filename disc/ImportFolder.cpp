@@ -62,11 +62,13 @@ std::int16_t AddContents(Disc& disc, std::int32_t DirSector, const std::vector<s
 }  // namespace
 
 std::string ResolveHostPath(const std::string& path) {
-  std::string full = std::filesystem::absolute(path).string();
+  std::error_code error;
+  // An empty path has no absolute form, nor has any in a current folder that is gone.
+  std::string full = std::filesystem::absolute(path, error).string();
+  if (error) ThrowHostError(path, path.empty() ? ENOENT : error.value());
   const auto end = full.find_last_not_of('/');
   full.resize(end == std::string::npos ? 1 : end + 1);
   if (!full.ends_with("/.") && !full.ends_with("/..")) return full;
-  std::error_code error;
   const auto real = std::filesystem::canonical(full, error);
   if (error) ThrowHostError(path, error.value());
   return real.string();

@@ -90,6 +90,18 @@ TEST_F(ReadCommands, GetGivesTheBytesAsTheyAre) {
   EXPECT_EQ(ReadText(folder_ / "elite"), bytes);
 }
 
+TEST_F(ReadCommands, GetFillsALengthPastTheEndWithZerosThatTakeNoRoom) {
+  auto bytes = ReadAll(disc_);
+  // !BOOT, the first entry of the root: as long as the field can say, from the last sectors on.
+  for (std::size_t i = 18; i < 22; ++i) bytes[517 + i] = 0xFF;
+  WriteAll(disc_, bytes);
+  EXPECT_EQ(RunSbx({"get", disc_, "!BOOT", "-o", folder_ / "out"}).Status, 0);
+  struct stat info {};
+  ASSERT_EQ(::stat((folder_ / "out").c_str(), &info), 0);
+  EXPECT_EQ(info.st_size, 0xFFFFFFFF);
+  EXPECT_LT(info.st_blocks * 512, 1 << 20);
+}
+
 TEST_F(ReadCommands, GetRefusesADirectory) {
   const SbxResult result = RunSbx({"get", disc_, "GAMES"});
   EXPECT_EQ(result.Status, 1);
@@ -118,6 +130,31 @@ TEST_F(ReadCommands, AMissingImageIsToldInTheSystemsWords) {
     EXPECT_EQ(result.Status, 1) << command;
     EXPECT_EQ(result.Err, (folder_ / "none.adl") + ": No such file or directory\n");
   }
+}
+
+TEST_F(ReadCommands, APipeInPlaceOfAnImageDoesNotBlock) {
+  ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  const SbxResult result = RunSbx({"info", folder_ / "pipe"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(Lines(result.Err).size(), 1U) << result.Err;
+}
+
+TEST_F(ReadCommands, AnOptionOfAnotherCommandIsRefusedInsteadOfIgnored) {
+  const SbxResult result = RunSbx({"ls", "-o", folder_ / "out", disc_});
+  EXPECT_EQ(result.Status, 2);
+  EXPECT_EQ(result.Err, "ls: takes no option -o\n");
+  EXPECT_EQ(result.Out, "");
+  EXPECT_EQ(RunSbx({"info", "--force", disc_}).Status, 2);
+  EXPECT_EQ(RunSbx({"save", disc_, "--full", folder_ / "out"}).Status, 2);
+}
+
+TEST_F(ReadCommands, OptionsStandAnywhereAndEndAtTwoDashes) {
+  const std::string out = RunSbx({"info", disc_}).Out;
+  EXPECT_EQ(RunSbx({"--pad=on", "info", disc_}).Out, out);
+  EXPECT_EQ(RunSbx({"--pad", "on", "info", disc_}).Out, out);
+  EXPECT_EQ(RunSbx({"info", disc_, "--pad", "on"}).Out, out);
+  EXPECT_EQ(RunSbx({"info", "--", disc_}).Out, out);
+  EXPECT_EQ(RunSbx({"info", "--", "-x"}).Err, "-x: No such file or directory\n");
 }
 
 TEST_F(ReadCommands, WrongWordsEndWithTwo) {

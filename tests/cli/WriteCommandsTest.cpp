@@ -67,6 +67,21 @@ TEST_F(WriteCommandsTest, AddRefusesAMissingHostFileAndAMissingDirectory) {
   Refused({"add", image_, "README", folder_ / "Y"}, "Not a directory: README");
 }
 
+TEST_F(WriteCommandsTest, APathThatTheHostCannotResolveIsToldInItsWords) {
+  Refused({"add", image_, "$", ""}, ": No such file or directory");
+}
+
+TEST_F(WriteCommandsTest, NothingIsWrittenIntoADirectoryWithoutItsMark) {
+  WriteText(folder_ / "Y", "yy");
+  Bytes bytes = Disc();
+  bytes[513] = 0;
+  WriteAll(image_, bytes);
+  Refused({"add", image_, "$", folder_ / "Y"}, "Not a directory: $");
+  Refused({"mkdir", image_, "$", "NEW"}, "Not a directory: $");
+  Refused({"title", image_, "$", "Mine"}, "Not a directory: $");
+  Refused({"compact", image_}, "Cannot Compact A Damaged Disc");
+}
+
 TEST_F(WriteCommandsTest, AMessageInTheMidstOfAnAddLeavesTheImageAsItWas) {
   WriteText(folder_ / "GAMES", "not a directory");
   WriteText(folder_ / "Y", "yy");
