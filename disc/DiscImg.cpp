@@ -280,7 +280,7 @@ void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
 std::size_t DiscImg::StoreFileRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
   const bool wholeBlocks = offset >= 0 && offset % kBlockSize == 0;
   if (disctype_ != kDat || !wholeBlocks || bytes.size() < 2 * kBlockSize) return 0;
-  if (!ReadyForBlocks() || readOnly_ || slots_[0].Data.size() != kBlockSize) return 0;
+  if (!ReadyForBlocks() || writeError_ != 0 || slots_[0].Data.size() != kBlockSize) return 0;
   const auto run = bytes.first(bytes.size() - bytes.size() % kBlockSize);
   WriteFileAt(fileNumber_, fileName_, offset, run);
   const auto first = static_cast<std::int32_t>(offset / kBlockSize);

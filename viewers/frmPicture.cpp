@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "disc/HostExchange.h"
 #include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
 #include "viewers/PictureFile.h"
@@ -84,9 +85,9 @@ QMenu* PictureMenu::Bar(const QString& name, const QString& caption) const {
 }
 
 void SavePictureAs(QWidget& window, const Picture& picture, const std::string& DefaultName) {
-  const std::string path = AskSaveFile(
-      &window,
-      {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*", DefaultName + ".bmp"});
+  const std::string path =
+      AskSaveFile(&window, {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*",
+                            AdfsToHostName(DefaultName) + ".bmp"});
   if (!path.empty()) SaveBmp(picture, path);
 }
 

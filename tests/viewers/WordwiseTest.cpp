@@ -472,12 +472,12 @@ TEST_F(WordwiseTest, WithoutABottomSpaceNoPlaceIsKeptAndALongDocumentIsShownWhol
   EXPECT_EQ(Format("{BS0/" + Times(50000, "x/")).size(), 100000U);
 }
 
-TEST_F(WordwiseTest, SearchingTheSameStretchAgainAndAgainTakesNoTime) {
-  // Each second group searches 60000 bytes from offset 3 on; each GF the rest of the disc.
+TEST_F(WordwiseTest, SearchingTheSameStretchAgainAndAgainComesToAnEnd) {
+  // Each second group searches 60000 bytes from offset 3 on; each GF the rest of the disc. Searched
+  // anew each time, that would be some billions of bytes, far beyond what a test is given.
   const std::string text = "xUS" + Times(60000, "y") + Times(20000, "{UE}ab{GF}c");
-  Format("{BS0/" + text.substr(0, 150000));
-  Format(text.substr(0, 150000));
-  SUCCEED();
+  EXPECT_GT(Format("{BS0/" + text.substr(0, 150000)).size(), 60000U);
+  EXPECT_GT(Format(text.substr(0, 150000)).size(), 60000U);
 }
 
 }  // namespace
