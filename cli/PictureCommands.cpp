@@ -14,7 +14,7 @@ namespace sectorbox::cli {
 namespace {
 
 std::string RequireOut(const CommandLine& line) {
-  const std::string out = line.Option("o", "");
+  std::string out = line.Option("o", "");
   if (out.empty()) throw UsageError(line.Command + ": -o OUT is missing");
   return out;
 }

@@ -121,7 +121,7 @@ void DiscImg::LoadCardSlot(Slot& slot) {
 
 std::size_t DiscImg::FetchCardRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
   // A run is worth a transfer of its own from two blocks on; most requests are shorter.
-  if (disctype_ != kCF || bytes.size() < 2 * kBlockSize || offset < 0) return 0;
+  if (disctype_ != kCF || bytes.size() < std::size_t{2} * kBlockSize || offset < 0) return 0;
   if (offset % kBlockSize != 0 || !ReadyForBlocks() || !device_->IsOpen()) return 0;
   const auto first = static_cast<std::int32_t>(offset / kBlockSize);
   std::int64_t end = std::min(WritableBytes() / kBlockSize,

@@ -42,7 +42,7 @@ std::vector<Subdirectory> ReadSubdirectories(Disc& disc, std::int32_t sector, Wa
   std::vector<Subdirectory> found;
   if (!HasMark(bytes)) return found;
   for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
-    const std::uint8_t* entry = bytes.data() + kDirEntries + slot * kEntrySize;
+    const std::uint8_t* entry = bytes.data() + kDirEntries + std::ptrdiff_t{slot} * kEntrySize;
     const int first = entry[kEntryName] & kLowBits;
     if (first == 0 || first == '\r') break;
     if ((entry[kEntryName + kAttrDirectory] & kTopBit) == 0) {

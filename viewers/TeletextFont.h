@@ -19,7 +19,7 @@ inline constexpr char kTeletextFontTitle[] = "WindowTitle";
 
 // 96 characters from code 32 on, 18 rows each, each row a little-endian 16-bit word with the
 // leftmost of ten pixels at bit 9. No header.
-inline constexpr std::size_t kTeletextFontBytes = 96 * 18 * 2;
+inline constexpr std::size_t kTeletextFontBytes = std::size_t{96} * 18 * 2;
 
 // How a code shows: as text, or as a mosaic of six blocks that touch or stand apart. Codes 64 to 95
 // show their character in all three, so capitals can be mixed into mosaics.
