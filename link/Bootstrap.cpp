@@ -36,12 +36,12 @@ constexpr std::size_t kBytesBetweenPumps = 50;
 class BareLine {
  public:
   explicit BareLine(Link& link) : link_(link) {
-    link.Port.Settings(wire::kBootstrapSettings);
+    link.Port.Settings(wire::LineSettings(wire::kBootstrapSpeed));
     link.AbortRequested = false;
   }
   ~BareLine() {
     link_.Port.Close();
-    link_.Port.Settings("19200,N,8,1");
+    link_.Port.Settings(wire::LineSettings(wire::kDefaultSpeed));
   }
   BareLine(const BareLine&) = delete;
   BareLine& operator=(const BareLine&) = delete;

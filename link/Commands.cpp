@@ -94,13 +94,13 @@ void ResetLink(Link& link) {
 }
 
 std::string ConnectToBBC(Link& link) {
-  link.Port.Settings(wire::kBootstrapSettings);
+  link.Port.Settings(wire::LineSettings(wire::kBootstrapSpeed));
   const std::int32_t ticked = link.Host.TickedSpeed();
-  const std::string speed = std::to_string(ticked > 0 ? ticked : wire::kDefaultSpeed);
-  SendCommand(link, "S" + speed + "\r", false);
+  const std::int32_t speed = ticked > 0 ? ticked : wire::kDefaultSpeed;
+  SendCommand(link, "S" + std::to_string(speed) + "\r", false);
   // The close comes right behind the write; the port lets the command out first.
   link.Port.Close();
-  link.Port.Settings(speed + ",N,8,1");
+  link.Port.Settings(wire::LineSettings(speed));
   link.Port.Open();
   std::string reply;
   ReadReply(link, reply);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 // The words of the wire. The PC is always the master: short text commands go out, bursts of text
@@ -26,9 +29,16 @@ inline constexpr std::string_view kQuit = "Q";
 inline constexpr std::string_view kAcknowledge = "-----BBC-----PC-----";
 inline constexpr std::string_view kStarError = "-----BBCerror1-----PC-----";
 
-// The server listens at this speed whenever no PC is connected.
-inline constexpr char kBootstrapSettings[] = "1200,N,8,1";
+// The speeds of the line in baud, in the order in which they are offered.
+inline constexpr std::array<std::int32_t, 5> kSpeeds = {19200, 9600, 4800, 2400, 1200};
 inline constexpr std::int32_t kDefaultSpeed = 19200;
+// The server listens at this speed whenever no PC is connected; so does a bare BBC.
+inline constexpr std::int32_t kBootstrapSpeed = 1200;
+
+// A port's settings for a speed: no parity, eight data bits, one stop bit.
+inline std::string LineSettings(std::int32_t speed) {
+  return std::to_string(speed) + ",N,8,1";
+}
 
 // The port's queue of bytes to be sent. A byte that finds it full waits for its turn, so that the
 // time limit for the reply starts when the stream has really gone out.

@@ -6,37 +6,37 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
 #include <thread>
-#include <utility>
 
 #include "disc/HostError.h"
+#include "link/Protocol.h"
 
 namespace sectorbox {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::array<std::pair<std::int32_t, speed_t>, 5> kSpeeds = {
-    {{1200, B1200}, {2400, B2400}, {4800, B4800}, {9600, B9600}, {19200, B19200}}};
-constexpr char kFormat[] = ",N,8,1";
+// The system's codes for wire::kSpeeds, in the same order.
+constexpr std::array<speed_t, wire::kSpeeds.size()> kSpeedCodes = {B19200, B9600, B4800, B2400,
+                                                                   B1200};
 
 // How long Close waits for a queue that doesn't move.
 constexpr std::chrono::milliseconds kDrainPatience{2000};
 
 speed_t SpeedCode(std::int32_t speed) {
-  for (const auto& [baud, code] : kSpeeds) {
-    if (baud == speed) return code;
-  }
-  return B0;
+  const auto found = std::find(wire::kSpeeds.begin(), wire::kSpeeds.end(), speed);
+  if (found == wire::kSpeeds.end()) return B0;
+  return kSpeedCodes[static_cast<std::size_t>(found - wire::kSpeeds.begin())];
 }
 
 // The speed of a text such as "1200,N,8,1"; 0 when it is none that a port can have.
 std::int32_t ParseSettings(const std::string& settings) {
-  for (const auto& [baud, code] : kSpeeds) {
-    if (settings == std::to_string(baud) + kFormat) return baud;
+  for (const std::int32_t speed : wire::kSpeeds) {
+    if (settings == wire::LineSettings(speed)) return speed;
   }
   return 0;
 }

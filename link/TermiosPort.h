@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "link/Protocol.h"
 #include "link/SerialPort.h"
 
 namespace sectorbox {
@@ -41,7 +42,7 @@ class TermiosPort final : public SerialPort {
   void Drop();
 
   std::string device_;
-  std::int32_t speed_ = 1200;
+  std::int32_t speed_ = wire::kBootstrapSpeed;
   int file_ = -1;
   std::deque<std::uint8_t> received_;
   std::string queued_;

@@ -5,20 +5,14 @@
 #include <QLocale>
 #include <QMessageBox>
 #include <QThread>
-#include <array>
 
+#include "link/Protocol.h"
 #include "shell/frmMain.h"
 #include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
-namespace {
-
-constexpr std::array<std::int32_t, 5> kSpeeds = {19200, 9600, 4800, 2400, 1200};
-
-}  // namespace
-
 LinkWindowHost::LinkWindowHost(frmMain& window) : window_(window) {
   clock_.start();
 }
@@ -110,7 +104,7 @@ void LinkWindowHost::CloseTransfer() {
 }
 
 std::int32_t LinkWindowHost::TickedSpeed() {
-  for (const auto speed : kSpeeds) {
+  for (const auto speed : wire::kSpeeds) {
     if (window_.Checked(("mnuXferSerial" + std::to_string(speed)).c_str())) return speed;
   }
   return 0;

@@ -3,6 +3,7 @@
 #include <array>
 #include <string>
 
+#include "link/Protocol.h"
 #include "shell/XferCommands.h"
 #include "shell/frmMain.h"
 #include "toolkit/SettingsStore.h"
@@ -28,11 +29,9 @@ constexpr std::array<FlagSetting, 9> kFlags = {{
     {"CheckBeforeWrite", "mnuXferCBW", false},
 }};
 
-// In the order in which the checked one is looked for.
-constexpr std::array<std::int16_t, 5> kSpeeds = {19200, 9600, 4800, 2400, 1200};
 constexpr std::int16_t kPorts = 4;
 
-QAction* Entry(const frmMain& window, const char* stem, std::int16_t number) {
+QAction* Entry(const frmMain& window, const char* stem, std::int32_t number) {
   return window.Action((stem + std::to_string(number)).c_str());
 }
 
@@ -43,7 +42,8 @@ void CheckPort(const frmMain& window, std::int16_t port) {
 }
 
 void CheckSpeed(const frmMain& window, std::int16_t speed) {
-  for (const auto one : kSpeeds) Entry(window, "mnuXferSerial", one)->setChecked(one == speed);
+  for (const auto one : wire::kSpeeds)
+    Entry(window, "mnuXferSerial", one)->setChecked(one == speed);
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ void CheckSpeed(const frmMain& window, std::int16_t speed) {
 void LoadSettings(frmMain& window) {
   const SettingsStore store;
   window.SetComPort(store.GetInt16("ComPort", 1));
-  const std::int16_t speed = store.GetInt16("BaudRate", 19200);
+  const std::int16_t speed = store.GetInt16("BaudRate", wire::kDefaultSpeed);
   CheckPort(window, window.ComPort());
   // The line itself starts at 1200 whatever was chosen: the speed is only a check mark until a
   // transfer raises it.
@@ -66,9 +66,9 @@ void SaveSettings(const frmMain& window) {
   SettingsStore store;
   for (const auto& flag : kFlags) store.PutFlag(flag.Key, window.Checked(flag.Entry));
   store.PutInt16("ComPort", window.ComPort());
-  for (const auto speed : kSpeeds) {
+  for (const auto speed : wire::kSpeeds) {
     if (!Entry(window, "mnuXferSerial", speed)->isChecked()) continue;
-    store.PutInt16("BaudRate", speed);
+    store.PutInt16("BaudRate", static_cast<std::int16_t>(speed));
     break;
   }
   store.Sync();

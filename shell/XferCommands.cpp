@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QMenu>
-#include <array>
 #include <string>
 #include <utility>
 
@@ -24,13 +23,14 @@
 namespace sectorbox {
 namespace {
 
-constexpr std::array<const char*, 5> kSpeedEntries = {"mnuXferSerial19200", "mnuXferSerial9600",
-                                                      "mnuXferSerial4800", "mnuXferSerial2400",
-                                                      "mnuXferSerial1200"};
 constexpr std::int16_t kComEntries = 4;
 
 std::string ComEntry(std::int16_t number) {
   return "mnuXferSerialCom" + std::to_string(number);
+}
+
+std::string SpeedEntry(std::int32_t speed) {
+  return "mnuXferSerial" + std::to_string(speed);
 }
 
 // Sets a flag for as long as it lives, however that ends.
@@ -69,8 +69,8 @@ void XferCommands::ConnectSerialMenu() {
   for (std::int16_t n = 1; n <= kComEntries; ++n) {
     window_.OnCommand(ComEntry(n).c_str(), [this, n] { ChooseCom(n); });
   }
-  for (const char* entry : kSpeedEntries) {
-    window_.OnCommand(entry, [this, entry] { ChooseSpeed(entry); });
+  for (const std::int32_t speed : wire::kSpeeds) {
+    window_.OnCommand(SpeedEntry(speed).c_str(), [this, speed] { ChooseSpeed(speed); });
   }
   window_.OnCommand("mnuXferSerialReconnect", Exclusive([this] { Reconnect(link_); }));
   // Adapters come and go while the program runs.
@@ -119,8 +119,10 @@ void XferCommands::ChooseCom(std::int16_t number) {
 
 // The settings stay as they are: a closed port makes the next transfer connect, and that reads the
 // tick.
-void XferCommands::ChooseSpeed(const char* entry) {
-  for (const char* one : kSpeedEntries) window_.Action(one)->setChecked(one == entry);
+void XferCommands::ChooseSpeed(std::int32_t speed) {
+  for (const std::int32_t one : wire::kSpeeds) {
+    window_.Action(SpeedEntry(one).c_str())->setChecked(one == speed);
+  }
   port_.Close();
 }
 
@@ -143,7 +145,7 @@ void XferCommands::SelectDevice() {
 void XferCommands::SetUpPort() {
   SelectDevice();
   ShowDevices();
-  port_.Settings(wire::kBootstrapSettings);
+  port_.Settings(wire::LineSettings(wire::kBootstrapSpeed));
 }
 
 void XferCommands::ClosePort() {

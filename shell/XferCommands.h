@@ -35,7 +35,7 @@ class XferCommands : public QObject {
   void Receive(std::int32_t drive, bool dataOnly);
   std::optional<QString> AskFindText();
   void ChooseCom(std::int16_t number);
-  void ChooseSpeed(const char* entry);
+  void ChooseSpeed(std::int32_t speed);
   void ShowDevices();
   void SelectDevice();
   // Runs what talks to the BBC, on the device that the ticked port stands for now. While one such
