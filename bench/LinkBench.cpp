@@ -9,6 +9,7 @@
 #include "link/Compression.h"
 #include "link/ReceiveImage.h"
 #include "link/WireCRC.h"
+#include "tests/support/InertLinkHost.h"
 #include "tests/support/SimulatedBbc.h"
 #include "tests/support/VirtualLine.h"
 
@@ -48,46 +49,26 @@ void Check(benchmark::State& state, const Bytes& data) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * data.size()));
 }
 
-// A host that says nothing and answers with one file.
-class QuietHost final : public LinkHost {
+// Notes when the dialog comes up, which is when the first chunk is about to go.
+class NotingHost final : public testing::InertLinkHost {
  public:
-  QuietHost(testing::VirtualClock& clock, const testing::VirtualPort& port, std::string file)
-      : clock_(clock), port_(port), file_(std::move(file)) {}
+  NotingHost(testing::VirtualClock& clock, const testing::VirtualPort& port, std::string file)
+      : InertLinkHost(clock, std::move(file)), clock_(clock), port_(port) {}
 
-  // Nanoseconds, when the dialog came up: the time, and how long the line had been busy by then.
+  // Nanoseconds: the time, and how long the line had been busy by then.
   std::int64_t Started() const { return started_; }
   std::int64_t BusyBefore() const { return busyBefore_; }
 
-  std::int64_t Milliseconds() override { return clock_.Milliseconds(); }
-  void Sleep(std::int32_t milliseconds) override { clock_.Sleep(milliseconds); }
-  void PumpEvents() override {}
-  std::string DateAndTime() override { return {}; }
   void ShowMessage(const std::string& text, const std::string&) override { ShowWarning(text); }
   void ShowWarning(const std::string& text) override { std::fprintf(stderr, "%s\n", text.c_str()); }
-  ReplaceAnswer AskReplace(const std::string&) override { return ReplaceAnswer::kNo; }
-  std::string AskOpenFileName(const FileQuestion&) override { return file_; }
-  std::string AskSaveFileName(const FileQuestion&) override { return file_; }
   void OpenTransfer(const std::string&) override {
     started_ = clock_.Nanoseconds;
     busyBefore_ = port_.NanosecondsBusy;
   }
-  void ShowChunk(const std::string&) override {}
-  void ShowTotal(const std::string&) override {}
-  void ShowCounters(const TransferCounters&) override {}
-  void ShowPercent(float) override {}
-  void FinishTransfer() override {}
-  void CloseTransfer() override {}
-  std::int32_t TickedSpeed() override { return 19200; }
-  bool CheckBeforeTransfer() override { return false; }
-  bool PlayWaveOnSuccess() override { return false; }
-  std::string ProgramFolder() override { return {}; }
-  bool PlayWave(const std::string&, bool) override { return false; }
-  void ShowTrace(const std::string&) override {}
 
  private:
-  testing::VirtualClock& clock_;
+  const testing::VirtualClock& clock_;
   const testing::VirtualPort& port_;
-  std::string file_;
   std::int64_t started_ = 0;
   std::int64_t busyBefore_ = 0;
 };
@@ -105,7 +86,7 @@ void ShowLine(std::int32_t chunk) {
   std::fill_n(disc.begin(), 512, std::uint8_t{0});
   disc[253] = kSectors >> 8;
   testing::VirtualPort port(clock, bbc);
-  QuietHost host(clock, port, file);
+  NotingHost host(clock, port, file);
   Link link(port, host);
   std::string fileName;
   const bool done = ReceiveImage(link, 0, false, fileName);

@@ -9,6 +9,7 @@
 #include "link/Packets.h"
 #include "link/StarCommand.h"
 #include "link/TransferMap.h"
+#include "tests/support/InertLinkHost.h"
 
 namespace sectorbox {
 namespace {
@@ -40,35 +41,6 @@ class InputPort final : public SerialPort {
   bool open_ = true;
 };
 
-class SilentHost final : public LinkHost {
- public:
-  std::int64_t Milliseconds() override { return now_; }
-  void Sleep(std::int32_t milliseconds) override { now_ += milliseconds; }
-  void PumpEvents() override {}
-  std::string DateAndTime() override { return {}; }
-  void ShowMessage(const std::string&, const std::string&) override {}
-  void ShowWarning(const std::string&) override {}
-  ReplaceAnswer AskReplace(const std::string&) override { return ReplaceAnswer::kNo; }
-  std::string AskOpenFileName(const FileQuestion&) override { return {}; }
-  std::string AskSaveFileName(const FileQuestion&) override { return {}; }
-  void OpenTransfer(const std::string&) override {}
-  void ShowChunk(const std::string&) override {}
-  void ShowTotal(const std::string&) override {}
-  void ShowCounters(const TransferCounters&) override {}
-  void ShowPercent(float) override {}
-  void FinishTransfer() override {}
-  void CloseTransfer() override {}
-  std::int32_t TickedSpeed() override { return 19200; }
-  bool CheckBeforeTransfer() override { return false; }
-  bool PlayWaveOnSuccess() override { return false; }
-  std::string ProgramFolder() override { return {}; }
-  bool PlayWave(const std::string&, bool) override { return false; }
-  void ShowTrace(const std::string&) override {}
-
- private:
-  std::int64_t now_ = 0;
-};
-
 }  // namespace
 }  // namespace sectorbox
 
@@ -76,7 +48,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace sectorbox;
   if (size == 0) return 0;
   InputPort port({data + 1, size - 1});
-  SilentHost host;
+  testing::VirtualClock clock;
+  testing::InertLinkHost host(clock);
   Link link(port, host);
   std::uint8_t sectors[4 * 256] = {};
   switch (data[0] % 4) {
