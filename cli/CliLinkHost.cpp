@@ -10,12 +10,11 @@
 
 #include "cli/ProgramFolder.h"
 #include "link/Commands.h"
+#include "link/Protocol.h"
 #include "link/SerialDevices.h"
 
 namespace sectorbox::cli {
 namespace {
-
-constexpr std::array<const char*, 5> kSpeeds = {"19200", "9600", "4800", "2400", "1200"};
 
 volatile std::sig_atomic_t interrupted = 0;
 
@@ -33,11 +32,15 @@ void CatchInterrupt() {
 }
 
 std::int32_t SpeedOf(const CommandLine& line) {
-  const std::string speed = line.Option("speed", kSpeeds[0]);
-  for (const char* known : kSpeeds) {
-    if (speed == known) return std::stoi(speed);
+  if (!line.Has("speed")) return wire::kDefaultSpeed;
+  const std::string word = line.Option("speed", "");
+  std::string offered;
+  for (const std::int32_t speed : wire::kSpeeds) {
+    if (word == std::to_string(speed)) return speed;
+    if (!offered.empty()) offered += speed == wire::kSpeeds.back() ? " or " : ", ";
+    offered += std::to_string(speed);
   }
-  throw UsageError("--speed takes 19200, 9600, 4800, 2400 or 1200");
+  throw UsageError("--speed takes " + offered);
 }
 
 std::string PortOf(const CommandLine& line) {
@@ -92,6 +95,9 @@ std::string CliLinkHost::DateAndTime() {
 }
 
 void CliLinkHost::ShowMessage(const std::string& text, const std::string&) {
+  // Ctrl-C makes the step that it meets fail as a silent BBC would. What such a step has to say
+  // is not the reason, and would send the user off to look for a fault in the cable.
+  if (WasInterrupted && !transferring_) return;
   ShowWarning(text);
 }
 
@@ -114,6 +120,7 @@ std::string CliLinkHost::AskSaveFileName(const FileQuestion&) {
 }
 
 void CliLinkHost::OpenTransfer(const std::string&) {
+  transferring_ = true;
   // Opening the dialog clears the flag; a Ctrl-C that came before still counts.
   if (WasInterrupted && AbortRequested != nullptr) *AbortRequested = true;
 }

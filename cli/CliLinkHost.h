@@ -54,6 +54,7 @@ class CliLinkHost final : public LinkHost {
   std::int32_t speed_;
   bool check_;
   bool terminal_;
+  bool transferring_ = false;
   std::string chunk_;
   float percent_ = 0;
 };

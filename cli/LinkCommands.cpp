@@ -17,9 +17,9 @@ std::int32_t DriveOf(const std::string& word) {
   throw UsageError("DRIVE is 0, 1, 4 or 5");
 }
 
-// An aborted transfer has said nothing: the words for it are the command line's own.
-int EndOf(const CliLink& connection, bool done) {
-  if (!done && !connection.Host.MessageShown) std::fputs("Transfer Aborted\n", stderr);
+// What was aborted has said nothing: the words for it are the command line's own.
+int EndOf(const CliLink& connection, bool done, const char* aborted = "Transfer Aborted") {
+  if (!done && !connection.Host.MessageShown) std::fprintf(stderr, "%s\n", aborted);
   return done && !connection.Host.MessageShown ? kDone : kRefused;
 }
 
@@ -66,11 +66,11 @@ class PlainLines {
 int RunStar(const CommandLine& line) {
   line.Expect(1, 1);
   CliLink connection(line);
-  if (!Reconnect(connection.TheLink)) return kRefused;
   PlainLines output;
-  const bool done = RunStarCommand(connection.TheLink, line.Arguments[0],
+  const bool done = Reconnect(connection.TheLink) &&
+                    RunStarCommand(connection.TheLink, line.Arguments[0],
                                    [&](const std::string& text) { output.Print(text); });
-  return EndOf(connection, done);
+  return EndOf(connection, done && !connection.Host.WasInterrupted, "Command Aborted");
 }
 
 int RunBootstrap(const CommandLine& line) {

@@ -25,6 +25,9 @@ void CollectOutput(Link& link, std::string text,
     const std::string shown = ExpandCarriageReturns(text);
     if (shown.size() > 1) PumpEvents(link);
     show(shown);
+    // No button can set the flag while the console waits, but Ctrl-C at a prompt can: it is the
+    // way out of a command that never stops printing.
+    if (link.AbortRequested) return;
     // The token doesn't end the loop, silence does: the BBC may print in bursts.
     link.Host.Sleep(wire::kConsolePause);
     text.clear();

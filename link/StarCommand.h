@@ -13,7 +13,8 @@ namespace sectorbox {
 //
 // True when the command ran. False when it failed; the BBC's own error text, or the words for no
 // answer, have then been shown. Doesn't connect: the port is opened at the settings that stand.
-// An AbortRequested that the last transfer left set makes every command fail at once.
+// An AbortRequested that the last transfer left set makes every command fail at once; one that
+// comes while the output is collected ends that behind the piece at hand.
 bool RunStarCommand(Link& link, const std::string& command,
                     const std::function<void(const std::string&)>& show);
 

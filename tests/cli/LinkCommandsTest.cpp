@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tests/link/LinkRig.h"
+#include "tests/support/NoiseDiscs.h"
 #include "tests/support/PtyBbc.h"
 #include "tests/support/RunSbx.h"
 #include "tests/support/TempFolder.h"
@@ -9,22 +9,6 @@ namespace sectorbox::testing {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-// A kind of disc: its sectors, its extension, the order of its file.
-struct DiscKind {
-  const char* Name;
-  std::int32_t Sectors;
-  const char* Extension;
-};
-
-constexpr DiscKind kKinds[] = {{"Single40", 640, ".adf"},
-                               {"Single80", 1280, ".adf"},
-                               {"Double80", 2560, ".adl"},
-                               {"Hard800", 800, ".dat"}};
-
-Bytes FileOf(const DiscKind& kind, const Bytes& flat) {
-  return std::string(kind.Extension) == ".adl" ? Interleave(flat) : flat;
-}
 
 class LinkCommandsTest : public ::testing::TestWithParam<DiscKind> {
  protected:
@@ -73,7 +57,7 @@ TEST_P(LinkCommandsTest, ADiscGoesAcrossWithFaultsOnTheLine) {
   EXPECT_EQ(line.Bbc.Quits, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(OfEveryKind, LinkCommandsTest, ::testing::ValuesIn(kKinds),
+INSTANTIATE_TEST_SUITE_P(OfEveryKind, LinkCommandsTest, ::testing::ValuesIn(kDiscKinds),
                          [](const auto& test) { return test.param.Name; });
 
 class LinkCommandTest : public LinkCommandsTest {};

@@ -60,9 +60,12 @@ void PtyBbc::Send(const std::string& bytes) {
 }
 
 void PtyBbc::Run() {
-  while (!stop_) {
+  for (;;) {
     pollfd waiting{master_, POLLIN, 0};
-    if (::poll(&waiting, 1, 10) <= 0) continue;
+    if (::poll(&waiting, 1, 10) <= 0) {
+      if (stop_) return;
+      continue;
+    }
     std::uint8_t bytes[4096];
     const ssize_t got = ::read(master_, bytes, sizeof bytes);
     for (ssize_t i = 0; i < got; ++i) {

@@ -22,6 +22,7 @@ class PtyBbc {
   // What a program opens as its serial port.
   const std::string& Device() const { return device_; }
   void Start();
+  // Hears out what the PC has sent before.
   void Stop();
   // Pulls the plug: the PC's side fails from now on.
   void Unplug();

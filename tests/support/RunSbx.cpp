@@ -4,9 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <sstream>
-
-#include "tests/support/TempFolder.h"
+#include <stdexcept>
 
 namespace sectorbox::testing {
 namespace {
@@ -19,29 +19,46 @@ void Redirect(const char* path, int flags, int descriptor) {
 
 }  // namespace
 
-SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder,
-                 const std::string& program) {
-  const TempFolder streams;
-  const std::string out = streams / "out";
-  const std::string err = streams / "err";
+SbxProcess::SbxProcess(const std::vector<std::string>& arguments, const std::string& folder,
+                       const std::string& program) {
+  const std::string out = streams_ / "out";
+  const std::string err = streams_ / "err";
   std::vector<char*> words = {const_cast<char*>(program.c_str())};
   for (const auto& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
   words.push_back(nullptr);
 
-  const pid_t child = ::fork();
-  if (child < 0) throw std::runtime_error("no process for sbx");
-  if (child == 0) {
-    if (!folder.empty() && ::chdir(folder.c_str()) != 0) ::_exit(126);
-    Redirect("/dev/null", O_RDONLY, STDIN_FILENO);
-    Redirect(out.c_str(), O_WRONLY | O_CREAT, STDOUT_FILENO);
-    Redirect(err.c_str(), O_WRONLY | O_CREAT, STDERR_FILENO);
-    ::execv(program.c_str(), words.data());
-    ::_exit(127);
-  }
+  child_ = ::fork();
+  if (child_ < 0) throw std::runtime_error("no process for sbx");
+  if (child_ != 0) return;
+  if (!folder.empty() && ::chdir(folder.c_str()) != 0) ::_exit(126);
+  Redirect("/dev/null", O_RDONLY, STDIN_FILENO);
+  Redirect(out.c_str(), O_WRONLY | O_CREAT, STDOUT_FILENO);
+  Redirect(err.c_str(), O_WRONLY | O_CREAT, STDERR_FILENO);
+  ::execv(program.c_str(), words.data());
+  ::_exit(127);
+}
+
+SbxProcess::~SbxProcess() {
+  if (child_ < 0) return;
+  ::kill(child_, SIGKILL);
+  ::waitpid(child_, nullptr, 0);
+}
+
+void SbxProcess::Interrupt() {
+  ::kill(child_, SIGINT);
+}
+
+SbxResult SbxProcess::Wait() {
   int status = 0;
-  ::waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadText(out),
-          ReadText(err)};
+  ::waitpid(child_, &status, 0);
+  child_ = -1;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+          ReadText(streams_ / "out"), ReadText(streams_ / "err")};
+}
+
+SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder,
+                 const std::string& program) {
+  return SbxProcess(arguments, folder, program).Wait();
 }
 
 std::vector<std::string> Lines(const std::string& text) {

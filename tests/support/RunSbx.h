@@ -1,7 +1,11 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <vector>
+
+#include "tests/support/TempFolder.h"
 
 namespace sectorbox::testing {
 
@@ -12,8 +16,27 @@ struct SbxResult {
   std::string Err;
 };
 
-// Runs sbx with these arguments and an empty standard input, neither end being a terminal, and
-// waits for it. folder, where given, is where it runs; program a copy of sbx to run instead.
+// A running sbx, with an empty standard input and no terminal at either end. One that nobody waited
+// for is killed. folder, where given, is where it runs; program a copy of sbx to run instead.
+class SbxProcess {
+ public:
+  explicit SbxProcess(const std::vector<std::string>& arguments, const std::string& folder = "",
+                      const std::string& program = SBX_PATH);
+  ~SbxProcess();
+  SbxProcess(const SbxProcess&) = delete;
+  SbxProcess& operator=(const SbxProcess&) = delete;
+
+  // Ctrl-C.
+  void Interrupt();
+  // Until it ends by itself. Only once.
+  SbxResult Wait();
+
+ private:
+  TempFolder streams_;
+  pid_t child_ = -1;
+};
+
+// The same from start to end.
 SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder = "",
                  const std::string& program = SBX_PATH);
 
