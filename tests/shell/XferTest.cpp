@@ -1,40 +1,9 @@
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
-#include <QPlainTextEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTest>
 
-#include "shell/XferCommands.h"
-#include "tests/link/LinkRig.h"
-#include "tests/support/PtyBbc.h"
-#include "tests/support/WindowFixture.h"
-#include "toolkit/Text.h"
+#include "tests/shell/XferFixture.h"
 
 namespace sectorbox::testing {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-class XferTest : public WindowTest {
- protected:
-  void StartWired() {
-    SettingsStore().PutString("Com2Device", QString::fromStdString(line.Device()));
-    SettingsStore().PutInt16("ComPort", 2);
-    Start();
-    line.Start();
-  }
-  QDialog* Dialog() { return window_->findChild<QDialog*>(QStringLiteral("frmRX")); }
-  template <typename T>
-  T* In(QWidget& dialog, const char* name) {
-    T* found = dialog.findChild<T*>(QString::fromLatin1(name));
-    EXPECT_NE(found, nullptr) << name;
-    return found;
-  }
-
-  PtyBbc line;
-};
 
 TEST_F(XferTest, EachPortEntryTellsItsDevice) {
   StartWired();
@@ -83,63 +52,6 @@ TEST_F(XferTest, AReceivedDiscIsShownAndLoadedAndTheEndSaysQ) {
   EXPECT_EQ(line.Bbc.Quits, 1);
 }
 
-TEST_F(XferTest, ASentDiscArrivesWithFaultsOnTheLine) {
-  line.Bbc.Drives[4] = Bytes(800 * 256);
-  line.Bbc.SetBuffer(64);
-  line.Bbc.Faults.WrongCrcEvery = 5;
-  const Bytes disc = NoiseDisc(800, {});
-  WriteAll(folder_ / "x.dat", disc);
-  StartWired();
-  Choose("mnuXferTracewindow");
-  EXPECT_FALSE(window_->Action("mnuXferTracewindow")->isEnabled());
-  player_.ExpectFileDialog(folder_ / "x.dat");
-  Choose("mnuXferTX4");
-  ASSERT_NE(Dialog(), nullptr);
-  EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Send Image"));
-  EXPECT_EQ(In<QLineEdit>(*Dialog(), "txtCRC")->text(), QStringLiteral("3"));
-  line.Stop();
-  EXPECT_EQ(line.Bbc.Drives[4], disc);
-  auto* trace = window_->findChild<QWidget*>(QStringLiteral("frmTrace"));
-  ASSERT_NE(trace, nullptr);
-  EXPECT_TRUE(In<QPlainTextEdit>(*trace, "txtTrace")
-                  ->toPlainText()
-                  .endsWith(QStringLiteral("Written 800 of 800\n")));
-  trace->close();
-  EXPECT_TRUE(window_->Action("mnuXferTracewindow")->isEnabled());
-}
-
-TEST_F(XferTest, AbortClosesTheDialogAtOnceAndEndsTheTransfer) {
-  line.Bbc.Drives[0] = NoiseDisc(640, {});
-  line.Bbc.SetBuffer(2);
-  StartWired();
-  player_.ExpectFileDialog(folder_ / "x.adf");
-  QTimer::singleShot(1500, window_.get(), [&] {
-    ASSERT_NE(Dialog(), nullptr);
-    In<QPushButton>(*Dialog(), "cmdAbort")->click();
-    Settle();
-    EXPECT_EQ(Dialog(), nullptr);
-  });
-  Choose("mnuXferRX0");
-  EXPECT_EQ(Dialog(), nullptr);
-  EXPECT_TRUE(window_->Xfer().TheLink().AbortRequested);
-  EXPECT_LT(ReadAll(folder_ / "x.adf").size(), 640U * 256);
-}
-
-TEST_F(XferTest, APortThatVanishesIsToldAndTheWindowLives) {
-  line.Bbc.Drives[0] = NoiseDisc(640, {});
-  line.Bbc.SetBuffer(2);
-  StartWired();
-  player_.ExpectFileDialog(folder_ / "x.adf");
-  player_.ExpectBox(QString::fromStdString(line.Device()) + QStringLiteral(": Input/output error"),
-                    QStringLiteral("Sectorbox"));
-  QTimer::singleShot(1500, window_.get(), [&] { line.Unplug(); });
-  Choose("mnuXferRX0");
-  Settle();
-  EXPECT_EQ(Dialog(), nullptr);
-  EXPECT_GT(ReadAll(folder_ / "x.adf").size(), 0U);
-  EXPECT_FALSE(window_->Xfer().TheLink().Port.PortOpen());
-}
-
 TEST_F(XferTest, AStarCommandShowsItsOutputAndClearsItself) {
   line.Bbc.StarReplies["CAT"] = {{0, "Title\r"}};
   StartWired();
@@ -166,7 +78,7 @@ TEST_F(XferTest, CancelOnAnIdleBootstrapClosesItAndLeavesTheAbortFlagSet) {
     EXPECT_FALSE(dialog.isVisible());
   });
   Choose("mnuXferBasic");
-  EXPECT_TRUE(window_->Xfer().TheLink().AbortRequested);
+  EXPECT_TRUE(TheLink().AbortRequested);
 }
 
 TEST_F(XferTest, ATraceWindowOfMoreThan32000CharactersLosesItsFirst4096) {
@@ -175,10 +87,10 @@ TEST_F(XferTest, ATraceWindowOfMoreThan32000CharactersLosesItsFirst4096) {
   auto* trace = window_->findChild<QWidget*>(QStringLiteral("frmTrace"));
   auto* text = In<QPlainTextEdit>(*trace, "txtTrace");
   text->setPlainText(QString(4096, u'a') + QString(32000 - 4096, u'b'));
-  window_->Xfer().TheLink().Host.ShowTrace("one\r\n");
+  TheLink().Host.ShowTrace("one\r\n");
   EXPECT_TRUE(text->toPlainText().startsWith(u'a'));
   text->setPlainText(QString(4096, u'a') + QString(32001 - 4096, u'b'));
-  window_->Xfer().TheLink().Host.ShowTrace("two\r\n");
+  TheLink().Host.ShowTrace("two\r\n");
   EXPECT_TRUE(text->toPlainText().startsWith(u'b'));
   EXPECT_TRUE(text->toPlainText().endsWith(QStringLiteral("btwo\n")));
   QTest::keyClick(text, Qt::Key_X);

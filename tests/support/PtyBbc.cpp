@@ -31,6 +31,7 @@ PtyBbc::~PtyBbc() {
 }
 
 void PtyBbc::Start() {
+  stop_ = false;
   thread_ = std::thread([this] { Run(); });
 }
 
@@ -69,6 +70,7 @@ void PtyBbc::Run() {
     std::uint8_t bytes[4096];
     const ssize_t got = ::read(master_, bytes, sizeof bytes);
     for (ssize_t i = 0; i < got; ++i) {
+      bytes_ += static_cast<char>(bytes[i]);
       ++received_;
       Bbc.Receive(bytes[i]);
       for (const auto& burst : Bbc.TakeOutput()) {

@@ -26,7 +26,9 @@ class PtyBbc {
   void Stop();
   // Pulls the plug: the PC's side fails from now on.
   void Unplug();
-  // Bytes that have come from the PC so far.
+  // Everything that has come from the PC; to be looked at after Stop.
+  const std::string& Bytes() const { return bytes_; }
+  // How many bytes have come from the PC so far.
   std::size_t Received() const { return received_; }
 
  private:
@@ -38,6 +40,7 @@ class PtyBbc {
   int slave_ = -1;  // held open, so that the PC may close and open its own as it likes
   std::atomic<bool> stop_{false};
   std::atomic<std::size_t> received_{0};
+  std::string bytes_;
   std::thread thread_;
 };
 
