@@ -1,6 +1,7 @@
 // Full format and full backup of a 64 MB partition on a plain file, beside a plain write and read
-// of the same device bytes in transfers of the same size. Both ends go to the medium: every write
-// is followed by a sync, and every read starts with the file out of the host's cache, as a card is.
+// of the same device bytes. A format and its floor both end with the bytes on the medium. A backup
+// is measured with the card out of the host's cache, as a real one is, and in it; and since it also
+// writes an image of half the card's bytes, it is compared with a read alone and with both.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/Ratio.h"
 #include "cfcard/FormatCF.h"
 #include "disc/Disc.h"
 #include "disc/OpenImage.h"
@@ -88,6 +90,23 @@ class CardFile {
     benchmark::DoNotOptimize(bytes.data());
     ::close(file);
   }
+  // As many bytes as a full backup has, to where it goes.
+  void WriteBackup(bool replaces) const {
+    const std::vector<char> bytes(kTransfer);
+    const std::string other = folder_ + "/other";
+    const int file = ::open(other.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0600);
+    for (std::size_t at = 0; at < kDeviceBytes / 2; at += kTransfer) {
+      if (::write(file, bytes.data(), kTransfer) < 0) std::abort();
+    }
+    if (replaces) ::fsync(file);
+    ::close(file);
+    std::filesystem::rename(other, Backup());
+  }
+  // Leaves an older backup that is on the medium, or none.
+  void PrepareBackup(bool older) const {
+    std::filesystem::remove(Backup());
+    if (older) WriteBackup(true);
+  }
   // Out of the host's cache.
   void Forget() const {
     const int file = ::open(Path().c_str(), O_RDONLY);
@@ -103,56 +122,49 @@ class CardFile {
   Disc Card{host_};
 };
 
-void PlainWrite(benchmark::State& state) {
-  const CardFile card;
-  for (auto _ : state) card.Write();
-}
-
 void FullFormat(benchmark::State& state) {
   CardFile card;
   QuietView view;
-  for (auto _ : state) {
-    card.Card.ProgressRunning = true;
-    FormatCFDisc(card.Card, view, "64MB", false);
-  }
+  bench::Compare(state, {[&] {
+                   card.Card.ProgressRunning = true;
+                   FormatCFDisc(card.Card, view, "64MB", false);
+                 }},
+                 {[&] { card.Write(); }});
 }
 
-// range(0): whether the card's bytes are in the host's cache already.
-void PlainRead(benchmark::State& state) {
-  const CardFile card;
-  for (auto _ : state) {
-    state.PauseTiming();
-    if (state.range(0) == 0) card.Forget();
-    state.ResumeTiming();
-    card.Read();
-  }
-}
-
+// range(0): whether the card's bytes are in the host's cache already; range(1): whether there is an
+// older backup of that name, which isn't given up before the new one is on the medium; range(2):
+// what the floor is. 0: a plain read of the card. 1: the same and a plain write of as many bytes as
+// the backup has, into a file that is new or takes an older one's place, as above.
 void FullBackup(benchmark::State& state) {
   CardFile card;
-  for (auto _ : state) {
-    state.PauseTiming();
-    OpenCFPartition(card.Card, card.Card.ImageName);
-    if (state.range(0) == 0) card.Forget();
-    state.ResumeTiming();
-    SaveDatImage(card.Card, card.Backup(), true);
-  }
+  const bool isCached = state.range(0) != 0;
+  const bool replaces = state.range(1) != 0;
+  const bool withWrite = state.range(2) != 0;
+  const auto prepare = [&] {
+    if (!isCached) card.Forget();
+    card.PrepareBackup(replaces);
+  };
+  bench::Compare(state,
+                 {[&] { SaveDatImage(card.Card, card.Backup(), true); },
+                  [&] {
+                    OpenCFPartition(card.Card, card.Card.ImageName);
+                    prepare();
+                  }},
+                 {[&] {
+                    card.Read();
+                    if (withWrite) card.WriteBackup(replaces);
+                  },
+                  prepare});
 }
 
-BENCHMARK(PlainWrite)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(FullFormat)->Unit(benchmark::kMillisecond)->UseRealTime();
-BENCHMARK(PlainRead)
-    ->ArgName("cached")
-    ->Arg(0)
-    ->Arg(1)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+BENCHMARK(FullFormat)->Unit(benchmark::kMillisecond)->UseManualTime()->MinTime(2);
 BENCHMARK(FullBackup)
-    ->ArgName("cached")
-    ->Arg(0)
-    ->Arg(1)
+    ->ArgNames({"cached", "replaces", "floor_writes"})
+    ->ArgsProduct({{0, 1}, {0, 1}, {0, 1}})
     ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+    ->UseManualTime()
+    ->MinTime(2);
 
 }  // namespace
 }  // namespace sectorbox

@@ -19,6 +19,9 @@ constexpr std::int32_t kLargestPartition = 0x1FFFFF;
 constexpr std::int32_t kTransferSectors = DiscImg::kTransferSize / DiscImg::kDeviceSector;
 constexpr std::int32_t kBlockSectors = DiscImg::kCFBlockSize / DiscImg::kDeviceSector;
 
+// Device bytes that a long run fetches at once: as many as the platform's calls take in one go.
+constexpr std::int64_t kRunBytes = 65536;
+
 // A failed read leaves the first 512 bytes of a card's block zero, and those only.
 constexpr std::ptrdiff_t kZeroedOnFailure = 512;
 
@@ -126,13 +129,13 @@ std::size_t DiscImg::FetchCardRun(std::int64_t offset, std::span<std::uint8_t> b
   const auto first = static_cast<std::int32_t>(offset / kBlockSize);
   std::int64_t end = std::min(WritableBytes() / kBlockSize,
                               first + static_cast<std::int64_t>(bytes.size() / kBlockSize));
-  end = std::min<std::int64_t>(end, first + kTransferSize / kCFBlockSize);
+  end = std::min<std::int64_t>(end, first + kRunBytes / kCFBlockSize);
   // What stands in a slot may not have reached the card yet.
   for (const Slot& slot : slots_) {
     if (slot.Block >= first) end = std::min<std::int64_t>(end, slot.Block);
   }
   if (end - first < 2) return 0;
-  std::array<std::uint8_t, kTransferSize> device;
+  std::array<std::uint8_t, kRunBytes> device;
   const std::size_t wanted = static_cast<std::size_t>(end - first) * kCFBlockSize;
   std::size_t done = wanted;
   DeviceRead(static_cast<std::uint64_t>(first) * kCFBlockSize, done, device.data());

@@ -15,6 +15,10 @@
 namespace sectorbox {
 namespace {
 
+// A long file whose end will be waited for starts on its way to the medium while the rest of it is
+// still being made, in parts that a medium takes well.
+constexpr std::size_t kSendOnEvery = std::size_t{4} << 20;
+
 bool StatOf(const std::string& path, struct stat& result) {
   return ::stat(path.c_str(), &result) == 0;
 }
@@ -157,6 +161,7 @@ OutputFile::OutputFile(OutputFile&& other) noexcept
       temporary_(std::move(other.temporary_)),
       onMedium_(other.onMedium_),
       file_(other.file_),
+      waiting_(other.waiting_),
       replaces_(other.replaces_),
       endsInHole_(other.endsInHole_) {
   other.file_ = -1;
@@ -177,7 +182,23 @@ void OutputFile::Write(std::span<const std::uint8_t> bytes) {
       ThrowHostError(path_, errno);
     }
     bytes = bytes.subspan(static_cast<std::size_t>(done));
+    SendOn(static_cast<std::size_t>(done));
   }
+}
+
+bool OutputFile::IsAwaited() const {
+  // Before an older file goes, the bytes of the new one are on the medium, so that even a power cut
+  // leaves one of the two. Where there is none to lose nobody waits for that.
+  return replaces_ && !temporary_.empty() && onMedium_ == OnMedium::kAtOnce;
+}
+
+void OutputFile::SendOn(std::size_t bytes) {
+  if (!IsAwaited()) return;
+  waiting_ += bytes;
+  if (waiting_ < kSendOnEvery) return;
+  waiting_ = 0;
+  // No more than a hint: Close waits for the bytes all the same, and hears what went wrong.
+  (void)::sync_file_range(file_, 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
 void OutputFile::Skip(std::uint64_t bytes) {
@@ -208,9 +229,7 @@ void OutputFile::Close() {
     if (::close(file) != 0) ThrowHostError(path_, errno);
     return;
   }
-  // Before an older file goes, the bytes of the new one are on the medium, so that even a power cut
-  // leaves one of the two. Where there is none to lose nobody waits for that.
-  const int synced = replaces_ && onMedium_ == OnMedium::kAtOnce ? ::fsync(file) : 0;
+  const int synced = IsAwaited() ? ::fsync(file) : 0;
   const int syncError = errno;
   if (::close(file) != 0 || synced != 0) ThrowHostError(path_, synced != 0 ? syncError : errno);
   if (::rename(temporary_.c_str(), path_.c_str()) != 0) ThrowHostError(path_, errno);

@@ -49,10 +49,16 @@ class OutputFile {
   void Close();
 
  private:
+  // True if Close waits until every byte is on the medium.
+  bool IsAwaited() const;
+  // Bytes more have been written, which Close will have to wait for if it IsAwaited.
+  void SendOn(std::size_t bytes);
+
   std::string path_;
   std::string temporary_;
   OnMedium onMedium_;
   int file_ = -1;
+  std::size_t waiting_ = 0;  // bytes written since the host was last asked to send them on
   bool replaces_ = false;
   bool endsInHole_ = false;
 };
