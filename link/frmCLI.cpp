@@ -118,7 +118,7 @@ void frmCLI::mnuFileSave_Click() {
 
 void frmCLI::mnuFilePrint_Click() {
   if (QPrinterInfo::defaultPrinter().isNull()) {
-    ShowBox(this, QStringLiteral("There is no default printer"), QStringLiteral("Sectorbox"),
+    ShowBox(this, QStringLiteral("No printer is set up."), QStringLiteral("Sectorbox"),
             BoxIcon::kExclamation);
     return;
   }

@@ -1,4 +1,5 @@
-// Ctrl-C while sbx talks to the BBC. Real processes, in real time.
+// What a user at a prompt sees and does while sbx talks to the BBC: the progress line, and Ctrl-C.
+// Real processes, in real time.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -142,6 +143,28 @@ TEST_F(InterruptTest, ASecondOneEndsTheProgramAtOnce) {
   EXPECT_EQ(result.Status, kEndedByInterrupt);
   EXPECT_LT(Clock::now() - pressed, seconds(2));
   EXPECT_TRUE(StartsWith(line.Bbc.Drives[0], ReadAll(file)));
+}
+
+// A second pseudo-terminal stands for the user's screen; what its far end makes of the text is of
+// no interest.
+TEST_F(InterruptTest, OnATerminalProgressIsOneLineThatIsWipedAtTheEnd) {
+  line.Bbc.Drives[0] = NoiseDisc(640, {});
+  line.Bbc.SetBuffer(128);
+  PtyBbc screen;
+  screen.Bbc.Faults.Mute = true;
+  screen.Start();
+  line.Start();
+  SbxProcess sbx({"receive", "0", folder / "x.adf", "--port", line.Device()}, "", SBX_PATH,
+                 screen.Device());
+  EXPECT_EQ(sbx.Wait().Status, 0);
+  line.Stop();
+  screen.Stop();
+  const std::string& shown = screen.Bytes();
+  EXPECT_NE(shown.find("\rReceiving Sectors 128 to 255 (20%, retries 0, bad CRCs 0, bad sectors 0)"
+                       "\x1B[K"),
+            std::string::npos);
+  EXPECT_EQ(shown.find('\n'), std::string::npos);
+  EXPECT_TRUE(shown.ends_with("\r\x1B[K"));
 }
 
 }  // namespace

@@ -342,6 +342,19 @@ TEST(Trace, CancellingTheChoiceChangesNothingAndAFailedOneEndsTheLog) {
   EXPECT_EQ(rig.Host.LogOf("warning").size(), 1U);
 }
 
+TEST(Trace, AnOldLogThatCannotBeDeletedIsToldAndTheOneThatIsOpenGoesOn) {
+  LinkRig rig;
+  rig.Host.FileAnswers = {rig.Folder / "x.log", "/proc/version"};
+  rig.Host.ReplaceAnswers = {ReplaceAnswer::kYes};
+  rig.Host.AcceptMessages = true;
+  ChooseTraceFile(rig.TheLink);
+  ChooseTraceFile(rig.TheLink);
+  ASSERT_EQ(rig.Host.LogOf("warning").size(), 1U);
+  EXPECT_TRUE(rig.Host.LogOf("warning")[0].starts_with("warning /proc/version: "));
+  TraceLine(rig.TheLink, "line\r");
+  EXPECT_EQ(ReadText(rig.Folder / "x.log"), "NOW line\r\n");
+}
+
 TEST(StarCommand, OutputInBurstsComesInPiecesAndEndsWithTheToken) {
   LinkRig rig;
   rig.Connect();
@@ -388,6 +401,18 @@ TEST(StarCommand, AnErrorWhoseTextNeverComesIsAProblem) {
   rig.Host.ExpectedMessages = {"Problem sending * Command"};
   EXPECT_FALSE(RunStarCommand(rig.TheLink, "X", [](const std::string&) {}));
   EXPECT_EQ(rig.Host.LogOf("message").at(0), "message * Command Error|Problem sending * Command");
+}
+
+TEST(StarCommand, AnAbortWhileItPrintsEndsItBehindThePieceAtHand) {
+  LinkRig rig;
+  rig.Connect();
+  rig.Bbc.StarReplies["TALK"] = {{0, "one\r"}, {600, "two\r"}, {600, "three\r"}};
+  std::string shown;
+  EXPECT_TRUE(RunStarCommand(rig.TheLink, "TALK", [&](const std::string& p) {
+    shown += p;
+    rig.TheLink.AbortRequested = shown.ends_with("two\r\n");
+  }));
+  EXPECT_EQ(shown, "one\r\ntwo\r\n");
 }
 
 TEST(StarCommand, AnAbortLeftByTheLastTransferFailsEveryCommandAtOnce) {

@@ -334,6 +334,19 @@ TEST_F(ReceiveImageTest, AFileThatCannotBeOpenedIsShownInTheSystemsWords) {
   EXPECT_TRUE(rig.Port.PortOpen());
 }
 
+TEST_F(ReceiveImageTest, AHostDiscThatIsFullEndsItInTheSystemsWordsAndTheLinkGoesOn) {
+  rig.Bbc.Drives[0] = NoiseDisc(40, {});
+  rig.Host.FileAnswers.push_back("/dev/full");
+  rig.Host.ExpectedMessages = {"/dev/full: No space left on device"};
+  std::string fileName;
+  EXPECT_FALSE(ReceiveImage(rig.TheLink, 0, false, fileName));
+  EXPECT_EQ(rig.Host.LogOf("warning").size(), 1U);
+  EXPECT_FALSE(rig.Host.DialogOpen);
+  EXPECT_FALSE(rig.Host.DialogFinished);
+  EXPECT_TRUE(Receive("x"));
+  EXPECT_EQ(File("x"), rig.Bbc.Drives[0]);
+}
+
 TEST_F(ReceiveImageTest, ASecondTransferSkipsTheConnection) {
   rig.Bbc.Drives[0] = NoiseDisc(20, {});
   EXPECT_TRUE(Receive("x"));

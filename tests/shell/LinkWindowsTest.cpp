@@ -120,6 +120,56 @@ TEST_F(LinkWindowsTest, AClosedTraceWindowStopsNeitherTheLogNorTheTransfer) {
   EXPECT_TRUE(lines.endsWith(after));
 }
 
+TEST_F(LinkWindowsTest, AnOldLogIsAskedAbout) {
+  const std::string log = folder_ / "x.log";
+  WriteText(log, "old\r\n");
+  Start();
+  const auto answer = [&](QMessageBox::StandardButton button) {
+    player_.ExpectFileDialog(log, [](QWidget& dialog) {
+      EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Open Trace Log File"));
+    });
+    player_.Expect([=](QWidget& dialog) {
+      auto& box = static_cast<QMessageBox&>(dialog);
+      EXPECT_EQ(box.text().toStdString(), "Replace existing file - " + log + "?");
+      EXPECT_EQ(box.standardButtons(), QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+      box.button(button)->click();
+    });
+  };
+  answer(QMessageBox::Cancel);  // asks for the file again
+  answer(QMessageBox::No);
+  Choose("mnuXferTraceFile");
+  TheLink().TraceFile.Append("new\r\n");
+  EXPECT_EQ(ReadText(log), "old\r\nnew\r\n");
+  answer(QMessageBox::Yes);
+  Choose("mnuXferTraceFile");
+  EXPECT_EQ(ReadText(log), "");
+  // Cancelling the file dialog leaves the log that is open.
+  player_.ExpectFileDialog("");
+  Choose("mnuXferTraceFile");
+  TheLink().TraceFile.Append("on\r\n");
+  EXPECT_EQ(ReadText(log), "on\r\n");
+}
+
+TEST_F(LinkWindowsTest, TheTraceWindowIsFilledByItsTextAndComesBackWhereItWas) {
+  Start();
+  Choose("mnuXferTracewindow");
+  EXPECT_EQ(TraceWindow()->windowTitle(), QStringLiteral("Trace"));
+  auto* text = In<QPlainTextEdit>(*TraceWindow(), "txtTrace");
+  EXPECT_EQ(text->font().family(), QStringLiteral("Courier New"));
+  TraceWindow()->move(120, 40);
+  TraceWindow()->resize(400, 300);
+  EXPECT_EQ(text->geometry(), QRect(0, 0, 400, 300));
+  TraceWindow()->close();
+  Settle();
+  Choose("mnuXferTracewindow");
+  EXPECT_EQ(TraceWindow()->pos(), QPoint(120, 40));
+  EXPECT_EQ(TraceWindow()->size(), QSize(400, 300));
+  TraceWindow()->showMinimized();
+  TraceWindow()->move(7, 7);
+  TraceWindow()->close();
+  EXPECT_EQ(SettingsStore().GetString("TraceLeft"), QStringLiteral("1800"));
+}
+
 // A bootstrap reads its program from beside the executable, here the tests' own folder, which other
 // tests may want at the same time.
 class BootstrapWindowTest : public LinkWindowsTest {

@@ -184,6 +184,36 @@ TEST_F(StarConsoleTest, SelectAllAndCopyTakeTheWholeText) {
   });
 }
 
+TEST_F(StarConsoleTest, ComesBackWhereItWas) {
+  StartWired();
+  Play([&] {
+    console->move(90, 30);
+    console->resize(450, 330);
+  });
+  EXPECT_EQ(SettingsStore().GetString("CLILeft"), QStringLiteral("1350"));
+  EXPECT_EQ(SettingsStore().GetString("CLITop"), QStringLiteral("450"));
+  EXPECT_EQ(SettingsStore().GetString("CLIWidth"), QStringLiteral("6750"));
+  EXPECT_EQ(SettingsStore().GetString("CLIHeight"), QStringLiteral("4950"));
+  Play([&] {
+    EXPECT_EQ(console->pos(), QPoint(90, 30));
+    EXPECT_EQ(console->size(), QSize(450, 330));
+  });
+}
+
+// The wait goes on behind the closed window and has its say.
+TEST_F(StarConsoleTest, ClosingItInTheMiddleOfAWaitLeavesTheMainWindowInOrder) {
+  line.Bbc.Faults.Mute = true;
+  StartWired();
+  Play([&] {
+    player_.ExpectBox(QStringLiteral("Problem sending * Command"),
+                      QStringLiteral("* Command Error"));
+    QTimer::singleShot(200, console, [this] { Entry("mnuFileClose")->trigger(); });
+    Type("CAT");
+  });
+  EXPECT_TRUE(window_->isVisible());
+  Play([&] { EXPECT_EQ(Command()->text(), QString()); });
+}
+
 TEST_F(StarConsoleTest, APortThatVanishesIsToldAndTheConsoleLives) {
   line.Bbc.Faults.Mute = true;
   StartWired();

@@ -65,7 +65,9 @@ TEST_P(WholeDiscTest, ComesAcrossByteForByte) {
   const DiscKind& kind = GetParam().Kind;
   line.Bbc.Drives[0] = NoiseDisc(kind.Sectors, {{kind.Sectors / 2, 9}});
   Prepare(GetParam().Receive, kind.Sectors / 15);
+  const QString caption = window_->windowTitle();
   Choose("mnuXferRX0");
+  EXPECT_EQ(window_->windowTitle(), caption);  // nobody asked for Auto Load
   ExpectFinished("Receive Image", Total("Read"), GetParam().ReceiveCounter);
   EXPECT_EQ(ReadAll(file), FileOf(kind, line.Bbc.Drives[0]));
 }
@@ -76,7 +78,10 @@ TEST_P(WholeDiscTest, GoesAcrossByteForByte) {
   line.Bbc.Drives[5] = Bytes(static_cast<std::size_t>(kind.Sectors) * 256);
   Prepare(GetParam().Send, kind.Sectors / 15);
   WriteAll(file, FileOf(kind, disc));
+  window_->Action("mnuOptionsAutoLoad")->setChecked(true);  // of received images only
+  const QString caption = window_->windowTitle();
   Choose("mnuXferTX5");
+  EXPECT_EQ(window_->windowTitle(), caption);
   ExpectFinished("Send Image", Total("Written"), GetParam().SendCounter);
   EXPECT_EQ(line.Bbc.Drives[5], disc);
 }

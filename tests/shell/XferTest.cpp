@@ -52,6 +52,64 @@ TEST_F(XferTest, AReceivedDiscIsShownAndLoadedAndTheEndSaysQ) {
   EXPECT_EQ(line.Bbc.Quits, 1);
 }
 
+TEST_F(XferTest, ASpeedOrPortThatIsChosenClosesThePortAndCountsAtTheNextTransfer) {
+  line.Bbc.Drives[0] = NoiseDisc(64, {});
+  line.Bbc.SetBuffer(64);
+  StartWired();
+  const auto receive = [&] {
+    player_.ExpectFileDialog(folder_ / "x.dat");
+    Choose("mnuXferRX0");
+    EXPECT_TRUE(TheLink().Port.PortOpen());
+  };
+  receive();
+  receive();
+  Choose("mnuXferSerial9600");
+  EXPECT_FALSE(TheLink().Port.PortOpen());
+  receive();
+  Choose("mnuXferSerialCom2");
+  EXPECT_FALSE(TheLink().Port.PortOpen());
+  receive();
+  line.Stop();
+  std::vector<std::string> speeds;
+  for (const auto& command : line.Bbc.Heard) {
+    if (command[0] == 'S') speeds.push_back(command);
+  }
+  EXPECT_EQ(speeds, (std::vector<std::string>{"S19200|", "S9600|", "S9600|"}));
+}
+
+// Its replies would be taken for those of the transfer that runs.
+TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
+  line.Bbc.Drives[0] = NoiseDisc(64, {});
+  line.Bbc.SetBuffer(4);
+  StartWired();
+  WhenTraced(QStringLiteral("Read 8 of 64"), [&] {
+    for (const char* entry : {"mnuXferRX1", "mnuXferDTX0", "mnuXferCli", "mnuXferBasic",
+                              "mnuXferFormat", "mnuXferSerialReconnect"}) {
+      Choose(entry);
+    }
+  });
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  Choose("mnuXferRX0");
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), line.Bbc.Drives[0]);
+  // The dialog of a transfer whose OK nobody pressed makes room for the next.
+  QDialog* first = Dialog();
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  Choose("mnuXferTX0");
+  ASSERT_NE(Dialog(), nullptr);
+  EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Send Image"));
+  EXPECT_NE(Dialog(), first);
+  line.Stop();
+  EXPECT_EQ(line.Bbc.Heard[0], "S19200|");
+  EXPECT_EQ(std::count(line.Bbc.Heard.begin(), line.Bbc.Heard.end(), "S19200|"), 1);
+}
+
+TEST_F(XferTest, ASilentBbcIsSaidSo) {
+  line.Bbc.Faults.Mute = true;
+  StartWired();
+  player_.ExpectBox(QStringLiteral("Beeb Not Responding"), QStringLiteral("Sectorbox"));
+  Choose("mnuXferSerialReconnect");
+}
+
 TEST_F(XferTest, AStarCommandShowsItsOutputAndClearsItself) {
   line.Bbc.StarReplies["CAT"] = {{0, "Title\r"}};
   StartWired();

@@ -17,11 +17,12 @@ struct SbxResult {
 };
 
 // A running sbx, with an empty standard input and no terminal at either end. One that nobody waited
-// for is killed. folder, where given, is where it runs; program a copy of sbx to run instead.
+// for is killed. folder, where given, is where it runs; program a copy of sbx to run instead;
+// terminal the device that is its standard error, which the result then doesn't have.
 class SbxProcess {
  public:
   explicit SbxProcess(const std::vector<std::string>& arguments, const std::string& folder = "",
-                      const std::string& program = SBX_PATH);
+                      const std::string& program = SBX_PATH, const std::string& terminal = "");
   ~SbxProcess();
   SbxProcess(const SbxProcess&) = delete;
   SbxProcess& operator=(const SbxProcess&) = delete;
@@ -33,6 +34,7 @@ class SbxProcess {
 
  private:
   TempFolder streams_;
+  const bool hasErr_;
   pid_t child_ = -1;
 };
 
