@@ -1,5 +1,6 @@
 #include "shell/Application.h"
 
+#include "shell/Icons.h"
 #include "shell/frmMain.h"
 
 namespace sectorbox {
@@ -7,6 +8,8 @@ namespace sectorbox {
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName(QStringLiteral("Sectorbox"));
   setDesktopFileName(QStringLiteral("sectorbox"));
+  // For every window: the views belong to none that they could have it from.
+  setWindowIcon(LoadIcon("sectorbox"));
   // The program ends when its main window says so.
   setQuitOnLastWindowClosed(false);
 }

@@ -7,6 +7,7 @@
 #include "disc/Addresses.h"
 #include "shell/DialogButtons.h"
 #include "toolkit/Boxes.h"
+#include "toolkit/Captions.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -37,6 +38,7 @@ frmAddr::frmAddr(QWidget* parent)
   layout->addWidget(txtExec_, 1, 1);
   layout->addWidget(buttons.Box, 2, 0, 1, 2);
   layout->setSizeConstraint(QLayout::SetFixedSize);
+  MakeRoomForCaption(*this);
 }
 
 void frmAddr::showEvent(QShowEvent* event) {

@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "shell/DialogButtons.h"
+#include "toolkit/Captions.h"
 
 namespace sectorbox {
 
@@ -27,7 +28,7 @@ frmAttr::frmAttr(QWidget* parent)
   layout->addSpacing(6);
   layout->addWidget(buttons.Box);
   layout->setSizeConstraint(QLayout::SetFixedSize);
-  setMinimumWidth(220);
+  MakeRoomForCaption(*this);
 }
 
 void frmAttr::showEvent(QShowEvent* event) {

@@ -5,6 +5,7 @@
 #include "disc/Mutation.h"
 #include "shell/DialogButtons.h"
 #include "shell/frmMain.h"
+#include "toolkit/Captions.h"
 
 namespace sectorbox {
 namespace {
@@ -34,6 +35,7 @@ frmBoot::frmBoot(QWidget* parent, Disc& disc) : QDialog(parent), disc_(disc) {
   layout->addSpacing(6);
   layout->addWidget(buttons.Box);
   layout->setSizeConstraint(QLayout::SetFixedSize);
+  MakeRoomForCaption(*this);
 }
 
 void frmBoot::cmdOK_Click() {

@@ -41,7 +41,6 @@ constexpr int kMostRefusals = 2;
 
 frmMain::frmMain(Disc& disc, WindowHost& host) : disc_(disc), host_(host) {
   setObjectName(QStringLiteral("frmMain"));
-  setWindowIcon(LoadIcon("sectorbox"));
   MakeMenus();
   status_ = new StatusBar(this);
   setStatusBar(status_);

@@ -6,6 +6,7 @@
 #include "disc/Mutation.h"
 #include "shell/DialogButtons.h"
 #include "shell/frmMain.h"
+#include "toolkit/Captions.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -28,6 +29,7 @@ frmTitle::frmTitle(QWidget* parent, Disc& disc, std::int32_t DirSector)
   layout->addSpacing(6);
   layout->addWidget(buttons.Box);
   layout->setSizeConstraint(QLayout::SetFixedSize);
+  MakeRoomForCaption(*this);
 }
 
 void frmTitle::cmdOK_Click() {

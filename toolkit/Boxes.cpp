@@ -2,6 +2,8 @@
 
 #include <QMessageBox>
 
+#include "toolkit/Captions.h"
+
 namespace sectorbox {
 namespace {
 
@@ -25,6 +27,7 @@ void ShowBox(QWidget* parent, const QString& text, const QString& title, BoxIcon
   QMessageBox box(IconOf(icon), title, text, QMessageBox::Ok, parent);
   // The texts may hold names from a disc, which must not be taken for markup.
   box.setTextFormat(Qt::PlainText);
+  MakeRoomForCaption(box);
   box.exec();
 }
 
@@ -33,6 +36,7 @@ bool AskYesNoBox(QWidget* parent, const QString& text, const QString& title) {
   box.setTextFormat(Qt::PlainText);
   box.setDefaultButton(QMessageBox::Yes);
   box.setEscapeButton(QMessageBox::No);
+  MakeRoomForCaption(box);
   return box.exec() == QMessageBox::Yes;
 }
 
