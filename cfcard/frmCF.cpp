@@ -32,7 +32,7 @@ frmCF::frmCF(QWidget* parent, Disc& disc, CardDrives& drives)
   layout->addSpacing(6);
   layout->addLayout(buttons);
   layout->setSizeConstraint(QLayout::SetFixedSize);
-  ScanCFCards();
+  Load();
 }
 
 void frmCF::mnuOK_Click() {

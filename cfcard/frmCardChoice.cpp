@@ -27,6 +27,10 @@ frmCardChoice::frmCardChoice(QWidget* parent, Disc& disc, CardDrives& drives)
   chkNonADFS_->setObjectName(QStringLiteral("chkNonADFS"));
   setAcceptDrops(true);
   connect(chkNonADFS_, &QCheckBox::toggled, this, [this] { chkNonADFS_Click(); });
+}
+
+void frmCardChoice::Load() {
+  ScanCFCards();
   RestorePlace(*this, kCFPlace);
 }
 

@@ -20,6 +20,9 @@ class frmCardChoice : public QDialog {
   frmCardChoice(QWidget* parent, Disc& disc, CardDrives& drives);
   ~frmCardChoice() override;
 
+  // To be called at the end of a dialog's constructor: fills the list and puts the finished dialog
+  // in its place.
+  void Load();
   // Looks at every drive and fills the list; a row that was chosen before is lost.
   void ScanCFCards();
   // Takes the chosen row: ImageName names it and ProgressRunning is set. Without any row in the

@@ -25,7 +25,7 @@ frmFormatCF::frmFormatCF(QWidget* parent, Disc& disc, CardDrives& drives)
   setWindowTitle(QStringLiteral("Format CF Card"));
   MakeControls();
   Arrange();
-  ScanCFCards();
+  Load();
 }
 
 void frmFormatCF::MakeControls() {

@@ -18,7 +18,13 @@ void RestorePlace(QWidget& window, const WindowPlace& place) {
   const double left = settings.GetTwips(Key(place, "Left").constData(), place.Left);
   const double top = settings.GetTwips(Key(place, "Top").constData(), place.Top);
   window.move(PixelsFromTwips(left), PixelsFromTwips(top));
-  if (place.Width == 0) return;
+  if (place.Width == 0) {
+    // Sized only when shown, the window would be sized between its creation and its frame's, and a
+    // place that then counts for the inside would put the frame too far up by its own height, each
+    // time anew.
+    if (!window.testAttribute(Qt::WA_Resized)) window.adjustSize();
+    return;
+  }
   const double width = settings.GetTwips(Key(place, "Width").constData(), place.Width);
   const double height = settings.GetTwips(Key(place, "Height").constData(), place.Height);
   window.resize(PixelsFromTwips(width), PixelsFromTwips(height));

@@ -29,7 +29,8 @@ inline constexpr WindowPlace kCFPlace{"CF", 9660, 4080};
 inline constexpr WindowPlace kTeletextPlace{"Teletext", 84, 84};
 inline constexpr WindowPlace kModePlace{"Mode", 84, 84};
 
-// Moves (and sizes) the window. Throws SettingsError for a value that is no number.
+// Moves (and sizes) the window, whose layout must be complete by then. Throws SettingsError for a
+// value that is no number.
 void RestorePlace(QWidget& window, const WindowPlace& place);
 // Stores where the window is; a minimised window stores nothing and so keeps its earlier place.
 void SavePlace(const QWidget& window, const WindowPlace& place);
