@@ -27,6 +27,7 @@ class CardDevice final : public RawDevice {
     return device_->Write(offset, buffer);
   }
   void Close() override { device_->Close(); }
+  bool Is(const std::string& path) const override { return device_->Is(path); }
   int LastError() const override { return known_ ? device_->LastError() : ENODEV; }
 
  private:

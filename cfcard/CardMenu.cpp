@@ -120,11 +120,10 @@ void RunSizedFormat(Disc& disc, CardDialogs& dialogs, const SizedFormat& format)
   } else {
     dialogs.ShowFormatCF();
   }
-  if (disc.ProgressRunning) {
-    FormatCFImage(disc, format.Sectors, format.Wipe);
-  } else {
-    OpenBlankImage(disc);
-  }
+  const bool isChosen = disc.ProgressRunning;
+  if (isChosen) FormatCFImage(disc, format.Sectors, format.Wipe);
+  // Also where the chosen partition couldn't be opened.
+  if (!isChosen || !disc.TheDisc.DeviceIsOpen()) OpenBlankImage(disc);
   disc.Host.RebuildTree();
 }
 

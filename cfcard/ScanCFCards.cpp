@@ -36,7 +36,7 @@ CardScan ScanCards(Disc& disc, const std::vector<CardSource>& sources, bool incl
         ScanPartition(disc, source, digit, includeNonADFS, scan.Rows);
       } else if (partition == 0 && disc.TheDisc.DeviceError() != ENOMEDIUM) {
         scan.AllOpened = false;
-        NoteNotOpened(disc, source.Device);
+        NoteNotOpened(disc, source.Path);
       }
       // Closed for good: nobody has chosen this device, so nothing may reach it later.
       disc.TheDisc.Abandon();
@@ -52,7 +52,7 @@ CardScan ScanCFCards(Disc& disc, CardDrives& drives, bool includeNonADFS) {
     std::string text;
     const std::string label(1, letter);
     if (drives.DriveTypeText(label, text) == kRemovableDrive) {
-      sources.push_back({label, label + ":"});
+      sources.push_back({label, label + ":", drives.PathOf(letter)});
     }
   }
   return ScanCards(disc, sources, includeNonADFS);

@@ -12,10 +12,12 @@ namespace sectorbox {
 inline constexpr char kNoCardText[] = "No CF Card Detected";
 inline constexpr char kSelectCardText[] = "Please Select CF Card";
 
-// One device to look at: how a row names it ("E", or a path), and how the store opens it.
+// One device to look at: how a row names it ("E", or a path), how the store opens it ("E:", or the
+// path), and its path, by which the host is told that it can't be opened.
 struct CardSource {
   std::string Label;
   std::string Device;
+  std::string Path;
 };
 
 struct CardScan {

@@ -5,10 +5,10 @@
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QMimeData>
-#include <QUrl>
 
 #include "cfcard/ScanCFCards.h"
 #include "cfcard/frmCardFiles.h"
+#include "toolkit/FileLists.h"
 #include "toolkit/Text.h"
 #include "toolkit/WindowPlace.h"
 
@@ -26,6 +26,7 @@ frmCardChoice::frmCardChoice(QWidget* parent, Disc& disc, CardDrives& drives)
   cmbCFCard_->setMinimumWidth(260);
   chkNonADFS_->setObjectName(QStringLiteral("chkNonADFS"));
   setAcceptDrops(true);
+  setToolTip(QStringLiteral("A file that holds a raw card can be dropped here"));
   connect(chkNonADFS_, &QCheckBox::toggled, this, [this] { chkNonADFS_Click(); });
 }
 
@@ -62,16 +63,31 @@ bool frmCardChoice::TakeChoice() {
   return disc_.ProgressRunning;
 }
 
+void frmCardChoice::DisableChoice() {
+  for (QWidget* control : {static_cast<QWidget*>(cmbCFCard_), static_cast<QWidget*>(chkNonADFS_)}) {
+    control->setEnabled(false);
+  }
+  setAcceptDrops(false);
+}
+
 void frmCardChoice::dragEnterEvent(QDragEnterEvent* event) {
-  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+  if (!PathsOf(*event->mimeData()).empty()) event->acceptProposedAction();
 }
 
 void frmCardChoice::dropEvent(QDropEvent* event) {
-  const QList<QUrl> urls = event->mimeData()->urls();
-  for (const QUrl& url : urls) {
-    if (url.isLocalFile()) AddCardFile(url.toLocalFile());
+  // A format that runs has the store, which a scan would take away from it.
+  if (!acceptDrops()) return;
+  event->acceptProposedAction();
+  bool isAnyNew = false;
+  std::string refused;
+  for (const std::string& path : PathsOf(*event->mimeData())) {
+    const CardFileTaken taken = AddCardFile(path);
+    isAnyNew |= taken == CardFileTaken::kAdded;
+    if (taken == CardFileTaken::kNoPlainFile && refused.empty()) refused = path;
   }
-  ScanCFCards();
+  // Without a new file the row that was chosen stays chosen.
+  if (isAnyNew) ScanCFCards();
+  if (!refused.empty()) disc_.Host.Note(refused + ": not a file that could hold a card");
 }
 
 }  // namespace sectorbox

@@ -29,6 +29,8 @@ class frmCardChoice : public QDialog {
   // list ProgressRunning is cleared. An enabled list in which no row is chosen gives a lone comma,
   // which no open can use. True if the list had rows.
   bool TakeChoice();
+  // For work that uses the store from here on: no row, tick or drop may start a scan any more.
+  void DisableChoice();
 
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;

@@ -92,6 +92,9 @@ void frmFormatCF::reject() {
 
 void frmFormatCF::FormatStarted() {
   running_ = true;
+  DisableChoice();
+  cmbCapacity_->setEnabled(false);
+  chkQuick_->setEnabled(false);
   btnOK_->setEnabled(false);
   btnCancel_->setEnabled(false);
   btnAbort_->setEnabled(true);

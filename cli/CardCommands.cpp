@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 
 #include "cfcard/FormatCF.h"
 #include "cfcard/ScanCFCards.h"
@@ -36,14 +35,6 @@ void OpenWhole(Disc& disc, const std::string& name) {
   if (disc.TheDisc.DiscSize() <= 0) throw Failure(name + ": the card has no such partition");
 }
 
-// A card in a plain file must not be its own backup.
-void RefuseTheCardItself(const std::string& name, const std::string& file) {
-  std::error_code none;
-  if (std::filesystem::equivalent(name.substr(0, name.size() - 2), file, none)) {
-    throw Failure(file + ": this is the card itself");
-  }
-}
-
 // "64MB", as the rows of the dialog have it, or "64".
 std::string RequireCapacity(const std::string& word) {
   const auto digits = std::min(word.find_first_not_of("0123456789"), word.size());
@@ -59,15 +50,19 @@ int StatusOf(const Disc& disc) {
   return disc.TheDisc.CardFaults() == 0 ? kDone : kRefused;
 }
 
+CardSource SourceOf(const std::string& path) {
+  return {path, path, path};
+}
+
 int RunScan(const CommandLine& line) {
   ImageSession session(line);
   std::vector<CardSource> sources;
   for (std::size_t i = kFirstWord; i < line.Arguments.size(); ++i) {
-    sources.push_back({line.Arguments[i], line.Arguments[i]});
+    sources.push_back(SourceOf(line.Arguments[i]));
   }
   if (sources.empty()) {
     for (const BlockDevice& device : ListBlockDevices({})) {
-      if (device.Type == kRemovableDrive) sources.push_back({device.Path, device.Path});
+      if (device.Type == kRemovableDrive) sources.push_back(SourceOf(device.Path));
     }
   }
   const CardScan scan = ScanCards(session.Open, sources, line.Has("non-adfs"));
@@ -95,7 +90,6 @@ int RunBackup(const CommandLine& line) {
   line.Expect(3, 3);
   ImageSession session(line);
   OpenWhole(session.Open, line.Arguments[1]);
-  RefuseTheCardItself(line.Arguments[1], line.Arguments[2]);
   SaveDatImage(session.Open, line.Arguments[2], line.Has("full"));
   return StatusOf(session.Open);
 }
@@ -104,10 +98,11 @@ int RunRestore(const CommandLine& line) {
   line.Expect(3, 3);
   const std::string& file = line.Arguments[2];
   if (!HostFileExists(file)) throw Failure("File Not Found : " + file);
+  // A pipe has no length to go by: nothing at all would be restored.
+  if (!HostFileIsPlain(file)) throw Failure(file + ": not a plain file");
   ImageSession session(line);
   Disc& disc = session.Open;
   OpenWhole(disc, line.Arguments[1]);
-  RefuseTheCardItself(line.Arguments[1], file);
   const std::int64_t room = std::int64_t{disc.TheDisc.DiscSize()} * format::kSectorSize;
   const bool fits = HostFileLength(file) <= static_cast<std::uint64_t>(room);
   RestoreImage(disc, file);

@@ -104,6 +104,8 @@ class DiscImg {
   bool InMemory() const { return disctype_ == kAdf || disctype_ == kAdl; }
   // True if path is the very file that an open .dat works on, by whatever name.
   bool IsOpenFile(const std::string& path) const;
+  // True if path is the open card itself, or the file that holds it.
+  bool IsOpenCard(const std::string& path) const { return disctype_ == kCF && device_->Is(path); }
   // Byte offset from which everything reads as zero because the store ends there. On a card that is
   // the room that a partition can have, since its probed size may be wrong where sectors are bad.
   std::int64_t EndOfData();

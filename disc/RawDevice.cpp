@@ -41,6 +41,15 @@ class HostDevice final : public RawDevice {
   bool IsOpen() const override { return file_ >= 0; }
   int LastError() const override { return lastError_; }
 
+  bool Is(const std::string& path) const override {
+    struct stat own {};
+    struct stat other {};
+    if (!IsOpen() || ::fstat(file_, &own) != 0 || ::stat(path.c_str(), &other) != 0) return false;
+    // A block device may have several names in the file system, each a node of its own.
+    if (isBlock_) return S_ISBLK(other.st_mode) && own.st_rdev == other.st_rdev;
+    return own.st_dev == other.st_dev && own.st_ino == other.st_ino;
+  }
+
   std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
     lastError_ = 0;
     std::size_t total = 0;

@@ -28,6 +28,11 @@ class RawDevice {
   // The system's error number of the last of these calls that failed, until another one succeeds;
   // 0 when there is none, as after a transfer that merely ended at the end of the device.
   virtual int LastError() const { return 0; }
+  // True if path is the very device or file that is open, by whatever name.
+  virtual bool Is(const std::string& path) const {
+    (void)path;
+    return false;
+  }
 };
 
 // The real thing, on the platform's own calls.

@@ -83,6 +83,12 @@ std::int32_t SectorsToSave(Disc& disc) {
   return TrimmedSize(disc, discSize).value_or(discSize);
 }
 
+// An image that took the place of the card it is read from would be the end of that card, and a
+// card can't be poured into itself.
+void RefuseTheCardItself(const Disc& disc, const std::string& fileName) {
+  if (disc.TheDisc.IsOpenCard(fileName)) throw HostError(fileName, "this is the card itself");
+}
+
 void WriteWhole(const std::string& fileName, const std::vector<std::uint8_t>& bytes) {
   OutputFile output = CreateOutputFile(fileName);
   output.Write(bytes);
@@ -122,6 +128,7 @@ void SaveImageTo(Disc& disc, const std::string& FileName) {
 }
 
 void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard) {
+  RefuseTheCardItself(disc, FileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Save Image");
@@ -152,6 +159,7 @@ void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard) {
 }
 
 void SaveAdfImage(Disc& disc, const std::string& FileName) {
+  RefuseTheCardItself(disc, FileName);
   ClearedChanges changes(disc);
   std::vector<std::uint8_t> bytes;
   // With Pad Disc Images set the file stays empty. Users know it and their scripts count on it, so
@@ -165,12 +173,14 @@ void SaveAdfImage(Disc& disc, const std::string& FileName) {
 }
 
 void SaveAdlImage(Disc& disc, const std::string& FileName) {
+  RefuseTheCardItself(disc, FileName);
   ClearedChanges changes(disc);
   WriteWhole(FileName, ArrangeAdl(disc));
   changes.Done();
 }
 
 void RestoreImage(Disc& disc, const std::string& FileName) {
+  RefuseTheCardItself(disc, FileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Restore Image");

@@ -7,7 +7,8 @@
 
 // Writing the open disc to a file, and pouring a file into the open store. Each clears ImageChanged
 // before anything is written. A HostError leaves an existing target as it was, and ImageChanged and
-// ImageName too.
+// ImageName too. The open card, or the file that holds it, is refused as the other end of any of
+// them (a HostError): its own backup would take its place.
 namespace sectorbox {
 
 // mnuDiscSave: "Are You Sure ?" with the title "Save Changes"; unless No, SaveImageAs.

@@ -1,7 +1,6 @@
 #include "shell/PaneDrops.h"
 
 #include <QDrag>
-#include <QUrl>
 
 #include "disc/Adfs.h"
 #include "disc/HostError.h"
@@ -9,15 +8,10 @@
 #include "disc/Mutation.h"
 #include "disc/TrackedSector.h"
 #include "shell/Panes.h"
+#include "toolkit/FileLists.h"
 
 namespace sectorbox {
 namespace {
-
-// Escapes are made from the path's own bytes, so that a name in an old encoding comes back whole.
-QUrl UrlOf(const std::string& path) {
-  const QByteArray escaped = QByteArray::fromStdString(path).toPercentEncoding("/");
-  return QUrl::fromEncoded("file://" + escaped);
-}
 
 void RunDrag(QWidget& source, const std::vector<std::string>& paths) {
   if (paths.empty()) return;
@@ -45,24 +39,6 @@ std::vector<ListRow> SelectedRows(Panes& panes) {
 }
 
 }  // namespace
-
-std::unique_ptr<QMimeData> FileListData(const std::vector<std::string>& paths) {
-  QList<QUrl> urls;
-  for (const auto& path : paths) urls.append(UrlOf(path));
-  auto data = std::make_unique<QMimeData>();
-  data->setUrls(urls);
-  return data;
-}
-
-std::vector<std::string> PathsOf(const QMimeData& data) {
-  std::vector<std::string> paths;
-  for (const QUrl& url : data.urls()) {
-    if (!url.isLocalFile()) continue;
-    paths.push_back(
-        QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString());
-  }
-  return paths;
-}
 
 std::vector<std::string> ExportForListDrag(Panes& panes) {
   return panes.Drags().ExportRows(SelectedRows(panes));

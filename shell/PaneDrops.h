@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QMimeData>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,10 +11,6 @@
 namespace sectorbox {
 
 class Panes;
-
-// Host paths as the file list of a drag, and back. Paths keep their bytes, in whatever encoding.
-std::unique_ptr<QMimeData> FileListData(const std::vector<std::string>& paths);
-std::vector<std::string> PathsOf(const QMimeData& data);
 
 // What a drag that begins now on the list offers: the selected rows.
 std::vector<std::string> ExportForListDrag(Panes& panes);

@@ -148,10 +148,10 @@ TEST_P(DeviceTest, TheSizeIsFound) {
 }
 
 TEST_P(DeviceTest, AFormattedPartitionIsFoundByTheScan) {
-  EXPECT_TRUE(ScanCards(*disc, {{"X", card->Path()}}, false).Rows.empty());
+  EXPECT_TRUE(ScanCards(*disc, {{"X", card->Path(), card->Path()}}, false).Rows.empty());
   Format('0', "1MB", false);
   EXPECT_TRUE(disc->ProgressRunning);
-  EXPECT_EQ(ScanCards(*disc, {{"X", card->Path()}}, false).Rows,
+  EXPECT_EQ(ScanCards(*disc, {{"X", card->Path(), card->Path()}}, false).Rows,
             std::vector<std::string>({"X: - Partition 0"}));
   EXPECT_EQ(card->Peek(2 * 253), 0x10);
   EXPECT_TRUE(host.LogOf("note ").empty());
@@ -211,7 +211,7 @@ TEST(SparseCard, TheTwoPartitionsAreFormattedApart) {
   EXPECT_EQ(card.Peek(2 * kGibibyte), 0x42);
   EXPECT_EQ(card.Peek(kGibibyte - 512), 0x43);
   EXPECT_EQ(std::filesystem::file_size(card.Path()), 5 * kGibibyte / 2);
-  EXPECT_EQ(ScanCards(disc, {{"X", card.Path()}}, false).Rows,
+  EXPECT_EQ(ScanCards(disc, {{"X", card.Path(), card.Path()}}, false).Rows,
             std::vector<std::string>({"X: - Partition 0", "X: - Partition 1"}));
 }
 

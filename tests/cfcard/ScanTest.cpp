@@ -61,7 +61,7 @@ TEST_F(ScanTest, ADeviceWithoutRightsAddsNoRowAndIsTold) {
   const CardScan scan = ScanCFCards(disc, drives, true);
   EXPECT_EQ(scan.Rows, Rows());
   EXPECT_FALSE(scan.AllOpened);
-  EXPECT_EQ(host.LogOf("note "), Rows({"note C:: can't be opened: Permission denied"}));
+  EXPECT_EQ(host.LogOf("note "), Rows({"note card: can't be opened: Permission denied"}));
 }
 
 TEST_F(ScanTest, AScanWritesNothingAndLeavesTheStoreClosed) {
@@ -101,7 +101,7 @@ TEST(SourceNames, GivenDevicesAreNamedByTheirPath) {
   CardShelf shelf;
   Disc disc(host, shelf.MakeDevice());
   PutDisc(shelf.Put("/dev/sdb", 4096), 0, ImageBuilder(4096).Bytes());
-  const CardScan scan = ScanCards(disc, {{"/dev/sdb", "/dev/sdb"}}, false);
+  const CardScan scan = ScanCards(disc, {{"/dev/sdb", "/dev/sdb", "/dev/sdb"}}, false);
   EXPECT_EQ(scan.Rows, Rows({"/dev/sdb: - Partition 0"}));
 }
 

@@ -6,6 +6,7 @@
 #include "shell/HostFolders.h"
 #include "shell/PaneDrops.h"
 #include "tests/support/WindowFixture.h"
+#include "toolkit/FileLists.h"
 
 namespace sectorbox::testing {
 namespace {

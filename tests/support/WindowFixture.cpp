@@ -151,8 +151,14 @@ WindowTest::~WindowTest() {
 }
 
 frmMain& WindowTest::Start(const std::string& commandLine) {
-  auto device = std::make_unique<MemoryDevice>(std::uint64_t{64} << 20);
-  device_ = device.get();
+  std::unique_ptr<RawDevice> device;
+  if (useHostCards_) {
+    device = MakeHostDevice();
+  } else {
+    auto memory = std::make_unique<MemoryDevice>(std::uint64_t{64} << 20);
+    device_ = memory.get();
+    device = std::move(memory);
+  }
   host_ = std::make_unique<WindowHost>();
   // No test looks at the drives of the machine it runs on.
   host_->Drives = CardDrives({folder_ / "no-drives", "/dev"});

@@ -96,6 +96,8 @@ class WindowTest : public ::testing::Test {
   void Settle();
 
   TempFolder folder_;
+  // Set before Start: cards are files (and devices) of this machine, and device_ is nullptr.
+  bool useHostCards_ = false;
   MemoryDevice* device_ = nullptr;  // the card behind the disc
   std::unique_ptr<WindowHost> host_;
   std::unique_ptr<Disc> disc_;
