@@ -8,6 +8,8 @@
 #include <QPrinter>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 
 #include "disc/HostFile.h"
 #include "tests/support/WindowFixture.h"
@@ -337,6 +339,19 @@ TEST_F(ViewWindowTest, FindPosFollowsTheCaretWhenItMovesByHand) {
   QTest::mouseClick(TextOf(view).viewport(), Qt::LeftButton, Qt::NoModifier,
                     TextOf(view).cursorRect(cursor).center());
   EXPECT_EQ(view.FindPos, 9);
+}
+
+TEST_F(ViewWindowTest, AFileOfOneLongLineKeepsItsLayoutAndShortLinesDoNot) {
+  StartWithFiles();
+  frmView& view = ViewRow("Long", "mnuFileViewText");
+  EXPECT_TRUE(TextOf(view).document()->firstBlock().layout()->cacheEnabled());
+  EXPECT_EQ(Shown(view), std::string(200000, 'x'));
+  EXPECT_EQ(TextOf(view).Find(QStringLiteral("XX"), 199998), 199998);
+  EXPECT_EQ(TextOf(view).SelectedText(), QStringLiteral("xx"));
+  TextOf(view).AppendText("y\r\nshort", {});
+  EXPECT_EQ(Shown(view), std::string(200000, 'x') + "y\r\nshort");
+  EXPECT_TRUE(TextOf(view).document()->firstBlock().layout()->cacheEnabled());
+  EXPECT_FALSE(TextOf(view).document()->lastBlock().layout()->cacheEnabled());
 }
 
 TEST_F(ViewWindowTest, CopyAndSelectAll) {
