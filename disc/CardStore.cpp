@@ -195,9 +195,7 @@ void DiscImg::WriteCFSector(std::int32_t sector, std::int32_t secs) {
 }
 
 void DiscImg::CloseCard() {
-  for (Slot& slot : slots_) {
-    if (slot.Dirty) WriteSlot(slot);
-  }
+  WriteBack();
   EmptySlots();
   device_->Close();
   suspended_ = true;

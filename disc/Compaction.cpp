@@ -29,8 +29,7 @@ struct ObjectRecord {
 
 // As many objects as the largest disc has sectors; only a damaged disc seems to hold more.
 constexpr std::size_t kMaxObjects = 0x210000;
-// Objects that lie side by side are moved together, about this many bytes at a time, before their
-// entries follow. Much more, and a kill in between would cost more of the disc.
+// Bytes that are moved together before their entries follow, at the least.
 constexpr std::int32_t kMoveSize = 1048576;
 
 class Collector {
@@ -153,8 +152,14 @@ void MoveSectors(Disc& disc, const MovingRun& run, std::vector<std::uint8_t>& pa
   }
 }
 
-// Moves the objects in the order of their places. Neighbours go together and their entries follow
-// then, which leaves the same bytes as moving one object after the other with its entry.
+// Moves the objects in the order of their places. Neighbours go together, and entries follow a good
+// many at a time, directory by directory, which leaves the same bytes as moving one object after
+// the other with its entry.
+//
+// An object's old place keeps its bytes until others move over it. As long as that isn't so for any
+// object whose entry has still to follow, a kill in between loses none of them. Where the free
+// space below is so small that entries would have to be written one by one, kMoveSize bytes of
+// objects are at stake.
 class Mover {
  public:
   Mover(Disc& disc, std::vector<ObjectRecord>& objects) : disc_(disc), objects_(objects) {
@@ -177,7 +182,7 @@ class Mover {
       if (object.Start != next) Move(object, next);
       next += object.Sectors;
     }
-    Flush();
+    WriteEntries();
     for (const ObjectRecord& object : objects_) {
       if (object.IsFile) continue;
       Store24(disc_, SectorOffset(object.Start) + kDirParent, object.Parent);
@@ -190,10 +195,22 @@ class Mover {
  private:
   void Move(ObjectRecord& object, std::int32_t to) {
     const std::int32_t old = object.Start;
+    if (waiting_.empty()) {
+      keptUpTo_ = old;
+      movedAtOnce_ = 0;
+    } else if (to + object.Sectors > keptUpTo_ &&
+               SectorOffset(movedAtOnce_ + object.Sectors) > kMoveSize) {
+      WriteEntries();
+      keptUpTo_ = old;
+      movedAtOnce_ = 0;
+    }
+    // What a directory lists of what has moved before it, it takes along.
+    if (!object.IsFile) WriteEntriesOf(old);
     AddToRun(object, to);
+    movedAtOnce_ += object.Sectors;
     object.Start = to;
-    moved_.push_back(&object);
-    if (oneByOne_) Flush();
+    waiting_[object.Parent].push_back(&object);
+    if (oneByOne_) WriteEntries();
     if (object.IsFile) return;
     moves_[old] = to;
     const auto children = children_.find(old);
@@ -204,30 +221,43 @@ class Mover {
   void AddToRun(const ObjectRecord& object, std::int32_t to) {
     if (object.Sectors == 0) return;
     const bool follows = object.Start - run_.From == run_.Sectors && to - run_.To == run_.Sectors;
-    if (!follows || SectorOffset(run_.Sectors + object.Sectors) > kMoveSize) {
-      Flush();
+    if (!follows) {
+      MoveRun();
       run_ = {object.Start, to, 0};
     }
     run_.Sectors += object.Sectors;
   }
 
-  // Moves the run and points the entries at the new places. An entry is looked for in its directory
-  // wherever that now is: it may be part of this run, or still wait for its own move.
-  void Flush() {
+  void MoveRun() {
     MoveSectors(disc_, run_, part_);
     run_.Sectors = 0;
-    std::stable_sort(
-        moved_.begin(), moved_.end(),
-        [](const ObjectRecord* a, const ObjectRecord* b) { return a->Parent < b->Parent; });
-    for (const ObjectRecord* object : moved_) {
+  }
+
+  // Points the entries of all that has moved at the new places, on the medium.
+  void WriteEntries() {
+    MoveRun();
+    for (const auto& [directory, objects] : waiting_) WriteEntries(directory, objects);
+    waiting_.clear();
+    disc_.TheDisc.WriteBack();
+  }
+
+  void WriteEntriesOf(std::int32_t directory) {
+    const auto waiting = waiting_.find(directory);
+    if (waiting == waiting_.end()) return;
+    MoveRun();
+    WriteEntries(directory, waiting->second);
+    waiting_.erase(waiting);
+  }
+
+  void WriteEntries(std::int32_t directory, const std::vector<const ObjectRecord*>& objects) {
+    for (const ObjectRecord* object : objects) {
       // A directory whose own name or parent disagrees with its entry isn't found, and that entry
       // goes on pointing at the old place.
       const std::int32_t slot =
-          object->Slot >= 0 ? object->Slot : FindEntry(disc_, object->Parent, object->Name);
+          object->Slot >= 0 ? object->Slot : FindEntry(disc_, directory, object->Name);
       if (slot < 0) continue;
-      Store24(disc_, EntryOffset(object->Parent, slot) + kEntrySector, object->Start);
+      Store24(disc_, EntryOffset(directory, slot) + kEntrySector, object->Start);
     }
-    moved_.clear();
   }
 
   Disc& disc_;
@@ -235,7 +265,11 @@ class Mover {
   std::unordered_map<std::int32_t, std::vector<ObjectRecord*>> children_;
   std::map<std::int32_t, std::int32_t> moves_;
   MovingRun run_;
-  std::vector<const ObjectRecord*> moved_;  // their entries are still to follow
+  // Moved objects whose entries are still to follow, by the directory that lists them, wherever
+  // that now is. Their old places, the first of them at keptUpTo_, hold movedAtOnce_ sectors.
+  std::map<std::int32_t, std::vector<const ObjectRecord*>> waiting_;
+  std::int32_t keptUpTo_ = 0;
+  std::int32_t movedAtOnce_ = 0;
   std::vector<std::uint8_t> part_;
   bool oneByOne_ = false;
 };
@@ -267,6 +301,7 @@ bool TryToCompact(Disc& disc) {
   WriteOneRun(disc, mover.MoveAllDown());
   ReadFreeMap(disc);
   disc.ImageChanged = true;
+  ++disc.Compactions;
   TellMoves(disc, mover.Moves());
   return true;
 }

@@ -64,72 +64,85 @@ class TreeCheck {
   std::unordered_set<std::int32_t> finished_;
 };
 
-std::int16_t DeleteSubtree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
-                           const std::string& Name, bool IgnoreLock, bool DeleteNonEmpty,
-                           WalkBudget& budget);
+// Deletes entries of one disc, some of them trees.
+class Deletion {
+ public:
+  Deletion(Disc& disc, bool IgnoreLock) : disc_(disc), ignoreLock_(IgnoreLock), owners_(disc) {}
 
-std::int16_t DeleteFirstEntry(Disc& disc, std::int32_t DirSector, const std::string& name,
-                              bool IgnoreLock, WalkBudget& budget) {
-  const std::int64_t offset = EntryOffset(DirSector, 0);
-  if (!EntryHas(disc, offset, kAttrDirectory)) {
-    return DeleteEntry(disc, DirSector, name, false, IgnoreLock);
+  std::int16_t Entry(std::int32_t DirSector, const std::string& Name, bool IsDir);
+  // Parent -1 keeps the directory itself.
+  std::int16_t Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
+                    bool DeleteNonEmpty);
+
+ private:
+  std::int16_t Contents(const TrackedSector& dir);
+  std::int16_t FirstEntry(std::int32_t DirSector, const std::string& Name);
+
+  Disc& disc_;
+  bool ignoreLock_;
+  Ownership owners_;
+  WalkBudget budget_;
+};
+
+std::int16_t Deletion::Entry(std::int32_t DirSector, const std::string& Name, bool IsDir) {
+  const std::int32_t slot = FindEntry(disc_, DirSector, Name);
+  if (slot < 0) return kDone;
+  const std::int64_t offset = EntryOffset(DirSector, slot);
+  if (!ignoreLock_ && EntryHas(disc_, offset, kAttrLocked)) {
+    return Refuse(
+        disc_,
+        (IsDir ? "Cannot Delete Locked Directory : " : "Cannot Delete Locked File : ") + Name);
   }
-  const std::int32_t start = Fetch24(disc, offset + kEntrySector);
-  return DeleteSubtree(disc, DirSector, start, name, IgnoreLock, true, budget);
+  const std::int32_t start = Fetch24(disc_, offset + kEntrySector);
+  if (IsDir && HasEntries(disc_, start)) {
+    return Refuse(disc_, "Cannot Delete Non Empty Directory : " + Name);
+  }
+  const std::uint32_t length =
+      IsDir ? std::uint32_t{kDirSize} : Fetch32(disc_, offset + kEntryLength);
+  // The sector of an empty file that the BBC wrote or moved may be another object's.
+  const bool staysOwned = length == 0 && owners_.EmptyFileLeavesOwner(start);
+  BumpSequence(disc_, DirSector);
+  CloseGap(disc_, DirSector, slot);
+  if (!staysOwned) ReleaseOwned(disc_, start, SectorsOfLength(length));
+  return kDone;
 }
 
-std::int16_t DeleteContents(Disc& disc, const TrackedSector& dir, bool IgnoreLock,
-                            WalkBudget& budget) {
+std::int16_t Deletion::FirstEntry(std::int32_t DirSector, const std::string& Name) {
+  const std::int64_t offset = EntryOffset(DirSector, 0);
+  if (!EntryHas(disc_, offset, kAttrDirectory)) return Entry(DirSector, Name, false);
+  return Tree(DirSector, Fetch24(disc_, offset + kEntrySector), Name, true);
+}
+
+std::int16_t Deletion::Contents(const TrackedSector& dir) {
   // A directory that overlaps another one may not empty itself: each entry gets one turn.
   for (std::int32_t turn = 0; turn < kEntryCount; ++turn) {
-    const std::string name = GetEntryName(disc, dir, 0);
+    const std::string name = GetEntryName(disc_, dir, 0);
     if (EntryIsEmpty(name)) break;
-    if (DeleteFirstEntry(disc, dir, name, IgnoreLock, budget) != kDone) return kStop;
-    disc.Host.PumpEvents();
+    if (FirstEntry(dir, name) != kDone) return kStop;
+    disc_.Host.PumpEvents();
   }
   return kDone;
 }
 
-std::int16_t DeleteSubtree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
-                           const std::string& Name, bool IgnoreLock, bool DeleteNonEmpty,
-                           WalkBudget& budget) {
+std::int16_t Deletion::Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
+                            bool DeleteNonEmpty) {
   // Deleting what is inside can compact the disc under our feet.
-  const TrackedSector parent(disc, Parent);
-  const TrackedSector dir(disc, DirSector);
+  const TrackedSector parent(disc_, Parent);
+  const TrackedSector dir(disc_, DirSector);
   if (DeleteNonEmpty) {
-    if (!budget.Enter()) return Refuse(disc, "Cannot Delete Damaged Directory : " + Name);
-    const std::int16_t result = DeleteContents(disc, dir, IgnoreLock, budget);
-    budget.Leave();
+    if (!budget_.Enter()) return Refuse(disc_, "Cannot Delete Damaged Directory : " + Name);
+    const std::int16_t result = Contents(dir);
+    budget_.Leave();
     if (result != kDone) return result;
   }
-  if (parent == -1) return kDone;
-  return DeleteEntry(disc, parent, Name, true, IgnoreLock);
+  return parent == -1 ? kDone : Entry(parent, Name, true);
 }
 
 }  // namespace
 
 std::int16_t DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& Name, bool IsDir,
                          bool IgnoreLock) {
-  const std::int32_t slot = FindEntry(disc, DirSector, Name);
-  if (slot < 0) return kDone;
-  const std::int64_t offset = EntryOffset(DirSector, slot);
-  if (!IgnoreLock && EntryHas(disc, offset, kAttrLocked)) {
-    return Refuse(
-        disc,
-        (IsDir ? "Cannot Delete Locked Directory : " : "Cannot Delete Locked File : ") + Name);
-  }
-  const std::int32_t start = Fetch24(disc, offset + kEntrySector);
-  if (IsDir && HasEntries(disc, start)) {
-    return Refuse(disc, "Cannot Delete Non Empty Directory : " + Name);
-  }
-  BumpSequence(disc, DirSector);
-  const std::uint32_t length =
-      IsDir ? std::uint32_t{kDirSize} : Fetch32(disc, offset + kEntryLength);
-  CloseGap(disc, DirSector, slot);
-  // The sector of an empty file that the BBC wrote or moved may be another object's.
-  if (length == 0 && SectorIsOwned(disc, start)) return kDone;
-  ReleaseOwned(disc, start, SectorsOfLength(length));
-  return kDone;
+  return Deletion(disc, IgnoreLock).Entry(DirSector, Name, IsDir);
 }
 
 std::int16_t DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
@@ -137,8 +150,7 @@ std::int16_t DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
   if (DeleteNonEmpty && !TreeCheck(disc).MayBeEmptied(DirSector)) {
     return Refuse(disc, "Cannot Delete Damaged Directory : " + Name);
   }
-  WalkBudget budget;
-  return DeleteSubtree(disc, Parent, DirSector, Name, IgnoreLock, DeleteNonEmpty, budget);
+  return Deletion(disc, IgnoreLock).Tree(Parent, DirSector, Name, DeleteNonEmpty);
 }
 
 }  // namespace sectorbox

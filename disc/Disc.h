@@ -39,6 +39,8 @@ struct Disc {
 
   // Sector numbers that operations hold across a possible compaction (TrackedSector.h).
   std::vector<std::int32_t*> TrackedSectors;
+  // How many times a disc has been compacted here; who notes down where objects lie compares it.
+  std::int32_t Compactions = 0;
 
   DiscImg TheDisc;
 };

@@ -347,15 +347,21 @@ std::int64_t DiscImg::EndOfData() {
   return end;
 }
 
+void DiscImg::WriteBack() {
+  for (Slot& slot : slots_) {
+    if (!slot.Dirty) continue;
+    WriteSlot(slot);
+    slot.Dirty = false;
+  }
+}
+
 void DiscImg::CloseFile() {
   if (disctype_ == kAdf) {
     StoreAdf();
   } else if (disctype_ == kAdl) {
     StoreAdl();
   } else if (disctype_ == kDat && fileNumber_ >= 0) {
-    for (Slot& slot : slots_) {
-      if (slot.Dirty) WriteSlot(slot);
-    }
+    WriteBack();
     EmptySlots();
     const int file = fileNumber_;
     fileNumber_ = -1;

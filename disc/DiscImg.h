@@ -60,6 +60,9 @@ class DiscImg {
   // CloseFile, and no byte access opens a .dat or card again: stores go nowhere from here on. For
   // who has only looked at a card, which the user may not have meant.
   void Abandon();
+  // Writes what the blocks of an open .dat or card hold and its medium doesn't yet; they stay held.
+  // Nothing for the floppy kinds.
+  void WriteBack();
   // CloseFile, then OpenFile with everything as it was.
   void Flush();
   // Opens fileName as the given kind. A .dat that doesn't exist comes into being; one that can't be

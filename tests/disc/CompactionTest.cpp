@@ -230,6 +230,7 @@ class RandomDisc {
     dirs_.push_back(2);
     const int objects = 5 + static_cast<int>(random_() % 60);
     for (int i = 0; i < objects; ++i) AddOne(i);
+    for (int i = 0; i < objects / 2; ++i) RehangOne();
   }
   const ImageBuilder& Image() const { return image_; }
   // Pokes that leave a disc whose objects don't overlap, but whose directories tell untruths.
@@ -260,14 +261,29 @@ class RandomDisc {
       } else {
         image_.AddFile(dir,
                        {name, Pattern(random_() % 3000, static_cast<unsigned>(i)), 0, 0, "WR"});
+        files_.push_back({dir, name});
       }
     } catch (const std::runtime_error&) {
+    }
+  }
+  // Puts a file into any directory, also one that lies above it.
+  void RehangOne() {
+    if (files_.empty()) return;
+    auto& [dir, name] = files_[random_() % files_.size()];
+    const auto to = dirs_[random_() % dirs_.size()];
+    if (to == dir) return;
+    try {
+      image_.Rehang(dir, name, to);
+      dir = to;
+    } catch (const std::runtime_error&) {
+      // That one is full.
     }
   }
 
   std::mt19937 random_;
   ImageBuilder image_;
   std::vector<std::int32_t> dirs_;
+  std::vector<std::pair<std::int32_t, std::string>> files_;  // and the directories that list them
 };
 
 TEST_F(CompactionTest, RandomDiscsComeOutByteForByteAsInTheStepByStepWay) {

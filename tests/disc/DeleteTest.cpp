@@ -196,6 +196,44 @@ TEST_F(DeleteTest, AnEmptyFileThatTheBbcGaveNoSectorFreesNobodyElses) {
   EXPECT_EQ(Runs(), "12+628") << "the sector was E2's own";
 }
 
+TEST_F(DeleteTest, ATreeOfEmptyFilesThatShareASectorGivesItBackOnce) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  image.AddFile(dir, {"A", Pattern(900), 0, 0, "WR"});
+  for (int i = 1; i < 6; ++i) {
+    const auto sector = image.AddFile(dir, {"E" + std::to_string(i), {}, 0, 0, "WR"});
+    ASSERT_EQ(sector, 15 + i);
+  }
+  image.Poke(dir * 256 + 5 + 1 * 26 + 22, 13);  // E1 stands in A
+  image.Poke(dir * 256 + 5 + 3 * 26 + 22, 17);  // E3 stands where E2 does
+  image.Poke(dir * 256 + 5 + 5 * 26 + 22, 30);  // E5 stands in free space
+  image.SetFreeRuns({{16, 1}, {18, 1}, {20, 620}});
+  Open(image);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(Runs(), "7+633");
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
+TEST_F(DeleteTest, EmptyFilesGoOnBeingToldApartAfterACompactionInTheirTree) {
+  ImageBuilder image(2560);
+  const auto dir = image.AddDirectory(2, "DIR");
+  const auto sub = image.AddDirectory(dir, "SUB");
+  const auto keep = image.AddDirectory(2, "KEEP");
+  for (int i = 0; i < 45; ++i) {
+    const std::string number = std::to_string(100 + i);
+    image.AddHole(1);
+    image.AddFile(2, {"K" + number, Pattern(300), 0, 0, "WR"});
+    image.AddFile(dir, {"E" + number, {}, 0, 0, "WR"});
+    image.AddFile(keep, {"K" + number, Pattern(300), 0, 0, "WR"});
+    image.AddFile(sub, {"F" + number, {}, 0, 0, "WR"});
+  }
+  Open(image, kAdl);
+  ASSERT_EQ(disc_.FreeCount, 46);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(host_.LogOf("status Compacting").size(), 1U);
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
 TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapOrBeyondTheDiscDoesNotComeFree) {
   ImageBuilder image(640);
   image.AddFile(2, {"LOW", Pattern(2560), 0, 0, "WR"});

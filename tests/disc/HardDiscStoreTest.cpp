@@ -72,6 +72,16 @@ TEST_F(HardDiscStore, ADirtyBlockReachesTheFileAtClose) {
   EXPECT_EQ(ReadAll(path_).size(), 4096U);
 }
 
+TEST_F(HardDiscStore, WritingBackBringsTheFileUpToDateAndKeepsTheBlocks) {
+  disc_.TheDisc.Store(5, 77);
+  disc_.TheDisc.WriteBack();
+  EXPECT_EQ(ReadAll(path_)[5], 77);
+  Change(5, 99);
+  EXPECT_EQ(disc_.TheDisc.Fetch(5), 77) << "still held";
+  disc_.TheDisc.CloseFile();
+  EXPECT_EQ(ReadAll(path_)[5], 99) << "and not written a second time";
+}
+
 TEST_F(HardDiscStore, TheFileGrowsWhenABlockBeyondItsEndIsWritten) {
   disc_.TheDisc.Store(10 * 1024 + 3, 5);
   disc_.TheDisc.CloseFile();

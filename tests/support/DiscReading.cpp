@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <stdexcept>
 #include <tuple>
 
 namespace sectorbox::testing {
@@ -63,6 +64,8 @@ void ReadContents(const Bytes& disc, ReadObject& dir) {
     if (object.IsDirectory()) {
       ReadContents(disc, object);
     } else {
+      const auto end = static_cast<std::size_t>(object.Start) * 256 + object.Length;
+      if (end > disc.size()) throw std::runtime_error(object.Name + " ends past the disc");
       const auto from = disc.begin() + static_cast<std::ptrdiff_t>(object.Start) * 256;
       object.Bytes.assign(from, from + static_cast<std::ptrdiff_t>(object.Length));
     }

@@ -23,7 +23,7 @@ struct ReadObject {
   bool IsDirectory() const { return Attr.find('D') != std::string::npos; }
 };
 
-// The root, with all that is below it.
+// The root, with all that is below it. Throws where an entry leads past the disc's end.
 ReadObject ReadTree(const std::vector<std::uint8_t>& disc);
 
 struct FreeRun {

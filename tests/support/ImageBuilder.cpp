@@ -98,6 +98,23 @@ std::int32_t ImageBuilder::AddDirectory(std::int32_t dir, const std::string& nam
   return start;
 }
 
+void ImageBuilder::Rehang(std::int32_t from, const std::string& name, std::int32_t to) {
+  const auto base = static_cast<std::size_t>(from) * 256 + 5;
+  std::vector<std::uint8_t> wanted(10);
+  PutText(wanted, 0, name, 10);
+  std::size_t slot = 0;
+  while (slot < 47 && Upper(bytes_, base + slot * 26) != Upper(wanted, 0)) ++slot;
+  if (slot == 47) throw std::runtime_error("there is no " + name);
+  const auto at = bytes_.begin() + static_cast<std::ptrdiff_t>(base + slot * 26);
+  const std::vector<std::uint8_t> entry(at, at + 26);
+  Insert(to, entry);
+  std::copy(at + 26, bytes_.begin() + static_cast<std::ptrdiff_t>(base + 47 * 26), at);
+  std::fill_n(bytes_.begin() + static_cast<std::ptrdiff_t>(base + 46 * 26), 26, std::uint8_t{0});
+  if ((entry[3] & 128) == 0) return;
+  const auto start = static_cast<std::size_t>(entry[22]) | static_cast<std::size_t>(entry[23]) << 8;
+  Put(bytes_, start * 256 + 1238, static_cast<std::uint32_t>(to), 3);
+}
+
 void ImageBuilder::AddHole(std::int32_t sectors) {
   const std::int32_t start = Take(sectors);
   runs_.insert(runs_.end() - 1, {start, sectors});

@@ -27,6 +27,10 @@ class ImageBuilder {
   std::int32_t AddDirectory(std::int32_t dir, const std::string& name,
                             const std::string& attr = "WR");
 
+  // Moves the entry name of the directory from to the directory to, and nothing of its bytes: so an
+  // object comes to lie below the directory that lists it.
+  void Rehang(std::int32_t from, const std::string& name, std::int32_t to);
+
   // Leaves a hole of that many sectors at the start of the free space and makes it a run.
   void AddHole(std::int32_t sectors);
   // The whole free list, as pairs of start and length; rewrites the map and its checksums.
