@@ -2,9 +2,11 @@
 // restored.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
+#include "tests/support/CardAccount.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/RunSbx.h"
 #include "tests/support/TempFolder.h"
@@ -47,6 +49,65 @@ TEST_F(CardCommands, FormatFillBackUpRestoreAndRead) {
   EXPECT_EQ(RunSbx({"cf", "restore", other + ",0", folder / "b.dat"}).Status, 0);
   EXPECT_EQ(RunSbx({"get", "cf:" + other + ",0", "HELLO"}).Out, "Hello, Beeb");
   EXPECT_EQ(RunSbx({"check", "cf:" + other + ",0"}).Status, 0);
+}
+
+TEST_F(CardCommands, EveryByteOfACardIsAccountedForFromTheFormatToTheRestore) {
+  CardAccount account(CardAccount::kPartitionStart + 5000);
+  account.Fill(0, 5000);
+  account.Fill(CardAccount::kPartitionStart - 100, 5100);
+  // The second partition's map and root are zero before the quick format.
+  account.Put(1, 0, std::vector<std::uint8_t>(7 * 256));
+  const std::string card = folder / "card";
+  account.WriteTo(card);
+  ASSERT_EQ(account.WhatDiffers(card), "");
+
+  EXPECT_EQ(RunSbx({"cf", "format", card + ",0", "1MB"}).Status, 0);
+  EXPECT_EQ(RunSbx({"cf", "format", card + ",1", "1MB", "--quick"}).Status, 0);
+  const auto empty = ImageBuilder(4096).Bytes();
+  account.Wipe(0, 4096);
+  account.Put(0, 0, empty);
+  account.Put(1, 0, std::span(empty).first(7 * 256));
+  ASSERT_EQ(account.WhatDiffers(card), "");
+
+  const std::vector<std::uint8_t> alpha(1000, 0xA1);
+  const std::vector<std::uint8_t> beta(3 * 256, 0xB2);
+  WriteAll(folder / "ALPHA", alpha);
+  WriteAll(folder / "BETA", beta);
+  EXPECT_EQ(RunSbx({"add", "cf:" + card + ",0", "$", folder / "ALPHA"}).Status, 0);
+  EXPECT_EQ(RunSbx({"add", "cf:" + card + ",1", "$", folder / "BETA"}).Status, 0);
+  const auto first = DiscWithAddedFile(4096, "ALPHA", alpha);
+  account.Put(0, 0, first);
+  const auto second = DiscWithAddedFile(4096, "BETA", beta);
+  account.Put(1, 0, std::span(second).first(10 * 256));
+  ASSERT_EQ(account.WhatDiffers(card), "");
+
+  EXPECT_EQ(RunSbx({"cf", "backup", card + ",0", folder / "0.dat"}).Status, 0);
+  EXPECT_EQ(RunSbx({"cf", "backup", card + ",1", folder / "1.dat", "--full"}).Status, 0);
+  const std::vector<std::uint8_t> used(first.begin(), first.begin() + 11 * 256);
+  EXPECT_EQ(ReadAll(folder / "0.dat"), used);
+  EXPECT_EQ(ReadAll(folder / "1.dat"), account.DiscBytes(1, 5000));
+  ASSERT_EQ(account.WhatDiffers(card), "");
+
+  const CardAccount before = account;
+  EXPECT_EQ(RunSbx({"cf", "restore", card + ",1", folder / "0.dat"}).Status, 0);
+  account.Put(1, 0, used);
+  ASSERT_EQ(account.WhatDiffers(card), "");
+  EXPECT_EQ(RunSbx({"get", "cf:" + card + ",1", "ALPHA"}).Out, std::string(1000, '\xA1'));
+  EXPECT_EQ(RunSbx({"check", "cf:" + card + ",1"}).Status, 0);
+
+  EXPECT_EQ(RunSbx({"cf", "restore", card + ",1", folder / "1.dat"}).Status, 0);
+  ASSERT_EQ(before.WhatDiffers(card), "");
+  EXPECT_EQ(RunSbx({"get", "cf:" + card + ",1", "BETA"}).Out, std::string(3 * 256, '\xB2'));
+  EXPECT_EQ(RunSbx({"get", "cf:" + card + ",0", "ALPHA"}).Out, std::string(1000, '\xA1'));
+  EXPECT_EQ(before.WhatDiffers(card), "");
+}
+
+TEST_F(CardCommands, ARestoreFromAPipeIsRefused) {
+  const std::string card = MakeCard(8192 * 512);
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  const SbxResult result = RunSbx({"cf", "restore", card + ",0", folder / "pipe"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, (folder / "pipe") + ": not a plain file\n");
 }
 
 TEST_F(CardCommands, AFullBackupOfAFormatIsASoundDisc) {
