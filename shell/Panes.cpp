@@ -14,10 +14,12 @@ namespace {
 
 constexpr std::array<double, kColumns> kColumnTwips = {1200, 700, 500, 1000, 1000, 1000, 1000};
 
-// A tree that isn't shown doesn't lay itself out for each node, and tells nobody of its clicks.
+// A tree that isn't shown doesn't lay itself out for each node, and tells nobody of its clicks. It
+// gets the focus back where it had it, or was to have it once the window is active: at the start
+// the window may become so at any time.
 class HiddenTree {
  public:
-  explicit HiddenTree(DirTree& tree) : tree_(tree), focus_(tree.hasFocus()) {
+  explicit HiddenTree(DirTree& tree) : tree_(tree), focus_(tree.window()->focusWidget() == &tree) {
     tree_.blockSignals(true);
     tree_.hide();
   }

@@ -158,6 +158,7 @@ void frmMain::RefreshCaption() {
 void frmMain::Load(const std::string& commandLine) {
   RestorePlace(*this, kMainPlace);
   disc_.ImageName = ToHost(SettingsStore().GetString("Root", QStringLiteral("C:\\")));
+  panes_->Tree().setFocus();
   show();
   LoadSettings(*this);
   Guarded([&] {

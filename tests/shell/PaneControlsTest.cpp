@@ -2,6 +2,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QTest>
+#include <QTimer>
 #include <QToolBar>
 
 #include "disc/Mutation.h"
@@ -119,6 +120,32 @@ TEST_F(PaneControlsTest, TheFocusAloneMakesNoRowCurrent) {
   Settle();
   ASSERT_TRUE(window_->ThePanes().List().hasFocus());
   EXPECT_EQ(Panel(2), QStringLiteral("$.DIR"));
+}
+
+TEST_F(PaneControlsTest, TheTreeHasTheFocusAtTheStart) {
+  StartWith(image_);
+  EXPECT_EQ(window_->focusWidget(), &window_->ThePanes().Tree());
+}
+
+// At the start the window may become active in the middle of a rebuild, which lets events run while
+// the tree is hidden.
+TEST_F(PaneControlsTest, AWindowThatBecomesActiveDuringARebuildHasTheFocusInTheTree) {
+  StartWith(image_);
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  Settle();
+  ASSERT_FALSE(window_->isActiveWindow());
+  Panes& panes = window_->ThePanes();
+  QTimer::singleShot(0, [&] {
+    EXPECT_FALSE(panes.Tree().isVisible());
+    window_->activateWindow();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(window_->isActiveWindow());
+  });
+  panes.RebuildTree();
+  EXPECT_TRUE(window_->isActiveWindow());
+  EXPECT_TRUE(panes.Tree().hasFocus());
 }
 
 TEST_F(PaneControlsTest, ADoubleClickOnASelectedFileStartsNoEdit) {
