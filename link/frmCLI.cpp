@@ -78,6 +78,10 @@ void frmCLI::resizeEvent(QResizeEvent*) {
   rtbCLI_->setGeometry(0, menu + strip, width(), std::max(0, height() - menu - strip));
 }
 
+void frmCLI::keyPressEvent(QKeyEvent* event) {
+  if (event->key() != Qt::Key_Escape) QDialog::keyPressEvent(event);
+}
+
 bool frmCLI::eventFilter(QObject* watched, QEvent* event) {
   if (watched != txtCmd_ || event->type() != QEvent::KeyPress) return false;
   const int key = static_cast<QKeyEvent*>(event)->key();

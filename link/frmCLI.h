@@ -25,6 +25,8 @@ class frmCLI : public QDialog {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
+  // Escape, which at a BBC ends whatever runs, doesn't close the window and lose its output.
+  void keyPressEvent(QKeyEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

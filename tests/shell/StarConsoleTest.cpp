@@ -63,6 +63,17 @@ TEST_F(StarConsoleTest, StartsEmptyUnderItsCaptionWithTheStripAboveTheOutput) {
   }
 }
 
+TEST_F(StarConsoleTest, EscapeKeepsTheWindowAndItsOutput) {
+  StartWired();
+  Play([&] {
+    Output()->setPlainText(QStringLiteral("kept"));
+    QTest::keyClick(Command(), Qt::Key_Escape);
+    QTest::keyClick(console, Qt::Key_Escape);
+    EXPECT_TRUE(console->isVisible());
+    EXPECT_EQ(Output()->toPlainText(), QStringLiteral("kept"));
+  });
+}
+
 TEST_F(StarConsoleTest, AnErrorShowsTheBbcsTextAndLeavesTheCommand) {
   StartWired();
   Play([&] {
