@@ -7,16 +7,26 @@
 #include "disc/HostFile.h"
 #include "disc/Mutation.h"
 #include "disc/TrackedSector.h"
+#include "shell/Icons.h"
 #include "shell/Panes.h"
 #include "toolkit/FileLists.h"
 
 namespace sectorbox {
 namespace {
 
+// What hangs at the pointer: a file or a folder, as the first path is.
+void ShowDragged(QDrag& drag, const std::string& first) {
+  constexpr int kSide = 32;
+  const QIcon icon = LoadIcon(HostFolderExists(first) ? "closed" : "leaf");
+  drag.setPixmap(icon.pixmap(kSide, kSide));
+  drag.setHotSpot({kSide / 4, kSide / 4});
+}
+
 void RunDrag(QWidget& source, const std::vector<std::string>& paths) {
   if (paths.empty()) return;
   auto* drag = new QDrag(&source);
   drag->setMimeData(FileListData(paths).release());
+  ShowDragged(*drag, paths.front());
   drag->exec(Qt::CopyAction, Qt::CopyAction);
 }
 
