@@ -226,13 +226,51 @@ TEST(HostDevices, WhatIsNoCardIsNotOpened) {
 }
 
 TEST(HostDevices, AFileWithoutRightsIsNotOpened) {
-  if (::geteuid() == 0) GTEST_SKIP() << "the superuser has every right";
   TempFolder folder;
   WriteAll(folder / "card", std::vector<std::uint8_t>(4096));
-  ::chmod((folder / "card").c_str(), 0400);
+  ::chmod(folder.Path().c_str(), 0755);
+  ::chmod((folder / "card").c_str(), 0444);
   const auto device = MakeHostDevice();
-  EXPECT_FALSE(device->Open(folder / "card"));
-  EXPECT_EQ(device->LastError(), EACCES);
+  // The superuser has every right, and so becomes somebody else for a moment.
+  constexpr uid_t kNobody = 65534;
+  const bool isRoot = ::geteuid() == 0;
+  if (isRoot && ::seteuid(kNobody) != 0) GTEST_SKIP() << "the superuser can't be anybody else";
+  const bool isOpen = device->Open(folder / "card");
+  const int error = device->LastError();
+  if (isRoot) {
+    ASSERT_EQ(::seteuid(0), 0);
+  }
+  EXPECT_FALSE(isOpen);
+  EXPECT_EQ(error, EACCES);
+}
+
+TEST(HostDevices, ADeviceThatTheSystemHasInUseIsNotOpened) {
+  const LoopCard card;
+  if (card.loop.empty()) GTEST_SKIP() << "this machine gives no loop device";
+  // As a mounted file system holds it.
+  const int holder = ::open(card.loop.c_str(), O_RDONLY | O_EXCL);
+  ASSERT_GE(holder, 0);
+  const auto device = MakeHostDevice();
+  EXPECT_FALSE(device->Open(card.loop));
+  EXPECT_EQ(device->LastError(), EBUSY);
+  ::close(holder);
+  EXPECT_TRUE(device->Open(card.loop));
+}
+
+TEST(HostDevices, AnOpenDeviceKnowsItselfUnderAnyName) {
+  TempFolder folder;
+  WriteAll(folder / "card", std::vector<std::uint8_t>(4096));
+  WriteAll(folder / "other", std::vector<std::uint8_t>(4096));
+  std::filesystem::create_symlink(folder / "card", folder / "link");
+  std::filesystem::create_hard_link(folder / "card", folder / "second");
+  const auto device = MakeHostDevice();
+  EXPECT_FALSE(device->Is(folder / "card"));
+  ASSERT_TRUE(device->Open(folder / "card"));
+  for (const char* name : {"card", "link", "second", "./card"}) {
+    EXPECT_TRUE(device->Is(folder / name)) << name;
+  }
+  EXPECT_FALSE(device->Is(folder / "other"));
+  EXPECT_FALSE(device->Is(folder / "absent"));
 }
 
 }  // namespace

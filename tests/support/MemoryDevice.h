@@ -41,6 +41,8 @@ class MemoryDevice final : public RawDevice {
     Sector(offset / kSector)[offset % kSector] = value;
   }
   std::uint64_t Size() const { return size_; }
+  // Loses what lies behind that many sectors, also while it is open.
+  void Shrink(std::uint64_t sectors) { size_ = sectors * kSector; }
 
   bool Open(const std::string& path) override {
     OpenedPath = path;

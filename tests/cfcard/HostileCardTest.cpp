@@ -1,0 +1,174 @@
+// Cards that fail, shrink or have odd sizes, at every point of a job: nothing is written outside
+// the chosen partition, nothing crashes, and the host hears of it.
+
+#include "disc/SaveImage.h"
+#include "tests/cfcard/CardFixture.h"
+
+namespace sectorbox::testing {
+namespace {
+
+struct QuietView : FormatView {
+  void FormatStarted() override {}
+  void ShowFormat(const std::string&, double) override {}
+};
+
+// The second partition of a card, of 212 sectors, between one that must stay as it is and the end:
+// whole blocks of four, so that an undisturbed job has nothing to tell.
+class HostileCard : public CardTest {
+ protected:
+  static constexpr std::uint64_t kSectors = 212;
+  static constexpr std::uint64_t kStart = kPartitionSectors * 512;
+
+  void SetUp() override { WriteAll(file, std::vector<std::uint8_t>(kSectors * 256, 0x5A)); }
+
+  MemoryDevice& NewCard() {
+    host.Log.clear();
+    Insert("card", kPartitionSectors + kSectors);
+    return shelf.At("card");
+  }
+  void Format() {
+    disc.ImageName = "C:,1";
+    disc.ProgressRunning = true;
+    FormatCFDisc(disc, view, "1MB", false);
+  }
+  void Restore() {
+    OpenCFPartition(disc, "C:,1");
+    RestoreImage(disc, file);
+    disc.TheDisc.CloseFile();
+  }
+  void Backup() {
+    OpenCFPartition(disc, "C:,1");
+    SaveDatImage(disc, folder / "out.dat", true);
+    disc.TheDisc.CloseFile();
+  }
+  static std::size_t Count(const MemoryDevice& card, bool writes) {
+    std::size_t count = 0;
+    for (const auto& transfer : card.Transfers) count += transfer.IsWrite == writes ? 1 : 0;
+    return count;
+  }
+  static void ExpectInside(const MemoryDevice& card) {
+    for (const auto& transfer : card.Transfers) {
+      if (!transfer.IsWrite) continue;
+      ASSERT_GE(transfer.Offset, kStart);
+      ASSERT_LE(transfer.Offset + transfer.Bytes, kStart + kSectors * 512);
+    }
+  }
+  // Runs job once undisturbed, and then with the card pulled after each number of transfers.
+  void PullEverywhere(const std::function<void()>& job, bool writes) {
+    MemoryDevice& whole = NewCard();
+    job();
+    ASSERT_TRUE(host.LogOf("note ").empty()) << host.LogOf("note ").front();
+    const std::size_t transfers = Count(whole, writes);
+    ASSERT_GT(transfers, 3u);
+    for (std::size_t left = 0; left < transfers; ++left) {
+      MemoryDevice& card = NewCard();
+      (writes ? card.WritesLeft : card.ReadsLeft) = left;
+      job();
+      ExpectInside(card);
+      EXPECT_FALSE(host.LogOf("note ").empty()) << "pulled after " << left;
+      EXPECT_FALSE(disc.TheDisc.DeviceIsOpen());
+    }
+  }
+
+  QuietView view;
+  const std::string file = folder / "in.dat";
+};
+
+TEST_F(HostileCard, APullAfterAnyWriteOfAFormatIsTold) {
+  PullEverywhere([&] { Format(); }, true);
+}
+
+TEST_F(HostileCard, APullAfterAnyWriteOfARestoreIsTold) {
+  PullEverywhere([&] { Restore(); }, true);
+}
+
+// A card that can't be read from the start on seems to have no such partition, and one whose probe
+// is cut short seems smaller than it is; neither may make a job reach for another place.
+TEST_F(HostileCard, APullAfterAnyReadKeepsEveryJobInsideThePartition) {
+  for (const auto& job : std::vector<std::function<void()>>{[&] { Format(); }, [&] { Restore(); },
+                                                            [&] { Backup(); }}) {
+    MemoryDevice& whole = NewCard();
+    job();
+    const std::size_t reads = Count(whole, false);
+    for (std::size_t left = 0; left < reads; ++left) {
+      MemoryDevice& card = NewCard();
+      card.ReadsLeft = left;
+      job();
+      ExpectInside(card);
+      EXPECT_FALSE(disc.TheDisc.DeviceIsOpen());
+    }
+    std::filesystem::remove(folder / "out.dat");
+  }
+}
+
+TEST_F(HostileCard, APullInABackupIsToldAndTheFileKeepsItsLength) {
+  MemoryDevice& card = NewCard();
+  OpenCFPartition(disc, "C:,1");
+  card.ReadsLeft = 1;
+  SaveDatImage(disc, folder / "out.dat", true);
+  EXPECT_EQ(std::filesystem::file_size(folder / "out.dat"), kSectors * 256);
+  EXPECT_FALSE(host.LogOf("note ").empty());
+}
+
+TEST_F(HostileCard, ACardThatShrinksUnderAJobIsTold) {
+  for (const auto& job : std::vector<std::function<void()>>{[&] { Format(); }, [&] { Restore(); },
+                                                            [&] { Backup(); }}) {
+    MemoryDevice& card = NewCard();
+    host.OnPump = [&] { card.Shrink(kPartitionSectors + 100); };
+    job();
+    ExpectInside(card);
+    EXPECT_FALSE(host.LogOf("note ").empty());
+  }
+}
+
+TEST_F(HostileCard, OnlyTheChosenCardIsWritten) {
+  MemoryDevice& card = NewCard();
+  MemoryDevice& other = Insert("other", kPartitionSectors + kSectors);
+  ScanCFCards(disc, drives, true);
+  Format();
+  Restore();
+  Backup();
+  ScanCFCards(disc, drives, true);
+  EXPECT_EQ(Count(other, true), 0u);
+  ExpectInside(card);
+}
+
+// Every byte of small cards, whatever their size is to blocks, steps and transfers.
+TEST_F(HostileCard, OddSizesAreFormattedFilledAndCopiedToTheirLastByte) {
+  Insert("card", 0);
+  for (const std::uint64_t size : {7u,   8u,   9u,   10u,  11u,  63u,  64u,  65u,  66u,  127u,
+                                   128u, 129u, 191u, 192u, 193u, 255u, 256u, 257u, 511u, 513u}) {
+    MemoryDevice& card = shelf.Put("card", size);
+    for (std::uint64_t i = 0; i < card.Size(); ++i) card.Poke(i, 0xE5);
+    disc.ImageName = "C:,0";
+    disc.ProgressRunning = true;
+    FormatCFDisc(disc, view, "512MB", false);
+    const ImageBuilder empty(static_cast<std::int32_t>(size));
+    for (std::uint64_t i = 0; i < card.Size(); ++i) {
+      ASSERT_EQ(card.Peek(i), i % 2 == 0 ? empty.Bytes()[i / 2] : 0) << size << " byte " << i;
+    }
+    for (std::uint64_t i = 1; i < card.Size(); i += 2) card.Poke(i, 0x0D);
+    std::vector<std::uint8_t> bytes(size * 256);
+    for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i % 253);
+    WriteAll(file, bytes);
+    OpenCFPartition(disc, "C:,0");
+    RestoreImage(disc, file);
+    disc.TheDisc.CloseFile();
+    for (std::uint64_t i = 0; i < card.Size(); ++i) {
+      ASSERT_EQ(card.Peek(i), i % 2 == 0 ? bytes[i / 2] : 0x0D) << size << " byte " << i;
+    }
+    OpenCFPartition(disc, "C:,0");
+    SaveDatImage(disc, folder / "out.dat", true);
+    const auto copy = ReadAll(folder / "out.dat");
+    ASSERT_EQ(copy.size(), bytes.size());
+    // A last block that the card has only in part reads as a fault does: its first sector is zero.
+    const std::size_t blocks = bytes.size() / 1024 * 1024;
+    EXPECT_TRUE(
+        std::equal(copy.begin(), copy.begin() + static_cast<std::ptrdiff_t>(blocks), bytes.begin()))
+        << size;
+    disc.TheDisc.CloseFile();
+  }
+}
+
+}  // namespace
+}  // namespace sectorbox::testing
