@@ -45,6 +45,20 @@ class EngineTest : public ::testing::Test {
     host_.Log.clear();
   }
 
+  // The same on the first partition of a card, which is a file here: a byte of the disc, a byte of
+  // the card's own, in turn.
+  void OpenOnCard(const ImageBuilder& image) {
+    const Bytes& bytes = image.Bytes();
+    if (!disc_.TheDisc.InMemory()) disc_.TheDisc.CloseFile();
+    Bytes card;
+    for (const std::uint8_t byte : bytes) card.insert(card.end(), {byte, 0xC5});
+    WriteAll(folder_ / "card.raw", card);
+    disc_.TheDisc.OpenFile((folder_ / "card.raw") + ",0", kCF, 0, 0, 0);
+    ReadFreeMap(disc_);
+    size_ = bytes.size();
+    host_.Log.clear();
+  }
+
   Bytes Image() {
     Bytes bytes(size_);
     disc_.TheDisc.FetchBytes(0, bytes);

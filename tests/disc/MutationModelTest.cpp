@@ -51,15 +51,39 @@ struct Node {
   }
 };
 
+// What a run of random operations leans to.
+struct Habits {
+  bool ManyNames = false;    // far more names than a directory has room for
+  unsigned Longest = 20000;  // bytes of the longest file
+  bool InTides = false;      // files come for a while, then single ones go for a while
+  bool Deep = false;         // mostly works in the lowest directories, and makes more there
+};
+
+// Shapes that came up, so that a test can see that its random discs have them.
+struct Shapes {
+  int FullDirectories = 0;
+  int MostRuns = 0;
+  int Compactions = 0;  // those that nobody asked for
+  int Deepest = 0;
+  int NoSpace = 0;
+  int FullDiscs = 0;  // without a single free sector
+};
+
 class MutationModelTest : public EngineTest {
  protected:
   struct Place {
     Node* Dir;
     std::int32_t Sector;
+    int Depth = 0;
   };
 
-  void Run(DiscType kind, std::int32_t sectors, unsigned seed, int steps) {
-    Open(ImageBuilder(sectors), kind);
+  void Run(DiscType kind, std::int32_t sectors, unsigned seed, int steps, Habits habits = {}) {
+    if (kind == kCF) {
+      OpenOnCard(ImageBuilder(sectors));
+    } else {
+      Open(ImageBuilder(sectors), kind);
+    }
+    habits_ = habits;
     total_ = sectors;
     random_.seed(seed);
     root_ = Node{};
@@ -68,20 +92,38 @@ class MutationModelTest : public EngineTest {
     host_.AcceptMessages = true;
     for (int step = 0; step < steps; ++step) {
       host_.Messages.clear();
+      host_.Log.clear();
       last_ = "step " + std::to_string(step) + ": ";
+      ebb_ = habits_.InTides && step % 1000 >= 600;
       Step();
       SCOPED_TRACE(last_);
       const Bytes image = Image();
       ASSERT_EQ(FaultsOf(image), std::vector<std::string>());
       Compare(root_, ReadTree(image));
       ASSERT_EQ(FreeSectors(), total_ - 2 - root_.Used());
+      NoteShapes();
       if (HasFatalFailure() || HasNonfatalFailure()) return;
     }
   }
 
  private:
   unsigned Pick(unsigned count) { return static_cast<unsigned>(random_() % count); }
+  void NoteShapes() {
+    shapes_.MostRuns = std::max<int>(shapes_.MostRuns, disc_.FreeCount);
+    shapes_.FullDiscs += FreeSectors() == 0;
+    const bool asked = last_.find("compact") != std::string::npos;
+    if (!asked) shapes_.Compactions += static_cast<int>(host_.LogOf("status Compacting").size());
+    for (const std::string& message : host_.Messages) {
+      shapes_.FullDirectories += message == "Directory Full";
+      shapes_.NoSpace += message == kNoSpaceMessage;
+    }
+  }
   std::string PickName() {
+    if (habits_.ManyNames) {
+      std::string name = std::to_string(Pick(200));
+      if (Pick(2) == 0) name = "longname" + name;
+      return name.substr(0, 10);
+    }
     static const char* const kNames[] = {"A",  "a1",    "FOO",   "foo2",       "FOOD",
                                          "Zz", "!BOOT", "M_N",   "TENLETTERS", "X/Y",
                                          "q",  "Q2",    "Name?", "<>",         "~"};
@@ -104,15 +146,16 @@ class MutationModelTest : public EngineTest {
   }
   Place PickPlace() {
     Place place{&root_, 2};
-    while (Pick(3) != 0) {
+    while (Pick(habits_.Deep ? 12 : 3) != 0) {
       std::vector<Node*> dirs;
       for (const auto& [name, child] : place.Dir->Children) {
         if (child->IsDir) dirs.push_back(child.get());
       }
       if (dirs.empty()) break;
       Node* next = dirs[Pick(static_cast<unsigned>(dirs.size()))];
-      place = {next, GetEntrySector(disc_, place.Sector, next->Name)};
+      place = {next, GetEntrySector(disc_, place.Sector, next->Name), place.Depth + 1};
     }
+    shapes_.Deepest = std::max(shapes_.Deepest, place.Depth);
     return place;
   }
   // A child of dir, or none.
@@ -125,6 +168,10 @@ class MutationModelTest : public EngineTest {
 
   void Step() {
     const Place place = PickPlace();
+    if (habits_.InTides && Pick(10) != 0) {
+      if (ebb_) return DeleteFile(place);
+      return Pick(20) == 0 ? Make(place) : AddOne(place);
+    }
     switch (Pick(12)) {
       case 0:
       case 1:
@@ -152,7 +199,9 @@ class MutationModelTest : public EngineTest {
   void AddOne(const Place& place) {
     auto node = std::make_shared<Node>();
     node->Name = PickName();
-    node->Contents = Pattern(Pick(3) == 0 ? Pick(20000) : Pick(1200), Pick(1000));
+    const unsigned longest = habits_.Longest;
+    const unsigned length = Pick(3) == 0 ? Pick(longest) : Pick(std::min(longest, 1200U));
+    node->Contents = Pattern(Pick(12) == 0 ? 0 : length, Pick(1000));
     const std::string path = HostFile("host", node->Contents);
     std::filesystem::remove(path + ".INF");
     const bool sidecar = Pick(2) == 0;
@@ -249,6 +298,17 @@ class MutationModelTest : public EngineTest {
     place.Dir->Children.erase(Upper(name));
   }
 
+  // A file that isn't locked, so that its sectors do come free.
+  void DeleteFile(const Place& place) {
+    Node* node = PickChild(place);
+    if (node == nullptr || node->IsDir || node->Locked) return;
+    last_ += "delete file " + node->Name;
+    const std::string name = node->Name;
+    ASSERT_EQ(DeleteEntry(disc_, place.Sector, name, false, false), 0);
+    place.Dir->Bump();
+    place.Dir->Children.erase(Upper(name));
+  }
+
   void Rename(const Place& place) {
     Node* node = PickChild(place);
     if (node == nullptr) return;
@@ -341,6 +401,11 @@ class MutationModelTest : public EngineTest {
   std::mt19937 random_;
   std::string last_;
   int total_ = 0;
+  Habits habits_;
+  bool ebb_ = false;
+
+ protected:
+  Shapes shapes_;
 };
 
 TEST_F(MutationModelTest, ASingleSidedFloppyFollowsTheModel) {
@@ -353,6 +418,37 @@ TEST_F(MutationModelTest, ADoubleSidedFloppyFollowsTheModel) {
 
 TEST_F(MutationModelTest, AHardDiscImageFollowsTheModel) {
   Run(kDat, 900, 21, 1000);
+}
+
+TEST_F(MutationModelTest, ACardFollowsTheModel) {
+  Run(kCF, 640, 31, 400);
+}
+
+TEST_F(MutationModelTest, AHardDiscImageThatIsOpenedAfterACardFollowsTheModel) {
+  OpenOnCard(ImageBuilder(640));
+  Run(kDat, 640, 41, 400);
+}
+
+TEST_F(MutationModelTest, FullDirectoriesFollowTheModel) {
+  Run(kAdf, 640, 51, 1000, {.ManyNames = true, .Longest = 1200});
+  EXPECT_GT(shapes_.FullDirectories, 0);
+}
+
+TEST_F(MutationModelTest, AFreeListThatGrowsUntilItIsCompactedFollowsTheModel) {
+  Run(kAdf, 1280, 62, 1000, {.ManyNames = true, .Longest = 600, .InTides = true});
+  EXPECT_EQ(shapes_.MostRuns, 79);
+  EXPECT_GT(shapes_.Compactions, 0);
+}
+
+TEST_F(MutationModelTest, DeepDirectoriesFollowTheModel) {
+  Run(kAdf, 640, 71, 1000, {.Longest = 1200, .Deep = true});
+  EXPECT_GE(shapes_.Deepest, 6);
+}
+
+TEST_F(MutationModelTest, ADiscThatIsFullToItsLastSectorFollowsTheModel) {
+  Run(kAdf, 80, 81, 1500, {.Longest = 2000});
+  EXPECT_GT(shapes_.NoSpace, 0);
+  EXPECT_GT(shapes_.FullDiscs, 0);
 }
 
 }  // namespace
