@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 namespace sectorbox::cli {
 namespace {
@@ -27,6 +29,73 @@ bool Holds(const Names& names, std::string_view name) {
   return !name.empty() && std::find(names.begin(), names.end(), name) != names.end();
 }
 
+// A word such as "-o", "--pad" or "--pad=on".
+struct OptionWord {
+  std::string Name;
+  std::optional<std::string> Value;  // what stands behind an equals sign
+};
+
+OptionWord SplitOption(const std::string& word) {
+  const bool isLong = word[1] == '-';
+  OptionWord option{word.substr(isLong ? 2 : 1), std::nullopt};
+  const auto equals = isLong ? option.Name.find('=') : std::string::npos;
+  if (equals != std::string::npos) {
+    option.Value = option.Name.substr(equals + 1);
+    option.Name.resize(equals);
+  }
+  // One letter takes one dash, a word takes two.
+  if ((option.Name.size() == 1) == isLong) throw UsageError("unknown option: " + word);
+  return option;
+}
+
+class Parser {
+ public:
+  explicit Parser(const std::vector<std::string>& words) : words_(words) {}
+
+  CommandLine Parse() {
+    while (at_ < words_.size()) Take(words_[at_++]);
+    return std::move(line_);
+  }
+
+ private:
+  void Take(const std::string& word) {
+    if (optionsEnded_ || word.size() < 2 || word[0] != '-') {
+      TakeArgument(word);
+    } else if (word == "--") {
+      optionsEnded_ = true;
+    } else {
+      TakeOption(word);
+    }
+  }
+
+  void TakeArgument(const std::string& word) {
+    if (line_.Command.empty()) {
+      line_.Command = word;
+    } else {
+      line_.Arguments.push_back(word);
+    }
+  }
+
+  void TakeOption(const std::string& word) {
+    OptionWord option = SplitOption(word);
+    if (Holds(kPlain, option.Name) && !option.Value) {
+      line_.Options[option.Name] = "";
+      return;
+    }
+    if (!Holds(kValued, option.Name)) throw UsageError("unknown option: " + word);
+    if (!option.Value) {
+      if (at_ == words_.size()) throw UsageError(word + " takes a value");
+      option.Value = words_[at_++];
+    }
+    line_.Options[option.Name] = *option.Value;
+  }
+
+  const std::vector<std::string>& words_;
+  std::size_t at_ = 0;
+  bool optionsEnded_ = false;
+  CommandLine line_;
+};
+
 }  // namespace
 
 std::string CommandLine::Option(const std::string& option, const std::string& fallback) const {
@@ -46,43 +115,7 @@ void CommandLine::Expect(std::size_t least, std::size_t most) const {
 }
 
 CommandLine ParseCommandLine(const std::vector<std::string>& words) {
-  CommandLine line;
-  bool optionsEnded = false;
-  for (std::size_t i = 0; i < words.size(); ++i) {
-    const std::string& word = words[i];
-    const bool isOption = !optionsEnded && word.size() > 1 && word[0] == '-';
-    if (!isOption) {
-      if (line.Command.empty()) {
-        line.Command = word;
-      } else {
-        line.Arguments.push_back(word);
-      }
-      continue;
-    }
-    if (word == "--") {
-      optionsEnded = true;
-      continue;
-    }
-    const bool isLong = word[1] == '-';
-    std::string name = word.substr(isLong ? 2 : 1);
-    const auto equals = isLong ? name.find('=') : std::string::npos;
-    const bool joined = equals != std::string::npos;
-    const std::string value = joined ? name.substr(equals + 1) : "";
-    if (joined) name.resize(equals);
-    if ((name.size() == 1) == isLong) throw UsageError("unknown option: " + word);
-    if (Holds(kPlain, name) && !joined) {
-      line.Options[name] = "";
-    } else if (!Holds(kValued, name)) {
-      throw UsageError("unknown option: " + word);
-    } else if (joined) {
-      line.Options[name] = value;
-    } else if (i + 1 < words.size()) {
-      line.Options[name] = words[++i];
-    } else {
-      throw UsageError(word + " takes a value");
-    }
-  }
-  return line;
+  return Parser(words).Parse();
 }
 
 }  // namespace sectorbox::cli
