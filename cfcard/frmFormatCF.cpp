@@ -98,6 +98,8 @@ void frmFormatCF::FormatStarted() {
   btnOK_->setEnabled(false);
   btnCancel_->setEnabled(false);
   btnAbort_->setEnabled(true);
+  // The focus went with what was disabled; the one key that still does something is Abort's.
+  btnAbort_->setFocus();
 }
 
 void frmFormatCF::ShowFormat(const std::string& line, double percent) {

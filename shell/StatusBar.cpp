@@ -47,6 +47,11 @@ QSize Panel::minimumSizeHint() const {
           fontMetrics().height() + 4};
 }
 
+void Panel::SetElide(Qt::TextElideMode mode) {
+  mode_ = mode;
+  update();
+}
+
 void Panel::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   const QRect inside = rect().adjusted(kMargin, 0, -kMargin, 0);
@@ -85,8 +90,19 @@ void StatusBar::SetText(const QString& text) {
 }
 
 void StatusBar::SetPath(const QString& text) {
+  ShowInPanel2(text, Qt::ElideLeft, false);
+}
+
+void StatusBar::SetNote(const QString& text) {
+  // Both ends count: what it is about, and why.
+  ShowInPanel2(text, Qt::ElideMiddle, true);
+}
+
+void StatusBar::ShowInPanel2(const QString& text, Qt::TextElideMode mode, bool isAlone) {
   path_->setText(text);
   path_->setToolTip(AsToolTip(text));
+  path_->SetElide(mode);
+  for (Panel* panel : {text_, date_, time_}) panel->setHidden(isAlone);
 }
 
 void StatusBar::ShowClock() {

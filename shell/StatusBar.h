@@ -12,6 +12,7 @@ class Panel : public QLabel {
   Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent);
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
+  void SetElide(Qt::TextElideMode mode);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -27,8 +28,12 @@ class StatusBar : public QStatusBar {
 
   void SetText(const QString& text);  // panel 1
   void SetPath(const QString& text);  // panel 2, which takes up the spare width
+  // A line of what happened, in panel 2 too. Until the next path it has the whole bar to itself: in
+  // a small window the other panels would leave it room for a word.
+  void SetNote(const QString& text);
 
  private:
+  void ShowInPanel2(const QString& text, Qt::TextElideMode mode, bool isAlone);
   void ShowClock();
 
   Panel* text_;

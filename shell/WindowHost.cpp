@@ -45,7 +45,7 @@ void WindowHost::ShowNoteAgain() {
 
 void WindowHost::Note(const std::string& line) {
   note_ = line;
-  if (window_ != nullptr) window_->SetPanel2(FromHost(line));
+  if (window_ != nullptr) window_->ShowNote(line);
 }
 
 void WindowHost::SetBusyPointer(bool busy) {

@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <cstdio>
 
 #include "disc/HostError.h"
 #include "disc/HostFile.h"
@@ -148,6 +149,11 @@ void frmMain::SetStatus(const QString& text, bool busy) {
 
 void frmMain::SetPanel2(const QString& text) {
   status_->SetPath(text);
+}
+
+void frmMain::ShowNote(const std::string& line) {
+  status_->SetNote(FromHost(line));
+  if (unloaded_) std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 void frmMain::RefreshCaption() {

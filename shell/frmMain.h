@@ -90,6 +90,9 @@ class frmMain : public QMainWindow {
   // pointer and shows "Ready". Caption and path are brought up to date.
   void SetStatus(const QString& text, bool busy);
   void SetPanel2(const QString& text);
+  // A line of what happened, in panel 2 and over the whole bar until the next path; on standard
+  // error once the window is closing.
+  void ShowNote(const std::string& line);
   void RefreshCaption();
 
   // --- Serial link -----------------------------------------------------------------------------

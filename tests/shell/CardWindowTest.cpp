@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QTest>
 
 #include "tests/support/WindowFixture.h"
 #include "toolkit/Text.h"
@@ -171,6 +172,7 @@ TEST_F(CardWindow, AbortInTheWipeLeavesTheCardUnformattedAndTheBlankImage) {
       EXPECT_TRUE(
           In<QLabel>(dialog, "lblFormat").text().startsWith(QStringLiteral("Formatting Sectors ")));
       // The close box can't take the dialog away meanwhile; both ask the wipe to end.
+      EXPECT_EQ(dialog.focusWidget(), &button);
       button.click();
       dialog.close();
       EXPECT_TRUE(dialog.isVisible());
@@ -234,6 +236,68 @@ TEST_F(CardWindow, ACardThatFailsIsStillToldWhenThePanesAreFilled) {
   player_.ExpectFileDialog(folder_ / "b.dat");
   Choose("mnuCFCardRestore");
   EXPECT_EQ(Panel(2), QStringLiteral("C:,0: sectors 0 to 3 can't be written in full"));
+}
+
+TEST_F(CardWindow, SpaceAbortsAFormatAndReturnDoesNot) {
+  StartWithCard(DiscWithAFile());
+  QTimer during;
+  int looks = 0;
+  player_.Expect([&](QWidget& dialog) {
+    QObject::connect(&during, &QTimer::timeout, &dialog, [&] {
+      if (!In<QPushButton>(dialog, "btnAbort").isEnabled()) return;
+      QTest::keyClick(dialog.focusWidget(), ++looks == 1 ? Qt::Key_Return : Qt::Key_Space);
+      EXPECT_EQ(disc_->ProgressRunning, looks == 1);
+    });
+    during.start(0);
+    In<QComboBox>(dialog, "cmbCapacity").setCurrentIndex(9);
+    In<QComboBox>(dialog, "cmbCFCard").setCurrentIndex(0);
+    In<QPushButton>(dialog, "btnOK").click();
+  });
+  Choose("mnuCFFormat");
+  EXPECT_EQ(looks, 2);
+  ExpectBlank();
+}
+
+TEST_F(CardWindow, ALineOfWhatHappenedHasTheWholeBarUntilTheNextPath) {
+  StartWithCard(DiscWithAFile());
+  WriteAll(folder_ / "b.dat", std::vector<std::uint8_t>(3 << 20));
+  device_->Shrink(4096);
+  ExpectChoice(0);
+  Choose("mnuCFCardOpen");
+  Settle();
+  auto& panel = Find<QLabel>("sbStatusBar2");
+  const int narrow = panel.width();
+  ExpectChoice(0);
+  player_.ExpectFileDialog(folder_ / "b.dat");
+  Choose("mnuCFCardRestore");
+  Settle();
+  EXPECT_EQ(Panel(2).toStdString(),
+            folder_ / "b.dat: 12288 sectors, of which the first 4096 fit on the partition");
+  EXPECT_EQ(panel.toolTip(), Panel(2));
+  for (const char* other : {"sbStatusBar1", "sbStatusBar3", "sbStatusBar4"}) {
+    EXPECT_FALSE(Find(other).isVisible()) << other;
+  }
+  EXPECT_GT(panel.width(), 2 * narrow);
+  EXPECT_GT(panel.width(), window_->width() * 3 / 4);
+  window_->SetPanel2(QStringLiteral("$"));
+  Settle();
+  for (const char* other : {"sbStatusBar1", "sbStatusBar3", "sbStatusBar4"}) {
+    EXPECT_TRUE(Find(other).isVisible()) << other;
+  }
+  EXPECT_LT(panel.width(), window_->width() / 2);
+}
+
+TEST_F(CardWindow, ACardThatFailsAtTheEndOfTheProgramIsToldOnStandardError) {
+  StartWithCard(DiscWithAFile());
+  ExpectChoice(0);
+  Choose("mnuCFCardOpen");
+  disc_->TheDisc.Store(0x10000, 1);
+  device_->WritesLeft = 0;
+  ::testing::internal::CaptureStderr();
+  window_->close();
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+            "C:,0: sectors 256 to 259 can't be written in full\n");
+  EXPECT_EQ(ends_, std::vector<int>{0});
 }
 
 TEST_F(CardWindow, BothDialogsShareOnePlace) {
