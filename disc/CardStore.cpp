@@ -102,13 +102,8 @@ void DiscImg::ProbeCard() {
 }
 
 std::int32_t DiscImg::DiscSize() const {
-  std::int32_t size = mNumSecs;
-  if (mTracks == 1) {
-    size -= kPartitionSectors;
-  } else if (size > kPartitionSectors) {
-    size = kLargestPartition;
-  }
-  return std::min(size, kLargestPartition);
+  const std::int32_t behind = mTracks == 1 ? kPartitionSectors : 0;
+  return std::min(mNumSecs - behind, kLargestPartition);
 }
 
 void DiscImg::LoadCardSlot(Slot& slot) {

@@ -26,13 +26,13 @@ std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory) {
 
 std::vector<std::uint8_t> ArrangeAdl(Disc& disc) {
   std::int32_t discSize = MapDiscSize(disc);
-  // A damaged map may leave no room for the disc's own root. Storing back is no reason to cut the
-  // user's file down to that.
-  if (disc.TheDisc.InMemory() && discSize < format::kFirstFreeSector) {
-    discSize = static_cast<std::int32_t>(disc.TheDisc.ImageBytes() / format::kSectorSize);
-  }
   // A card partition or a .dat can hold a disc of this size too; it is fetched as far as it goes.
   const std::size_t available = disc.TheDisc.InMemory() ? disc.TheDisc.ImageBytes() : SIZE_MAX;
+  // By a damaged map not even the track of the map and the root may be there. Storing back is no
+  // reason to cut the user's file down to that.
+  if (disc.TheDisc.InMemory() && StoredTracks(discSize, available) == 0) {
+    discSize = static_cast<std::int32_t>(available / format::kSectorSize);
+  }
   const std::int32_t tracks = StoredTracks(discSize, available);
   // Only a store interleaves by the number of tracks; a load does whenever the option is set. An
   // image of one side is permuted on its way in and not on its way out, and stays so.

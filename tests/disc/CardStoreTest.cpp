@@ -33,6 +33,32 @@ TEST_F(CardStore, TheDeviceIsNamedUpToTheComma) {
   EXPECT_EQ(device_->OpenedPath, "/dev/sdb");
 }
 
+TEST_F(CardStore, OnlyACommaAndADigitAtTheEndNameThePartition) {
+  Open(1000, 0);
+  for (const std::string path :
+       {"/dev/card,a", "/dev/card,/", "/dev/card,:", "/dev/card0", ",0", "0", "/a,0/b,10"}) {
+    disc_->TheDisc.OpenFile(path, kCF, 0, 0, 0);
+    EXPECT_EQ(device_->OpenedPath, path);
+  }
+  for (const std::string path : {"/dev/card,0", "/dev/card,9", "/a,0/b,1"}) {
+    disc_->TheDisc.OpenFile(path, kCF, 0, 0, 0);
+    EXPECT_EQ(device_->OpenedPath + path.substr(path.size() - 2), path);
+  }
+}
+
+TEST_F(CardStore, WhatWasStoredOnACardThatIsNotThereReachesNoOther) {
+  openable_ = false;
+  Open(1000, 0);
+  disc_->TheDisc.Store(0, 1);
+  device_->Openable = true;
+  disc_->TheDisc.OpenFile("/dev/sdc,0", kCF, 0, 0, 0);
+  EXPECT_EQ(disc_->TheDisc.Fetch(0), 0);
+  disc_->TheDisc.Store(1, 2);
+  disc_->TheDisc.CloseFile();
+  EXPECT_EQ(device_->Peek(0), 0);
+  EXPECT_EQ(device_->Peek(2), 2);
+}
+
 TEST_F(CardStore, PartitionOneBeginsAGibibyteInAndUsesTheEvenBytes) {
   Open(0x400000, 1);
   device_->Poke(0x40000000, 11);

@@ -183,6 +183,28 @@ TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereADamagedDirectoryMayOwnIt) {
   EXPECT_EQ(Runs(), "13+627");
 }
 
+TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereDirectoriesLieTooDeepToTellWhoOwnsIt) {
+  ImageBuilder image(2560);
+  image.AddFile(2, {"E", {}, 0, 0, "WR"});
+  std::int32_t dir = 2;
+  for (int i = 0; i < WalkBudget::kMaxDepth; ++i) dir = image.AddDirectory(dir, "D");
+  Open(image, kAdl);
+  const std::string before = Runs();
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(Runs(), before);
+}
+
+TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereObjectsOverlap) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
+  image.AddFile(2, {"B", Pattern(900), 0, 0, "WR"});
+  image.AddFile(2, {"E", {}, 0, 0, "WR"});
+  image.Poke(517 + 26 + 22, 10);  // B starts in A
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(Runs(), "16+624");
+}
+
 TEST_F(DeleteTest, AnEmptyFileThatTheBbcGaveNoSectorFreesNobodyElses) {
   ImageBuilder image(640);
   const auto file = image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
@@ -247,6 +269,20 @@ TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapOrBeyondTheDiscDoesNotComeFree
   EXPECT_EQ(Runs(), "17+623");
   EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), 0);
   EXPECT_EQ(Runs(), "7+3 17+623");
+}
+
+TEST_F(DeleteTest, NothingComesFreeWhereAnEntryClaimsNoSectorThatFilesCanHave) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"LOW", Pattern(7 * 256), 0, 0, "WR"});
+  image.AddFile(2, {"PAST", Pattern(512), 0, 0, "WR"});
+  image.Poke(517 + 22, 0);  // LOW is the map and the root
+  image.Poke(517 + 26 + 22, 640 & 255);
+  image.Poke(517 + 26 + 23, 640 >> 8);
+  image.SetFreeRuns({});
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), 0);
+  EXPECT_EQ(disc_.FreeCount, 0);
 }
 
 }  // namespace

@@ -149,17 +149,22 @@ TEST_F(FloppyStore, AnAdlIsNeverStoredWithMoreThanIsInMemory) {
 }
 
 TEST_F(FloppyStore, AnAdlWhoseMapHasNoRoomForTheRootIsStoredWhole) {
-  ImageBuilder image = Numbered(2560);
-  image.Poke(252, 0);
-  image.Poke(253, 0);
-  image.WriteInterleavedTo(folder_ / "x.adl");
-  OpenAdl80(folder_ / "x.adl");
-  disc_.TheDisc.CloseFile();
-  EXPECT_EQ(ReadAll(folder_ / "x.adl"), image.InterleavedBytes());
+  for (const int sectors : {0, 6, 7, 8}) {
+    SCOPED_TRACE(sectors);
+    ImageBuilder image = Numbered(2560);
+    image.Poke(252, static_cast<std::uint8_t>(sectors));
+    image.Poke(253, 0);
+    image.WriteInterleavedTo(folder_ / "x.adl");
+    OpenAdl80(folder_ / "x.adl");
+    disc_.TheDisc.CloseFile();
+    EXPECT_EQ(ReadAll(folder_ / "x.adl"), image.InterleavedBytes());
+  }
 }
 
 TEST_F(FloppyStore, AnAdlOfAnOddSizeIsStoredWithItsTracksToTheNearest) {
-  for (const int sectors : {2550, 2552, 2553, 1288, 1289}) {
+  const std::vector<std::pair<std::size_t, std::size_t>> tracksOfSizes = {
+      {2550, 159}, {2552, 160}, {2553, 160}, {1288, 80}, {1289, 81}, {24, 2}, {9, 1}};
+  for (const auto& [sectors, tracks] : tracksOfSizes) {
     SCOPED_TRACE(sectors);
     ImageBuilder image = Numbered(2560);
     image.Poke(252, static_cast<std::uint8_t>(sectors));
@@ -167,7 +172,12 @@ TEST_F(FloppyStore, AnAdlOfAnOddSizeIsStoredWithItsTracksToTheNearest) {
     image.WriteInterleavedTo(folder_ / "x.adl");
     OpenAdl80(folder_ / "x.adl");
     disc_.TheDisc.CloseFile();
-    EXPECT_EQ(ReadAll(folder_ / "x.adl").size(), static_cast<std::size_t>(sectors) * 256);
+    // What the file is longer than its tracks are zeros.
+    const auto& from = tracks > 80 ? image.InterleavedBytes() : image.Bytes();
+    std::vector<std::uint8_t> expected(from.begin(),
+                                       from.begin() + static_cast<std::ptrdiff_t>(tracks * 4096));
+    expected.resize(sectors * 256);
+    EXPECT_EQ(ReadAll(folder_ / "x.adl"), expected);
   }
 }
 

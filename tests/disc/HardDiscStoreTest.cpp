@@ -160,6 +160,8 @@ TEST_F(HardDiscStore, AfterACardTheBlocksMove2048BytesAndStillLoseNothing) {
     EXPECT_EQ(bytes[block * 1024], 70 + block);
     EXPECT_EQ(bytes[block * 1024 + 1], 1 + block);
   }
+  const std::vector<std::uint8_t> added(bytes.begin() + 4096, bytes.end());
+  EXPECT_EQ(added, std::vector<std::uint8_t>(1024)) << "what the last block hangs over are zeros";
 }
 
 }  // namespace

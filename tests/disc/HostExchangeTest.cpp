@@ -54,6 +54,18 @@ TEST_F(HostExchangeTest, ExportWritesEachFileWithItsSidecar) {
   EXPECT_EQ(host_.Log.back(), "pointer normal");
 }
 
+TEST_F(HostExchangeTest, ADragAndTheCommandExportTheSameAndTheCommandShowsTheHourglass) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(300), 0, 0, "WR"});
+  Open(image);
+  DragDropExportFiles(disc_, folder_ / "drag", 2, nullptr);
+  EXPECT_EQ(Listed(folder_ / "drag"), "A A.INF");
+  EXPECT_EQ(host_.Log, std::vector<std::string>());
+  ExportDisc(disc_, folder_ / "all", 2);
+  EXPECT_EQ(Listed(folder_ / "all"), "A A.INF");
+  EXPECT_EQ(host_.Log, (std::vector<std::string>{"pointer busy", "pointer normal"}));
+}
+
 TEST_F(HostExchangeTest, ADirectorysSidecarLiesBesideItsFolder) {
   ImageBuilder image(2560);
   image.AddFile(image.AddDirectory(2, "COMIC", "LR"), {"X", Pattern(3), 0, 0, "WR"});
@@ -273,6 +285,16 @@ TEST_F(HostExchangeTest, TheProcesssCurrentFolderIsLeftAloneHoweverTheImportEnds
   EXPECT_EQ(fs::current_path(), before);
 }
 
+TEST_F(HostExchangeTest, AnEmptyPathIsAFailureByItsOwnName) {
+  try {
+    AddFile(disc_, 2, "");
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const HostError& error) {
+    EXPECT_EQ(error.Path(), "");
+    EXPECT_EQ(error.SystemText(), "No such file or directory");
+  }
+}
+
 TEST_F(HostExchangeTest, RelativePathsAreResolvedWhereTheCallIsMade) {
   MakeFolder("in");
   HostFile("in/a", "1");
@@ -283,6 +305,16 @@ TEST_F(HostExchangeTest, RelativePathsAreResolvedWhereTheCallIsMade) {
   EXPECT_EQ(AddFile(disc_, 2, "../in/a"), 0);
   fs::current_path(before);
   EXPECT_EQ(Names(2), "a in");
+}
+
+TEST_F(HostExchangeTest, OnlyAPathThatEndsInDotsIsNamedByWhereItLeads) {
+  MakeFolder("in");
+  MakeFolder("in/sub");
+  fs::create_directory_symlink(folder_ / "in", folder_ / "link");
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in/sub/.."), 0);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in/sub/./"), 0);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "link"), 0);
+  EXPECT_EQ(Names(2), "in link sub");
 }
 
 TEST_F(HostExchangeTest, OfMoreThanAThousandFilesNoneIsLeftOutWithoutAWord) {
@@ -370,6 +402,18 @@ TEST_F(HostExchangeTest, ADirectoryWithoutItsMarkExportsAsAnEmptyFolder) {
   Open(image);
   ExportFiles(disc_, Out(), 2);
   EXPECT_EQ(Listed(OutFile("DIR")), "");
+}
+
+TEST_F(HostExchangeTest, WhatLiesBehindTheEndOfTheStoreIsCountedAndNotHandedOn) {
+  Open(ImageBuilder(640));
+  const auto end = static_cast<std::int32_t>(disc_.TheDisc.EndOfData() / 256);
+  std::size_t handedOn = 0;
+  const auto sink = [&](std::span<const std::uint8_t> bytes) { handedOn += bytes.size(); };
+  EXPECT_EQ(ReadContents(disc_, end - 2, 1000, sink), 488U);
+  EXPECT_EQ(handedOn, 512U);
+  EXPECT_EQ(ReadContents(disc_, end, 10, sink), 10U);
+  EXPECT_EQ(ReadContents(disc_, end + 1, 10, sink), 10U);
+  EXPECT_EQ(handedOn, 512U);
 }
 
 TEST_F(HostExchangeTest, ALengthOfFourGigabytesTakesNoRoomOnTheHost) {

@@ -126,6 +126,15 @@ TEST_F(NewDiscTest, TheThreeDialogs) {
             "Create ADFS Disc Image As/ADFS Disc (*.dat)|*.dat/NewDisc.dat");
 }
 
+TEST_F(NewDiscTest, EachKindOfDiscAsksWithItsOwnDialog) {
+  for (const auto& [kind, name] : std::vector<std::pair<std::string, std::string>>{
+           {"40ssd", "NewDisc.adf"}, {"80dsd", "NewDisc.adl"}, {"1m", "NewDisc.dat"}}) {
+    host_.SaveAnswers = {""};
+    RunNewDisc(disc_, Kind(kind));
+    EXPECT_EQ(host_.Questions.back().FileName, name);
+  }
+}
+
 TEST_F(NewDiscTest, ACancelledDialogLeavesTheOpenDisc) {
   Create("40ssd", "old.adf");
   disc_.ImageName = "old.adf";

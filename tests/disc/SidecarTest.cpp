@@ -112,6 +112,7 @@ TEST(SidecarTest, LinesAreWrittenInTheirColumns) {
 
 TEST(HostNamesTest, CharactersTheHostReservesAreMapped) {
   EXPECT_EQ(AdfsToHostName("A/B?C<D>E"), "A.B#C$D^E");
+  EXPECT_EQ(AdfsToHostName("?<>/"), "#$^.");
   EXPECT_EQ(AdfsToHostName("plain!_"), "plain!_");
 }
 
@@ -142,6 +143,7 @@ TEST(HostNamesTest, ADotAmongTheFirstTwoCharactersStays) {
   EXPECT_EQ(HostToAdfsName(".rc"), ".rc");
   EXPECT_EQ(HostToAdfsName("AB.C.D"), "AB/C/D");
   EXPECT_EQ(HostToAdfsName("A#$^"), "A?<>");
+  EXPECT_EQ(HostToAdfsName("#$^"), "?<>");
   EXPECT_EQ(HostToAdfsName("COM_MAND"), "COM_MAND");
 }
 
