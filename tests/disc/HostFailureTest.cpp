@@ -15,6 +15,7 @@
 #include "disc/OpenImage.h"
 #include "disc/SaveImage.h"
 #include "tests/support/ImageBuilder.h"
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TempFolder.h"
 
@@ -42,23 +43,6 @@ class FullMedium {
  private:
   rlimit former_{};
   void (*handler_)(int) = nullptr;
-};
-
-// While it lives, this process has no more rights than any user: the superuser may write
-// everywhere.
-class OrdinaryUser {
- public:
-  OrdinaryUser() {
-    if (super_ && ::seteuid(65534) != 0) ADD_FAILURE() << "still the superuser";
-  }
-  ~OrdinaryUser() {
-    if (super_ && ::seteuid(0) != 0) ADD_FAILURE() << "not the superuser again";
-  }
-  OrdinaryUser(const OrdinaryUser&) = delete;
-  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
- private:
-  bool super_ = ::geteuid() == 0;
 };
 
 class HostFailure : public ::testing::Test {
