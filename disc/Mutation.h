@@ -6,8 +6,9 @@
 #include "disc/Disc.h"
 
 // Every change to a directory. Each operation tests in a set order, shows its own message when it
-// refuses, and changes nothing before the last test. There is no journal and no undo; the caller
-// refreshes its panes. -1 is "refused" or "stop", 0 "done".
+// refuses, and changes nothing before the last test (but for the directory that AddFile makes of a
+// name's prefix). There is no journal and no undo; the caller refreshes its panes. -1 is "refused"
+// or "stop", 0 "done".
 namespace sectorbox {
 
 // Adds a host file, or a folder with all that is in it. ".INF" files are passed over: they are read

@@ -114,6 +114,20 @@ TEST_F(DeleteTest, ALockedFileDeepInATreeLeavesItHalfRemoved) {
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
 
+TEST_F(DeleteTest, ALockedDirectoryIsKeptAndWhatWasInItIsGone) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  const auto sub = image.AddDirectory(dir, "SUB", "LWR");
+  image.AddFile(sub, {"A", {}, 0, 0, "WR"});
+  image.AddFile(dir, {"Z", {}, 0, 0, "WR"});
+  Open(image);
+  host_.ExpectedMessages = {"Cannot Delete Locked Directory : SUB"};
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", false, true), -1);
+  EXPECT_EQ(Names(sub), "");
+  EXPECT_EQ(Names(dir), "SUB Z");
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
 TEST_F(DeleteTest, TheRootIsEmptiedAndKept) {
   ImageBuilder image(640);
   image.AddFile(image.AddDirectory(2, "DIR"), {"A", {}, 0, 0, "WR"});

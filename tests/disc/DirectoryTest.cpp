@@ -61,6 +61,25 @@ TEST_F(DirectoryTest, AFullDirectoryRefusesANewOne) {
   EXPECT_EQ(Image(), before);
 }
 
+TEST_F(DirectoryTest, ANewDirectoryAsksForSpaceThenForASlotThenForItsName) {
+  ImageBuilder image(640);
+  for (int i = 0; i < 47; ++i) image.AddFile(2, {"F" + std::to_string(100 + i), {}, 0, 0, "WR"});
+  Open(image);
+  host_.ExpectedMessages = {"Directory Full"};
+  EXPECT_EQ(NewDirectory(disc_, 2, "F100"), -1);
+  image.SetFreeRuns({{600, 4}});
+  Open(image);
+  host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
+  EXPECT_EQ(NewDirectory(disc_, 2, "F100"), -1);
+  EXPECT_FALSE(disc_.ImageChanged);
+}
+
+TEST_F(DirectoryTest, TheNameThatANewDirectoryFindsTakenIsToldAsItWasCut) {
+  EXPECT_EQ(NewDirectory(disc_, 2, "ABCDEFGHIJ"), 7);
+  host_.ExpectedMessages = {"Directory AbCDEFGHIJ Already Exists"};
+  EXPECT_EQ(NewDirectory(disc_, 2, "AbCDEFGHIJKL"), -1);
+}
+
 TEST_F(DirectoryTest, ADirectoryWithoutANameIsRefused) {
   const Bytes before = Image();
   host_.ExpectedMessages = {"File  Contains Illegal Characters",
@@ -115,6 +134,29 @@ TEST_F(DirectoryTest, LockedEntriesAreNotRenamedUnlessTheLockIsIgnored) {
   EXPECT_TRUE(RenameEntry(disc_, "X", "FILE", 2, false));
   EXPECT_TRUE(RenameEntry(disc_, "X", "DIR", 2, false));
   EXPECT_FALSE(RenameEntry(disc_, "X", "FILE", 2, true));
+}
+
+TEST_F(DirectoryTest, ARenameTellsOfTheLockThenOfTheNameThenOfItsCharacters) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"LOCKED", {}, 0, 0, "LWR"});
+  image.AddFile(2, {"A.B", {}, 0, 0, "WR"});
+  Open(image);
+  host_.ExpectedMessages = {"Cannot Rename Locked File : LOCKED", "a.b Already Exists",
+                            "File A.C Contains Illegal Characters"};
+  EXPECT_TRUE(RenameEntry(disc_, "a.b", "LOCKED", 2, false));
+  EXPECT_TRUE(RenameEntry(disc_, "a.b", "LOCKED", 2, true));
+  EXPECT_TRUE(RenameEntry(disc_, "A.C", "LOCKED", 2, true));
+  EXPECT_FALSE(disc_.ImageChanged);
+}
+
+TEST_F(DirectoryTest, OfALongNewNameOnlyTheFirstTenCharactersAreLookedAtAndTold) {
+  for (const char* name : {"ABCDEFGHIJ", "X"}) EXPECT_EQ(Add(name, {}), 0);
+  host_.ExpectedMessages = {"ABCDEFGHIJ Already Exists",
+                            "File A:CDEFGHIJ Contains Illegal Characters"};
+  EXPECT_TRUE(RenameEntry(disc_, "ABCDEFGHIJKL", "X", 2, false));
+  EXPECT_TRUE(RenameEntry(disc_, "A:CDEFGHIJKL", "X", 2, false));
+  EXPECT_FALSE(RenameEntry(disc_, "0123456789:*", "X", 2, false));
+  EXPECT_EQ(Names(2), "0123456789 ABCDEFGHIJ");
 }
 
 TEST_F(DirectoryTest, ANameThatIsNotThereRefusesWithoutAMessage) {
@@ -197,6 +239,31 @@ TEST_F(DirectoryTest, AddressesAreTakenByPairsOfDigits) {
             (Bytes{0x00, 0x19, 0xFF, 0xFF, 0x34, 0xAB, 0x12, 0x00}));
   EXPECT_EQ(Sequence(2), 3);
   EXPECT_EQ(disc[517 + 25], 3);
+}
+
+TEST_F(DirectoryTest, AddressesOfANameThatIsNotThereChangeNothing) {
+  const Bytes before = Image();
+  SetEntryAddresses(disc_, 2, "NONE", "FFFF1900", "FFFF1900");
+  EXPECT_EQ(Image(), before);
+  EXPECT_FALSE(disc_.ImageChanged);
+}
+
+TEST_F(DirectoryTest, ATitleIsCutBeforeItsCharactersAreLookedAt) {
+  SetDirTitle(disc_, 2, "ABCDEFGHIJKLMNOPQRS*");
+  EXPECT_EQ(GetDirTitle(disc_, 2), "ABCDEFGHIJKLMNOPQRS");
+  host_.ExpectedMessages = {"Title *BCDEFGHIJKLMNOPQRS Contains Illegal Characters"};
+  SetDirTitle(disc_, 2, "*BCDEFGHIJKLMNOPQRSTUV");
+  EXPECT_EQ(GetDirTitle(disc_, 2), "ABCDEFGHIJKLMNOPQRS");
+}
+
+TEST_F(DirectoryTest, AnEmptyTitleIsACarriageReturnAndNuls) {
+  SetDirTitle(disc_, 2, "OLD TITLE");
+  SetDirTitle(disc_, 2, "");
+  Bytes expected(19);
+  expected[0] = 13;
+  const Bytes disc = Image();
+  EXPECT_EQ(Bytes(disc.begin() + 512 + 1241, disc.begin() + 512 + 1260), expected);
+  EXPECT_EQ(Sequence(2), 3);
 }
 
 TEST_F(DirectoryTest, ATitleOfTwentyCharactersStoresNineteenAndNoCarriageReturn) {
