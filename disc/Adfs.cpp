@@ -192,11 +192,12 @@ std::int32_t MapDiscSize(Disc& disc) {
   return Fetch24(disc, kMapDiscSize);
 }
 
+std::int32_t RunsOfEndPointer(std::uint8_t end) {
+  return std::min((end + 1) / kMapEntrySize, kMapEntriesInMemory);
+}
+
 void ReadFreeMap(Disc& disc) {
-  // A damaged disc may have an end pointer that is no multiple of 3: to the nearest, ties to even
-  // (which a third never is). The arrays hold 83 runs; more are not read.
-  const int runs = (disc.TheDisc.Fetch(kMapEnd) + 1) / kMapEntrySize;
-  disc.FreeCount = static_cast<std::int16_t>(std::min(runs, kMapEntriesInMemory));
+  disc.FreeCount = static_cast<std::int16_t>(RunsOfEndPointer(disc.TheDisc.Fetch(kMapEnd)));
   for (std::int32_t i = 0; i < disc.FreeCount; ++i) {
     const auto index = static_cast<std::size_t>(i);
     disc.FreeStart[index] = Fetch24(disc, kMapStarts + kMapEntrySize * i);

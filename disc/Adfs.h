@@ -71,6 +71,9 @@ std::uint8_t MapChecksum(std::span<const std::uint8_t, format::kSectorSize> sect
 
 // Disc size in sectors, from the map.
 std::int32_t MapDiscSize(Disc& disc);
+// The free runs that an end pointer (byte 510) stands for. Only a damaged disc has one that is no
+// multiple of 3: to the nearest then, and never more than the arrays hold.
+std::int32_t RunsOfEndPointer(std::uint8_t end);
 // Loads the free list from the store, believing what stands there. Called after every open and
 // after compaction.
 void ReadFreeMap(Disc& disc);

@@ -35,7 +35,7 @@ void Put24(MapBytes& map, std::int32_t offset, std::int32_t value) {
 // isn't tested: a disc made smaller than what lies on it gets a map that says so. A full disc that
 // grows, which has no run to stretch, gets one for what was added.
 void ResizeLastRun(MapBytes& map, std::int32_t oldSize, std::int32_t newSize) {
-  const std::int32_t count = std::min(map[kMapEnd] / kMapEntrySize, kMapEntries);
+  const std::int32_t count = std::min(RunsOfEndPointer(map[kMapEnd]), kMapEntries);
   if (count == 0 && newSize > oldSize) {
     Put24(map, kMapStarts, oldSize);
     Put24(map, kMapLengths, newSize - oldSize);

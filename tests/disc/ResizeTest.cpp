@@ -68,6 +68,23 @@ TEST_F(ResizeTest, ARunThatDoesNotReachTheEndGetsAWrongLength) {
   EXPECT_EQ(ReadFreeRuns(ReadAll(path))[0].Length, 5 + 4224);
 }
 
+TEST_F(ResizeTest, ADamagedEndPointerStandsForAsManyRunsAsAnOpenDiscTakesFromIt) {
+  for (const auto& [end, stretched] : {std::pair{4, 0}, std::pair{5, 1}, std::pair{7, 1}}) {
+    SCOPED_TRACE(end);
+    ImageBuilder image(4224);
+    image.SetFreeRuns({{100, 5}, {200, 6}});
+    image.Poke(510, static_cast<std::uint8_t>(end));
+    const std::string path = Make(image);
+    ResizeImageFile(disc_, path, 64, 4, 33);
+    EXPECT_EQ(disc_.FreeCount, stretched + 1);
+    EXPECT_EQ(disc_.FreeLen[0], stretched == 0 ? 5 + 4224 : 5);
+    EXPECT_EQ(ReadAll(path)[510], 3 * (stretched + 1));
+    if (stretched == 1) {
+      EXPECT_EQ(disc_.FreeLen[1], 6 + 4224);
+    }
+  }
+}
+
 TEST_F(ResizeTest, ShrinkingBelowTheUsedPartIsNotRefused) {
   ImageBuilder image(8448);
   image.AddFile(2, {"BIG", Bytes(5000 * 256), 0, 0, "WR"});
@@ -122,6 +139,19 @@ TEST_F(ResizeTest, TheUserIsAskedForTheImageAndMayCancel) {
   host_.OpenAnswers = {Make(ImageBuilder(4224))};
   ResizeImage(disc_, 64, 4, 33);
   EXPECT_EQ(ReadFreeRuns(ReadAll(folder_ / "x.dat"))[0].Length, 8448 - 7);
+}
+
+TEST_F(ResizeTest, UnsavedChangesAreAskedAboutBeforeTheImageIs) {
+  Open(ImageBuilder(640));
+  disc_.ImageChanged = true;
+  host_.YesNoAnswers = {false};
+  host_.OpenAnswers = {folder_ / "none.dat"};
+  host_.ExpectedMessages = {"File Not Found : " + (folder_ / "none.dat")};
+  ResizeImage(disc_, 1024, 4, 33);
+  EXPECT_EQ(host_.Log,
+            (std::vector<std::string>{"yesno Save your changes now ?|Changes will be lost",
+                                      "open Open ADFS Disc Image",
+                                      "message File Not Found : " + (folder_ / "none.dat")}));
 }
 
 TEST(TracksOfMegabytesTest, MegabytesAreTakenToTheNearestTrack) {
