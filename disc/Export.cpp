@@ -2,7 +2,6 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
-#include <set>
 #include <unordered_set>
 
 #include "disc/Adfs.h"
@@ -52,14 +51,11 @@ class Export {
   }
 
   void WriteEntries(const std::string& folder, std::int32_t DirSector) {
-    std::set<std::string> used;
+    HostNamesOfFolder names;
     for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
       const std::string name = GetEntryName(disc_, DirSector, slot);
       if (EntryIsEmpty(name)) break;
-      std::string host = AdfsToHostName(name);
-      // X/INF and X/INF_ come out as one name. Neither may take the other's place.
-      while (!used.insert(host).second) host += '_';
-      WriteEntry(folder + "/" + host, name, EntryOffset(DirSector, slot));
+      WriteEntry(folder + "/" + names.Take(name), name, EntryOffset(DirSector, slot));
     }
   }
 

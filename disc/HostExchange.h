@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <span>
 #include <string>
 
@@ -16,6 +17,17 @@ std::string AdfsToHostName(const std::string& Name);
 std::string HostToAdfsName(const std::string& Name);
 // AdfsToHostName of an entry's name; empty for an empty entry.
 std::string GetHostName(Disc& disc, std::int32_t DirSector, std::int32_t Slot);
+
+// Host names for the entries that go out to one folder. Two entries whose names come out alike, as
+// X/INF and X/INF_ do, get different ones: neither may take the other's place.
+class HostNamesOfFolder {
+ public:
+  // AdfsToHostName of an entry's name, with as many "_" behind it as set it apart.
+  std::string Take(const std::string& Name);
+
+ private:
+  std::set<std::string> used_;
+};
 
 // -1 when the import should stop.
 std::int16_t ImportFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder);

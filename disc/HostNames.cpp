@@ -55,6 +55,12 @@ std::string HostToAdfsName(const std::string& Name) {
   return adfs;
 }
 
+std::string HostNamesOfFolder::Take(const std::string& Name) {
+  std::string host = AdfsToHostName(Name);
+  while (!used_.insert(host).second) host += '_';
+  return host;
+}
+
 std::string GetHostName(Disc& disc, std::int32_t DirSector, std::int32_t Slot) {
   return AdfsToHostName(GetEntryName(disc, DirSector, Slot));
 }

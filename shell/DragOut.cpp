@@ -24,10 +24,6 @@ bool AnythingThere(const std::string& path) {
 
 }  // namespace
 
-void DragDropExportFiles(Disc& disc, const std::string& path, std::int32_t sector) {
-  ExportFiles(disc, path, sector);
-}
-
 std::string DragOut::temp_root() {
   std::string folder;
   do {
@@ -69,8 +65,9 @@ std::vector<std::string> DragOut::ExportRows(const std::vector<ListRow>& selecte
   DragFileCount = 0;
   std::vector<std::string> offered;
   const std::string folder = MakeFolder();
+  HostNamesOfFolder names;
   for (const ListRow& row : selected) {
-    const std::string path = folder + "/" + AdfsToHostName(row.Name());
+    const std::string path = folder + "/" + names.Take(row.Name());
     AddPath(path);
     AddPath(path + ".INF");
     ExportRow(disc_, row, path);
@@ -85,7 +82,7 @@ std::vector<std::string> DragOut::ExportDirectory(const std::string& Name, std::
   DragFileCount = 0;
   const std::string path = MakeFolder() + "/" + AdfsToHostName(Name);
   AddPath(path);
-  DragDropExportFiles(disc_, path, Sector);
+  DragDropExportFiles(disc_, path, Sector, this);
   WriteLog();
   return {path};
 }

@@ -40,7 +40,4 @@ class DragOut {
   Disc& disc_;
 };
 
-// Writes the directory at sector into the host folder at path, recursively.
-void DragDropExportFiles(Disc& disc, const std::string& path, std::int32_t sector);
-
 }  // namespace sectorbox

@@ -143,9 +143,10 @@ void FileCommands::mnuFileExport() {
   if (folder.empty()) return;
   const BusyPointer busy(window_.TheDisc().Host);
   const auto& rows = window_.ThePanes().List().Model().Rows();
+  HostNamesOfFolder names;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     if (!list.IsSelected(static_cast<int>(row))) continue;
-    ExportRow(window_.TheDisc(), rows[row], folder + "/" + AdfsToHostName(rows[row].Name()));
+    ExportRow(window_.TheDisc(), rows[row], folder + "/" + names.Take(rows[row].Name()));
   }
 }
 
