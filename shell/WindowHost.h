@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "cfcard/CardDrives.h"
 #include "disc/Disc.h"
@@ -26,6 +28,9 @@ class WindowHost : public DiscHost {
   // The last Note since ForgetNote, once more, after something else has taken its place.
   void ForgetNote() { note_.clear(); }
   void ShowNoteAgain();
+  // That note for who wants to keep it meanwhile, and back; taken, it is forgotten here.
+  std::string TakeNote() { return std::exchange(note_, {}); }
+  void KeepNote(const std::string& line) { note_ = line; }
 
   void ShowMessage(const std::string& text) override;
   bool AskYesNo(const std::string& text, const std::string& title) override;

@@ -106,6 +106,17 @@ void frmMain::OnCommand(const char* name, std::function<void()> command) {
 }
 
 void frmMain::Guarded(const std::function<void()>& work) {
+  // Inside another guarded piece, whose events brought us here, its note comes back behind ours.
+  const std::string outer = host_.TakeNote();
+  ++guards_;
+  RunGuarded(work);
+  --guards_;
+  host_.ShowNoteAgain();
+  const bool noted = !host_.TakeNote().empty();
+  if (guards_ > 0 && !noted) host_.KeepNote(outer);
+}
+
+void frmMain::RunGuarded(const std::function<void()>& work) {
   try {
     work();
   } catch (const HostError& error) {

@@ -68,7 +68,8 @@ class frmMain : public QMainWindow {
   // The check mark of an option, its only home while the program runs.
   bool Checked(const char* name) const { return Action(name)->isChecked(); }
   // Runs a piece of a command: a HostError becomes a box with its text and leaves the window alive;
-  // any other failure ends the program by way of Fail.
+  // any other failure ends the program by way of Fail. What the engine noted meanwhile (DiscHost::
+  // Note) stands in panel 2 afterwards, also where the refilled panes have put their path there.
   void Guarded(const std::function<void()>& work);
   // At the end of the program: the question about unsaved changes, if there are any. A save that
   // the host refused is told and asked about again, but only once; Form_Unload keeps what is then
@@ -110,6 +111,7 @@ class frmMain : public QMainWindow {
  private:
   void MakeMenus();
   void MakeCommands();
+  void RunGuarded(const std::function<void()>& work);
   void OpenFromCommandLine(const std::string& commandLine);
   void Form_QueryUnload();
   void Form_Unload();
@@ -122,6 +124,7 @@ class frmMain : public QMainWindow {
   StatusBar* status_ = nullptr;
   std::int16_t comPort_ = 1;
   bool unloaded_ = false;
+  int guards_ = 0;        // how deep Guarded is in itself
   int refusedSaves_ = 0;  // at the end of the program
   std::unique_ptr<DiscCommands> discCommands_;
   std::unique_ptr<DirectoryCommands> directory_;
