@@ -1,5 +1,7 @@
 #include "shell/DirectoryCommands.h"
 
+#include <QPersistentModelIndex>
+
 #include "disc/Adfs.h"
 #include "disc/HostExchange.h"
 #include "disc/Mutation.h"
@@ -40,17 +42,21 @@ void DirectoryCommands::mnuDirectoryNew() {
   panes.Tree().editItem(node, 0);
 }
 
-// The node goes whatever the engine decided: after a refusal, F5 on the tree brings it back.
+// The node goes whatever the engine decided: after a refusal, F5 on the tree brings it back. The
+// events that run during a long delete may make another directory current, which then stays so, or
+// rebuild the tree half-way, which then is done once more.
 void DirectoryCommands::mnuDirectoryDelete() {
   Panes& panes = window_.ThePanes();
   const DirNode* node = panes.CurrentDirNode();
   if (node == nullptr) return;
+  const QPersistentModelIndex held = panes.Tree().indexFromItem(node);
   const bool root = node->Tag == format::kRootSector || node->Parent() == nullptr;
   const std::int32_t parent = root ? -1 : node->Parent()->Tag;
   DeleteTree(window_.TheDisc(), parent, node->Tag, node->Text(),
              window_.Checked("mnuOptionsDelete"), window_.Checked("mnuOptionsEmpty"));
-  panes.RemoveCurrentNode();
-  if (root) panes.RebuildTree();
+  const bool stands = held.isValid();
+  if (stands) panes.RemoveNode(static_cast<DirNode&>(*panes.Tree().itemFromIndex(held)));
+  if (root || !stands) panes.RebuildTree();
   panes.GetRootTitles();
 }
 

@@ -48,6 +48,30 @@ std::vector<ListRow> SelectedRows(Panes& panes) {
   return rows;
 }
 
+// Every row marked, and none afterwards, however that ends.
+class AllRowsSelected {
+ public:
+  explicit AllRowsSelected(FileList& list) : list_(list) { list_.selectAll(); }
+  ~AllRowsSelected() { list_.clearSelection(); }
+  AllRowsSelected(const AllRowsSelected&) = delete;
+  AllRowsSelected& operator=(const AllRowsSelected&) = delete;
+
+ private:
+  FileList& list_;
+};
+
+// The drop highlight goes when the drop is over, however it ends.
+class HighlightUntilEnd {
+ public:
+  explicit HighlightUntilEnd(DirTree& tree) : tree_(tree) {}
+  ~HighlightUntilEnd() { tree_.SetDropHighlight(nullptr); }
+  HighlightUntilEnd(const HighlightUntilEnd&) = delete;
+  HighlightUntilEnd& operator=(const HighlightUntilEnd&) = delete;
+
+ private:
+  DirTree& tree_;
+};
+
 }  // namespace
 
 std::vector<std::string> ExportForListDrag(Panes& panes) {
@@ -58,10 +82,8 @@ std::vector<std::string> ExportForTreeDrag(Panes& panes) {
   const auto node = panes.CurrentNode();
   if (!node) return {};
   if (node->Tag != format::kRootSector) return panes.Drags().ExportDirectory(node->Text, node->Tag);
-  panes.List().selectAll();
-  const auto paths = ExportForListDrag(panes);
-  panes.List().clearSelection();
-  return paths;
+  const AllRowsSelected all(panes.List());
+  return ExportForListDrag(panes);
 }
 
 void DragList(Panes& panes) {
@@ -90,15 +112,22 @@ void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
 }
 
 void DropOnTree(Panes& panes, Disc& disc, const QMimeData& data) {
-  if (panes.Tree().DropHighlight() != nullptr && data.hasUrls()) {
-    bool folder = false;
-    AddAll(disc, panes.Tree().DropHighlight()->Tag, PathsOf(data), folder);
+  const HighlightUntilEnd highlight(panes.Tree());
+  if (panes.Tree().DropHighlight() == nullptr || !data.hasUrls()) return;
+  bool folder = false;
+  const auto follow = [&] {
     // The message of a refusal runs events, in which a rebuild may have taken the node away.
     DirNode* target = panes.Tree().DropHighlight();
     if (target != nullptr) panes.AppendSubdirectories(*target);
     ShowFreeSpace(disc);
+  };
+  try {
+    AddAll(disc, panes.Tree().DropHighlight()->Tag, PathsOf(data), folder);
+  } catch (const HostError&) {
+    follow();
+    throw;
   }
-  panes.Tree().SetDropHighlight(nullptr);
+  follow();
 }
 
 }  // namespace sectorbox

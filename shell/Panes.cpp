@@ -36,6 +36,19 @@ class HiddenTree {
   bool focus_;
 };
 
+bool IsOrIsBelow(const DirNode* node, const DirNode& above) {
+  while (node != nullptr && node != &above) node = node->Parent();
+  return node != nullptr;
+}
+
+DirNode* NeighbourOf(DirNode& node) {
+  DirNode* parent = node.Parent();
+  if (parent == nullptr) return nullptr;
+  const int place = parent->indexOfChild(&node);
+  if (place + 1 < parent->childCount()) return parent->Child(place + 1);
+  return place > 0 ? parent->Child(place - 1) : parent;
+}
+
 }  // namespace
 
 Panes::Panes(frmMain& window)
@@ -149,7 +162,10 @@ void Panes::AddNodes(DirNode& root, const std::vector<TreeNode>& nodes) {
 void Panes::AppendSubdirectories(DirNode& target) {
   std::vector<TreeNode> nodes(1);
   WalkCounts counts;
+  const QPersistentModelIndex held = Tree().indexFromItem(&target);
   FindFiles(disc_, nodes, 0, target.Tag, counts);
+  // Below the root events run during the walk, and may have rebuilt the tree.
+  if (!held.isValid()) return;
   Tree().blockSignals(true);
   AddNodes(target, nodes);
   target.setExpanded(true);
@@ -203,20 +219,13 @@ DirNode* Panes::AddNode(const std::string& name, std::int32_t sector) {
   return node;
 }
 
-void Panes::RemoveCurrentNode() {
-  DirNode* node = CurrentNode_;
+void Panes::RemoveNode(DirNode& node) {
   CurrentNode_ = nullptr;
   Tree().SetDropHighlight(nullptr);
-  DirNode* parent = node->Parent();
-  DirNode* next = nullptr;
-  if (parent != nullptr) {
-    const int place = parent->indexOfChild(node);
-    next = place + 1 < parent->childCount() ? parent->Child(place + 1)
-           : place > 0                      ? parent->Child(place - 1)
-                                            : parent;
-  }
+  DirNode* next = Tree().Selected();
+  if (IsOrIsBelow(next, node)) next = NeighbourOf(node);
   Tree().blockSignals(true);
-  delete node;
+  delete &node;
   Tree().blockSignals(false);
   Tree().Select(next);
   CurrentNode_ = Tree().Selected();

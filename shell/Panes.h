@@ -59,8 +59,9 @@ class Panes : public PaneLayout {
   void UpdateFileMenu();
   // Panel 2: the path of the current row.
   void ShowRowPath(int row);
-  // Takes the current node out of the tree; the tree's selected node becomes current.
-  void RemoveCurrentNode();
+  // Takes a node out of the tree; the tree's selected node becomes current. Where that was the node
+  // itself or one below it, it is the next one beside it, else the one before, else its parent.
+  void RemoveNode(DirNode& node);
   void SelectAll();
 
   // --- Drag and drop ---------------------------------------------------------------------------
