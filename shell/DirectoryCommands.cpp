@@ -87,7 +87,7 @@ void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text)
   Disc& disc = window_.TheDisc();
   if (text.isEmpty() || window_.ThePanes().CurrentDirNode() == nullptr) return;
   if (node.Parent() == nullptr) return;
-  const std::string name = ToBbc(text);
+  const std::string name = TypedToBbc(text);
   if (!RenameEntry(disc, name, node.Text(), node.Parent()->Tag,
                    window_.Checked("mnuOptionsDelete"))) {
     node.SetText(StoredName(name));

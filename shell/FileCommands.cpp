@@ -156,7 +156,7 @@ void FileCommands::lvwDB_AfterLabelEdit(int row, const QString& text) {
   if (text.isEmpty() || panes.CurrentItem() == nullptr) return;
   FileListModel& model = panes.List().Model();
   const std::string former = model.Rows()[static_cast<std::size_t>(row)].Name();
-  const std::string name = ToBbc(text);
+  const std::string name = TypedToBbc(text);
   if (!RenameEntry(window_.TheDisc(), name, former, panes.CurrentSector(),
                    window_.Checked("mnuOptionsDelete"))) {
     model.SetCell(row, kColName, StoredName(name));

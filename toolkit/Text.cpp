@@ -12,6 +12,15 @@ std::string ToBbc(const QString& text) {
   return text.toLatin1().toStdString();
 }
 
+std::string TypedToBbc(const QString& text) {
+  constexpr char16_t kLastByte = 0xFF;
+  QString bytes = text;
+  for (QChar& c : bytes) {
+    if (c.unicode() > kLastByte) c = QChar(kLastByte);
+  }
+  return ToBbc(bytes);
+}
+
 QString FromHost(const std::string& text) {
   return QFile::decodeName(QByteArray::fromStdString(text));
 }

@@ -11,6 +11,9 @@ namespace sectorbox {
 QString FromBbc(std::string_view bytes);
 // Back again. A character above 255 has no byte and becomes "?".
 std::string ToBbc(const QString& text);
+// The same for a name or title that a user has typed, where "?" would be one that the disc takes:
+// here such a character becomes byte 255, which no name and no title may hold.
+std::string TypedToBbc(const QString& text);
 
 // Paths and messages of the host, in the host's own 8-bit encoding. A path given to FromHost and
 // back is the same path wherever the host's encoding can write it.
