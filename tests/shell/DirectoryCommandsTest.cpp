@@ -1,6 +1,8 @@
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 #include <filesystem>
 
 #include "disc/Adfs.h"
@@ -41,6 +43,8 @@ TEST_F(DirectoryCommandsTest, ANewDirectoryIsMadeCurrentAndNamedAtOnce) {
   ClickNode(QStringLiteral("DIR"));
   Choose("mnuDirectoryNew");
   EXPECT_EQ(window_->CurrentNode()->Text, "NewFolder");
+  EXPECT_EQ(window_->ThePanes().Tree().Selected(), &Node(QStringLiteral("NewFolder")));
+  EXPECT_FALSE(Node(QStringLiteral("NewFolder")).IsOpen());
   EXPECT_TRUE(Names().isEmpty());
   Rename(QStringLiteral("MINE"));
   EXPECT_EQ(window_->CurrentNode()->Text, "MINE");
@@ -57,14 +61,33 @@ TEST_F(DirectoryCommandsTest, ANewDirectoryWhoseEditIsGivenUpKeepsItsFirstName) 
   EXPECT_EQ(window_->CurrentNode()->Text, "NewFolder");
 }
 
+TEST_F(DirectoryCommandsTest, ADirectoryThatGetsItsFirstSubdirectoryIsShownOpen) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("SECOND"));
+  ASSERT_FALSE(Node(QStringLiteral("SECOND")).IsOpen());
+  Choose("mnuDirectoryNew");
+  QTest::keyClick(Editor(), Qt::Key_Escape);
+  EXPECT_TRUE(Node(QStringLiteral("SECOND")).IsOpen());
+  EXPECT_TRUE(Node(QStringLiteral("SECOND")).isExpanded());
+}
+
+TEST_F(DirectoryCommandsTest, ASecondNewDirectoryBesideAnUnnamedOneGivesTheMessageAndNoNode) {
+  StartWith(image_);
+  Choose("mnuDirectoryNew");
+  QTest::keyClick(Editor(), Qt::Key_Escape);
+  ClickNode(QStringLiteral("$"));
+  player_.ExpectBox(QStringLiteral("Directory NewFolder Already Exists"));
+  Choose("mnuDirectoryNew");
+  EXPECT_EQ(Nodes().count(QStringLiteral("NewFolder")), 1);
+  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
+  EXPECT_EQ(Editor(), nullptr);
+}
+
 TEST_F(DirectoryCommandsTest, AFullDirectoryGivesTheMessageNoNodeAndNoEdit) {
   ImageBuilder full(2560);
   for (int i = 0; i < 47; ++i) full.AddFile(2, {"F" + std::to_string(100 + i), {1}});
   StartWith(full);
-  player_.Expect([](QWidget& dialog) {
-    EXPECT_FALSE(dynamic_cast<QMessageBox&>(dialog).text().isEmpty());
-    dynamic_cast<QMessageBox&>(dialog).accept();
-  });
+  player_.ExpectBox(QStringLiteral("Directory Full"));
   Choose("mnuDirectoryNew");
   EXPECT_EQ(Nodes(), List({"$"}));
   EXPECT_EQ(Editor(), nullptr);
@@ -77,13 +100,50 @@ TEST_F(DirectoryCommandsTest, DeletingTakesTheTreeAndTheNode) {
   EXPECT_EQ(Nodes(), List({"$", "SECOND"}));
   EXPECT_EQ(FindEntry(*disc_, 2, "DIR"), -1);
   ASSERT_TRUE(window_->CurrentNode().has_value());
+  EXPECT_EQ(window_->CurrentNode()->Text, "SECOND");
+  EXPECT_TRUE(Names().isEmpty());
+}
+
+TEST_F(DirectoryCommandsTest,
+       AfterADeleteTheNextDirectoryBesideItIsCurrentThenTheOneBeforeThenTheParent) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("SECOND"));
+  Choose("mnuDirectoryDelete");
+  EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
+  EXPECT_EQ(Names(), List({"INNER"}));
+  Choose("mnuDirectoryDelete");
+  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
+  EXPECT_TRUE(Names().isEmpty());
+}
+
+// A long delete lets the user go on.
+TEST_F(DirectoryCommandsTest, ADirectoryThatIsChosenDuringADeleteStaysCurrent) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  QTimer::singleShot(0, [this] { ClickNode(QStringLiteral("SECOND")); });
+  Choose("mnuDirectoryDelete");
+  EXPECT_EQ(Nodes(), List({"$", "SECOND"}));
+  ASSERT_TRUE(window_->CurrentNode().has_value());
+  EXPECT_EQ(window_->CurrentNode()->Text, "SECOND");
+  EXPECT_EQ(window_->ThePanes().Tree().Selected(), &Node(QStringLiteral("SECOND")));
+}
+
+TEST_F(DirectoryCommandsTest, ATreeThatIsRebuiltDuringADeleteShowsWhatIsLeftAfterIt) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  QTimer::singleShot(0, [this] { QTest::keyClick(&window_->ThePanes().Tree(), Qt::Key_F5); });
+  Choose("mnuDirectoryDelete");
+  EXPECT_EQ(Nodes(), List({"$", "SECOND"}));
+  ASSERT_TRUE(window_->CurrentNode().has_value());
+  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
+  EXPECT_EQ(Names(), List({"SECOND"}));
 }
 
 TEST_F(DirectoryCommandsTest, ARefusedDeleteShowsItsMessageAndTheNodeIsGoneUntilF5) {
   StartWith(image_);
   Choose("mnuOptionsEmpty");
   ClickNode(QStringLiteral("DIR"));
-  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+  player_.ExpectBox(QStringLiteral("Cannot Delete Non Empty Directory : DIR"));
   Press(window_->ThePanes().Tree(), Qt::Key_Delete);
   EXPECT_FALSE(Nodes().contains(QStringLiteral("DIR")));
   EXPECT_NE(FindEntry(*disc_, 2, "DIR"), -1);
@@ -115,9 +175,28 @@ TEST_F(DirectoryCommandsTest, ARefusedNameLeavesTheNode) {
   StartWith(image_);
   ClickNode(QStringLiteral("DIR"));
   Choose("mnuDirectoryRename");
+  window_->SetStatus(QStringLiteral("something else"), false);
   player_.ExpectBox(QStringLiteral("SECOND Already Exists"));
   Rename(QStringLiteral("SECOND"));
   EXPECT_TRUE(Nodes().contains(QStringLiteral("DIR")));
+  EXPECT_TRUE(Panel(1).contains(QStringLiteral(" Bytes Free, "))) << Panel(1).toStdString();
+}
+
+TEST_F(DirectoryCommandsTest, ARenamedNodeShowsTheStoredForm) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  Choose("mnuDirectoryRename");
+  Rename(QStringLiteral("OMEGAOMEGAOMEGA"));
+  EXPECT_TRUE(Nodes().contains(QStringLiteral("OMEGAOMEGA")));
+}
+
+TEST_F(DirectoryCommandsTest, AnEmptyNameLeavesTheNode) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  Choose("mnuDirectoryRename");
+  Rename(QString());
+  EXPECT_TRUE(Nodes().contains(QStringLiteral("DIR")));
+  EXPECT_FALSE(disc_->ImageChanged);
 }
 
 TEST_F(DirectoryCommandsTest, AnEditOnTheRootDoesNotStart) {
@@ -131,7 +210,12 @@ TEST_F(DirectoryCommandsTest, AnEditOnTheRootDoesNotStart) {
 TEST_F(DirectoryCommandsTest, ExportWritesTheContentsOfTheCurrentDirectory) {
   StartWith(image_);
   ClickNode(QStringLiteral("DIR"));
-  player_.ExpectFileDialog(folder_.Path());
+  player_.ExpectFileDialog(folder_.Path(), [](QWidget& dialog) {
+    EXPECT_EQ(dialog.objectName(), QStringLiteral("objBD"));
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Browse For Folder"));
+    EXPECT_EQ(dynamic_cast<QFileDialog&>(dialog).labelText(QFileDialog::FileName),
+              QStringLiteral("Select destination for export"));
+  });
   Choose("mnuDirectoryExport");
   EXPECT_EQ(ReadAll(folder_ / "INNER/FILE"), (std::vector<std::uint8_t>{1, 2}));
   EXPECT_TRUE(std::filesystem::exists(folder_ / "INNER.INF"));
@@ -153,6 +237,21 @@ TEST_F(DirectoryCommandsTest, TheTitleDialogShowsAndSetsTheTitleOfTheCurrentDire
   Choose("mnuDirectoryTitle");
   EXPECT_EQ(GetDirTitle(*disc_, dir_), "A new one, rather t");
   EXPECT_TRUE(disc_->ImageChanged);
+}
+
+TEST_F(DirectoryCommandsTest, ARefusedTitleGivesTheMessageAndClosesTheDialog) {
+  image_.SetTitle(dir_, "Old title");
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  player_.Expect([](QWidget& dialog) {
+    dialog.findChild<QLineEdit*>(QStringLiteral("txtTitle"))->setText(QStringLiteral("A*B"));
+    dialog.findChild<QPushButton*>(QStringLiteral("cmdOK"))->click();
+    EXPECT_FALSE(dialog.isVisible());
+  });
+  player_.ExpectBox(QStringLiteral("Title A*B Contains Illegal Characters"));
+  Choose("mnuDirectoryTitle");
+  EXPECT_EQ(GetDirTitle(*disc_, dir_), "Old title");
+  EXPECT_FALSE(disc_->ImageChanged);
 }
 
 TEST_F(DirectoryCommandsTest, ACancelledTitleIsNotSet) {

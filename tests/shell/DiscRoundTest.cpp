@@ -28,7 +28,7 @@ Bytes Noise(std::size_t length, unsigned seed) {
 
 class DiscRound : public FileCommandsTest {
  protected:
-  // HOME/ONE to HOME/NINE and HOME/DEEP/INNER, each with bytes of its own.
+  // HOME/ONE to HOME/SEVEN and HOME/DEEP/INNER, each with bytes of its own, TWO with a sidecar.
   void MakeHostFolder() {
     unsigned seed = 1;
     fs::create_directories(Home() + "/DEEP");
@@ -36,7 +36,7 @@ class DiscRound : public FileCommandsTest {
       WriteAll(Home() + "/" + name, Noise(2000 * seed + 7, seed));
       ++seed;
     }
-    WriteText(Home() + "/ONE.INF", "ONE FFFF1900 FFFF8023");
+    WriteText(Home() + "/TWO.INF", "TWO        FFFF1900 FFFF8023 00000FA7 WR");
   }
   std::string Home() { return folder_ / "HOME"; }
   std::string Saved() {
@@ -124,6 +124,7 @@ TEST_F(DiscRound, ADiscIsMadeFilledReorganisedCompactedSavedAndExported) {
   EXPECT_EQ(Nodes(), QStringList({QStringLiteral("$"), QStringLiteral("HOME"),
                                   QStringLiteral("LOWER"), QStringLiteral("WORK")}));
   EXPECT_EQ(RowOf("TWO").Columns[kColAttr], "LWR");
+  EXPECT_EQ(RowOf("TWO").Columns[kColLoad], "FFFF1900");
   EXPECT_EQ(disc_->TheDisc.Fetch(509), 3);
   fs::create_directories(folder_ / "OUT");
   player_.ExpectFileDialog(folder_ / "OUT");

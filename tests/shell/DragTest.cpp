@@ -1,12 +1,17 @@
+#include <QApplication>
 #include <QMimeData>
+#include <QTest>
+#include <QTimer>
 #include <algorithm>
 #include <filesystem>
 
 #include "disc/Adfs.h"
+#include "disc/HostError.h"
 #include "shell/HostFolders.h"
 #include "shell/PaneDrops.h"
 #include "tests/support/WindowFixture.h"
 #include "toolkit/FileLists.h"
+#include "toolkit/Text.h"
 
 namespace sectorbox::testing {
 namespace {
@@ -55,9 +60,7 @@ TEST_F(DragTest, AFileExistsOnTheHostWithItsSidecarBeforeItIsOffered) {
   const auto paths = DragSelected({"ALPHA"});
   EXPECT_EQ(paths, (std::vector<std::string>{Temp(0) + "/ALPHA", Temp(0) + "/ALPHA.INF"}));
   EXPECT_EQ(ReadAll(paths[0]), (std::vector<std::uint8_t>{1, 2, 3}));
-  const std::string sidecar = ReadText(paths[1]);
-  EXPECT_NE(sidecar.find("ALPHA"), std::string::npos);
-  EXPECT_NE(sidecar.find("FFFF1900"), std::string::npos);
+  EXPECT_EQ(ReadText(paths[1]), "ALPHA      FFFF1900 00008023 00000003 LWR\r\n");
   EXPECT_EQ(Log(), paths[0] + "\n" + paths[1] + "\n");
 }
 
@@ -84,16 +87,16 @@ TEST_F(DragTest, AFileAndADirectoryAreFourPathsAndFourLines) {
   const std::string log = Log();
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 4);
   EXPECT_EQ(ReadAll(Temp(0) + "/DIR/INSIDE"), (std::vector<std::uint8_t>{9, 9}));
-  EXPECT_TRUE(std::filesystem::exists(Temp(0) + "/DIR.INF"));
-  EXPECT_TRUE(std::filesystem::exists(Temp(0) + "/DIR/SUB.INF"));
+  EXPECT_EQ(ReadText(Temp(0) + "/DIR.INF"), "DIR        DWR\r\n");
+  EXPECT_EQ(ReadText(Temp(0) + "/DIR/SUB.INF"), "SUB        DWR\r\n");
   EXPECT_TRUE(std::filesystem::is_directory(Temp(0) + "/DIR/SUB"));
 }
 
 TEST_F(DragTest, ANameThatTheHostForbidsIsChangedAndTheSidecarKeepsIt) {
   StartWith(image_);
   const auto paths = DragSelected({"A/B"});
-  EXPECT_EQ(std::filesystem::path(paths[0]).parent_path(), Temp(0));
-  EXPECT_NE(ReadText(paths[1]).find("A/B"), std::string::npos);
+  EXPECT_EQ(paths[0], Temp(0) + "/A.B");
+  EXPECT_EQ(ReadText(paths[1]), "A/B        00000000 00000000 00000001 WR\r\n");
 }
 
 TEST_F(DragTest, EachDragHasAFolderOfItsOwnAndTakenNumbersAreSkipped) {
@@ -122,6 +125,25 @@ TEST_F(DragTest, TheRootGoesRowByRowAndTheSelectionIsLost) {
   for (int row = 0; row < 5; ++row) EXPECT_FALSE(window_->ThePanes().List().IsSelected(row));
 }
 
+TEST_F(DragTest, ARootThatTheHostDoesNotTakeLeavesNoRowSelectedEither) {
+  StartWith(image_);
+  WriteText(folder_ / "adfs_temp", "in the way");
+  SelectRows(List({"ALPHA"}));
+  EXPECT_THROW(ExportForTreeDrag(window_->ThePanes()), HostError);
+  for (int row = 0; row < 5; ++row) EXPECT_FALSE(window_->ThePanes().List().IsSelected(row));
+}
+
+TEST_F(DragTest, TwoRowsThatComeOutWithOneNameBothTravel) {
+  image_.AddFile(2, {"X/INF", {1}});
+  image_.AddFile(2, {"X/INF_", {2, 2}});
+  StartWith(image_);
+  const auto paths = DragSelected({"X/INF", "X/INF_"});
+  EXPECT_EQ(paths, (std::vector<std::string>{Temp(0) + "/X.INF_", Temp(0) + "/X.INF_.INF",
+                                             Temp(0) + "/X.INF__", Temp(0) + "/X.INF__.INF"}));
+  EXPECT_EQ(ReadAll(paths[0]).size(), 1u);
+  EXPECT_EQ(ReadAll(paths[2]).size(), 2u);
+}
+
 TEST_F(DragTest, ALinkInThePlaceOfTheLogIsReplacedAndNotFollowed) {
   StartWith(image_);
   WriteText(folder_ / "precious", "mine");
@@ -135,9 +157,11 @@ TEST_F(DragTest, ADragThatTheHostRefusesIsABox) {
   StartWith(image_);
   WriteText(folder_ / "adfs_temp", "in the way");
   SelectRows(List({"ALPHA"}));
-  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+  player_.ExpectBox(FromHost(folder_ / "adfs_temp") + QStringLiteral(": File exists"),
+                    QStringLiteral("Sectorbox"));
   window_->ThePanes().List().DragWanted();
   EXPECT_TRUE(window_->isVisible());
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
 TEST_F(DragTest, ADropOnTheListAddsToTheCurrentDirectory) {
@@ -164,7 +188,7 @@ TEST_F(DragTest, ARefusedPathEndsTheDropAndThoseBeforeItStay) {
   WriteText(folder_ / "ONE", "1");
   WriteAll(folder_ / "HUGE", std::vector<std::uint8_t>(700000, 1));  // more than the disc holds
   WriteText(folder_ / "TWO", "3");
-  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+  player_.ExpectBox(QStringLiteral("Not Enough Free Contiguous Space on Disc"));
   ClickNode(QStringLiteral("DIR"));
   DropOnTheList({folder_ / "ONE", folder_ / "HUGE", folder_ / "TWO"});
   EXPECT_EQ(Names(), List({"INSIDE", "ONE", "SUB"}));
@@ -174,11 +198,33 @@ TEST_F(DragTest, AHostThatRefusesAPathOfADropIsABoxAndWhatCameBeforeItIsShown) {
   StartWith(image_);
   WriteText(folder_ / "HELLO", "hello");
   ClickNode(QStringLiteral("DIR"));
-  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
-  // Not a plain file.
+  player_.ExpectBox(QStringLiteral("/dev/null: Not a regular file"), QStringLiteral("Sectorbox"));
   DropOnTheList({folder_ / "HELLO", "/dev/null"});
   EXPECT_EQ(Names(), List({"HELLO", "INSIDE", "SUB"}));
   EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
+}
+
+TEST_F(DragTest, AFolderThatIsRefusedRebuildsTheTreeAllTheSame) {
+  StartWith(image_);
+  std::filesystem::create_directory(folder_ / "SUB");
+  ClickNode(QStringLiteral("DIR"));
+  player_.ExpectBox(QStringLiteral("Directory SUB Already Exists"));
+  DropOnTheList({folder_ / "SUB"});
+  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
+}
+
+TEST_F(DragTest, WhatWasPassedOverInADropStandsInTheStatusBarAfterIt) {
+  StartWith(image_);
+  std::filesystem::create_directory(folder_ / "FOLDER");
+  std::filesystem::create_symlink(".", folder_ / "FOLDER/HERE");
+  DropOnTheList({folder_ / "FOLDER"});
+  const QString note = FromHost(folder_ / "FOLDER/HERE") +
+                       QStringLiteral(": leads back to a folder that is being added");
+  EXPECT_EQ(Panel(2), note);
+  ClickNode(QStringLiteral("DIR"));
+  EXPECT_EQ(Panel(2), QStringLiteral("$.DIR"));
+  DropOnNode("TARGET", {folder_ / "FOLDER"});
+  EXPECT_EQ(Panel(2), note);
 }
 
 TEST_F(DragTest, AnythingButAFileListIsIgnored) {
@@ -200,6 +246,26 @@ TEST_F(DragTest, ADropOnTheTreeShowsTheTargetsSubdirectoriesTwiceUntilARebuild) 
   EXPECT_NE(FindEntry(*disc_, dir_, "HELLO"), -1);
   Press(window_->ThePanes().Tree(), Qt::Key_F5);
   EXPECT_EQ(Nodes().count(QStringLiteral("SUB")), 1);
+}
+
+TEST_F(DragTest, AHostThatRefusesAPathOfADropOnTheTreeIsABoxAndTheTreeFollowsTheDisc) {
+  StartWith(image_);
+  std::filesystem::create_directory(folder_ / "FOLDER");
+  window_->SetStatus(QStringLiteral("something else"), false);
+  player_.ExpectBox(QStringLiteral("/dev/null: Not a regular file"), QStringLiteral("Sectorbox"));
+  DropOnNode("TARGET", {folder_ / "FOLDER", "/dev/null"});
+  EXPECT_TRUE(Nodes().contains(QStringLiteral("FOLDER")));
+  EXPECT_TRUE(Panel(1).contains(QStringLiteral(" Bytes Free, "))) << Panel(1).toStdString();
+}
+
+// The walk behind a drop on the root lets events run.
+TEST_F(DragTest, ATreeThatIsRebuiltDuringADropOnItShowsEachDirectoryOnce) {
+  StartWith(image_);
+  WriteText(folder_ / "HELLO", "hello");
+  QTimer::singleShot(0, [this] { QTest::keyClick(&window_->ThePanes().Tree(), Qt::Key_F5); });
+  DropOnNode("$", {folder_ / "HELLO"});
+  EXPECT_EQ(Nodes(), List({"$", "DIR", "SUB", "TARGET"}));
+  EXPECT_TRUE(Names().contains(QStringLiteral("HELLO")));
 }
 
 TEST_F(DragTest, ADropOnTheTreeLeavesTheListAsItWas) {

@@ -1,3 +1,4 @@
+#include <QFileDialog>
 #include <filesystem>
 
 #include "disc/FreeMap.h"
@@ -43,11 +44,23 @@ TEST_F(FileCommandsTest, ALockedFileEndsTheLoopAndWhatWasDoneStays) {
   Choose("mnuOptionsDelete");
   ASSERT_FALSE(window_->Checked("mnuOptionsDelete"));
   Select({"ALPHA", "BETA", "GAMMA"});
-  player_.Expect([](QWidget& dialog) { dynamic_cast<QMessageBox&>(dialog).accept(); });
+  player_.ExpectBox(QStringLiteral("Cannot Delete Locked File : BETA"));
   Choose("mnuFileDelete");
   EXPECT_FALSE(OnDisc("ALPHA"));
   EXPECT_TRUE(OnDisc("BETA"));
   EXPECT_TRUE(OnDisc("GAMMA"));
+}
+
+TEST_F(FileCommandsTest, ARefusedDirectoryEndsTheLoopAndTheListShowsWhatIsLeft) {
+  StartWith(image_);
+  Choose("mnuOptionsEmpty");
+  Select({"ALPHA", "DIR", "GAMMA"});
+  player_.ExpectBox(QStringLiteral("Cannot Delete Non Empty Directory : DIR"));
+  Choose("mnuFileDelete");
+  EXPECT_EQ(Names(),
+            QStringList({QStringLiteral("BETA"), QStringLiteral("DIR"), QStringLiteral("GAMMA")}));
+  EXPECT_EQ(window_->CurrentItem()->Name(), "BETA");
+  EXPECT_TRUE(Nodes().contains(QStringLiteral("DIR")));
 }
 
 TEST_F(FileCommandsTest, NothingSelectedDeletesNothing) {
@@ -108,10 +121,28 @@ TEST_F(FileCommandsTest, AForbiddenCharacterGivesTheMessageAndTheOldNameStays) {
   StartWith(image_);
   Select({"ALPHA"});
   Choose("mnuFileRename");
+  window_->SetPanel2(QStringLiteral("something else"));
   player_.ExpectBox(QStringLiteral("File A:B Contains Illegal Characters"));
   Rename(QStringLiteral("A:B"));
+  EXPECT_EQ(Panel(2), QStringLiteral("$.ALPHA"));
   EXPECT_TRUE(Names().contains(QStringLiteral("ALPHA")));
   EXPECT_TRUE(OnDisc("ALPHA"));
+}
+
+// As "?" it would be a name like any other.
+TEST_F(FileCommandsTest, ACharacterThatTheBbcDoesNotHaveIsRefused) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  Choose("mnuFileRename");
+  player_.ExpectBox(QStringLiteral("File A\u00FF Contains Illegal Characters"));
+  Rename(QStringLiteral("A\u03A9"));
+  EXPECT_TRUE(OnDisc("ALPHA"));
+  player_.Expect([](QWidget& dialog) {
+    Type(dialog, "txtTitle", QStringLiteral("\u03A9"));
+    Push(dialog, "cmdOK");
+  });
+  player_.ExpectBox(QStringLiteral("Title \u00FF Contains Illegal Characters"));
+  Choose("mnuDirectoryTitle");
 }
 
 TEST_F(FileCommandsTest, AnEmptyNameAndEscapeChangeNothing) {
@@ -156,6 +187,8 @@ TEST_F(FileCommandsTest, ExportWritesSelectedFilesAndDirectoriesWithSidecars) {
   player_.ExpectFileDialog(folder_ / "out", [](QWidget& dialog) {
     EXPECT_EQ(dialog.objectName(), QStringLiteral("objBD"));
     EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Browse For Folder"));
+    EXPECT_EQ(dynamic_cast<QFileDialog&>(dialog).labelText(QFileDialog::FileName),
+              QStringLiteral("Select destination for file"));
   });
   Choose("mnuFileExport");
   EXPECT_EQ(ReadAll(folder_ / "out/BETA"), std::vector<std::uint8_t>(600, 5));
@@ -180,11 +213,27 @@ TEST_F(FileCommandsTest, AnExportThatTheHostRefusesIsABoxAndTheWindowLives) {
   EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
-TEST_F(FileCommandsTest, ACancelledExportDoesNothing) {
+TEST_F(FileCommandsTest, ACancelledExportDoesNothingAndOneWithoutASelectionDoesNotAsk) {
   StartWith(image_);
   Select({"BETA"});
   player_.ExpectFileDialog("");
   Choose("mnuFileExport");
+  window_->ThePanes().List().clearSelection();
+  ASSERT_NE(window_->CurrentItem(), nullptr);
+  Choose("mnuFileExport");
+}
+
+TEST_F(FileCommandsTest, TwoSelectedFilesThatComeOutWithOneNameBothGoOut) {
+  image_.AddFile(2, {"X/INF", {1}});
+  image_.AddFile(2, {"X/INF_", {2, 2}});
+  StartWith(image_);
+  Select({"X/INF", "X/INF_"});
+  std::filesystem::create_directory(folder_ / "out");
+  player_.ExpectFileDialog(folder_ / "out");
+  Choose("mnuFileExport");
+  EXPECT_EQ(ReadAll(folder_ / "out/X.INF_"), std::vector<std::uint8_t>{1});
+  EXPECT_EQ(ReadAll(folder_ / "out/X.INF__"), (std::vector<std::uint8_t>{2, 2}));
+  EXPECT_EQ(ReadText(folder_ / "out/X.INF__.INF").substr(0, 10), "X/INF_    ");
 }
 
 }  // namespace

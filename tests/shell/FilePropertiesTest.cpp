@@ -63,6 +63,49 @@ TEST_F(FilePropertiesTest, TheCloseBoxLeavesAcceptedAsTheLastUseLeftIt) {
   EXPECT_NE(RowOf("ALPHA").Columns[kColSeq], seq);
 }
 
+TEST_F(FilePropertiesTest, CancelTakesTheAcceptanceOfAnEarlierOKAway) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  player_.Expect([](QWidget& dialog) { Push(dialog, "cmdOK"); });
+  Choose("mnuFileAttributes");
+  player_.Expect([](QWidget& dialog) { Push(dialog, "cmdCancel"); });
+  Choose("mnuFileAttributes");
+  const std::string seq = RowOf("ALPHA").Columns[kColSeq];
+  player_.Expect([](QWidget& dialog) { dialog.close(); });
+  Choose("mnuFileAttributes");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColSeq], seq);
+}
+
+TEST_F(FilePropertiesTest, ABoxInItsThirdStateCountsForLockedAlone) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  player_.Expect([](QWidget& dialog) {
+    for (const char* name : {"chkRead", "chkWrite", "chkLocked"}) {
+      auto* box = dialog.findChild<QCheckBox*>(QString::fromLatin1(name));
+      box->setTristate(true);
+      box->setCheckState(Qt::PartiallyChecked);
+    }
+    Push(dialog, "cmdOK");
+  });
+  Choose("mnuFileAttributes");
+  EXPECT_EQ(RowOf("ALPHA").Attr(), "L");
+}
+
+TEST_F(FilePropertiesTest, ARowWhoseEntryIsGoneEndsTheLoopWithoutALookAtTheFreeSpace) {
+  StartWith(image_);
+  Select({"ALPHA", "BETA", "GAMMA"});
+  ASSERT_EQ(DeleteEntry(*disc_, 2, "BETA", false, true), 0);
+  window_->SetStatus(QStringLiteral("something else"), false);
+  player_.Expect([](QWidget& dialog) {
+    dialog.findChild<QCheckBox*>(QStringLiteral("chkLocked"))->setChecked(true);
+    Push(dialog, "cmdOK");
+  });
+  Choose("mnuFileAttributes");
+  EXPECT_EQ(RowOf("ALPHA").Attr(), "LR");
+  EXPECT_EQ(RowOf("GAMMA").Attr(), "R");
+  EXPECT_EQ(Panel(1), QStringLiteral("something else"));
+}
+
 // --- Addresses ---------------------------------------------------------------------------------
 
 TEST_F(FilePropertiesTest, AddressesArePaddedAndUpperCased) {
@@ -81,6 +124,36 @@ TEST_F(FilePropertiesTest, AddressesArePaddedAndUpperCased) {
   EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "00000000");
   EXPECT_EQ(RowOf("ALPHA").Columns[kColExec], "FFFF19AB");
   EXPECT_EQ(Fetch32(*disc_, EntryOffset(2, FindEntry(*disc_, 2, "ALPHA")) + 14), 0xFFFF19ABu);
+}
+
+TEST_F(FilePropertiesTest, OfSeveralSelectedRowsOnlyTheCurrentOneGetsTheAddresses) {
+  StartWith(image_);
+  Select({"ALPHA", "GAMMA"});
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("txtLoad"))->text(),
+              QStringLiteral("00000001"));
+    Type(dialog, "txtLoad", QStringLiteral("1234"));
+    Push(dialog, "cmdOK");
+  });
+  Choose("mnuFileAddresses");
+  EXPECT_EQ(RowOf("GAMMA").Columns[kColLoad], "00001234");
+  EXPECT_EQ(RowOf("GAMMA").Columns[kColSeq], "(02)");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "FFFF1900");
+}
+
+TEST_F(FilePropertiesTest, TheCloseBoxAppliesTheAddressesOnceMoreAfterAnOK) {
+  StartWith(image_);
+  Select({"ALPHA"});
+  player_.Expect([](QWidget& dialog) { Push(dialog, "cmdOK"); });
+  Choose("mnuFileAddresses");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColSeq], "(02)");
+  player_.Expect([](QWidget& dialog) {
+    Type(dialog, "txtLoad", QStringLiteral("1234"));
+    dialog.close();
+  });
+  Choose("mnuFileAddresses");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColSeq], "(03)");
+  EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "FFFF1900");
 }
 
 TEST_F(FilePropertiesTest, AddressesOfADirectoryAreNotOffered) {
