@@ -111,7 +111,8 @@ void frmMain::Guarded(const std::function<void()>& work) {
   ++guards_;
   RunGuarded(work);
   --guards_;
-  host_.ShowNoteAgain();
+  // Once the window is closing a note goes to standard error, and has done so.
+  if (!unloaded_) host_.ShowNoteAgain();
   const bool noted = !host_.TakeNote().empty();
   if (guards_ > 0 && !noted) host_.KeepNote(outer);
 }
