@@ -65,13 +65,14 @@ TEST(Abort, AnywhereInAReceiveEndsItWithAResetAndNoSound) {
   }
 }
 
-TEST(Abort, AnywhereInASendTellsTheServerAndLeavesItListening) {
+TEST(Abort, AnywhereInASendTellsTheServerLeavesItListeningAndPlaysNoSound) {
   for (const bool check : {false, true}) {
     bool reached = true;
     for (std::int64_t pump = 1; reached; pump += pump < 300 ? 7 : 997) {
       LinkRig rig;
       MakeTroubled(rig);
       rig.Host.Check = check;
+      rig.Host.Wave = true;
       WriteAll(rig.Folder / "x.dat", NoiseDisc(16, {}, 7));
       rig.Host.FileAnswers.push_back(rig.Folder / "x.dat");
       const AbortAtPump abort(rig, pump);
@@ -80,6 +81,7 @@ TEST(Abort, AnywhereInASendTellsTheServerAndLeavesItListening) {
       if (rig.Host.DialogFinished) continue;
       ASSERT_TRUE(reached);
       EXPECT_EQ(rig.Host.Log.back(), "close dialog");
+      EXPECT_TRUE(rig.Host.LogOf("wave").empty());
       EXPECT_FALSE(rig.TheLink.AbortRequested);
       EXPECT_EQ(rig.Bbc.Heard.back(), "ESC2") << pump;
       EXPECT_EQ(SendCommand(rig.TheLink, "B\r", true), "1024\r") << pump;
