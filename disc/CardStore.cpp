@@ -39,7 +39,8 @@ void DiscImg::CountFault(const std::string& what) {
   if (cardFaults_++ > 0) return;
   const int error = DeviceError();
   const std::string trouble = error == 0 ? "" : ": " + std::generic_category().message(error);
-  disc_.Host.Note(fileName_ + ": " + what + trouble);
+  firstFault_ = what + trouble;
+  disc_.Host.Note(fileName_ + ": " + firstFault_);
 }
 
 std::int64_t DiscImg::WritableBytes() const {
@@ -196,7 +197,8 @@ void DiscImg::CloseCard() {
   suspended_ = true;
   if (device_->LastError() != 0) CountFault("what was written may be lost");
   if (cardFaults_ > 1) {
-    disc_.Host.Note(fileName_ + ": " + std::to_string(cardFaults_) + " faults in all");
+    disc_.Host.Note(fileName_ + ": " + std::to_string(cardFaults_) +
+                    " faults in all, the first: " + firstFault_);
   }
 }
 

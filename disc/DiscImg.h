@@ -31,7 +31,8 @@ enum DiscType : std::int16_t {
 // A byte outside a floppy image reads as zero and is not written. A byte beyond the end of a .dat
 // reads as zero, and the file grows when a block there is written back. File errors of the kinds
 // 0, 1 and 2 are HostError. A card that fails is no error to the caller: the host is told with a
-// line (DiscHost::Note) at the first fault, and with their number when the card is closed. Nothing
+// line (DiscHost::Note) at the first fault, and with it and their number when the card is closed,
+// should there have been more. Nothing
 // is ever written outside the open partition: a byte stored past DiscSize goes nowhere.
 //
 // The object isn't written back when it is destroyed: who wants that calls CloseFile.
@@ -161,7 +162,8 @@ class DiscImg {
   // The front part of bytes that lies inside the open partition; a rest counts as a fault.
   std::span<const std::uint8_t> InsidePartition(std::int64_t offset,
                                                 std::span<const std::uint8_t> bytes);
-  // One more fault of the card; the first is told. what: "sector 7 can't be read".
+  // One more fault of the card; the first is told, and kept for the end. what: "sector 7 can't be
+  // read".
   void CountFault(const std::string& what);
   // The raw wrappers: the partition's offset is added, and without an open device the count of
   // bytes stays as the caller set it. A write is cut at the end of the partition, and what was cut
@@ -183,6 +185,7 @@ class DiscImg {
   std::int32_t heads_ = 0;
   std::int32_t sectors_ = 0;
   std::int32_t cardFaults_ = 0;
+  std::string firstFault_;
   std::array<std::uint8_t, kTransferSize> transfer_{};
   std::array<Slot, 2> slots_;
 };

@@ -193,7 +193,8 @@ TEST_F(CardTest, ACardThatIsPulledIsToldOnceAndCountedAtTheEnd) {
   EXPECT_EQ(host.LogOf("note "),
             std::vector<std::string>(
                 {"note C:,0: sectors 128 to 191 can't be written in full: Input/output error",
-                 "note C:,0: 8 faults in all"}));
+                 "note C:,0: 8 faults in all, the first: sectors 128 to 191 can't be written in "
+                 "full: Input/output error"}));
 }
 
 TEST_F(CardTest, AnAbandonedCardIsNotOpenedAgainByAStore) {
