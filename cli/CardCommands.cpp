@@ -46,10 +46,6 @@ std::string RequireCapacity(const std::string& word) {
   return word;
 }
 
-int StatusOf(const Disc& disc) {
-  return disc.TheDisc.CardFaults() == 0 ? kDone : kRefused;
-}
-
 CardSource SourceOf(const std::string& path) {
   return {path, path, path};
 }

@@ -36,7 +36,7 @@ int RunSave(const CommandLine& line) {
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
   SaveImageTo(session.Open, line.Arguments[1]);
-  return session.Host.MessageShown ? kRefused : kDone;
+  return session.Host.MessageShown ? kRefused : StatusOf(session.Open);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "cli/ImageSession.h"
 
+#include "cli/Dispatch.h"
 #include "disc/HostError.h"
 #include "disc/OpenImage.h"
 
@@ -34,6 +35,10 @@ void OpenForReading(Disc& disc, const std::string& image) {
   }
 }
 
+int StatusOf(const Disc& disc) {
+  return disc.TheDisc.CardFaults() == 0 ? kDone : kRefused;
+}
+
 int RunWriting(const CommandLine& line, const std::string& image,
                const std::function<bool(Disc& disc, CliHost& host)>& change) {
   ImageSession session(line);
@@ -46,7 +51,7 @@ int RunWriting(const CommandLine& line, const std::string& image,
     throw;
   }
   if (done || WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
-  return done && session.Open.TheDisc.CardFaults() == 0 ? 0 : 1;
+  return done ? StatusOf(session.Open) : kRefused;
 }
 
 PathTarget RequirePath(Disc& disc, const std::string& path) {

@@ -27,6 +27,10 @@ void OpenForReading(Disc& disc, const std::string& image);
 // Opens "DEVICE,P", a partition of a card, which becomes ImageName. The same errors.
 void OpenCard(Disc& disc, const std::string& name);
 
+// The exit status of a command that only reads: what came from a card that failed is not what is on
+// it.
+int StatusOf(const Disc& disc);
+
 // Opens IMAGE, runs change and stores the disc back as CloseFile does; gives the exit status.
 // change gives false when the engine refused; a message shown meanwhile, or a card that failed,
 // counts as a refusal too. After a refusal, or an exception out of change, an .adf or .adl is left

@@ -42,7 +42,7 @@ int RunTeletext(const CommandLine& line) {
   if (!font) throw Failure(kTeletextFontMissing);
   const auto codes = ReadTeletextPage(session.Open, row.StartSector(), row.Length());
   SavePicture(DrawTeletext(codes, *font, phase), out);
-  return kDone;
+  return StatusOf(session.Open);
 }
 
 const ScreenMode& ModeNamed(const std::string& word) {
@@ -86,7 +86,7 @@ int RunMode(const CommandLine& line) {
   const ListRow row = OpenFileRow(session.Open, line.Arguments[1], line.Arguments[2]);
   const auto bytes = ReadScreen(session.Open, mode, row.StartSector(), row.Length());
   SavePicture(DrawScreen(mode, bytes, colours), out);
-  return kDone;
+  return StatusOf(session.Open);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ int RunInfo(const CommandLine& line) {
   PrintValue("runs", disc.FreeCount);
   PrintValue("boot", disc.TheDisc.Fetch(format::kMapBootOption));
   PrintValue("title", GetDirTitle(disc, format::kRootSector));
-  return kDone;
+  return StatusOf(disc);
 }
 
 int RunTree(const CommandLine& line) {
@@ -71,7 +71,7 @@ int RunTree(const CommandLine& line) {
         node.Parent < 0 ? "$" : paths[static_cast<std::size_t>(node.Parent)] + "." + node.Text);
     Print(paths.back() + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
   }
-  return kDone;
+  return StatusOf(session.Open);
 }
 
 int RunLs(const CommandLine& line) {
@@ -85,7 +85,7 @@ int RunLs(const CommandLine& line) {
     for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
     Print(text + "\n");
   }
-  return kDone;
+  return StatusOf(session.Open);
 }
 
 void PrintContents(Disc& disc, std::int32_t sector, std::uint32_t length) {
@@ -108,12 +108,12 @@ int RunGet(const CommandLine& line) {
   const std::uint32_t length = ReadRow(session.Open, file.DirSector, file.Slot).Length();
   if (!line.Has("o")) {
     PrintContents(session.Open, file.Sector, length);
-    return kDone;
+    return StatusOf(session.Open);
   }
   OutputFile output = CreateOutputFile(line.Option("o", ""));
   WriteContents(session.Open, output, file.Sector, length);
   output.Close();
-  return kDone;
+  return StatusOf(session.Open);
 }
 
 int RunCheck(const CommandLine& line) {
@@ -125,7 +125,7 @@ int RunCheck(const CommandLine& line) {
     Print((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text + "\n");
     if (fault.IsError) status = kRefused;
   }
-  return status;
+  return status == kDone ? StatusOf(session.Open) : status;
 }
 
 int RunOpen(const CommandLine& line) {

@@ -67,7 +67,7 @@ int RunView(const CommandLine& line, std::size_t least, std::size_t most, Find f
   PrintedView view(line, session.Host, style);
   show(session.Open, target, view);
   view.Close();
-  return kDone;
+  return StatusOf(session.Open);
 }
 
 template <Generator generator>

@@ -62,7 +62,7 @@ int RunExport(const CommandLine& line) {
   } else {
     ExportOne(session.Open, target, line.Arguments[2]);
   }
-  return session.Host.MessageShown ? kRefused : kDone;
+  return session.Host.MessageShown ? kRefused : StatusOf(session.Open);
 }
 
 bool DeletePath(Disc& disc, const CliHost& host, const std::string& path) {

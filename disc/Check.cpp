@@ -69,6 +69,11 @@ class Checker {
   }
 
   void CheckMap() {
+    const std::int32_t there = disc_.TheDisc.DiscSize();
+    if (disc_.TheDisc.disctype() == kCF && size_ > there) {
+      Error("sector 0", "the disc has " + std::to_string(size_) +
+                            " sectors, and the card room for " + std::to_string(there));
+    }
     for (const std::int32_t base : {0, kSectorSize}) {
       const std::uint8_t stored = disc_.TheDisc.Fetch(base + kSectorSize - 1);
       const std::uint8_t right = MapChecksum(disc_, base);

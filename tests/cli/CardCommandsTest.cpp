@@ -189,6 +189,39 @@ TEST_F(CardCommands, ARestoreOfALargerFileStaysInsideThePartitionAndEndsWithStat
   EXPECT_EQ(Peek(card, kGibibyte + 100 * 512 - 2), 0x5A);
 }
 
+TEST_F(CardCommands, ACardThatIsSmallerThanItsDiscIsAnErrorToEveryCommandThatMeetsItsEnd) {
+  ImageBuilder disc(4096);
+  disc.AddFile(2, {"SMALL", std::vector<std::uint8_t>(256, 0x41)});
+  disc.AddFile(2, {"LARGE", std::vector<std::uint8_t>(100 * 256, 0x42)});
+  disc.AddFile(2, {"SCREEN", std::vector<std::uint8_t>(20480, 0x43)});
+  disc.WriteTo(folder / "disc.dat");
+  const std::string card = MakeCard(100 * 512);
+  ASSERT_EQ(RunSbx({"cf", "restore", card + ",0", folder / "disc.dat"}).Status, 1);
+  const std::string name = "cf:" + card + ",0";
+  const SbxResult check = RunSbx({"check", name});
+  EXPECT_EQ(check.Status, 1);
+  EXPECT_EQ(check.Out, "error: sector 0: the disc has 4096 sectors, and the card room for 100\n");
+  EXPECT_EQ(RunSbx({"ls", name}).Status, 0);
+  EXPECT_EQ(RunSbx({"get", name, "SMALL"}).Status, 0);
+  for (const auto& words : std::vector<std::vector<std::string>>{
+           {"get", name, "LARGE"},
+           {"get", name, "LARGE", "-o", folder / "large"},
+           {"hex", name, "LARGE"},
+           {"mode", "0", name, "SCREEN", "-o", folder / "large.bmp"},
+           {"export", name, "LARGE", folder.Path()},
+           {"save", name, folder / "copy.dat"}}) {
+    const SbxResult result = RunSbx(words);
+    EXPECT_EQ(result.Status, 1) << words[0];
+    EXPECT_NE(result.Err.find("can't be read in full\n"), std::string::npos) << words[0];
+  }
+  const auto before = ReadAll(card);
+  WriteAll(folder / "MORE", std::vector<std::uint8_t>(1000));
+  const SbxResult add = RunSbx({"add", name, "$", folder / "MORE"});
+  EXPECT_EQ(add.Status, 1);
+  EXPECT_NE(add.Err.find("lies outside the partition and isn't written"), std::string::npos);
+  EXPECT_EQ(fs::file_size(card), before.size());
+}
+
 TEST_F(CardCommands, TheCardIsNotItsOwnBackup) {
   const std::string card = MakeCard(8192 * 512);
   EXPECT_EQ(RunSbx({"cf", "backup", card + ",0", card, "--full"}).Status, 1);
