@@ -7,6 +7,7 @@
 #include "cfcard/ScanCFCards.h"
 #include "cli/Dispatch.h"
 #include "cli/ImageSession.h"
+#include "cli/Interrupt.h"
 #include "disc/Adfs.h"
 #include "disc/HostFile.h"
 #include "disc/SaveImage.h"
@@ -29,8 +30,9 @@ class FormatLine : public FormatView {
   CliHost& host_;
 };
 
-// Opens the partition for work on the whole of it.
+// Opens the partition for work on the whole of it, which Ctrl-C ends.
 void OpenWhole(Disc& disc, const std::string& name) {
+  CatchInterrupt();
   OpenCard(disc, name);
   if (disc.TheDisc.DiscSize() <= 0) throw Failure(name + ": the card has no such partition");
 }

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include "cli/Interrupt.h"
+
 namespace sectorbox::cli {
 
 CliHost::CliHost(const CommandLine& line)
@@ -49,7 +51,11 @@ void CliHost::EnableDiscEntries() {}
 
 void CliHost::StoreRoot(const std::string&) {}
 
-void CliHost::PumpEvents() {}
+void CliHost::PumpEvents() {
+  if (!TakeInterrupt()) return;
+  CloseProgress();
+  throw Failure("Aborted");
+}
 
 void CliHost::OpenProgress(const std::string&) {
   if (ProgressRunning != nullptr) *ProgressRunning = true;

@@ -12,7 +12,8 @@ namespace sectorbox::cli {
 
 // The engine's host at the command line. A box is a line on standard error, a yes/no question is
 // answered by the command itself (yes), file dialogs by what the call named, progress is a line on
-// standard error when that is a terminal.
+// standard error when that is a terminal. Where a command catches Ctrl-C, a pump ends it with the
+// Failure "Aborted": a file that it was making isn't left half made.
 class CliHost : public DiscHost {
  public:
   explicit CliHost(const CommandLine& line);

@@ -3,11 +3,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <cstdio>
 #include <ctime>
 #include <thread>
 
+#include "cli/Interrupt.h"
 #include "cli/ProgramFolder.h"
 #include "link/Commands.h"
 #include "link/Protocol.h"
@@ -15,21 +15,6 @@
 
 namespace sectorbox::cli {
 namespace {
-
-volatile std::sig_atomic_t interrupted = 0;
-
-void NoteInterrupt(int) {
-  interrupted = 1;
-}
-
-void CatchInterrupt() {
-  interrupted = 0;
-  struct sigaction action {};
-  action.sa_handler = NoteInterrupt;
-  action.sa_flags = SA_RESETHAND;  // a second Ctrl-C ends the program at once
-  ::sigemptyset(&action.sa_mask);
-  ::sigaction(SIGINT, &action, nullptr);
-}
 
 std::int32_t SpeedOf(const CommandLine& line) {
   if (!line.Has("speed")) return wire::kDefaultSpeed;
@@ -79,8 +64,7 @@ void CliLinkHost::Sleep(std::int32_t milliseconds) {
 }
 
 void CliLinkHost::PumpEvents() {
-  if (interrupted == 0) return;
-  interrupted = 0;
+  if (!TakeInterrupt()) return;
   WasInterrupted = true;
   if (AbortRequested != nullptr) *AbortRequested = true;
 }

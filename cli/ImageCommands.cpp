@@ -4,6 +4,7 @@
 
 #include "cli/Dispatch.h"
 #include "cli/ImageSession.h"
+#include "cli/Interrupt.h"
 #include "disc/HostFile.h"
 #include "disc/NewDisc.h"
 #include "disc/SaveImage.h"
@@ -35,6 +36,7 @@ int RunSave(const CommandLine& line) {
   line.Expect(2, 2);
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
+  CatchInterrupt();
   SaveImageTo(session.Open, line.Arguments[1]);
   return session.Host.MessageShown ? kRefused : StatusOf(session.Open);
 }

@@ -160,6 +160,28 @@ TEST_F(CardWindow, FormatMakesADiscAndOpensIt) {
   EXPECT_EQ(device_->Peek((std::uint64_t{1} << 30) + 2 * 253), 0x10);
 }
 
+TEST_F(CardWindow, OkInTheFormatDialogWithoutACardIsCancel) {
+  Start();
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(In<QLabel>(dialog, "lblCFCard").text(), QStringLiteral("No CF Card Detected"));
+    In<QPushButton>(dialog, "btnOK").click();
+  });
+  Choose("mnuCFFormat");
+  ExpectBlank();
+  EXPECT_EQ(Panel(2), QStringLiteral("$"));
+}
+
+TEST_F(CardWindow, OkInTheFormatDialogWithoutAChosenRowWritesNothing) {
+  StartWithCard(DiscWithAFile());
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(In<QComboBox>(dialog, "cmbCFCard").currentIndex(), -1);
+    In<QPushButton>(dialog, "btnOK").click();
+  });
+  Choose("mnuCFFormat");
+  ExpectBlank();
+  for (const auto& transfer : device_->Transfers) EXPECT_FALSE(transfer.IsWrite);
+}
+
 TEST_F(CardWindow, AbortInTheWipeLeavesTheCardUnformattedAndTheBlankImage) {
   StartWithCard(DiscWithAFile());
   QTimer abort;
