@@ -52,12 +52,6 @@ void Store24(Disc& disc, std::int64_t offset, std::int32_t value) {
   }
 }
 
-void Store32(Disc& disc, std::int64_t offset, std::uint32_t value) {
-  for (int i = 0; i < 4; ++i) {
-    disc.TheDisc.Store(offset + i, static_cast<std::uint8_t>(value >> (8 * i)));
-  }
-}
-
 std::string Hex(std::uint64_t value, int digits) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text(static_cast<std::size_t>(digits), '0');

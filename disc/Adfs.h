@@ -20,7 +20,6 @@ std::int64_t EntryOffset(std::int32_t DirSector, std::int32_t Slot);
 std::int32_t Fetch24(Disc& disc, std::int64_t offset);
 std::uint32_t Fetch32(Disc& disc, std::int64_t offset);
 void Store24(Disc& disc, std::int64_t offset, std::int32_t value);
-void Store32(Disc& disc, std::int64_t offset, std::uint32_t value);
 
 // Upper-case hexadecimal of exactly digits digits: the rightmost ones, zero-padded on the left, so
 // that a wider value loses its top digits.

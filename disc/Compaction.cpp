@@ -219,7 +219,6 @@ class Mover {
   }
 
   void AddToRun(const ObjectRecord& object, std::int32_t to) {
-    if (object.Sectors == 0) return;
     const bool follows = object.Start - run_.From == run_.Sectors && to - run_.To == run_.Sectors;
     if (!follows) {
       MoveRun();

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -242,6 +243,18 @@ TEST(HostDevices, AFileWithoutRightsIsNotOpened) {
   }
   EXPECT_FALSE(isOpen);
   EXPECT_EQ(error, EACCES);
+}
+
+TEST(HostDevices, AReadThatTheSystemRefusesEndsWithItsError) {
+  const FileCard card(kSmallCard);
+  const auto device = MakeHostDevice();
+  ASSERT_TRUE(device->Open(card.Path()));
+  std::array<std::uint8_t, 512> sector{};
+  // No file reaches that far: to the system the offset is negative.
+  EXPECT_EQ(device->Read(std::uint64_t{1} << 63, sector), 0U);
+  EXPECT_EQ(device->LastError(), EINVAL);
+  EXPECT_EQ(device->Read(0, sector), 512U);
+  EXPECT_EQ(device->LastError(), 0);
 }
 
 TEST(HostDevices, ADeviceThatTheSystemHasInUseIsNotOpened) {

@@ -152,12 +152,26 @@ TEST_F(CardStore, AShortReadZeroesTheFirst512BytesOfTheBlockAndNoMore) {
   EXPECT_EQ(disc_->TheDisc.Fetch(2048 + 256), 7);
 }
 
-TEST_F(CardStore, AFailedWriteIsNotReported) {
+TEST_F(CardStore, WhatIsStoredInASectorThatCannotBeReadIsWrittenAllTheSame) {
+  Open(1000, 0);
+  device_->Poke(4, 9);
+  device_->ReadsLeft = 0;
+  disc_->TheDisc.Store(0, 5);
+  disc_->TheDisc.CloseFile();
+  ASSERT_EQ(device_->Transfers.size(), 3U);
+  EXPECT_TRUE(device_->Transfers[2].IsWrite);
+  EXPECT_EQ(device_->Transfers[2].Bytes, 512U);
+  EXPECT_EQ(device_->Peek(0), 5);
+}
+
+TEST_F(CardStore, AFailedWriteIsNotedAndStopsNothing) {
   Open(1000, 0);
   disc_->TheDisc.Store(0, 5);
   device_->WritesLeft = 0;
   disc_->TheDisc.CloseFile();
   EXPECT_EQ(device_->Peek(0), 0);
+  EXPECT_EQ(host_.LogOf("note"),
+            std::vector<std::string>{"note /dev/sdb,0: sectors 0 to 3 can't be written in full"});
 }
 
 TEST_F(CardStore, ADeviceThatCannotBeOpenedSeemsToBeOfTheLargestSize) {

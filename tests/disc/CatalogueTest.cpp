@@ -173,6 +173,7 @@ TEST_F(CatalogueTest, PathsAreFoundWithoutRegardToCaseAndWithOrWithoutTheRoot) {
     EXPECT_EQ(target.Name, "ELITE");
   }
   for (const char* path : {"", "$"}) {
+    EXPECT_TRUE(FindPath(disc_, path).Found);
     EXPECT_TRUE(FindPath(disc_, path).IsDirectory);
     EXPECT_EQ(FindPath(disc_, path).Sector, 2);
     EXPECT_EQ(FindPath(disc_, path).DirSector, -1);

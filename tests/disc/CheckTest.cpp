@@ -160,6 +160,11 @@ TEST_F(CheckTest, SpaceThatNothingOwns) {
                              "warning: sector 000074: 4 sectors from here belong to nothing"}));
 }
 
+TEST_F(CheckTest, SpaceAtTheEndThatNothingOwns) {
+  image_.SetFreeRuns({{15, 600}});
+  EXPECT_EQ(Check(), Faults{"warning: sector 000267: 25 sectors from here belong to nothing"});
+}
+
 TEST_F(CheckTest, MarksAndSequenceNumbersThatDisagree) {
   image_.Poke(a_ * 256 + 1275, 'h');
   image_.Poke(512 + 1274, 2);

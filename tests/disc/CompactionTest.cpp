@@ -95,6 +95,32 @@ TEST_F(CompactionTest, ADirectoryWhoseOwnNameDisagreesMovesAndItsEntryStaysBehin
   EXPECT_TRUE(IsDirectory(disc_, 7));
 }
 
+// A file may hold what looks like the directory's entry, and moves only after that was changed.
+TEST_F(CompactionTest, ADirectoryThatCallsAFileItsParentFindsItsEntryThereBeforeTheFileMoves) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  const auto dir = image.AddDirectory(2, "D");
+  Bytes listing(1280);
+  listing[5] = 'D';
+  listing[6] = '\r';
+  const auto file = image.AddFile(2, {"F", listing, 0, 0, "WR"});
+  image.Poke(dir * 256 + 1238, static_cast<std::uint8_t>(file));
+  Open(image);
+  CompactAndCompare();
+  EXPECT_EQ(Contents(2, "F")[5 + 22], 7);
+}
+
+TEST_F(CompactionTest, EntriesReachAHardDiscsFileWithWhatTheyLeadTo) {
+  ImageBuilder image(640);
+  image.AddHole(10);
+  image.AddFile(2, {"A", Pattern(300), 0, 0, "WR"});
+  Open(image, kDat);
+  CompactDisc(disc_);
+  const Bytes file = ReadAll(folder_ / "disc.img");
+  EXPECT_EQ(file[517 + 22], 7);
+  EXPECT_EQ(Bytes(file.begin() + 7 * 256, file.begin() + 7 * 256 + 300), Pattern(300));
+}
+
 TEST_F(CompactionTest, ThePanesAreToldWhichDirectoriesMoved) {
   ImageBuilder image(640);
   image.AddDirectory(2, "A");

@@ -232,6 +232,17 @@ TEST_F(DeleteTest, AnEmptyFileThatTheBbcGaveNoSectorFreesNobodyElses) {
   EXPECT_EQ(Runs(), "12+628") << "the sector was E2's own";
 }
 
+TEST_F(DeleteTest, WhatStandsBehindTheFirstEmptySlotOwnsNothing) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"E", {}, 0, 0, "WR"});
+  image.Poke(517 + 2 * 26, 'X');
+  image.Poke(517 + 2 * 26 + 18, 1);
+  image.Poke(517 + 2 * 26 + 22, 7);
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(Runs(), "7+633");
+}
+
 TEST_F(DeleteTest, ATreeOfEmptyFilesThatShareASectorGivesItBackOnce) {
   ImageBuilder image(640);
   const auto dir = image.AddDirectory(2, "DIR");

@@ -1,6 +1,8 @@
 // New directories, renaming, attributes, addresses, titles, the boot option.
 
 #include "disc/Addresses.h"
+#include "disc/Compaction.h"
+#include "disc/Mutation.h"
 #include "tests/disc/EngineTest.h"
 
 namespace sectorbox {
@@ -197,6 +199,39 @@ TEST_F(DirectoryTest, ARenamedDirectoryCarriesItsNewNameAndKeepsItsTitle) {
   EXPECT_EQ(Bytes(at, at + 10),
             (Bytes{'N' | 128, 'E' | 128, 'W' | 128, 13 | 128, 0, 0, 0, 0, 0, 0}));
   EXPECT_EQ(GetDirTitle(disc_, dir), "OLD");
+}
+
+// Where a sector's number needs all three of its bytes.
+TEST_F(DirectoryTest, BeyondSector65535AllGoesAsBelow) {
+  ImageBuilder image(70000);
+  image.AddFile(2, {"BELOW", Bytes(66000 * 256), 0, 0, "WR"});
+  const auto far = image.AddDirectory(2, "FAR");
+  const auto sub = image.AddDirectory(far, "SUB");
+  const auto big = image.AddFile(far, {"BIG", Pattern(100000), 0, 0, "WR"});
+  image.AddFile(far, {"EMPTY", {}, 0, 0, "WR"});
+  ASSERT_GT(far, 65535);
+  Open(image, kDat);
+  EXPECT_FALSE(RenameEntry(disc_, "NEW", "SUB", far, false));
+  EXPECT_EQ(GetDirName(disc_, sub), "NEW");
+  const auto made = NewDirectory(disc_, sub, "MADE");
+  EXPECT_EQ(made, GetEntrySector(disc_, sub, "MADE"));
+  EXPECT_EQ(Add("F", Pattern(70000, 2), made), 0);
+  EXPECT_EQ(Contents(made, "F"), Pattern(70000, 2));
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+
+  // The BBC may leave an empty file in the middle of another one, and takes nothing from that.
+  const std::int64_t place = EntryOffset(far, FindEntry(disc_, far, "EMPTY")) + 22;
+  const std::string runs = Runs();
+  Store24(disc_, place, big + 300);
+  EXPECT_EQ(DeleteEntry(disc_, far, "EMPTY", false, false), 0);
+  EXPECT_EQ(Runs(), runs);
+
+  EXPECT_EQ(DeleteEntry(disc_, 2, "BELOW", false, false), 0);
+  CompactDisc(disc_);
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+  const auto moved = GetEntrySector(disc_, 2, "FAR");
+  EXPECT_EQ(moved, 7);
+  EXPECT_EQ(Contents(moved, "BIG"), Pattern(100000));
 }
 
 TEST_F(DirectoryTest, AttributesAreSetAsToldAndDAndEStay) {

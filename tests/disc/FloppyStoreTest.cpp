@@ -181,6 +181,19 @@ TEST_F(FloppyStore, AnAdlOfAnOddSizeIsStoredWithItsTracksToTheNearest) {
   }
 }
 
+TEST_F(FloppyStore, FlushingBringsTheFileUpToDateAndReloadsTheStoreFromIt) {
+  ImageBuilder image = Numbered(640);
+  image.SetFreeRuns({{100, 540}});
+  image.WriteTo(folder_ / "x.adf");
+  OpenAdf40(folder_ / "x.adf");
+  disc_.TheDisc.Store(3000, 77);
+  disc_.TheDisc.Store(100 * 256, 78);
+  disc_.TheDisc.Flush();
+  EXPECT_EQ(ReadAll(folder_ / "x.adf").at(3000), 77);
+  EXPECT_EQ(disc_.TheDisc.Fetch(3000), 77);
+  EXPECT_EQ(disc_.TheDisc.Fetch(100 * 256), 0) << "free space isn't stored";
+}
+
 TEST_F(FloppyStore, OpeningSomethingElseDropsAFloppyUnsaved) {
   ImageBuilder image(640);
   image.WriteTo(folder_ / "x.adf");

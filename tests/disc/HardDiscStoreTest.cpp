@@ -82,6 +82,14 @@ TEST_F(HardDiscStore, WritingBackBringsTheFileUpToDateAndKeepsTheBlocks) {
   EXPECT_EQ(ReadAll(path_)[5], 99) << "and not written a second time";
 }
 
+TEST_F(HardDiscStore, FlushingBringsTheFileUpToDateAndReadsItAnew) {
+  disc_.TheDisc.Store(5, 77);
+  disc_.TheDisc.Flush();
+  EXPECT_EQ(ReadAll(path_)[5], 77);
+  Change(5, 99);
+  EXPECT_EQ(disc_.TheDisc.Fetch(5), 99);
+}
+
 TEST_F(HardDiscStore, TheFileGrowsWhenABlockBeyondItsEndIsWritten) {
   disc_.TheDisc.Store(10 * 1024 + 3, 5);
   disc_.TheDisc.CloseFile();

@@ -286,13 +286,15 @@ TEST_F(HostExchangeTest, TheProcesssCurrentFolderIsLeftAloneHoweverTheImportEnds
   EXPECT_EQ(fs::current_path(), before);
 }
 
-TEST_F(HostExchangeTest, AnEmptyPathIsAFailureByItsOwnName) {
-  try {
-    AddFile(disc_, 2, "");
-    ADD_FAILURE() << "nothing was thrown";
-  } catch (const HostError& error) {
-    EXPECT_EQ(error.Path(), "");
-    EXPECT_EQ(error.SystemText(), "No such file or directory");
+TEST_F(HostExchangeTest, APathThatLeadsNowhereIsAFailureByItsOwnName) {
+  for (const std::string& path : {std::string(), folder_ / "none/..", folder_ / "none"}) {
+    try {
+      AddFile(disc_, 2, path);
+      ADD_FAILURE() << "nothing was thrown";
+    } catch (const HostError& error) {
+      EXPECT_EQ(error.Path(), path);
+      EXPECT_EQ(error.SystemText(), "No such file or directory");
+    }
   }
 }
 

@@ -217,6 +217,28 @@ TEST_F(SaveImageTest, AFloppySizedPartitionIsSavedAsADoubleSidedFloppy) {
   EXPECT_EQ(ReadAll(folder_ / "y.adl"), image.InterleavedBytes());
 }
 
+TEST_F(SaveImageTest, AFloppyThatSaysItHasAHardDiscsSizeIsSavedAsThatOverItsOwnFile) {
+  Open(ImageBuilder(640), "x.adf");
+  Store24(disc_, 252, 700);
+  host_.Pad = true;
+  SaveImageTo(disc_, folder_ / "x.adf");
+  EXPECT_EQ(ReadAll(folder_ / "x.adf").size(), 700U * 256);
+}
+
+TEST_F(SaveImageTest, NothingIsSavedOverTheOpenCardNorRestoredFromIt) {
+  const std::string card = folder_ / "card";
+  const std::vector<std::uint8_t> bytes(640 * 512, 7);
+  WriteAll(card, bytes);
+  Disc disc(host_);
+  OpenCFPartition(disc, card + ",0");
+  EXPECT_THROW(SaveDatImage(disc, card, true), HostError);
+  EXPECT_THROW(SaveAdfImage(disc, card), HostError);
+  EXPECT_THROW(SaveAdlImage(disc, card), HostError);
+  EXPECT_THROW(RestoreImage(disc, card), HostError);
+  disc.TheDisc.CloseFile();
+  EXPECT_EQ(ReadAll(card), bytes);
+}
+
 TEST_F(SaveImageTest, ARestorePoursTheFileIntoThePartition) {
   ImageBuilder image(640);
   image.WriteTo(folder_ / "x.dat");
@@ -236,12 +258,12 @@ TEST_F(SaveImageTest, ARestorePoursTheFileIntoThePartition) {
 }
 
 TEST_F(SaveImageTest, ARestoreCountsSectorsToTheNearestAndFillsTheLastWithZeros) {
-  for (const auto& [length, sectors] :
-       std::vector<std::pair<std::size_t, std::int64_t>>{{128, 0}, {129, 1}, {384, 2}, {640, 2}}) {
+  for (const auto& [length, sectors] : std::vector<std::pair<std::size_t, std::int64_t>>{
+           {128, 0}, {129, 1}, {384, 2}, {640, 2}, {896, 4}, {1152, 4}}) {
     SCOPED_TRACE(length);
     WriteAll(folder_ / "x.dat", std::vector<std::uint8_t>(length, 1));
     OpenCFPartition(disc_, "/dev/card,0");
-    disc_.TheDisc.StoreBytes(0, std::vector<std::uint8_t>(1024, 7));
+    disc_.TheDisc.StoreBytes(0, std::vector<std::uint8_t>(2048, 7));
     RestoreImage(disc_, folder_ / "x.dat");
     EXPECT_EQ(disc_.TheDisc.Fetch(sectors * 256), 7);
     if (sectors == 0) continue;
