@@ -114,6 +114,8 @@ TEST(Abort, InTheStreamOfAReceiveNothingIsSaidEither) {
   EXPECT_EQ(rig.Bbc.Heard.back(), "A0|16|16|");
   EXPECT_TRUE(rig.Host.Traced("Transfer Aborted"));
   EXPECT_EQ(ReadAll(rig.Folder / "x").size(), 16U * 256);
+  const TransferCounters& faults = rig.Host.Counters;
+  EXPECT_EQ(faults.Retries + faults.BadCRCs + faults.BadSectors, 0);
 }
 
 TEST(Abort, BehindTheChecksumOfAReceiveTheServerIsTold) {
