@@ -18,18 +18,11 @@ CFCommands::CFCommands(frmMain& window) : window_(window) {
 }
 
 void CFCommands::OnCommand(const char* name, void (*run)(Disc& disc, CardDialogs& dialogs)) {
-  window_.OnCommand(name, [this, run] { Run([this, run] { run(window_.TheDisc(), *this); }); });
+  window_.OnCommand(name, [this, run] { run(window_.TheDisc(), *this); });
 }
 
 void CFCommands::FormatBySize(const SizedFormat& format) {
-  Run([&] { RunSizedFormat(window_.TheDisc(), *this, format); });
-}
-
-void CFCommands::Run(const std::function<void()>& command) {
-  window_.Host().ForgetNote();
-  command();
-  // The refilled panes have put the path where the note stood. A card that failed is worth more.
-  window_.Host().ShowNoteAgain();
+  window_.Guarded([&] { RunSizedFormat(window_.TheDisc(), *this, format); });
 }
 
 void CFCommands::ShowCF() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
 
 #include "cfcard/CardMenu.h"
 
@@ -19,7 +18,6 @@ class CFCommands : public QObject, private CardDialogs {
 
  private:
   void OnCommand(const char* name, void (*run)(Disc& disc, CardDialogs& dialogs));
-  void Run(const std::function<void()>& command);
   void ShowCF() override;
   void ShowFormatCF() override;
 

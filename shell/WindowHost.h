@@ -25,8 +25,7 @@ class WindowHost : public DiscHost {
   // The drives that may hold a card; the disc's device finds its letters here.
   CardDrives Drives;
 
-  // The last Note since ForgetNote, once more, after something else has taken its place.
-  void ForgetNote() { note_.clear(); }
+  // The last Note that wasn't taken, once more, after something else has stood in its place.
   void ShowNoteAgain();
   // That note for who wants to keep it meanwhile, and back; taken, it is forgotten here.
   std::string TakeNote() { return std::exchange(note_, {}); }

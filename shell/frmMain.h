@@ -59,6 +59,7 @@ class frmMain : public QMainWindow {
   Panes& ThePanes() { return *panes_; }
   ViewCommands& Views() { return *views_; }
   XferCommands& Xfer() { return *xfer_; }
+  CFCommands& Cards() { return *cards_; }
 
   // --- Menus -----------------------------------------------------------------------------------
   // The entry of that name; for a menu, the action that opens it. The name must exist.

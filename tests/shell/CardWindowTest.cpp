@@ -7,6 +7,8 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "cfcard/CardMenu.h"
+#include "shell/CFCommands.h"
 #include "tests/support/WindowFixture.h"
 #include "toolkit/Text.h"
 
@@ -320,6 +322,41 @@ TEST_F(CardWindow, ACardThatFailsAtTheEndOfTheProgramIsToldOnStandardError) {
   EXPECT_EQ(::testing::internal::GetCapturedStderr(),
             "C:,0: sectors 256 to 259 can't be written in full\n");
   EXPECT_EQ(ends_, std::vector<int>{0});
+}
+
+TEST_F(CardWindow, ASizedFormatWithAWipeAsksForThePartitionOnly) {
+  StartWithCard(DiscWithAFile());
+  device_->Poke(2 * 1500000, 0xE5);
+  ExpectChoice(0);
+  window_->Cards().FormatBySize(SizedFormats()[1]);
+  EXPECT_EQ(window_->windowTitle(), QStringLiteral("Sectorbox - C:,0"));
+  EXPECT_EQ(Panel(1).toStdString(), " 2095360 Bytes Free,  1792 Bytes Used");
+  EXPECT_TRUE(Names().isEmpty());
+  disc_->TheDisc.CloseFile();
+  EXPECT_EQ(device_->Peek(2 * 1500000), 0);
+}
+
+TEST_F(CardWindow, ASizedFormatWithoutAWipeFollowsTheFormatDialog) {
+  StartWithCard(DiscWithAFile());
+  device_->Poke(2 * 1500000, 0xE5);
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_EQ(dialog.objectName(), QStringLiteral("frmFormatCF"));
+    In<QComboBox>(dialog, "cmbCFCard").setCurrentIndex(0);
+    In<QCheckBox>(dialog, "chkQuick").click();
+    In<QPushButton>(dialog, "btnOK").click();
+  });
+  window_->Cards().FormatBySize(SizedFormats()[11]);
+  EXPECT_EQ(Panel(1).toStdString(), " 2095360 Bytes Free,  1792 Bytes Used");
+  disc_->TheDisc.CloseFile();
+  EXPECT_EQ(device_->Peek(2 * 1500000), 0xE5);
+}
+
+TEST_F(CardWindow, ACancelledSizedFormatLeavesTheBlankImage) {
+  StartWithCard(DiscWithAFile());
+  player_.Expect([](QWidget& dialog) { In<QPushButton>(dialog, "mnuCancel").click(); });
+  window_->Cards().FormatBySize(SizedFormats()[0]);
+  ExpectBlank();
+  for (const auto& transfer : device_->Transfers) EXPECT_FALSE(transfer.IsWrite);
 }
 
 TEST_F(CardWindow, BothDialogsShareOnePlace) {
