@@ -89,6 +89,16 @@ TEST_F(WriteCommandsTest, AMessageInTheMidstOfAnAddLeavesTheImageAsItWas) {
           "Cannot Yet Overwrite A Directory");
 }
 
+TEST_F(WriteCommandsTest, AddReplacesALockedFileUnlessToldNotToAndThenSaysNothing) {
+  WriteText(folder_ / "ELITE", "new");
+  const Bytes before = Disc();
+  Do({"add", "--overwrite-locked", "off", image_, "GAMES", folder_ / "ELITE"});
+  EXPECT_EQ(Disc(), before);
+  const ReadObject root = Do({"add", image_, "GAMES", folder_ / "ELITE"});
+  EXPECT_EQ(root.Contents[0].Contents[0].Bytes, (Bytes{'n', 'e', 'w'}));
+  EXPECT_EQ(root.Contents[0].Contents[0].Attr, "WR");
+}
+
 TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {
   Do({"export", image_, "GAMES", folder_ / "out"});
   EXPECT_EQ(ReadText((folder_ / "out") + "/ELITE.INF"),
@@ -119,6 +129,9 @@ TEST_F(WriteCommandsTest, RenameGivesANewName) {
   Refused({"rename", image_, "ABOUT", "games"}, "games Already Exists");
   Refused({"rename", image_, "ABOUT", "A*B"}, "File A*B Contains Illegal Characters");
   Refused({"rename", image_, "$", "X"}, "Not an entry of a directory: $");
+  Refused({"rename", "--delete-locked", "off", image_, "GAMES.ELITE", "X"},
+          "Cannot Rename Locked File : ELITE");
+  EXPECT_EQ(Do({"rename", image_, "GAMES.ELITE", "X"}).Contents[1].Contents[0].Name, "X");
 }
 
 TEST_F(WriteCommandsTest, MkdirMakesADirectory) {
