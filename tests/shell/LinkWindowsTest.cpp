@@ -52,6 +52,16 @@ TEST_F(LinkWindowsTest, TheTransferDialogStartsWithTheSameTextsInBothDirections)
   }
 }
 
+TEST_F(LinkWindowsTest, AbortAfterTheEndClosesTheDialogAndSetsTheFlagAllTheSame) {
+  Start();
+  TheLink().Host.OpenTransfer("Receive Image");
+  TheLink().Host.FinishTransfer();
+  In<QPushButton>(*Dialog(), "cmdAbort")->click();
+  Settle();
+  EXPECT_EQ(Dialog(), nullptr);
+  EXPECT_TRUE(TheLink().AbortRequested);
+}
+
 TEST_F(LinkWindowsTest, TheTransferDialogStaysWhereItWasLeft) {
   Start();
   TheLink().Host.OpenTransfer("Receive Image");

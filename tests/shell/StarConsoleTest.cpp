@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFileDialog>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTextCursor>
 
 #include "tests/shell/XferFixture.h"
@@ -53,6 +55,7 @@ TEST_F(StarConsoleTest, StartsEmptyUnderItsCaptionWithTheStripAboveTheOutput) {
       EXPECT_EQ(console->windowTitle(), QStringLiteral("* Commands"));
       EXPECT_EQ(Command()->text(), QString());
       EXPECT_EQ(Output()->toPlainText(), QString());
+      EXPECT_EQ(Output()->font().family(), QStringLiteral("Courier New"));
       EXPECT_EQ(Command()->height(), 375 / 15);
       console->resize(500, 400);
       EXPECT_EQ(Output()->width(), 500);
@@ -74,6 +77,25 @@ TEST_F(StarConsoleTest, EscapeKeepsTheWindowAndItsOutput) {
   });
 }
 
+TEST_F(StarConsoleTest, TheMenusHoldTheirEntriesInOrder) {
+  StartWired();
+  Play([&] {
+    const auto captions = [](const QList<QAction*>& actions) {
+      QStringList all;
+      for (const QAction* action : actions) all.append(action->text());
+      return all;
+    };
+    const auto menus = console->findChild<QMenuBar*>()->actions();
+    EXPECT_EQ(captions(menus), (QStringList{QStringLiteral("&File"), QStringLiteral("&Edit")}));
+    EXPECT_EQ(captions(menus[0]->menu()->actions()),
+              (QStringList{QStringLiteral("&Save File..."), QStringLiteral("&Print File"),
+                           QStringLiteral("&Close")}));
+    EXPECT_EQ(captions(menus[1]->menu()->actions()),
+              (QStringList{QStringLiteral("&Find..."), QStringLiteral("Find &Next"),
+                           QStringLiteral("&Copy"), QStringLiteral("Select &All")}));
+  });
+}
+
 TEST_F(StarConsoleTest, AnErrorShowsTheBbcsTextAndLeavesTheCommand) {
   StartWired();
   Play([&] {
@@ -85,6 +107,7 @@ TEST_F(StarConsoleTest, AnErrorShowsTheBbcsTextAndLeavesTheCommand) {
     Command()->setText(QStringLiteral("FADFS"));
     QTest::keyClick(Command(), Qt::Key_Enter);
     EXPECT_EQ(Command()->text(), QString());
+    EXPECT_EQ(Output()->toPlainText(), QString()) << "the acknowledge is no output";
   });
   line.Stop();
   EXPECT_EQ(line.Bbc.Heard,

@@ -14,10 +14,14 @@ TEST_F(XferTest, EachPortEntryTellsItsDevice) {
 
 TEST_F(XferTest, OnePortAndOneSpeedAreTickedAndKeptAtTheEnd) {
   Start();
-  Choose("mnuXferSerialCom3");
-  Choose("mnuXferSerial4800");
-  for (const char* off : {"mnuXferSerialCom1", "mnuXferSerialCom2", "mnuXferSerialCom4",
-                          "mnuXferSerial19200", "mnuXferSerial9600"}) {
+  // Twice: what is ticked stays so when it is chosen again.
+  for (int i = 0; i < 2; ++i) {
+    Choose("mnuXferSerialCom3");
+    Choose("mnuXferSerial4800");
+  }
+  for (const char* off :
+       {"mnuXferSerialCom1", "mnuXferSerialCom2", "mnuXferSerialCom4", "mnuXferSerial19200",
+        "mnuXferSerial9600", "mnuXferSerial2400", "mnuXferSerial1200"}) {
     EXPECT_FALSE(window_->Checked(off)) << off;
   }
   EXPECT_TRUE(window_->Checked("mnuXferSerialCom3"));
@@ -139,6 +143,25 @@ TEST_F(XferTest, CancelOnAnIdleBootstrapClosesItAndLeavesTheAbortFlagSet) {
   EXPECT_TRUE(TheLink().AbortRequested);
 }
 
+// Each line end of the trace is two characters, whatever the text box makes of it.
+TEST_F(XferTest, TheTraceWindowCountsItsLineEndsAsTheTwoCharactersThatTheyAre) {
+  StartWired();
+  Choose("mnuXferTracewindow");
+  auto* text = In<QPlainTextEdit>(*TraceWindow(), "txtTrace");
+  const auto fill = [&](int lines) {
+    QString all;
+    for (int i = 0; i < lines; ++i) all += QStringLiteral("%1\r\n").arg(i, 6, 10, QChar(u'0'));
+    text->setPlainText(all);
+  };
+  fill(4000);  // 32000 characters
+  TheLink().Host.ShowTrace("one\r\n");
+  EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("000000\n")));
+  fill(4001);
+  TheLink().Host.ShowTrace("two\r\n");
+  EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("000512\n")));
+  EXPECT_TRUE(text->toPlainText().endsWith(QStringLiteral("004000\ntwo\n")));
+}
+
 TEST_F(XferTest, ATraceWindowOfMoreThan32000CharactersLosesItsFirst4096) {
   StartWired();
   Choose("mnuXferTracewindow");
@@ -149,8 +172,7 @@ TEST_F(XferTest, ATraceWindowOfMoreThan32000CharactersLosesItsFirst4096) {
   EXPECT_TRUE(text->toPlainText().startsWith(u'a'));
   text->setPlainText(QString(4096, u'a') + QString(32001 - 4096, u'b'));
   TheLink().Host.ShowTrace("two\r\n");
-  EXPECT_TRUE(text->toPlainText().startsWith(u'b'));
-  EXPECT_TRUE(text->toPlainText().endsWith(QStringLiteral("btwo\n")));
+  EXPECT_EQ(text->toPlainText(), QString(32001 - 4096, u'b') + QStringLiteral("two\n"));
   QTest::keyClick(text, Qt::Key_X);
   EXPECT_FALSE(text->toPlainText().contains(u'x'));
 }
