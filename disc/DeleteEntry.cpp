@@ -67,7 +67,8 @@ class TreeCheck {
 // Deletes entries of one disc, some of them trees.
 class Deletion {
  public:
-  Deletion(Disc& disc, bool IgnoreLock) : disc_(disc), ignoreLock_(IgnoreLock), owners_(disc) {}
+  Deletion(Disc& disc, bool IgnoreLock)
+      : disc_(disc), ignoreLock_(IgnoreLock), owners_(disc), fileName_(disc.TheDisc.FileName()) {}
 
   std::int16_t Entry(std::int32_t DirSector, const std::string& Name, bool IsDir);
   // Parent -1 keeps the directory itself.
@@ -77,10 +78,13 @@ class Deletion {
  private:
   std::int16_t Contents(const TrackedSector& dir);
   std::int16_t FirstEntry(std::int32_t DirSector, const std::string& Name);
+  // The events that run meanwhile may open another disc, of which nobody wanted anything deleted.
+  bool DiscIsAnother() const { return disc_.TheDisc.FileName() != fileName_; }
 
   Disc& disc_;
   bool ignoreLock_;
   Ownership owners_;
+  const std::string fileName_;
   WalkBudget budget_;
 };
 
@@ -120,6 +124,7 @@ std::int16_t Deletion::Contents(const TrackedSector& dir) {
     if (EntryIsEmpty(name)) break;
     if (FirstEntry(dir, name) != kDone) return kStop;
     disc_.Host.PumpEvents();
+    if (DiscIsAnother()) return kStop;
   }
   return kDone;
 }

@@ -76,8 +76,7 @@ void TakeSectors(Disc& disc, std::int32_t run, std::int32_t sectors) {
 }
 
 void ReleaseSectors(Disc& disc, std::int32_t start, std::int32_t sectors) {
-  const std::vector<Run> before = ReadRuns(disc);
-  std::vector<Run> runs = before;
+  std::vector<Run> runs = ReadRuns(disc);
   const auto above =
       std::find_if(runs.begin(), runs.end(), [&](const Run& run) { return start < run.Start; });
   runs.insert(above, {start, sectors});

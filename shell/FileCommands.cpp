@@ -99,7 +99,8 @@ void FileCommands::ApplyAddresses(int row) {
 
 // A release may compact the disc; the directory and the rows follow it, so each step reads its
 // sectors anew. The rows don't shift meanwhile, since the list is only filled again at the end. The
-// events that run between rows may bring another directory on the screen: then the loop ends.
+// events that run between rows may bring another directory on the screen, or another disc: then the
+// loop ends.
 void FileCommands::mnuFileDelete() {
   Panes& panes = window_.ThePanes();
   Disc& disc = window_.TheDisc();
@@ -107,8 +108,10 @@ void FileCommands::mnuFileDelete() {
   const TrackedSector directory(disc, panes.CurrentSector());
   const FileListModel& model = panes.List().Model();
   const int count = model.rowCount();
+  const std::string opened = disc.TheDisc.FileName();
   bool directoryWent = false;
   for (int row = 0; row < count; ++row) {
+    if (disc.TheDisc.FileName() != opened) break;
     if (panes.CurrentSector() != directory || row >= model.rowCount()) break;
     if (!panes.List().IsSelected(row)) continue;
     const ListRow entry = model.Rows()[static_cast<std::size_t>(row)];

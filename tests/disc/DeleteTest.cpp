@@ -128,6 +128,28 @@ TEST_F(DeleteTest, ALockedDirectoryIsKeptAndWhatWasInItIsGone) {
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
 
+TEST_F(DeleteTest, ADiscThatIsOpenedDuringADeleteKeepsAllThatIsOnIt) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  for (const char* name : {"A", "B", "C"}) image.AddFile(dir, {name, {}, 0, 0, "WR"});
+  ImageBuilder other(640);
+  ASSERT_EQ(other.AddDirectory(2, "DIR"), dir);
+  for (const char* name : {"X", "Y", "Z"}) other.AddFile(dir, {name, {}, 0, 0, "WR"});
+  other.WriteTo(folder_ / "other.img");
+  for (const bool root : {false, true}) {
+    Open(image);
+    bool opened = false;
+    host_.OnPump = [&] {
+      if (opened) return;
+      opened = true;
+      disc_.TheDisc.OpenFile(folder_ / "other.img", kAdf, 40, 1, 16);
+      ReadFreeMap(disc_);
+    };
+    EXPECT_EQ(DeleteTree(disc_, root ? -1 : 2, root ? 2 : dir, "DIR", true, true), -1);
+    EXPECT_EQ(Image(), other.Bytes());
+  }
+}
+
 TEST_F(DeleteTest, TheRootIsEmptiedAndKept) {
   ImageBuilder image(640);
   image.AddFile(image.AddDirectory(2, "DIR"), {"A", {}, 0, 0, "WR"});

@@ -3,6 +3,7 @@
 
 #include "disc/FreeMap.h"
 #include "disc/Mutation.h"
+#include "disc/OpenImage.h"
 #include "tests/shell/FilesFixture.h"
 #include "toolkit/Text.h"
 
@@ -61,6 +62,24 @@ TEST_F(FileCommandsTest, ARefusedDirectoryEndsTheLoopAndTheListShowsWhatIsLeft) 
             QStringList({QStringLiteral("BETA"), QStringLiteral("DIR"), QStringLiteral("GAMMA")}));
   EXPECT_EQ(window_->CurrentItem()->Name(), "BETA");
   EXPECT_TRUE(Nodes().contains(QStringLiteral("DIR")));
+}
+
+TEST_F(FileCommandsTest, ADiscThatIsOpenedDuringADeleteKeepsItsFiles) {
+  image_.WriteInterleavedTo(folder_ / "other.adl");
+  StartWith(image_);
+  Choose("mnuFileSelectAll");
+  bool opened = false;
+  QTimer::singleShot(0, [&] {
+    disc_->ImageChanged = false;
+    OpenImage(*disc_, folder_ / "other.adl");
+    window_->ThePanes().SelectAll();
+    opened = true;
+  });
+  window_->Action("mnuFileDelete")->trigger();
+  ASSERT_TRUE(opened);
+  EXPECT_EQ(disc_->ImageName, folder_ / "other.adl");
+  EXPECT_EQ(Names().size(), 4);
+  EXPECT_FALSE(disc_->ImageChanged);
 }
 
 TEST_F(FileCommandsTest, NothingSelectedDeletesNothing) {
