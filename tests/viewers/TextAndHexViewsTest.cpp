@@ -1,6 +1,7 @@
 #include "viewers/TextAndHexViews.h"
 
 #include "tests/viewers/ViewTest.h"
+#include "viewers/ByteReader.h"
 
 namespace sectorbox {
 namespace {
@@ -27,6 +28,18 @@ TEST_F(TextAndHexViewsTest, SixteenBytesAreOneHexLineAndNoEmptyOneFollows) {
             "000000 : 30 31 32 33 34 35 36 37 38 39 41 42 43 44 45 46  0123456789ABCDEF\r\n");
   EXPECT_EQ(view_.Text.size(), 74U + 2);
   EXPECT_EQ(view_.Texts.size(), 1U);
+}
+
+TEST_F(TextAndHexViewsTest, AFileOfACardIsShownAndIsNoLongerThanThePartition) {
+  ImageBuilder image(kSectors);
+  image.AddFile(2, {"FILE", BytesOf("Hello")});
+  Bytes card;
+  for (const std::uint8_t byte : image.Bytes()) card.insert(card.end(), {byte, 0xC5});
+  testing::WriteAll(folder_ / "card", card);
+  disc_.TheDisc.OpenFile((folder_ / "card") + ",0", kCF, 0, 0, 0);
+  ShowHex(disc_, ReadRow(disc_, 2, 0), view_);
+  EXPECT_EQ(view_.Text.substr(0, 24), "000000 : 48 65 6C 6C 6F ");
+  EXPECT_EQ(MakeExtent(disc_, "000007", 0xFFFFFFFF).Length, kSectors * 256);
 }
 
 TEST_F(TextAndHexViewsTest, TheSeventeenthByteKeepsItsCharacterInTheCharacterColumn) {

@@ -296,6 +296,9 @@ TEST_F(WordwiseTest, ATabOnAStopOrPastTheLastDoesNothing) {
   EXPECT_EQ(Format("abcdefghi^x/"), "abcdefghix\n");
   const std::string line(112, 'x');
   EXPECT_EQ(Format("{LL200/" + line + "^y/"), line + "y\n");
+  // In front of the column where a line's count begins anew.
+  const std::string longest(254, 'x');
+  EXPECT_EQ(Format("{LL999/" + longest + "^y/"), longest + "y\n");
 }
 
 TEST_F(WordwiseTest, DTSetsTheStopsThatItLists) {
