@@ -87,9 +87,8 @@ void SetName(EntryBytes& entry, const std::string& Name) {
 }
 
 void SetNumber(EntryBytes& entry, std::int32_t offset, std::uint32_t value, std::int32_t bytes) {
-  for (std::int32_t i = 0; i < bytes; ++i) {
-    entry[static_cast<std::size_t>(offset + i)] = static_cast<std::uint8_t>(value >> (8 * i));
-  }
+  auto at = entry.begin() + offset;
+  for (std::int32_t i = 0; i < bytes; ++i) *at++ = static_cast<std::uint8_t>(value >> (8 * i));
 }
 
 std::uint32_t ParseAddress(const std::string& digits) {

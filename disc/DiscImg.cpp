@@ -15,6 +15,9 @@
 namespace sectorbox {
 namespace {
 
+// Bytes from which on a run is worth going past the two blocks.
+constexpr std::size_t kSmallestRun = std::size_t{2} * DiscImg::kBlockSize;
+
 std::size_t ReadFileAt(int file, const std::string& path, std::int64_t offset,
                        std::span<std::uint8_t> bytes) {
   std::size_t total = 0;
@@ -233,7 +236,7 @@ bool DiscImg::Holds(std::int64_t offset) {
 }
 
 bool DiscImg::FetchFileRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  if (disctype_ != kDat || offset < 0 || bytes.size() < 2 * kBlockSize || !ReadyForBlocks()) {
+  if (disctype_ != kDat || offset < 0 || bytes.size() < kSmallestRun || !ReadyForBlocks()) {
     return false;
   }
   const auto done = ReadFileAt(fileNumber_, fileName_, offset, bytes);
@@ -279,7 +282,7 @@ void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
 
 std::size_t DiscImg::StoreFileRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
   const bool wholeBlocks = offset >= 0 && offset % kBlockSize == 0;
-  if (disctype_ != kDat || !wholeBlocks || bytes.size() < 2 * kBlockSize) return 0;
+  if (disctype_ != kDat || !wholeBlocks || bytes.size() < kSmallestRun) return 0;
   if (!ReadyForBlocks() || writeError_ != 0 || slots_[0].Data.size() != kBlockSize) return 0;
   const auto run = bytes.first(bytes.size() - bytes.size() % kBlockSize);
   WriteFileAt(fileNumber_, fileName_, offset, run);

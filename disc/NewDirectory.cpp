@@ -41,9 +41,8 @@ void WriteEmptyDirectory(Disc& disc, std::int32_t start, std::int32_t parent,
   std::copy_n(entry.begin(), kNameLength, bytes.begin() + kDirName);
   std::transform(entry.begin(), entry.begin() + kNameLength, bytes.begin() + kDirTitle,
                  [](std::uint8_t byte) { return static_cast<std::uint8_t>(byte & kLowBits); });
-  for (std::int32_t i = 0; i < 3; ++i) {
-    bytes[static_cast<std::size_t>(kDirParent + i)] = static_cast<std::uint8_t>(parent >> (8 * i));
-  }
+  auto at = bytes.begin() + kDirParent;
+  for (std::int32_t i = 0; i < 3; ++i) *at++ = static_cast<std::uint8_t>(parent >> (8 * i));
   disc.TheDisc.StoreBytes(SectorOffset(start), bytes);
 }
 

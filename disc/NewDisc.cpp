@@ -46,7 +46,7 @@ void ZeroTracks(Disc& disc, std::int32_t tracks, std::int32_t sectors) {
 }
 
 std::string AskNewName(Disc& disc, const FileQuestion& question) {
-  const std::string path = disc.Host.AskSaveFileName(question);
+  std::string path = disc.Host.AskSaveFileName(question);
   if (path.empty()) return "";
   disc.ImageName = path;
   disc.Host.RefreshCaption();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <unordered_set>
 
 #include "disc/Adfs.h"
@@ -27,7 +28,7 @@ class Ownership::Walk {
     owners_.disc_.TheDisc.FetchBytes(SectorOffset(DirSector), bytes);
     bool sound = std::equal(kHugo, kHugo + kHugoLength, bytes.begin() + kDirMark);
     for (std::int32_t slot = 0; sound && slot < kEntryCount; ++slot) {
-      const std::uint8_t* entry = bytes.data() + kDirEntries + slot * kEntrySize;
+      const std::uint8_t* entry = bytes.data() + kDirEntries + std::ptrdiff_t{slot} * kEntrySize;
       const int first = entry[kEntryName] & kLowBits;
       if (first == 0 || first == '\r') break;
       sound = Entry(entry);

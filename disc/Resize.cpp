@@ -25,10 +25,9 @@ std::int32_t Get24(const MapBytes& map, std::int32_t offset) {
 }
 
 void Put24(MapBytes& map, std::int32_t offset, std::int32_t value) {
-  for (std::int32_t i = 0; i < 3; ++i) {
-    map[static_cast<std::size_t>(offset + i)] =
-        static_cast<std::uint8_t>(static_cast<std::uint32_t>(value) >> (8 * i));
-  }
+  const auto bits = static_cast<std::uint32_t>(value);
+  auto at = map.begin() + offset;
+  for (std::int32_t i = 0; i < 3; ++i) *at++ = static_cast<std::uint8_t>(bits >> (8 * i));
 }
 
 // The last free run is taken to reach the end of the disc, and stretches or shrinks with it. That

@@ -33,7 +33,7 @@ void QuerySaveChanges(Disc& disc) {
 
 std::string ChooseImageFile(Disc& disc) {
   if (disc.ImageChanged) QuerySaveChanges(disc);
-  const std::string name = disc.Host.AskOpenFileName({"Open ADFS Disc Image", kOpenFilter, ""});
+  std::string name = disc.Host.AskOpenFileName({"Open ADFS Disc Image", kOpenFilter, ""});
   if (name.empty()) return "";
   if (!HostFileExists(name)) {
     disc.Host.ShowMessage("File Not Found : " + name);

@@ -1,6 +1,7 @@
 #include "link/SendImage.h"
 
 #include <array>
+#include <cstddef>
 #include <string>
 
 #include "disc/Adfs.h"
@@ -80,7 +81,7 @@ bool Sender::AskDriveSize() {
 }
 
 bool Sender::FitsDrive() {
-  std::array<std::uint8_t, 2 * wire::kSectorSize> sectors{};
+  std::array<std::uint8_t, std::size_t{2} * wire::kSectorSize> sectors{};
   file_->ReadAt(0, sectors);  // sectors 0 and 1 come first in every layout
   map_ = ParseTransferMap(link_, sectors);
   // A hard disc image is sent whatever its size: *FREE may know less of the drive than its user.

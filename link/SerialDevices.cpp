@@ -47,6 +47,7 @@ std::vector<std::string> ListSerialDevices(const std::string& classFolder,
   }
   std::sort(found.begin(), found.end());
   std::vector<std::string> devices;
+  devices.reserve(found.size());
   for (const auto& [kind, number, name] : found) {
     devices.push_back((fs::path(deviceFolder) / name).string());
   }

@@ -35,7 +35,7 @@ void DeleteHostFile(const std::string& path) {
 // again, so that a slip of the hand costs nothing.
 std::string AskTraceFile(Link& link) {
   for (;;) {
-    const std::string name = link.Host.AskSaveFileName(
+    std::string name = link.Host.AskSaveFileName(
         {"Open Trace Log File", "Log Files (*.LOG)|*.log|All Files (*.*)|*.*", ""});
     if (name.empty() || !HostFileExists(name)) return name;
     switch (link.Host.AskReplace("Replace existing file - " + name + "?")) {

@@ -36,7 +36,7 @@ std::string DragOut::temp_root() {
 std::string DragOut::MakeFolder() {
   const std::string root = GetTempFolder() + "adfs_temp";
   if (!HostFolderExists(root)) MakeHostFolder(root);
-  const std::string folder = temp_root();
+  std::string folder = temp_root();
   MakeHostFolder(folder);
   return folder;
 }

@@ -8,7 +8,7 @@ namespace sectorbox {
 
 std::string DeviceOfCom(std::int16_t number) {
   const std::string key = "Com" + std::to_string(number) + "Device";
-  const std::string chosen = ToHost(SettingsStore().GetString(key.c_str()));
+  std::string chosen = ToHost(SettingsStore().GetString(key.c_str()));
   if (!chosen.empty()) return chosen;
   const auto devices = ListSerialDevices();
   const auto index = static_cast<std::size_t>(number) - 1;

@@ -18,7 +18,8 @@ std::int64_t ImageLength(Disc& disc) {
   const DiscImg& store = disc.TheDisc;
   switch (store.disctype()) {
     case kDat:
-      return static_cast<std::int64_t>(HostFileLength(store.FileName())) + 2 * DiscImg::kBlockSize;
+      return static_cast<std::int64_t>(HostFileLength(store.FileName())) +
+             std::int64_t{2} * DiscImg::kBlockSize;
     case kCF:
       return std::max(SectorOffset(store.DiscSize()), std::int64_t{0});
     default:

@@ -1,5 +1,7 @@
 #include "viewers/Disassembler.h"
 
+#include <cstddef>
+
 #include "disc/Adfs.h"
 #include "viewers/HexText.h"
 #include "viewers/Opcodes.h"
@@ -79,7 +81,7 @@ int DisassembleLine(ByteReader& reader, std::int64_t pointer, std::uint32_t addr
   char* const line = text.data() + start;
   PutHex(line, address, 4);
   for (int i = 0; i < instruction.Length; ++i) {
-    PutHex(line + kBytesColumn + 3 * i, reader.At(pointer + i), 2);
+    PutHex(line + kBytesColumn + std::ptrdiff_t{3} * i, reader.At(pointer + i), 2);
   }
   instruction.Mnemonic.copy(line + kMnemonicColumn, instruction.Mnemonic.size());
   int used = 0;

@@ -1,6 +1,7 @@
 #include "viewers/ScreenMode.h"
 
 #include <algorithm>
+#include <cstddef>
 
 #include "disc/Adfs.h"
 #include "viewers/Colours.h"
@@ -52,7 +53,7 @@ void DrawTextRow(std::span<const std::uint8_t> bytes, const ByteStrips& strips, 
     Colour* at = to;
     for (std::size_t i = r; i < bytes.size(); i += kCellRows) at = strips.Draw(bytes[i], at);
     std::copy(to, at, to + kScreenWidth);
-    to += kPictureRowsPerPixel * kScreenWidth;
+    to += std::ptrdiff_t{kPictureRowsPerPixel} * kScreenWidth;
   }
 }
 

@@ -22,8 +22,9 @@ constexpr int kPixelsPerInch = 96;
 
 // The pixels themselves, not a copy: the picture must outlive the image.
 QImage ImageOf(const Picture& picture) {
+  const qsizetype bytesPerLine = qsizetype{picture.Width} * qsizetype{sizeof(Colour)};
   return {reinterpret_cast<const uchar*>(picture.Pixels.data()), picture.Width, picture.Height,
-          picture.Width * static_cast<int>(sizeof(Colour)), QImage::Format_RGB32};
+          bytesPerLine, QImage::Format_RGB32};
 }
 
 }  // namespace
