@@ -76,10 +76,14 @@ class Deletion {
                     bool DeleteNonEmpty);
 
  private:
-  std::int16_t Contents(const TrackedSector& dir);
+  std::int16_t Contents(const TrackedSector& parent, const TrackedSector& dir,
+                        const std::string& Name);
   std::int16_t FirstEntry(std::int32_t DirSector, const std::string& Name);
-  // The events that run meanwhile may open another disc, of which nobody wanted anything deleted.
-  bool DiscIsAnother() const { return disc_.TheDisc.FileName() != fileName_; }
+  // Lets events run. False where what they did leaves nothing to go on with: another disc is open,
+  // of which nobody wanted anything deleted, or entry Name of parent no longer leads to dir, whose
+  // sectors may be another object's by now.
+  bool GoesOnAfterEvents(const TrackedSector& parent, const TrackedSector& dir,
+                         const std::string& Name);
 
   Disc& disc_;
   bool ignoreLock_;
@@ -117,14 +121,26 @@ std::int16_t Deletion::FirstEntry(std::int32_t DirSector, const std::string& Nam
   return Tree(DirSector, Fetch24(disc_, offset + kEntrySector), Name, true);
 }
 
-std::int16_t Deletion::Contents(const TrackedSector& dir) {
+bool Deletion::GoesOnAfterEvents(const TrackedSector& parent, const TrackedSector& dir,
+                                 const std::string& Name) {
+  // Whatever changes a directory gives it another sequence number.
+  const auto sequence = [&] { return disc_.TheDisc.Fetch(SectorOffset(parent) + kDirSequence); };
+  const std::int32_t compactions = disc_.Compactions;
+  const std::uint8_t before = sequence();
+  disc_.Host.PumpEvents();
+  if (disc_.TheDisc.FileName() != fileName_) return false;
+  if (parent == -1 || (disc_.Compactions == compactions && sequence() == before)) return true;
+  return GetEntrySector(disc_, parent, Name) == dir;
+}
+
+std::int16_t Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir,
+                                const std::string& Name) {
   // A directory that overlaps another one may not empty itself: each entry gets one turn.
   for (std::int32_t turn = 0; turn < kEntryCount; ++turn) {
     const std::string name = GetEntryName(disc_, dir, 0);
     if (EntryIsEmpty(name)) break;
     if (FirstEntry(dir, name) != kDone) return kStop;
-    disc_.Host.PumpEvents();
-    if (DiscIsAnother()) return kStop;
+    if (!GoesOnAfterEvents(parent, dir, Name)) return kStop;
   }
   return kDone;
 }
@@ -136,7 +152,7 @@ std::int16_t Deletion::Tree(std::int32_t Parent, std::int32_t DirSector, const s
   const TrackedSector dir(disc_, DirSector);
   if (DeleteNonEmpty) {
     if (!budget_.Enter()) return Refuse(disc_, "Cannot Delete Damaged Directory : " + Name);
-    const std::int16_t result = Contents(dir);
+    const std::int16_t result = Contents(parent, dir, Name);
     budget_.Leave();
     if (result != kDone) return result;
   }

@@ -22,8 +22,8 @@ std::int16_t DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& 
 
 // Deletes the directory at DirSector, entry Name of the directory Parent; with DeleteNonEmpty, its
 // contents first. Parent -1 empties a directory and keeps it. What was deleted before a refusal
-// stays deleted. The event pump runs after each entry; where another disc is opened there, the
-// operation stops.
+// stays deleted. The event pump runs after each entry; where another disc is opened there, or the
+// directory itself deleted, the operation stops.
 std::int16_t DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
                         const std::string& Name, bool IgnoreLock, bool DeleteNonEmpty);
 

@@ -150,6 +150,47 @@ TEST_F(DeleteTest, ADiscThatIsOpenedDuringADeleteKeepsAllThatIsOnIt) {
   }
 }
 
+TEST_F(DeleteTest, WhatTakesTheSectorsOfADirectoryThatIsDeletedMeanwhileIsLeftAlone) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  const auto sub = image.AddDirectory(dir, "SUB");
+  for (const char* name : {"A", "B", "C"}) image.AddFile(sub, {name, {}, 0, 0, "WR"});
+  Open(image);
+  bool meanwhile = false;
+  host_.OnPump = [&] {
+    if (meanwhile) return;
+    meanwhile = true;
+    EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+    for (const char* name : {"NEW", "NEW2"}) {
+      const std::int32_t made = NewDirectory(disc_, 2, name);
+      EXPECT_EQ(Add("MINE", Pattern(300), made), 0);
+    }
+  };
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), -1);
+  EXPECT_EQ(Names(2), "NEW NEW2");
+  for (const char* name : {"NEW", "NEW2"}) {
+    EXPECT_EQ(Contents(GetEntrySector(disc_, 2, name), "MINE"), Pattern(300));
+  }
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
+TEST_F(DeleteTest, AChangeElsewhereInTheParentDoesNotEndADelete) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "DIR");
+  for (const char* name : {"A", "B", "C"}) image.AddFile(dir, {name, {}, 0, 0, "WR"});
+  image.AddFile(2, {"OLD", {}, 0, 0, "WR"});
+  Open(image);
+  bool renamed = false;
+  host_.OnPump = [&] {
+    if (renamed) return;
+    renamed = true;
+    EXPECT_FALSE(RenameEntry(disc_, "KEPT", "OLD", 2, true));
+  };
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(Names(2), "KEPT");
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
 TEST_F(DeleteTest, TheRootIsEmptiedAndKept) {
   ImageBuilder image(640);
   image.AddFile(image.AddDirectory(2, "DIR"), {"A", {}, 0, 0, "WR"});
