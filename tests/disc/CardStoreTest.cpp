@@ -51,11 +51,12 @@ TEST_F(CardStore, WhatWasStoredOnACardThatIsNotThereReachesNoOther) {
   Open(1000, 0);
   disc_->TheDisc.Store(0, 1);
   device_->Openable = true;
+  device_->Poke(0, 9);
   disc_->TheDisc.OpenFile("/dev/sdc,0", kCF, 0, 0, 0);
-  EXPECT_EQ(disc_->TheDisc.Fetch(0), 0);
+  EXPECT_EQ(disc_->TheDisc.Fetch(0), 9);
   disc_->TheDisc.Store(1, 2);
   disc_->TheDisc.CloseFile();
-  EXPECT_EQ(device_->Peek(0), 0);
+  EXPECT_EQ(device_->Peek(0), 9);
   EXPECT_EQ(device_->Peek(2), 2);
 }
 

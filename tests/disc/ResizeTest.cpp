@@ -39,15 +39,15 @@ TEST_F(ResizeTest, TheLastRunStretchesAndTheFileKeepsItsLength) {
   EXPECT_EQ(host_.LogOf("rebuild").size(), 1U);
 }
 
-TEST_F(ResizeTest, SizesAboveWhatTwoBytesHoldShrinkToo) {
+TEST_F(ResizeTest, SizesAboveWhatTwoBytesHoldAreReadWhole) {
   ImageBuilder image(4224);
-  image.SetFreeRuns({{7, 135168 - 7}});
+  image.SetFreeRuns({{100000, 35168}});
   image.Poke(253, 0x10);
   image.Poke(254, 0x02);
   image.Poke(252, 0x00);
   const std::string path = Make(image);
-  ResizeImageFile(disc_, path, 64, 4, 33);
-  EXPECT_EQ(ReadFreeRuns(ReadAll(path))[0].Length, 8448 - 7);
+  ResizeImageFile(disc_, path, 1056, 4, 33);
+  EXPECT_EQ(ReadFreeRuns(ReadAll(path))[0].Length, 35168 + 4224);
 }
 
 TEST_F(ResizeTest, TheSameSizeRewritesTheChecksumsAndNothingElse) {
