@@ -128,6 +128,18 @@ TEST_F(DirectoryCommandsTest, ADirectoryThatIsChosenDuringADeleteStaysCurrent) {
   EXPECT_EQ(window_->ThePanes().Tree().Selected(), &Node(QStringLiteral("SECOND")));
 }
 
+TEST_F(DirectoryCommandsTest, DeletePressedAgainDuringADeleteTakesNoMoreThanTheDirectory) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  QTimer::singleShot(0, [this] { QTest::keyClick(&window_->ThePanes().Tree(), Qt::Key_Delete); });
+  Choose("mnuDirectoryDelete");
+  EXPECT_EQ(Nodes(), List({"$", "SECOND"}));
+  EXPECT_NE(FindEntry(*disc_, 2, "SECOND"), -1);
+  EXPECT_EQ(FindEntry(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(window_->CurrentNode().has_value());
+  EXPECT_EQ(window_->CurrentNode()->Tag, 2);
+}
+
 TEST_F(DirectoryCommandsTest, ATreeThatIsRebuiltDuringADeleteShowsWhatIsLeftAfterIt) {
   StartWith(image_);
   ClickNode(QStringLiteral("DIR"));
