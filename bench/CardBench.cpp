@@ -17,37 +17,13 @@
 #include "disc/Disc.h"
 #include "disc/OpenImage.h"
 #include "disc/SaveImage.h"
+#include "tests/support/QuietHost.h"
 
 namespace sectorbox {
 namespace {
 
 constexpr std::size_t kDeviceBytes = std::size_t{128} << 20;  // two for each byte of the disc
 constexpr std::size_t kTransfer = 32768;
-
-class QuietHost final : public DiscHost {
- public:
-  bool* ProgressRunning = nullptr;
-  void ShowMessage(const std::string&) override {}
-  bool AskYesNo(const std::string&, const std::string&) override { return true; }
-  std::string AskOpenFileName(const FileQuestion&) override { return {}; }
-  std::string AskSaveFileName(const FileQuestion&) override { return {}; }
-  void SetStatus(const std::string&, bool) override {}
-  void Note(const std::string&) override {}
-  void SetBusyPointer(bool) override {}
-  void RefreshCaption() override {}
-  void RebuildTree() override {}
-  void SetTreeReady() override {}
-  void DirectoriesMoved(const std::map<std::int32_t, std::int32_t>&) override {}
-  void EnableDiscEntries() override {}
-  void StoreRoot(const std::string&) override {}
-  void PumpEvents() override {}
-  void OpenProgress(const std::string&) override { *ProgressRunning = true; }
-  void ShowProgress(const std::string&, double) override {}
-  void CloseProgress() override {}
-  bool PadDiscImages() const override { return false; }
-  bool InterleavedDisc() const override { return true; }
-  bool OverwriteLocked() const override { return true; }
-};
 
 class QuietView final : public FormatView {
  public:
@@ -115,7 +91,7 @@ class CardFile {
   }
 
  private:
-  QuietHost host_;
+  sectorbox::testing::QuietHost host_;
   std::string folder_;
 
  public:

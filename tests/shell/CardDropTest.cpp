@@ -15,13 +15,6 @@
 namespace sectorbox::testing {
 namespace {
 
-template <typename T>
-T& In(QWidget& dialog, const char* name) {
-  T* found = dialog.findChild<T*>(QString::fromLatin1(name));
-  if (found == nullptr) throw std::runtime_error(std::string("no such child: ") + name);
-  return *found;
-}
-
 std::vector<std::string> Rows(QWidget& dialog) {
   const auto& list = In<QComboBox>(dialog, "cmbCFCard");
   std::vector<std::string> rows;

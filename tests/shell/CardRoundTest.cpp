@@ -12,13 +12,6 @@
 namespace sectorbox::testing {
 namespace {
 
-template <typename T>
-T& In(QWidget& dialog, const char* name) {
-  T* found = dialog.findChild<T*>(QString::fromLatin1(name));
-  if (found == nullptr) throw std::runtime_error(std::string("no such child: ") + name);
-  return *found;
-}
-
 class CardRound : public WindowTest {
  protected:
   CardRound() {

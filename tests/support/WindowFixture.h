@@ -10,6 +10,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,14 @@
 #include "toolkit/SettingsStore.h"
 
 namespace sectorbox::testing {
+
+// A child of a dialog or window by its object name.
+template <typename T>
+T& In(QWidget& dialog, const char* name) {
+  T* found = dialog.findChild<T*>(QString::fromLatin1(name));
+  if (found == nullptr) throw std::runtime_error(std::string("no such child: ") + name);
+  return *found;
+}
 
 // Plays the user at modal dialogs. Answers are queued before what opens the dialogs is triggered,
 // and taken in order, each by the next dialog that comes up. A dialog that nobody expected fails
@@ -78,10 +87,7 @@ class WindowTest : public ::testing::Test {
   // A child of the main window by its object name.
   template <typename T = QWidget>
   T& Find(const char* name) {
-    T* found = window_->findChild<T*>(QString::fromLatin1(name));
-    EXPECT_NE(found, nullptr) << name;
-    if (found == nullptr) throw std::runtime_error(std::string("no such child: ") + name);
-    return *found;
+    return In<T>(*window_, name);
   }
   QString Panel(int n);  // text of a status bar panel, 1 to 4
   QStringList Names();   // of the list, as shown
