@@ -2,85 +2,18 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPrinter>
-#include <QPushButton>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
 
 #include "disc/HostFile.h"
-#include "tests/support/WindowFixture.h"
-#include "toolkit/Text.h"
-#include "viewers/frmView.h"
+#include "tests/viewers/ViewWindowFixture.h"
 
 namespace sectorbox::testing {
 namespace {
-
-std::vector<std::uint8_t> BytesOf(const std::string& text) {
-  return {text.begin(), text.end()};
-}
-
-class ViewWindowTest : public WindowTest {
- protected:
-  void StartWithFiles() {
-    ImageBuilder image(2560);
-    image.AddFile(2, {"Alpha", BytesOf("one\rTwo two\rthree\r"), 0x1900, 0x1900});
-    image.AddFile(2, {"Basic", {13, 0, 10, 5, 0xF1, '"', 'A', '"', 13, 0xFF}});
-    image.AddFile(2, {"Code", {0x60}, 0x1900, 0x1900});
-    image.AddDirectory(2, "Dir");
-    image.AddFile(2, {"Long", std::vector<std::uint8_t>(200000, 'x')});
-    image.AddFile(2, {"Word",
-                      BytesOf("a\x02US\x07"
-                              "b\x02UE\x07"
-                              "c\r"),
-                      0xFFFFFFFF, 0xFFFFFFFF});
-    StartWith(image);
-  }
-  // Lets windows that have closed go: a test runs outside the loop that would do it.
-  void Settle() {
-    WindowTest::Settle();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  }
-  // All views, hidden ones included, the oldest first.
-  static std::vector<frmView*> Views() {
-    std::vector<frmView*> views;
-    for (QWidget* widget : QApplication::topLevelWidgets()) {
-      if (auto* view = qobject_cast<frmView*>(widget)) views.push_back(view);
-    }
-    return views;
-  }
-  frmView& View() {
-    const auto views = Views();
-    if (views.empty()) throw std::runtime_error("no view");
-    return *views.back();
-  }
-  frmView& ViewRow(const QString& name, const char* entry) {
-    ClickRow(name);
-    Choose(entry);
-    return View();
-  }
-  static ViewText& TextOf(frmView& view) { return *view.findChild<ViewText*>("rtbView"); }
-  static std::string Shown(frmView& view) { return ToBbc(TextOf(view).WholeText()); }
-  static void ChooseIn(frmView& view, const char* entry) {
-    auto* action = view.findChild<QAction*>(QLatin1String(entry));
-    ASSERT_NE(action, nullptr) << entry;
-    action->trigger();
-  }
-  // Answers the next Find dialog with this text, or with Cancel where it is null.
-  void ExpectFind(const char* text) {
-    player_.Expect([text](QWidget& dialog) {
-      EXPECT_EQ(dialog.objectName(), QStringLiteral("frmFind"));
-      EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Find"));
-      auto* field = dialog.findChild<QLineEdit*>("txtFind");
-      EXPECT_EQ(field->selectedText(), field->text());
-      if (text != nullptr) field->setText(QLatin1String(text));
-      dialog.findChild<QPushButton*>(text != nullptr ? "cmdOK" : "cmdCancel")->click();
-    });
-  }
-};
 
 TEST_F(ViewWindowTest, EachEntryOpensItsView) {
   StartWithFiles();
@@ -262,83 +195,6 @@ TEST_F(ViewWindowTest, PrintSendsTheWholeText) {
   printer.setOutputFileName(QString::fromStdString(folder_ / "print.pdf"));
   view.PrintTo(printer);
   EXPECT_GT(HostFileLength(folder_ / "print.pdf"), 1000U);
-}
-
-TEST_F(ViewWindowTest, TheFindDialogHasItsTexts) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
-  player_.Expect([](QWidget& dialog) {
-    EXPECT_EQ(dialog.findChild<QLabel*>("lblFind")->text(), QStringLiteral("Find :"));
-    EXPECT_EQ(dialog.findChild<QPushButton*>("cmdOK")->text(), QStringLiteral("OK"));
-    auto* cancel = dialog.findChild<QPushButton*>("cmdCancel");
-    EXPECT_EQ(cancel->text(), QStringLiteral("Cancel"));
-    cancel->click();
-  });
-  ChooseIn(view, "mnuEditFind");
-}
-
-TEST_F(ViewWindowTest, FindIgnoresCaseAndFindNextGoesOn) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
-  ExpectFind("TWO");
-  ChooseIn(view, "mnuEditFind");
-  EXPECT_EQ(view.FindPos, 4);
-  EXPECT_EQ(TextOf(view).SelectedText(), QStringLiteral("Two"));
-  ChooseIn(view, "mnuEditNext");
-  EXPECT_EQ(view.FindPos, 8);
-  ChooseIn(view, "mnuEditNext");
-  EXPECT_EQ(view.FindPos, -1);
-  ChooseIn(view, "mnuEditNext");
-  EXPECT_EQ(view.FindPos, -1);
-}
-
-TEST_F(ViewWindowTest, AFindThatFailsSaysSoAndFindNextThenDoesNothing) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
-  ExpectFind("nowhere");
-  player_.ExpectBox("Text Not Found");
-  ChooseIn(view, "mnuEditFind");
-  EXPECT_EQ(view.FindPos, -1);
-  ChooseIn(view, "mnuEditNext");
-  EXPECT_EQ(view.FindPos, -1);
-}
-
-TEST_F(ViewWindowTest, ACancelledFindMakesFindNextDoNothing) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
-  ExpectFind("two");
-  ChooseIn(view, "mnuEditFind");
-  ExpectFind(nullptr);
-  ChooseIn(view, "mnuEditFind");
-  EXPECT_EQ(view.FindPos, -1);
-  ChooseIn(view, "mnuEditNext");
-  EXPECT_EQ(view.FindPos, -1);
-}
-
-TEST_F(ViewWindowTest, TheTextLookedForIsSharedAndAFreshWindowFindsNextFromPositionOne) {
-  StartWithFiles();
-  frmView& first = ViewRow("Alpha", "mnuFileViewText");
-  ExpectFind("o");
-  ChooseIn(first, "mnuEditFind");
-  EXPECT_EQ(first.FindPos, 0);
-  frmView& second = ViewRow("Alpha", "mnuFileViewText");
-  EXPECT_EQ(second.FindPos, 0);
-  ChooseIn(second, "mnuEditNext");
-  EXPECT_EQ(second.FindPos, 6);
-}
-
-TEST_F(ViewWindowTest, FindPosFollowsTheCaretWhenItMovesByHand) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
-  Press(TextOf(view), Qt::Key_Down);
-  EXPECT_EQ(view.FindPos, 4);
-  Press(TextOf(view), Qt::Key_Right);
-  EXPECT_EQ(view.FindPos, 5);
-  QTextCursor cursor(TextOf(view).document());
-  cursor.setPosition(9);
-  QTest::mouseClick(TextOf(view).viewport(), Qt::LeftButton, Qt::NoModifier,
-                    TextOf(view).cursorRect(cursor).center());
-  EXPECT_EQ(view.FindPos, 9);
 }
 
 TEST_F(ViewWindowTest, AFileOfOneLongLineKeepsItsLayoutAndShortLinesDoNot) {
