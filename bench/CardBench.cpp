@@ -13,10 +13,10 @@
 #include <vector>
 
 #include "bench/Ratio.h"
-#include "cfcard/FormatCF.h"
-#include "disc/Disc.h"
-#include "disc/OpenImage.h"
-#include "disc/SaveImage.h"
+#include "cfcard/cards/FormatCF.h"
+#include "disc/image/OpenImage.h"
+#include "disc/image/SaveImage.h"
+#include "disc/store/Disc.h"
 #include "tests/support/QuietHost.h"
 
 namespace sectorbox {

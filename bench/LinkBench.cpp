@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <random>
 
-#include "link/Compression.h"
-#include "link/ReceiveImage.h"
-#include "link/WireCRC.h"
+#include "link/transfer/ReceiveImage.h"
+#include "link/wire/Compression.h"
+#include "link/wire/WireCRC.h"
 #include "tests/support/InertLinkHost.h"
 #include "tests/support/SimulatedBbc.h"
 #include "tests/support/VirtualLine.h"

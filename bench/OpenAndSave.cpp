@@ -10,10 +10,10 @@
 #include <stdexcept>
 
 #include "bench/Ratio.h"
-#include "disc/Catalogue.h"
-#include "disc/Disc.h"
-#include "disc/OpenImage.h"
-#include "disc/SaveImage.h"
+#include "disc/catalogue/Catalogue.h"
+#include "disc/image/OpenImage.h"
+#include "disc/image/SaveImage.h"
+#include "disc/store/Disc.h"
 #include "tests/support/QuietHost.h"
 #include "tests/support/TempFolder.h"
 

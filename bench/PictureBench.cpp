@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "viewers/ScreenMode.h"
-#include "viewers/Teletext.h"
+#include "viewers/picture/ScreenMode.h"
+#include "viewers/picture/Teletext.h"
 
 namespace sectorbox {
 namespace {

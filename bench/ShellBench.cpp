@@ -13,11 +13,11 @@
 #include <cstdlib>
 #include <ctime>
 
-#include "disc/Disc.h"
-#include "shell/Application.h"
-#include "shell/Panes.h"
-#include "shell/Program.h"
-#include "shell/WindowHost.h"
+#include "disc/store/Disc.h"
+#include "shell/panes/Panes.h"
+#include "shell/program/Application.h"
+#include "shell/program/Program.h"
+#include "shell/program/WindowHost.h"
 
 namespace {
 

@@ -10,12 +10,12 @@
 #include <string>
 #include <vector>
 
-#include "disc/Adfs.h"
+#include "disc/catalogue/Adfs.h"
 #include "tests/support/QuietHost.h"
-#include "viewers/BasicLister.h"
-#include "viewers/Disassembler.h"
-#include "viewers/TextAndHexViews.h"
-#include "viewers/Wordwise.h"
+#include "viewers/text/BasicLister.h"
+#include "viewers/text/Disassembler.h"
+#include "viewers/text/TextAndHexViews.h"
+#include "viewers/wordwise/Wordwise.h"
 
 namespace sectorbox {
 namespace {

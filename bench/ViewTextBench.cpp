@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "viewers/frmViewText.h"
+#include "viewers/windows/frmViewText.h"
 
 namespace {
 

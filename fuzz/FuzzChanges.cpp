@@ -11,14 +11,14 @@
 #include <string>
 #include <vector>
 
-#include "disc/Adfs.h"
-#include "disc/Catalogue.h"
-#include "disc/Check.h"
-#include "disc/Compaction.h"
-#include "disc/Format.h"
-#include "disc/FreeMap.h"
-#include "disc/HostExchange.h"
-#include "disc/Mutation.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Catalogue.h"
+#include "disc/change/Compaction.h"
+#include "disc/change/FreeMap.h"
+#include "disc/change/Mutation.h"
+#include "disc/exchange/HostExchange.h"
+#include "disc/format/Format.h"
+#include "disc/health/Check.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/QuietHost.h"
 #include "tests/support/TempFolder.h"

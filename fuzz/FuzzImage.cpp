@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <string>
 
-#include "disc/Adfs.h"
-#include "disc/Catalogue.h"
-#include "disc/Check.h"
-#include "disc/OpenImage.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Catalogue.h"
+#include "disc/health/Check.h"
+#include "disc/image/OpenImage.h"
 #include "tests/support/QuietHost.h"
 
 namespace {

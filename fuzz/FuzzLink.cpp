@@ -5,10 +5,10 @@
 #include <span>
 #include <string>
 
-#include "link/Commands.h"
-#include "link/Packets.h"
-#include "link/StarCommand.h"
-#include "link/TransferMap.h"
+#include "link/transfer/StarCommand.h"
+#include "link/transfer/TransferMap.h"
+#include "link/wire/Commands.h"
+#include "link/wire/Packets.h"
 #include "tests/support/InertLinkHost.h"
 
 namespace sectorbox {

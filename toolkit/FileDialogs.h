@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <string>
 
-#include "disc/DiscHost.h"
+#include "disc/ask/DiscHost.h"
 
 class QWidget;
 

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "cfcard/CardDrives.h"
-#include "cfcard/CardMenu.h"
-#include "cfcard/FormatCF.h"
-#include "cfcard/ScanCFCards.h"
-#include "disc/Adfs.h"
-#include "disc/Disc.h"
-#include "disc/OpenImage.h"
+#include "cfcard/cards/CardDrives.h"
+#include "cfcard/cards/CardMenu.h"
+#include "cfcard/cards/FormatCF.h"
+#include "cfcard/cards/ScanCFCards.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/image/OpenImage.h"
+#include "disc/store/Disc.h"
 #include "tests/support/DeviceShelf.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/MemoryDevice.h"

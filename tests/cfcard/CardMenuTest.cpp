@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "disc/HostError.h"
+#include "disc/host/HostError.h"
 #include "tests/cfcard/CardFixture.h"
 
 namespace sectorbox::testing {

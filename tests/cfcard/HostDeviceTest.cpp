@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "disc/SaveImage.h"
+#include "disc/image/SaveImage.h"
 #include "tests/cfcard/CardFixture.h"
 #include "tests/support/OrdinaryUser.h"
 

@@ -1,7 +1,7 @@
 // Cards that fail, shrink or have odd sizes, at every point of a job: nothing is written outside
 // the chosen partition, nothing crashes, and the host hears of it.
 
-#include "disc/SaveImage.h"
+#include "disc/image/SaveImage.h"
 #include "tests/cfcard/CardFixture.h"
 
 namespace sectorbox::testing {

@@ -6,10 +6,10 @@
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/RunSbx.h"
 #include "tests/support/TempFolder.h"
-#include "viewers/Colours.h"
-#include "viewers/PictureFile.h"
-#include "viewers/ScreenMode.h"
-#include "viewers/Teletext.h"
+#include "viewers/picture/Colours.h"
+#include "viewers/picture/PictureFile.h"
+#include "viewers/picture/ScreenMode.h"
+#include "viewers/picture/Teletext.h"
 
 namespace sectorbox {
 namespace {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "disc/Adfs.h"
-#include "disc/Disc.h"
-#include "disc/FreeMap.h"
-#include "disc/Mutation.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/change/FreeMap.h"
+#include "disc/change/Mutation.h"
+#include "disc/store/Disc.h"
 #include "tests/support/DiscReading.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/ScriptedHost.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "link/Link.h"
+#include "link/wire/Link.h"
 #include "tests/support/NoiseDiscs.h"
 #include "tests/support/ScriptedLinkHost.h"
 #include "tests/support/SimulatedBbc.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "viewers/TextView.h"
+#include "viewers/text/TextView.h"
 
 namespace sectorbox::testing {
 

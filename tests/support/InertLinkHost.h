@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "link/LinkHost.h"
+#include "link/wire/LinkHost.h"
 #include "tests/support/VirtualLine.h"
 
 namespace sectorbox::testing {

@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "disc/RawDevice.h"
+#include "disc/host/RawDevice.h"
 
 namespace sectorbox::testing {
 

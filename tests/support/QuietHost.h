@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-#include "disc/DiscHost.h"
+#include "disc/ask/DiscHost.h"
 
 namespace sectorbox::testing {
 

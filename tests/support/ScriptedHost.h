@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "disc/DiscHost.h"
+#include "disc/ask/DiscHost.h"
 
 namespace sectorbox::testing {
 

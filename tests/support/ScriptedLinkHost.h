@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "link/LinkHost.h"
+#include "link/wire/LinkHost.h"
 #include "tests/support/VirtualLine.h"
 
 namespace sectorbox::testing {

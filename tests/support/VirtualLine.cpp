@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "disc/HostError.h"
+#include "disc/host/HostError.h"
 
 namespace sectorbox::testing {
 

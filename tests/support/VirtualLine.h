@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "link/SerialPort.h"
+#include "link/wire/SerialPort.h"
 #include "tests/support/SimulatedBbc.h"
 
 namespace sectorbox::testing {

@@ -11,7 +11,7 @@
 #include <QTest>
 #include <algorithm>
 
-#include "shell/Application.h"
+#include "shell/program/Application.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox::testing {

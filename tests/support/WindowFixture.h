@@ -14,10 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "disc/Disc.h"
-#include "shell/Panes.h"
-#include "shell/WindowHost.h"
-#include "shell/frmMain.h"
+#include "disc/store/Disc.h"
+#include "shell/panes/Panes.h"
+#include "shell/program/WindowHost.h"
+#include "shell/program/frmMain.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/MemoryDevice.h"
 #include "tests/support/TempFolder.h"

@@ -1,0 +1,130 @@
+#include "cfcard/cards/CardMenu.h"
+
+#include <functional>
+
+#include "cfcard/cards/FormatCF.h"
+#include "cfcard/cards/OpenedCard.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/host/HostError.h"
+#include "disc/image/NewDisc.h"
+#include "disc/image/OpenImage.h"
+#include "disc/image/SaveImage.h"
+#include "disc/image/Session.h"
+
+namespace sectorbox {
+namespace {
+
+void Begin(Disc& disc) {
+  if (disc.ImageChanged) QuerySaveChanges(disc);
+  disc.ProgressRunning = false;
+}
+
+void End(Disc& disc) {
+  disc.Host.StoreRoot(disc.ImageName);
+  disc.Host.EnableDiscEntries();
+  disc.Host.RebuildTree();
+  disc.Host.RefreshCaption();
+}
+
+bool OpenChosen(Disc& disc) {
+  OpenCFPartition(disc, disc.ImageName);
+  return CardIsOpen(disc);
+}
+
+// What every entry is: a dialog, and, if the user chose, work that says whether the partition is
+// open now. In all other cases the empty disc is.
+void RunEntry(Disc& disc, const std::function<void()>& dialog, const std::function<bool()>& work) {
+  Begin(disc);
+  dialog();
+  try {
+    if (!disc.ProgressRunning || !work()) OpenBlankImage(disc);
+  } catch (const HostError&) {
+    // A host file failed. The panes still have to show the disc that is open now.
+    if (disc.TheDisc.disctype() == kCF && disc.TheDisc.DeviceIsOpen()) {
+      ReadFreeMap(disc);
+    } else {
+      OpenBlankImage(disc);
+    }
+    End(disc);
+    throw;
+  }
+  End(disc);
+}
+
+}  // namespace
+
+void OpenBlankImage(Disc& disc) {
+  constexpr std::int32_t kTracks = 80;
+  constexpr std::int32_t kHeads = 2;
+  constexpr std::int32_t kSectors = 16;
+  disc.ImageName = "NewDisc.adl";
+  CreateDisc(disc, disc.ImageName, kTracks, kHeads, kSectors, kAdl);
+}
+
+std::string BackupFileName(const std::string& imageName) {
+  if (imageName.empty()) return "drive_.dat";
+  return std::string("drive_") + imageName.front() + imageName.back() + ".dat";
+}
+
+void BackupPartition(Disc& disc, bool wholeCard) {
+  const std::string name = disc.Host.AskSaveFileName(
+      {"Backup CF Card Image As", "ADFS Disc (*.dat)|*.dat", BackupFileName(disc.ImageName)});
+  if (!name.empty()) SaveDatImage(disc, name, wholeCard);
+}
+
+void RunCFCardOpen(Disc& disc, CardDialogs& dialogs) {
+  RunEntry(
+      disc, [&] { dialogs.ShowCF(); }, [&] { return OpenChosen(disc); });
+}
+
+void RunCFFormat(Disc& disc, CardDialogs& dialogs) {
+  RunEntry(
+      disc, [&] { dialogs.ShowFormatCF(); }, [&] { return OpenChosen(disc); });
+}
+
+void RunCFCardBackup(Disc& disc, CardDialogs& dialogs, bool wholeCard) {
+  RunEntry(
+      disc, [&] { dialogs.ShowCF(); },
+      [&] {
+        if (!OpenChosen(disc)) return false;
+        BackupPartition(disc, wholeCard);
+        return true;
+      });
+}
+
+void RunCFCardRestore(Disc& disc, CardDialogs& dialogs) {
+  RunEntry(
+      disc, [&] { dialogs.ShowCF(); },
+      [&] {
+        const std::string name = ChooseImageFile(disc);
+        if (name.empty() || !OpenChosen(disc)) return false;
+        RestoreImage(disc, name);
+        // The map in memory is that of the disc before.
+        return OpenChosen(disc);
+      });
+}
+
+std::array<SizedFormat, kSizedFormats> SizedFormats() {
+  std::array<SizedFormat, kSizedFormats> formats{};
+  for (std::size_t i = 0; i < kCardSizes.size(); ++i) {
+    formats[i] = {kCardSizes[i].Sectors, true};
+    formats[kCardSizes.size() + i] = {kCardSizes[i].Sectors, false};
+  }
+  return formats;
+}
+
+void RunSizedFormat(Disc& disc, CardDialogs& dialogs, const SizedFormat& format) {
+  Begin(disc);
+  if (format.Wipe) {
+    dialogs.ShowCF();
+  } else {
+    dialogs.ShowFormatCF();
+  }
+  const bool isChosen = disc.ProgressRunning;
+  if (isChosen) FormatCFImage(disc, format.Sectors, format.Wipe);
+  // Also where the chosen partition couldn't be opened.
+  if (!isChosen || !disc.TheDisc.DeviceIsOpen()) OpenBlankImage(disc);
+  disc.Host.RebuildTree();
+}
+
+}  // namespace sectorbox

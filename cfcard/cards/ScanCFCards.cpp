@@ -1,0 +1,66 @@
+#include "cfcard/cards/ScanCFCards.h"
+
+#include <cerrno>
+
+#include "cfcard/cards/OpenedCard.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/format/Format.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr std::int32_t kPartitions = 2;
+
+void ScanPartition(Disc& disc, const CardSource& source, char digit, bool includeNonADFS,
+                   std::vector<std::string>& rows) {
+  if (disc.TheDisc.DiscSize() <= 0) return;
+  // The first mark of the root directory decides, and nothing else: neither the map nor its
+  // checksums, so that a damaged card can still be picked and looked at.
+  const bool isAdfs = IsDirectory(disc, format::kRootSector);
+  if (isAdfs) {
+    rows.push_back(source.Label + ": - Partition " + digit);
+  } else if (includeNonADFS) {
+    rows.push_back(source.Label + ": - Non ADFS Partition " + digit);
+  }
+}
+
+}  // namespace
+
+CardScan ScanCards(Disc& disc, const std::vector<CardSource>& sources, bool includeNonADFS) {
+  CardScan scan;
+  for (const CardSource& source : sources) {
+    for (std::int32_t partition = 0; partition < kPartitions; ++partition) {
+      const char digit = static_cast<char>('0' + partition);
+      disc.TheDisc.OpenFile(source.Device + "," + digit, kCF, partition, 0, 0);
+      if (disc.TheDisc.DeviceIsOpen()) {
+        ScanPartition(disc, source, digit, includeNonADFS, scan.Rows);
+      } else if (partition == 0 && disc.TheDisc.DeviceError() != ENOMEDIUM) {
+        scan.AllOpened = false;
+        NoteNotOpened(disc, source.Path);
+      }
+      // Closed for good: nobody has chosen this device, so nothing may reach it later.
+      disc.TheDisc.Abandon();
+    }
+  }
+  return scan;
+}
+
+CardScan ScanCFCards(Disc& disc, CardDrives& drives, bool includeNonADFS) {
+  drives.Refresh();
+  std::vector<CardSource> sources;
+  for (char letter = kFirstLetter; letter <= kLastLetter; ++letter) {
+    std::string text;
+    const std::string label(1, letter);
+    if (drives.DriveTypeText(label, text) == kRemovableDrive) {
+      sources.push_back({label, label + ":", drives.PathOf(letter)});
+    }
+  }
+  return ScanCards(disc, sources, includeNonADFS);
+}
+
+std::string ImageNameOfRow(const std::string& row) {
+  if (row.empty()) return ",";
+  return row.substr(0, 2) + "," + row.back();
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,131 @@
+// Cards: what is there, and the whole of a partition at once. DEVICE,P is named without "cf:" here.
+
+#include <algorithm>
+#include <cstdio>
+
+#include "cfcard/cards/FormatCF.h"
+#include "cfcard/cards/ScanCFCards.h"
+#include "cli/program/Dispatch.h"
+#include "cli/program/ImageSession.h"
+#include "cli/program/Interrupt.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/host/HostFile.h"
+#include "disc/image/SaveImage.h"
+
+namespace sectorbox::cli {
+namespace {
+
+constexpr std::size_t kFirstWord = 1;  // behind the word that says what to do with the card
+
+// Shows a format as a progress line.
+class FormatLine : public FormatView {
+ public:
+  explicit FormatLine(CliHost& host) : host_(host) {}
+  void FormatStarted() override {}
+  void ShowFormat(const std::string& line, double percent) override {
+    host_.ShowProgress(line, percent);
+  }
+
+ private:
+  CliHost& host_;
+};
+
+// Opens the partition for work on the whole of it, which Ctrl-C ends.
+void OpenWhole(Disc& disc, const std::string& name) {
+  CatchInterrupt();
+  OpenCard(disc, name);
+  if (disc.TheDisc.DiscSize() <= 0) throw Failure(name + ": the card has no such partition");
+}
+
+// "64MB", as the rows of the dialog have it, or "64".
+std::string RequireCapacity(const std::string& word) {
+  const auto digits = std::min(word.find_first_not_of("0123456789"), word.size());
+  const std::string unit = UpperCase(word.substr(digits));
+  const bool isZero = word.find_first_not_of('0') == digits;
+  if (digits == 0 || isZero || !(unit.empty() || unit == "MB")) {
+    throw UsageError("a capacity is a number of megabytes above 0, such as 64MB");
+  }
+  return word;
+}
+
+CardSource SourceOf(const std::string& path) {
+  return {path, path, path};
+}
+
+int RunScan(const CommandLine& line) {
+  ImageSession session(line);
+  std::vector<CardSource> sources;
+  for (std::size_t i = kFirstWord; i < line.Arguments.size(); ++i) {
+    sources.push_back(SourceOf(line.Arguments[i]));
+  }
+  if (sources.empty()) {
+    for (const BlockDevice& device : ListBlockDevices({})) {
+      if (device.Type == kRemovableDrive) sources.push_back(SourceOf(device.Path));
+    }
+  }
+  const CardScan scan = ScanCards(session.Open, sources, line.Has("non-adfs"));
+  for (const std::string& row : scan.Rows) std::printf("%s\n", row.c_str());
+  if (scan.Rows.empty()) session.Host.Note(kNoCardText);
+  // A device that was asked for by name and can't be opened is a failure; one that merely is
+  // attached to this machine isn't.
+  return scan.AllOpened || line.Arguments.size() == kFirstWord ? kDone : kRefused;
+}
+
+int RunFormat(const CommandLine& line) {
+  line.Expect(3, 3);
+  const std::string capacity = RequireCapacity(line.Arguments[2]);
+  ImageSession session(line);
+  Disc& disc = session.Open;
+  OpenWhole(disc, line.Arguments[1]);
+  FormatLine view(session.Host);
+  disc.ProgressRunning = true;
+  FormatCFDisc(disc, view, capacity, line.Has("quick"));
+  session.Host.CloseProgress();
+  return disc.ProgressRunning ? StatusOf(disc) : kRefused;
+}
+
+int RunBackup(const CommandLine& line) {
+  line.Expect(3, 3);
+  ImageSession session(line);
+  OpenWhole(session.Open, line.Arguments[1]);
+  SaveDatImage(session.Open, line.Arguments[2], line.Has("full"));
+  return StatusOf(session.Open);
+}
+
+int RunRestore(const CommandLine& line) {
+  line.Expect(3, 3);
+  const std::string& file = line.Arguments[2];
+  if (!HostFileExists(file)) throw Failure("File Not Found : " + file);
+  // A pipe has no length to go by: nothing at all would be restored.
+  if (!HostFileIsPlain(file)) throw Failure(file + ": not a plain file");
+  ImageSession session(line);
+  Disc& disc = session.Open;
+  OpenWhole(disc, line.Arguments[1]);
+  const std::int64_t room = std::int64_t{disc.TheDisc.DiscSize()} * format::kSectorSize;
+  const bool fits = HostFileLength(file) <= static_cast<std::uint64_t>(room);
+  RestoreImage(disc, file);
+  disc.TheDisc.CloseFile();
+  return fits ? StatusOf(disc) : kRefused;
+}
+
+int RunCF(const CommandLine& line) {
+  const std::string what = line.Arguments.empty() ? "" : line.Arguments[0];
+  if (what == "scan") return RunScan(line);
+  if (what == "format") return RunFormat(line);
+  if (what == "backup") return RunBackup(line);
+  if (what == "restore") return RunRestore(line);
+  throw UsageError("cf is followed by scan, format, backup or restore");
+}
+
+}  // namespace
+
+std::vector<Command> CardCommands() {
+  return {
+      {"cf",
+       "scan [--non-adfs] [DEVICE...] | format DEVICE,P CAPACITY [--quick] | "
+       "backup DEVICE,P FILE [--full] | restore DEVICE,P FILE",
+       "cards: list their partitions, format, back up, restore", RunCF},
+  };
+}
+
+}  // namespace sectorbox::cli

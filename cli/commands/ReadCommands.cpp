@@ -1,0 +1,152 @@
+// What a disc holds: its figures, its directories, its files as they are, and its faults.
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "cli/program/Dispatch.h"
+#include "cli/program/ImageSession.h"
+#include "cli/program/StartWindow.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/exchange/HostExchange.h"
+#include "disc/health/Check.h"
+#include "disc/host/HostFile.h"
+
+namespace sectorbox::cli {
+namespace {
+
+// Names and titles may hold any byte.
+void Print(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+void PrintValue(const char* name, const std::string& value) {
+  Print(std::string(name) + ": " + value + "\n");
+}
+
+void PrintValue(const char* name, std::int64_t value) {
+  PrintValue(name, std::to_string(value));
+}
+
+void PrintGeometry(Disc& disc) {
+  static constexpr std::array<const char*, 4> kKinds = {"adf", "adl", "dat", "cf"};
+  const std::int16_t disctype = disc.TheDisc.disctype();
+  PrintValue("kind", kKinds[static_cast<std::size_t>(disctype)]);
+  PrintValue("disctype", disctype);
+  // A card has no geometry; the store keeps the partition in the place of the tracks.
+  PrintValue("tracks", disctype == kCF ? 0 : disc.TheDisc.mTracks);
+  PrintValue("heads", disc.TheDisc.Heads());
+  PrintValue("sectors", disc.TheDisc.Sectors());
+}
+
+int RunInfo(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  Disc& disc = session.Open;
+  OpenForReading(disc, line.Arguments[0]);
+  std::int64_t free = 0;
+  for (std::int16_t i = 0; i < disc.FreeCount; ++i) {
+    free += disc.FreeLen[static_cast<std::size_t>(i)];
+  }
+  const std::int64_t size = MapDiscSize(disc);
+  PrintGeometry(disc);
+  PrintValue("size", size);
+  PrintValue("free", free * format::kSectorSize);
+  PrintValue("used", (size - free) * format::kSectorSize);
+  PrintValue("runs", disc.FreeCount);
+  PrintValue("boot", disc.TheDisc.Fetch(format::kMapBootOption));
+  PrintValue("title", GetDirTitle(disc, format::kRootSector));
+  return StatusOf(disc);
+}
+
+int RunTree(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const std::vector<TreeNode> tree = WalkTree(session.Open);
+  std::vector<std::string> paths;
+  for (const TreeNode& node : tree) {
+    // The root is $ whatever it calls itself, so that each path here can be given back.
+    paths.push_back(
+        node.Parent < 0 ? "$" : paths[static_cast<std::size_t>(node.Parent)] + "." + node.Text);
+    Print(paths.back() + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
+  }
+  return StatusOf(session.Open);
+}
+
+int RunLs(const CommandLine& line) {
+  line.Expect(1, 2);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const std::string path = line.Arguments.size() > 1 ? line.Arguments[1] : "$";
+  const PathTarget target = RequireDirectory(session.Open, path);
+  for (const ListRow& row : ReadRows(session.Open, target.Sector)) {
+    std::string text = row.Columns[0];
+    for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
+    Print(text + "\n");
+  }
+  return StatusOf(session.Open);
+}
+
+void PrintContents(Disc& disc, std::int32_t sector, std::uint32_t length) {
+  const auto print = [](std::span<const std::uint8_t> bytes) {
+    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
+  };
+  static constexpr std::array<std::uint8_t, 65536> kZeros{};
+  for (std::size_t rest = ReadContents(disc, sector, length, print); rest > 0;) {
+    const auto part = std::min(rest, kZeros.size());
+    print(std::span(kZeros).first(part));
+    rest -= part;
+  }
+}
+
+int RunGet(const CommandLine& line) {
+  line.Expect(2, 2);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const PathTarget file = RequireFile(session.Open, line.Arguments[1]);
+  const std::uint32_t length = ReadRow(session.Open, file.DirSector, file.Slot).Length();
+  if (!line.Has("o")) {
+    PrintContents(session.Open, file.Sector, length);
+    return StatusOf(session.Open);
+  }
+  OutputFile output = CreateOutputFile(line.Option("o", ""));
+  WriteContents(session.Open, output, file.Sector, length);
+  output.Close();
+  return StatusOf(session.Open);
+}
+
+int RunCheck(const CommandLine& line) {
+  line.Expect(1, 1);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  int status = kDone;
+  for (const Fault& fault : CheckDisc(session.Open)) {
+    Print((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text + "\n");
+    if (fault.IsError) status = kRefused;
+  }
+  return status == kDone ? StatusOf(session.Open) : status;
+}
+
+int RunOpen(const CommandLine& line) {
+  line.Expect(1, 1);
+  const std::string& image = line.Arguments[0];
+  if (!HostFileExists(image)) throw Failure("File Not Found : " + image);
+  StartWindow(image);
+  return kDone;
+}
+
+}  // namespace
+
+std::vector<Command> ReadCommands() {
+  return {
+      {"info", "IMAGE", "the disc's figures, as name: value lines", RunInfo},
+      {"tree", "IMAGE", "every directory, with its start sector", RunTree},
+      {"ls", "IMAGE [DIR]", "the entries of a directory, columns with TABs between", RunLs},
+      {"get", "IMAGE PATH [-o FILE]", "a file's bytes", RunGet},
+      {"check", "IMAGE", "look the disc over for faults; status 1 if there is an error", RunCheck},
+      {"open", "IMAGE", "open the image in the window program", RunOpen},
+  };
+}
+
+}  // namespace sectorbox::cli

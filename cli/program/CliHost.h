@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "cli/program/CommandLine.h"
+#include "disc/store/Disc.h"
+
+namespace sectorbox::cli {
+
+// The engine's host at the command line. A box is a line on standard error, a yes/no question is
+// answered by the command itself (yes), file dialogs by what the call named, progress is a line on
+// standard error when that is a terminal. Where a command catches Ctrl-C, a pump ends it with the
+// Failure "Aborted": a file that it was making isn't left half made.
+class CliHost : public DiscHost {
+ public:
+  explicit CliHost(const CommandLine& line);
+
+  // The name that the next file dialog gives; empty cancels.
+  std::string FileAnswer;
+  // A box was shown: commands that write end with status 1 then.
+  bool MessageShown = false;
+  // Points at the open disc's go-on flag, which opening a progress line sets.
+  bool* ProgressRunning = nullptr;
+
+  bool DeleteLocked() const { return deleteLocked_; }
+  bool DeleteNonEmpty() const { return deleteNonEmpty_; }
+
+  void ShowMessage(const std::string& text) override;
+  bool AskYesNo(const std::string& text, const std::string& title) override;
+  std::string AskOpenFileName(const FileQuestion& question) override;
+  std::string AskSaveFileName(const FileQuestion& question) override;
+  void SetStatus(const std::string& text, bool busy) override;
+  void Note(const std::string& line) override;
+  void SetBusyPointer(bool busy) override;
+  void RefreshCaption() override;
+  void RebuildTree() override;
+  void SetTreeReady() override;
+  void DirectoriesMoved(const std::map<std::int32_t, std::int32_t>& moves) override;
+  void EnableDiscEntries() override;
+  void StoreRoot(const std::string& path) override;
+  void PumpEvents() override;
+  void OpenProgress(const std::string& caption) override;
+  void ShowProgress(const std::string& line, double percent) override;
+  void CloseProgress() override;
+  bool PadDiscImages() const override { return pad_; }
+  bool InterleavedDisc() const override { return interleave_; }
+  bool OverwriteLocked() const override { return overwriteLocked_; }
+
+ private:
+  bool pad_;
+  bool interleave_;
+  bool deleteLocked_;
+  bool overwriteLocked_;
+  bool deleteNonEmpty_;
+  bool terminal_;
+};
+
+}  // namespace sectorbox::cli

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "cli/program/CommandLine.h"
+#include "link/wire/Link.h"
+#include "link/wire/TermiosPort.h"
+
+namespace sectorbox::cli {
+
+// The link's host at the command line. Boxes are lines on standard error, the file dialogs answer
+// with the file that the call named, progress is one line on a terminal. The first Ctrl-C is Abort,
+// the second ends the program.
+class CliLinkHost final : public LinkHost {
+ public:
+  explicit CliLinkHost(const CommandLine& line);
+
+  // Where Ctrl-C is taken up: pumps set this flag.
+  bool* AbortRequested = nullptr;
+  std::string FileAnswer;
+  bool MessageShown = false;
+  bool Finished = false;        // a transfer ran to its end
+  bool WasInterrupted = false;  // Ctrl-C was taken up
+  TransferCounters Counters;
+
+  std::int64_t Milliseconds() override;
+  void Sleep(std::int32_t milliseconds) override;
+  void PumpEvents() override;
+  std::string DateAndTime() override;
+  void ShowMessage(const std::string& text, const std::string& title) override;
+  void ShowWarning(const std::string& text) override;
+  ReplaceAnswer AskReplace(const std::string& text) override;
+  std::string AskOpenFileName(const FileQuestion& question) override;
+  std::string AskSaveFileName(const FileQuestion& question) override;
+  void OpenTransfer(const std::string& caption) override;
+  void ShowChunk(const std::string& text) override;
+  void ShowTotal(const std::string& text) override;
+  void ShowCounters(const TransferCounters& counters) override;
+  void ShowPercent(float percent) override;
+  void FinishTransfer() override;
+  void CloseTransfer() override;
+  std::int32_t TickedSpeed() override { return speed_; }
+  bool CheckBeforeTransfer() override { return check_; }
+  bool PlayWaveOnSuccess() override { return false; }
+  std::string ProgramFolder() override;
+  bool PlayWave(const std::string&, bool) override { return false; }
+  void ShowTrace(const std::string&) override {}
+
+  // The progress line, on a terminal; empty clears it.
+  void ShowProgressLine(const std::string& text);
+
+ private:
+  std::int32_t speed_;
+  bool check_;
+  bool terminal_;
+  bool transferring_ = false;
+  std::string chunk_;
+  float percent_ = 0;
+};
+
+// One command's connection: the port that the call names, or the machine's first, and everything
+// above it. Ends with "Q" to the server on an open port, so that the next program can connect.
+class CliLink {
+ public:
+  explicit CliLink(const CommandLine& line);
+  ~CliLink() { Disconnect(); }
+  CliLink(const CliLink&) = delete;
+  CliLink& operator=(const CliLink&) = delete;
+
+  CliLinkHost Host;
+  TermiosPort Port;
+  Link TheLink{Port, Host};
+
+ private:
+  void Disconnect();
+};
+
+}  // namespace sectorbox::cli

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/program/CommandLine.h"
+
+namespace sectorbox::cli {
+
+inline constexpr int kDone = 0;
+inline constexpr int kRefused = 1;
+inline constexpr int kBadUsage = 2;
+
+// One command of sbx. Run gives the exit status; HostError and Failure end it with status 1,
+// UsageError with status 2, each with its line on standard error.
+struct Command {
+  const char* Name;
+  const char* Arguments;  // as in the help, such as "IMAGE [DIR]"
+  const char* Help;       // one line; an option that neither of the two names is refused
+  int (*Run)(const CommandLine& line);
+};
+
+// Every command, in the order of the help. Each group's file gives its own.
+std::vector<Command> AllCommands();
+std::vector<Command> ReadCommands();
+std::vector<Command> ViewCommands();
+std::vector<Command> PictureCommands();
+std::vector<Command> ImageCommands();
+std::vector<Command> WriteCommands();
+std::vector<Command> LinkCommands();
+std::vector<Command> CardCommands();
+
+// The whole program behind main: words are the arguments without the program's name.
+int RunSbx(const std::vector<std::string>& words);
+
+}  // namespace sectorbox::cli

@@ -1,0 +1,75 @@
+#include "cli/program/ImageSession.h"
+
+#include "cli/program/Dispatch.h"
+#include "disc/host/HostError.h"
+#include "disc/image/OpenImage.h"
+
+namespace sectorbox::cli {
+namespace {
+
+constexpr const char* kCardPrefix = "cf:";
+
+bool WritesThrough(const Disc& disc) {
+  return !disc.TheDisc.InMemory();
+}
+
+}  // namespace
+
+void OpenCard(Disc& disc, const std::string& name) {
+  const auto comma = name.rfind(',');
+  const std::string partition = comma == std::string::npos ? "" : name.substr(comma + 1);
+  if (comma == 0 || (partition != "0" && partition != "1")) {
+    throw UsageError("a card is DEVICE,P with a partition P of 0 or 1");
+  }
+  const std::string device = name.substr(0, comma);
+  disc.ImageName = name;
+  OpenCFPartition(disc, name);
+  if (!disc.TheDisc.DeviceIsOpen()) ThrowHostError(device, disc.TheDisc.DeviceError());
+}
+
+void OpenForReading(Disc& disc, const std::string& image) {
+  if (image.rfind(kCardPrefix, 0) == 0) {
+    OpenCard(disc, image.substr(3));
+  } else {
+    OpenImage(disc, image);
+  }
+}
+
+int StatusOf(const Disc& disc) {
+  return disc.TheDisc.CardFaults() == 0 ? kDone : kRefused;
+}
+
+int RunWriting(const CommandLine& line, const std::string& image,
+               const std::function<bool(Disc& disc, CliHost& host)>& change) {
+  ImageSession session(line);
+  OpenForReading(session.Open, image);
+  bool done = false;
+  try {
+    done = change(session.Open, session.Host) && !session.Host.MessageShown;
+  } catch (...) {
+    if (WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
+    throw;
+  }
+  if (done || WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
+  return done ? StatusOf(session.Open) : kRefused;
+}
+
+PathTarget RequirePath(Disc& disc, const std::string& path) {
+  PathTarget target = FindPath(disc, path);
+  if (!target.Found) throw Failure("Not found: " + path);
+  return target;
+}
+
+PathTarget RequireFile(Disc& disc, const std::string& path) {
+  PathTarget target = RequirePath(disc, path);
+  if (target.IsDirectory) throw Failure("Not a file: " + path);
+  return target;
+}
+
+PathTarget RequireDirectory(Disc& disc, const std::string& path) {
+  PathTarget target = RequirePath(disc, path);
+  if (!target.IsDirectory) throw Failure("Not a directory: " + path);
+  return target;
+}
+
+}  // namespace sectorbox::cli

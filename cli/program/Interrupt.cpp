@@ -1,0 +1,31 @@
+#include "cli/program/Interrupt.h"
+
+#include <csignal>
+
+namespace sectorbox::cli {
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void NoteInterrupt(int) {
+  interrupted = 1;
+}
+
+}  // namespace
+
+void CatchInterrupt() {
+  interrupted = 0;
+  struct sigaction action {};
+  action.sa_handler = NoteInterrupt;
+  action.sa_flags = SA_RESETHAND;  // a second Ctrl-C ends the program at once
+  ::sigemptyset(&action.sa_mask);
+  ::sigaction(SIGINT, &action, nullptr);
+}
+
+bool TakeInterrupt() {
+  if (interrupted == 0) return false;
+  interrupted = 0;
+  return true;
+}
+
+}  // namespace sectorbox::cli

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "disc/store/Disc.h"
+
+// What the panes show, as plain values: the tree of directories and the rows of one directory.
+namespace sectorbox {
+
+// A node of the directory tree. Nodes stand in the order of the walk, so a parent comes before its
+// children; node 0 is the root.
+struct TreeNode {
+  std::string Text;          // the name in the entry; for the root, the directory's own name
+  std::int32_t Tag = 0;      // the directory's start sector
+  std::int32_t Parent = -1;  // index of the parent node, -1 for the root
+  bool Open = false;         // has children: the icon is "open", else "closed"
+};
+
+struct WalkCounts {
+  std::int32_t FileCount = 0;
+  std::int32_t DirCount = 0;
+};
+
+// Walks the directory at sector depth first and appends its subdirectories below node intIndex.
+// A directory without its mark adds nothing. At the top level (sector 2) the host's event pump runs
+// after each child. A directory that is listed again, as on a damaged disc, gets a node wherever it
+// is listed, and its children below the first of them only. The bounds of WalkBudget hold.
+void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t intIndex, std::int32_t sector,
+               WalkCounts& counts);
+
+// The whole tree from the root on.
+std::vector<TreeNode> WalkTree(Disc& disc);
+
+// The columns of a row.
+enum ListColumn { kColName, kColAttr, kColSeq, kColLoad, kColExec, kColSize, kColSector, kColumns };
+inline constexpr std::array<const char*, kColumns> kColumnHeadings = {
+    "Filename", "Attr", "Seq", "Load", "Exec", "Size", "Sector"};
+
+// A row of the file list: the seven columns as text. A directory's start sector stands under Load,
+// and its last three columns are empty.
+struct ListRow {
+  std::array<std::string, kColumns> Columns;
+
+  const std::string& Name() const { return Columns[kColName]; }
+  const std::string& Attr() const { return Columns[kColAttr]; }
+  bool IsDirectory() const { return Attr().find('D') != std::string::npos; }
+  // "F" or "D" and the name.
+  std::string Key() const { return (IsDirectory() ? "D" : "F") + Name(); }
+  // Start sector of the file or directory, read back from the row's own text.
+  std::int32_t StartSector() const;
+  // Length in bytes: the Size cell for a file, 1280 for a directory.
+  std::uint32_t Length() const;
+};
+
+// The rows of the directory at DirSector, in directory order; none if it has no mark.
+std::vector<ListRow> ReadRows(Disc& disc, std::int32_t DirSector);
+// The row of one entry.
+ListRow ReadRow(Disc& disc, std::int32_t DirSector, std::int32_t Slot);
+
+// A path from the root, such as "$.GAMES.ELITE", without regard to case; the leading "$." may be
+// left out, and "" and "$" are the root.
+struct PathTarget {
+  bool Found = false;
+  bool IsDirectory = false;
+  std::int32_t DirSector = -1;  // the directory that holds the entry; -1 for the root itself
+  std::int32_t Slot = -1;       // the entry's slot; -1 for the root itself
+  std::int32_t Sector = -1;     // start sector of what was found
+  std::string Name;             // the entry's name as it stands; "$" for the root
+};
+PathTarget FindPath(Disc& disc, const std::string& path);
+
+}  // namespace sectorbox

@@ -1,0 +1,36 @@
+#include "disc/change/Addresses.h"
+
+#include "disc/catalogue/Adfs.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr std::size_t kDigits = 8;
+
+bool IsWrongLength(const std::string& text) {
+  return text.empty() || text.size() > kDigits;
+}
+
+void PadLeft(std::string& text) {
+  text.insert(0, kDigits - text.size(), '0');
+}
+
+// Upper-cases the text; true if every character is a hex digit.
+bool MakeHex(std::string& text) {
+  text = UpperCase(text);
+  return text.find_first_not_of("0123456789ABCDEF") == std::string::npos;
+}
+
+}  // namespace
+
+std::string CheckAddresses(std::string& LoadText, std::string& ExecText) {
+  if (IsWrongLength(LoadText)) return "Load Address Is Wrong Length";
+  if (IsWrongLength(ExecText)) return "Exec Address Is Wrong Length";
+  PadLeft(LoadText);
+  PadLeft(ExecText);
+  if (!MakeHex(LoadText)) return "Load Address Contains Illegal Characters";
+  if (!MakeHex(ExecText)) return "Exec Address Contains Illegal Characters";
+  return "";
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,318 @@
+#include "disc/change/Compaction.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "disc/ask/BusyPointer.h"
+#include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/WalkBudget.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace format;
+
+// One file or directory.
+struct ObjectRecord {
+  std::string Name;
+  bool IsFile = false;
+  std::int32_t Parent = 0;  // sector of the directory that holds the object's entry
+  std::int32_t Start = 0;
+  std::int32_t Sectors = 0;
+  bool IsEmpty = false;    // a file of no bytes, which to the BBC owns no sector
+  std::int32_t Slot = -1;  // of the object's entry in Parent; -1 where it has to be looked for
+};
+
+// As many objects as the largest disc has sectors; only a damaged disc seems to hold more.
+constexpr std::size_t kMaxObjects = 0x210000;
+// Bytes that are moved together before their entries follow, at the least.
+constexpr std::int32_t kMoveSize = 1048576;
+
+class Collector {
+ public:
+  explicit Collector(Disc& disc) : disc_(disc) {}
+
+  // Adds the directory and all below it; false when the walk comes to a directory a second time, to
+  // one without its mark (what it listed can't be told, and would be written over), or out of its
+  // bounds.
+  bool Collect(std::int32_t DirSector) { return Collect(DirSector, -1, -1, ""); }
+
+  std::vector<ObjectRecord> Objects;
+
+ private:
+  // The directory is listed in lister, in the given slot, as Name.
+  bool Collect(std::int32_t DirSector, std::int32_t lister, std::int32_t slot,
+               const std::string& Name) {
+    if (!seen_.insert(DirSector).second || !budget_.Enter()) return false;
+    if (!IsDirectory(disc_, DirSector)) return false;
+    if (Objects.size() + kEntryCount > kMaxObjects) return false;
+    // What the directory says of itself, and not what its entry says, is how it is found again.
+    ObjectRecord object{GetDirName(disc_, DirSector),
+                        false,
+                        Fetch24(disc_, SectorOffset(DirSector) + kDirParent),
+                        DirSector,
+                        kDirSectors,
+                        false,
+                        -1};
+    if (object.Parent == lister && UpperCase(object.Name) == Name) object.Slot = slot;
+    Objects.push_back(std::move(object));
+    const bool whole = CollectEntries(DirSector);
+    budget_.Leave();
+    return whole;
+  }
+
+  bool CollectEntries(std::int32_t DirSector) {
+    std::vector<std::string> names;
+    bool whole = true;
+    for (std::int32_t slot = 0; whole && slot < kEntryCount; ++slot) {
+      const std::string name = GetEntryName(disc_, DirSector, slot);
+      if (EntryIsEmpty(name)) break;
+      names.push_back(UpperCase(name));
+      // Of two entries with one name the first is the one that is found.
+      const auto found = static_cast<std::int32_t>(
+          std::find(names.begin(), names.end(), names.back()) - names.begin());
+      const std::int64_t entry = EntryOffset(DirSector, slot);
+      const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
+      if (EntryHas(disc_, entry, kAttrDirectory)) {
+        whole = Collect(start, DirSector, found, names.back());
+      } else {
+        const std::uint32_t length = Fetch32(disc_, entry + kEntryLength);
+        Objects.push_back(
+            {name, true, DirSector, start, SectorsOfLength(length), length == 0, found});
+      }
+    }
+    return whole;
+  }
+
+  Disc& disc_;
+  WalkBudget budget_;
+  std::unordered_set<std::int32_t> seen_;
+};
+
+// Here an empty file owns a sector of its own. The BBC gives it none and may have left it at a
+// place that is another object's: then it owns nothing to be moved, and only its entry follows. The
+// objects are in the order of their places, an empty file behind what else starts there.
+void DisownShared(std::vector<ObjectRecord>& objects, std::int32_t discSize) {
+  std::int64_t end = kFirstFreeSector;
+  for (ObjectRecord& object : objects) {
+    const bool hasOwn = object.Start >= end && object.Start < discSize;
+    if (object.IsEmpty && !hasOwn) object.Sectors = 0;
+    end = std::max(end, std::int64_t{object.Start} + object.Sectors);
+  }
+}
+
+// True if the objects overlap each other, the map or the root, or need more room than the disc has.
+// Moving such objects down one by one would write over what hasn't been moved yet.
+bool WouldBeLost(const std::vector<ObjectRecord>& objects, std::int32_t discSize) {
+  std::int64_t end = kFirstFreeSector;
+  std::int64_t used = kFirstFreeSector;
+  for (const ObjectRecord& object : objects) {
+    if (object.Sectors == 0) continue;
+    if (object.Start < end) return true;
+    end = std::int64_t{object.Start} + object.Sectors;
+    used += object.Sectors;
+  }
+  return used > discSize;
+}
+
+// The objects in the order of their places, the root left out; none if the disc is too damaged.
+std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
+  Collector collector(disc);
+  if (!collector.Collect(kRootSector)) return std::nullopt;
+  std::vector<ObjectRecord> objects = std::move(collector.Objects);
+  objects.erase(objects.begin());
+  std::sort(objects.begin(), objects.end(), [](const ObjectRecord& a, const ObjectRecord& b) {
+    return a.Start != b.Start ? a.Start < b.Start : a.IsEmpty < b.IsEmpty;
+  });
+  DisownShared(objects, MapDiscSize(disc));
+  if (WouldBeLost(objects, MapDiscSize(disc))) return std::nullopt;
+  return objects;
+}
+
+// Sectors that move down together.
+struct MovingRun {
+  std::int32_t From = 0;
+  std::int32_t To = 0;
+  std::int32_t Sectors = 0;
+};
+
+// Rising, so that a move by less than the run's own length is safe too.
+void MoveSectors(Disc& disc, const MovingRun& run, std::vector<std::uint8_t>& part) {
+  const std::int64_t length = SectorOffset(run.Sectors);
+  part.resize(static_cast<std::size_t>(kMoveSize));
+  for (std::int64_t done = 0; done < length; done += kMoveSize) {
+    const auto size = static_cast<std::size_t>(std::min<std::int64_t>(kMoveSize, length - done));
+    const auto bytes = std::span(part).first(size);
+    disc.TheDisc.FetchBytes(SectorOffset(run.From) + done, bytes);
+    disc.TheDisc.StoreBytes(SectorOffset(run.To) + done, bytes);
+  }
+}
+
+// Moves the objects in the order of their places. Neighbours go together, and entries follow a good
+// many at a time, directory by directory, which leaves the same bytes as moving one object after
+// the other with its entry.
+//
+// An object's old place keeps its bytes until others move over it. As long as that isn't so for any
+// object whose entry has still to follow, a kill in between loses none of them. Where the free
+// space below is so small that entries would have to be written one by one, kMoveSize bytes of
+// objects are at stake.
+class Mover {
+ public:
+  Mover(Disc& disc, std::vector<ObjectRecord>& objects) : disc_(disc), objects_(objects) {
+    std::unordered_set<std::int32_t> directories = {kRootSector};
+    for (ObjectRecord& object : objects_) {
+      children_[object.Parent].push_back(&object);
+      if (!object.IsFile) directories.insert(object.Start);
+    }
+    // What a damaged directory calls its parent may be a place inside a file, and what is found
+    // there depends on how far the move has come.
+    oneByOne_ = !std::all_of(children_.begin(), children_.end(), [&](const auto& children) {
+      return directories.count(children.first) != 0;
+    });
+  }
+
+  // Gives the first sector behind all objects.
+  std::int32_t MoveAllDown() {
+    std::int32_t next = kFirstFreeSector;
+    for (ObjectRecord& object : objects_) {
+      if (object.Start != next) Move(object, next);
+      next += object.Sectors;
+    }
+    WriteEntries();
+    for (const ObjectRecord& object : objects_) {
+      if (object.IsFile) continue;
+      Store24(disc_, SectorOffset(object.Start) + kDirParent, object.Parent);
+    }
+    return next;
+  }
+
+  const std::map<std::int32_t, std::int32_t>& Moves() const { return moves_; }
+
+ private:
+  void Move(ObjectRecord& object, std::int32_t to) {
+    const std::int32_t old = object.Start;
+    if (waiting_.empty()) {
+      keptUpTo_ = old;
+      movedAtOnce_ = 0;
+    } else if (to + object.Sectors > keptUpTo_ &&
+               SectorOffset(movedAtOnce_ + object.Sectors) > kMoveSize) {
+      WriteEntries();
+      keptUpTo_ = old;
+      movedAtOnce_ = 0;
+    }
+    // What a directory lists of what has moved before it, it takes along.
+    if (!object.IsFile) WriteEntriesOf(old);
+    AddToRun(object, to);
+    movedAtOnce_ += object.Sectors;
+    object.Start = to;
+    waiting_[object.Parent].push_back(&object);
+    if (oneByOne_) WriteEntries();
+    if (object.IsFile) return;
+    moves_[old] = to;
+    const auto children = children_.find(old);
+    if (children == children_.end()) return;
+    for (ObjectRecord* child : children->second) child->Parent = to;
+  }
+
+  void AddToRun(const ObjectRecord& object, std::int32_t to) {
+    const bool follows = object.Start - run_.From == run_.Sectors && to - run_.To == run_.Sectors;
+    if (!follows) {
+      MoveRun();
+      run_ = {object.Start, to, 0};
+    }
+    run_.Sectors += object.Sectors;
+  }
+
+  void MoveRun() {
+    MoveSectors(disc_, run_, part_);
+    run_.Sectors = 0;
+  }
+
+  // Points the entries of all that has moved at the new places, on the medium.
+  void WriteEntries() {
+    MoveRun();
+    for (const auto& [directory, objects] : waiting_) WriteEntries(directory, objects);
+    waiting_.clear();
+    disc_.TheDisc.WriteBack();
+  }
+
+  void WriteEntriesOf(std::int32_t directory) {
+    const auto waiting = waiting_.find(directory);
+    if (waiting == waiting_.end()) return;
+    MoveRun();
+    WriteEntries(directory, waiting->second);
+    waiting_.erase(waiting);
+  }
+
+  void WriteEntries(std::int32_t directory, const std::vector<const ObjectRecord*>& objects) {
+    for (const ObjectRecord* object : objects) {
+      // A directory whose own name or parent disagrees with its entry isn't found, and that entry
+      // goes on pointing at the old place.
+      const std::int32_t slot =
+          object->Slot >= 0 ? object->Slot : FindEntry(disc_, directory, object->Name);
+      if (slot < 0) continue;
+      Store24(disc_, EntryOffset(directory, slot) + kEntrySector, object->Start);
+    }
+  }
+
+  Disc& disc_;
+  std::vector<ObjectRecord>& objects_;
+  std::unordered_map<std::int32_t, std::vector<ObjectRecord*>> children_;
+  std::map<std::int32_t, std::int32_t> moves_;
+  MovingRun run_;
+  // Moved objects whose entries are still to follow, by the directory that lists them, wherever
+  // that now is. Their old places, the first of them at keptUpTo_, hold movedAtOnce_ sectors.
+  std::map<std::int32_t, std::vector<const ObjectRecord*>> waiting_;
+  std::int32_t keptUpTo_ = 0;
+  std::int32_t movedAtOnce_ = 0;
+  std::vector<std::uint8_t> part_;
+  bool oneByOne_ = false;
+};
+
+void WriteOneRun(Disc& disc, std::int32_t start) {
+  Store24(disc, kMapStarts, start);
+  Store24(disc, kMapLengths, MapDiscSize(disc) - start);
+  disc.TheDisc.Store(kMapEnd, kMapEntrySize);
+  disc.TheDisc.Store(kMapChecksum0, MapChecksum(disc, kMapStarts));
+  disc.TheDisc.Store(kMapChecksum1, MapChecksum(disc, kMapLengths));
+}
+
+void TellMoves(Disc& disc, const std::map<std::int32_t, std::int32_t>& moves) {
+  if (moves.empty()) return;
+  for (std::int32_t* held : disc.TrackedSectors) {
+    const auto move = moves.find(*held);
+    if (move != moves.end()) *held = move->second;
+  }
+  disc.Host.DirectoriesMoved(moves);
+}
+
+// False, with nothing changed, if the disc is too damaged for it.
+bool TryToCompact(Disc& disc) {
+  disc.Host.SetStatus("Compacting Disc", true);
+  const BusyPointer busy(disc.Host);
+  auto objects = PlanMoves(disc);
+  if (!objects) return false;
+  Mover mover(disc, *objects);
+  WriteOneRun(disc, mover.MoveAllDown());
+  ReadFreeMap(disc);
+  disc.ImageChanged = true;
+  ++disc.Compactions;
+  TellMoves(disc, mover.Moves());
+  return true;
+}
+
+}  // namespace
+
+void CompactDisc(Disc& disc) {
+  if (!TryToCompact(disc)) disc.Host.ShowMessage(kCannotCompactMessage);
+}
+
+void CompactAfterRelease(Disc& disc) {
+  if (!TryToCompact(disc)) disc.Host.Note(kCannotCompactMessage);
+}
+
+}  // namespace sectorbox

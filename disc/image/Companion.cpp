@@ -1,0 +1,53 @@
+#include "disc/image/Companion.h"
+
+#include <algorithm>
+
+#include "disc/host/HostFile.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr std::size_t kExtensionLength = 4;
+
+// What a companion holds that didn't exist before; tracks and heads are filled in.
+constexpr CompanionBytes kTemplate = {0, 0, 0, 8, 0, 0, 0,   0, 0,   0, 1,
+                                      0, 1, 0, 0, 0, 0, 128, 0, 128, 0, 1};
+constexpr std::size_t kTracksHigh = 13;
+constexpr std::size_t kTracksLow = 14;
+constexpr std::size_t kHeads = 15;
+
+std::optional<CompanionBytes> ReadExisting(const std::string& name) {
+  if (!HostFileExists(name)) return std::nullopt;
+  CompanionBytes bytes{};
+  const auto file = ReadHostFile(name, 0, bytes.size());
+  std::copy(file.begin(), file.end(), bytes.begin());
+  return bytes;
+}
+
+}  // namespace
+
+std::string CompanionName(const std::string& imagePath) {
+  return imagePath.substr(0, imagePath.size() - std::min(imagePath.size(), kExtensionLength)) +
+         ".dsc";
+}
+
+std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath) {
+  const auto bytes = ReadExisting(CompanionName(imagePath));
+  if (!bytes) return std::nullopt;
+  return CompanionGeometry{(*bytes)[kTracksHigh] * 256 + (*bytes)[kTracksLow], (*bytes)[kHeads]};
+}
+
+void WriteCompanion(const std::string& imagePath, const CompanionGeometry& geometry) {
+  const std::string name = CompanionName(imagePath);
+  // An image that is itself called .dsc has no room for a companion beside it.
+  if (name == imagePath) return;
+  CompanionBytes bytes = ReadExisting(name).value_or(kTemplate);
+  bytes[kTracksHigh] = static_cast<std::uint8_t>(geometry.Tracks / 256);
+  bytes[kTracksLow] = static_cast<std::uint8_t>(geometry.Tracks % 256);
+  bytes[kHeads] = static_cast<std::uint8_t>(geometry.Heads);
+  OutputFile output = CreateOutputFile(name);
+  output.Write(bytes);
+  output.Close();
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,45 @@
+#include "disc/image/Session.h"
+
+#include "disc/host/HostError.h"
+#include "disc/host/HostFile.h"
+#include "disc/image/SaveImage.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr const char* kOpenFilter = "ADFS Disc (*.adl;*.adf;*.dat)|*.adl;*.adf;*.dat";
+
+bool WritesThrough(const Disc& disc) {
+  return disc.TheDisc.disctype() == kDat || disc.TheDisc.disctype() == kCF;
+}
+
+}  // namespace
+
+void QuerySaveChanges(Disc& disc) {
+  // Cleared first, so that the question comes once, also after No and after a cancelled dialog.
+  disc.ImageChanged = false;
+  try {
+    if (WritesThrough(disc)) {
+      disc.TheDisc.CloseFile();
+    } else if (disc.Host.AskYesNo("Save your changes now ?", "Changes will be lost")) {
+      SaveImageAs(disc);
+    }
+  } catch (const HostError&) {
+    // The user said Yes and the host said no: the changes are still only here.
+    disc.ImageChanged = true;
+    throw;
+  }
+}
+
+std::string ChooseImageFile(Disc& disc) {
+  if (disc.ImageChanged) QuerySaveChanges(disc);
+  std::string name = disc.Host.AskOpenFileName({"Open ADFS Disc Image", kOpenFilter, ""});
+  if (name.empty()) return "";
+  if (!HostFileExists(name)) {
+    disc.Host.ShowMessage("File Not Found : " + name);
+    return "";
+  }
+  return name;
+}
+
+}  // namespace sectorbox

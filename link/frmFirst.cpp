@@ -1,8 +1,0 @@
-#include "link/frmFirst.h"
-
-namespace sectorbox {
-
-frmFirst::frmFirst(Link& link, QWidget* parent)
-    : frmBootstrap(link, "frmFirst", "Send Basic Program", SendBasicProgram, parent) {}
-
-}  // namespace sectorbox

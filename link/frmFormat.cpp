@@ -1,8 +1,0 @@
-#include "link/frmFormat.h"
-
-namespace sectorbox {
-
-frmFormat::frmFormat(Link& link, QWidget* parent)
-    : frmBootstrap(link, "frmFormat", "Send Format Program", SendFormatProgram, parent) {}
-
-}  // namespace sectorbox

@@ -1,0 +1,65 @@
+#include "link/transfer/StarCommand.h"
+
+#include "disc/host/HostError.h"
+#include "link/wire/Commands.h"
+#include "link/wire/Protocol.h"
+#include "link/wire/Trace.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr char kErrorTitle[] = "* Command Error";
+constexpr char kNoAnswer[] = "Problem sending * Command";
+
+void ShowErrorText(Link& link) {
+  SendCommand(link, std::string(wire::kStarError), false);  // without a CR: it asks for the text
+  std::string text;
+  link.Host.ShowMessage(ReadReply(link, text) ? text : kNoAnswer, kErrorTitle);
+}
+
+void CollectOutput(Link& link, std::string text,
+                   const std::function<void(const std::string&)>& show) {
+  while (!text.empty()) {
+    const auto token = text.find(wire::kAcknowledge);
+    if (token != std::string::npos) text.resize(token);
+    const std::string shown = ExpandCarriageReturns(text);
+    if (shown.size() > 1) PumpEvents(link);
+    show(shown);
+    // No button can set the flag while the console waits, but Ctrl-C at a prompt can: it is the
+    // way out of a command that never stops printing.
+    if (link.AbortRequested) return;
+    // The token doesn't end the loop, silence does: the BBC may print in bursts.
+    link.Host.Sleep(wire::kConsolePause);
+    text.clear();
+    if (link.Port.InBufferCount() > 0) ReadReply(link, text);
+  }
+}
+
+bool Exchange(Link& link, const std::string& command,
+              const std::function<void(const std::string&)>& show) {
+  const std::string reply = SendCommand(link, "*" + command + "\r", true);
+  if (IsStarError(reply)) {
+    ShowErrorText(link);
+    return false;
+  }
+  if (reply.empty()) {
+    link.Host.ShowMessage(kNoAnswer, kErrorTitle);
+    return false;
+  }
+  CollectOutput(link, reply, show);
+  return true;
+}
+
+}  // namespace
+
+bool RunStarCommand(Link& link, const std::string& command,
+                    const std::function<void(const std::string&)>& show) {
+  try {
+    return Exchange(link, command, show);
+  } catch (const HostError& error) {
+    link.Host.ShowWarning(error.what());
+    return false;
+  }
+}
+
+}  // namespace sectorbox

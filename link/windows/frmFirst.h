@@ -1,0 +1,13 @@
+#pragma once
+
+#include "link/windows/frmBootstrap.h"
+
+namespace sectorbox {
+
+// "Send Basic Program": types the transfer server into the BBC's BASIC.
+class frmFirst : public frmBootstrap {
+ public:
+  frmFirst(Link& link, QWidget* parent);
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,61 @@
+#include "link/windows/frmTrace.h"
+
+#include <QCloseEvent>
+#include <QFont>
+#include <QTextCursor>
+#include <utility>
+
+#include "toolkit/WindowPlace.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr qsizetype kMostCharacters = 32000;
+constexpr qsizetype kDroppedAtOnce = 4096;
+
+// The widget keeps one character for a line end; the trace has two.
+qsizetype LengthOf(const QPlainTextEdit& text) {
+  return text.document()->characterCount() - 1 + text.blockCount() - 1;
+}
+
+QString TextOf(const QPlainTextEdit& text) {
+  return text.toPlainText().replace(u'\n', QStringLiteral("\r\n"));
+}
+
+}  // namespace
+
+frmTrace::frmTrace(QWidget* parent, std::function<void()> closed)
+    : QWidget(parent, Qt::Window), txtTrace_(new QPlainTextEdit(this)), closed_(std::move(closed)) {
+  setObjectName(QStringLiteral("frmTrace"));
+  setWindowTitle(QStringLiteral("Trace"));
+  setAttribute(Qt::WA_DeleteOnClose);
+  txtTrace_->setObjectName(QStringLiteral("txtTrace"));
+  txtTrace_->setReadOnly(true);
+  txtTrace_->setUndoRedoEnabled(false);
+  txtTrace_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  QFont font(QStringLiteral("Courier New"), 9);
+  font.setStyleHint(QFont::Monospace);
+  txtTrace_->setFont(font);
+  RestorePlace(*this, kTracePlace);
+}
+
+void frmTrace::Append(const QString& text) {
+  if (LengthOf(*txtTrace_) > kMostCharacters) {
+    txtTrace_->setPlainText(TextOf(*txtTrace_).mid(kDroppedAtOnce));
+  }
+  txtTrace_->moveCursor(QTextCursor::End);
+  txtTrace_->insertPlainText(text);
+  txtTrace_->moveCursor(QTextCursor::End);
+}
+
+void frmTrace::resizeEvent(QResizeEvent*) {
+  txtTrace_->setGeometry(rect());
+}
+
+void frmTrace::closeEvent(QCloseEvent* event) {
+  SavePlace(*this, kTracePlace);
+  closed_();
+  event->accept();
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,153 @@
+#include "link/wire/Commands.h"
+
+#include "disc/host/HostError.h"
+#include "link/wire/Protocol.h"
+#include "link/wire/Trace.h"
+
+namespace sectorbox {
+namespace {
+
+// Longer than anything a BBC prints at once; noise on the line can't fill the memory.
+constexpr std::size_t kLongestReply = std::size_t{1} << 20;
+
+void OpenIfClosed(Link& link) {
+  if (!link.Port.PortOpen()) link.Port.Open();
+}
+
+void Poll(Link& link) {
+  PumpEvents(link);
+  link.Host.Sleep(1);
+}
+
+bool ReadyForCommand(SerialPort& port) {
+  return port.OutBufferCount() == 0 && port.DSRHolding() && port.CTSHolding();
+}
+
+bool IsTokenLine(std::string_view reply, std::string_view token) {
+  if (!reply.starts_with(token)) return false;
+  const std::string_view rest = reply.substr(token.size());
+  return rest == "\r" || rest == "\n\r";
+}
+
+}  // namespace
+
+std::string SendCommand(Link& link, const std::string& command, bool expectReply) {
+  OpenIfClosed(link);
+  while (!ReadyForCommand(link.Port)) {
+    Poll(link);
+    if (link.AbortRequested) break;
+  }
+  // The flag refuses the write also when there was nothing to wait for. An aborted transfer leaves
+  // it set, so callers that must still be heard clear it first.
+  if (link.AbortRequested) return {};
+  link.Port.Output(command);
+  TraceHex(link, command, true);
+  std::string reply;
+  if (expectReply) ReadReply(link, reply);
+  return reply;
+}
+
+void SendRaw(Link& link, std::string_view text) {
+  OpenIfClosed(link);
+  while (!link.AbortRequested && link.Port.OutBufferCount() >= wire::kOutBufferSize) Poll(link);
+  if (!link.AbortRequested) link.Port.Output(text);
+}
+
+std::int32_t ReadByte(Link& link) {
+  link.TimedOut = false;
+  EnableTimer(link);
+  while (link.Port.InBufferCount() < 1) {
+    link.Host.Sleep(1);
+    PumpEvents(link);
+    if (link.TimedOut) {
+      link.Timer4.Enabled = false;
+      return -1;
+    }
+  }
+  const std::int32_t byte = link.Port.Input();
+  link.Timer4.Enabled = false;
+  return byte;
+}
+
+bool ReadReply(Link& link, std::string& text) {
+  text.clear();
+  link.Timer4.Interval = wire::kFirstByteLimit;
+  std::int32_t byte = ReadByte(link);
+  if (byte < 0) {
+    TraceLine(link, "Timeout waiting for response\r");
+    return false;
+  }
+  link.Timer4.Interval = wire::kReplySilence;
+  for (; byte >= 0 && text.size() < kLongestReply; byte = ReadByte(link)) {
+    text += static_cast<char>(byte);
+  }
+  TraceHex(link, text, false);
+  return true;
+}
+
+void ResetLink(Link& link) {
+  link.Timer4.Interval = wire::kResetSilence;
+  while (ReadByte(link) >= 0) PumpEvents(link);
+  link.Port.Close();
+  link.Host.Sleep(wire::kResetClosed);
+  link.Port.Open();
+}
+
+std::string ConnectToBBC(Link& link) {
+  link.Port.Settings(wire::LineSettings(wire::kBootstrapSpeed));
+  const std::int32_t ticked = link.Host.TickedSpeed();
+  const std::int32_t speed = ticked > 0 ? ticked : wire::kDefaultSpeed;
+  SendCommand(link, "S" + std::to_string(speed) + "\r", false);
+  // The close comes right behind the write; the port lets the command out first.
+  link.Port.Close();
+  link.Port.Settings(wire::LineSettings(speed));
+  link.Port.Open();
+  std::string reply;
+  ReadReply(link, reply);
+  return reply;
+}
+
+bool IsAcknowledge(std::string_view reply) {
+  return IsTokenLine(reply, wire::kAcknowledge);
+}
+
+bool IsStarError(std::string_view reply) {
+  return IsTokenLine(reply, wire::kStarError);
+}
+
+bool IsFailureReply(std::string_view reply) {
+  return reply.starts_with(wire::kFailureReply);
+}
+
+std::int64_t LeadingNumber(std::string_view text) {
+  constexpr std::int64_t kLargest = std::int64_t{1} << 40;
+  std::int64_t number = 0;
+  for (const char c : text) {
+    if (c < '0' || c > '9') break;
+    if (number < kLargest) number = number * 10 + (c - '0');
+  }
+  return number;
+}
+
+bool Reconnect(Link& link) {
+  try {
+    link.Port.Close();
+    if (IsAcknowledge(ConnectToBBC(link))) return true;
+    link.Host.ShowMessage("Beeb Not Responding", kLinkTitle);
+  } catch (const HostError& error) {
+    link.Host.ShowWarning(error.what());
+  }
+  return false;
+}
+
+void Disconnect(Link& link) {
+  if (!link.Port.PortOpen()) return;
+  try {
+    link.Port.Output(wire::kQuit);
+  } catch (const HostError&) {
+    // The line is gone; there is nobody to tell.
+  }
+  link.Port.Close();
+}
+
+}  // namespace sectorbox

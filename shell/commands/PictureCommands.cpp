@@ -1,0 +1,50 @@
+#include "shell/commands/PictureCommands.h"
+
+#include <QCoreApplication>
+
+#include "shell/program/frmMain.h"
+#include "toolkit/Text.h"
+#include "viewers/windows/frmMode.h"
+#include "viewers/windows/frmTeletext.h"
+
+namespace sectorbox {
+
+PictureCommands::PictureCommands(frmMain& window) : window_(window) {
+  window.OnCommand("mnuFileViewTeletext", [this] { mnuFileViewTeletext(); });
+  for (const ScreenMode& mode : kScreenModes) {
+    const std::string entry = "mnuFileViewMode" + std::to_string(mode.Mode);
+    window.OnCommand(entry.c_str(), [this, number = mode.Mode] { mnuFileViewMode(number); });
+  }
+}
+
+PictureCommands::~PictureCommands() {
+  for (const QPointer<frmMode>& screen : screens_) delete screen.data();
+}
+
+// Without its font the program doesn't go on at all. Fail keeps what isn't saved.
+void PictureCommands::mnuFileViewTeletext() {
+  if (window_.CurrentItem() == nullptr) return;
+  const std::string folder =
+      FontFolder.empty() ? ToHost(QCoreApplication::applicationDirPath()) : FontFolder;
+  const auto font = LoadTeletextFont(folder + "/" + kTeletextFontFile);
+  if (!font) {
+    window_.Fail(QString::fromLatin1(kTeletextFontMissing),
+                 QString::fromLatin1(kTeletextFontTitle));
+    return;
+  }
+  frmTeletext view(
+      &window_, window_.TheDisc(), [this] { return window_.CurrentItem(); }, *font);
+  view.exec();
+}
+
+void PictureCommands::mnuFileViewMode(int mode) {
+  if (window_.CurrentItem() == nullptr) return;
+  std::erase_if(screens_, [](const QPointer<frmMode>& screen) { return screen.isNull(); });
+  auto* view = new frmMode(window_.TheDisc(), [this] { return window_.CurrentItem(); });
+  screens_.emplace_back(view);
+  view->Tag = mode;
+  view->show();
+  view->Show_File();
+}
+
+}  // namespace sectorbox

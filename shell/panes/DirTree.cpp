@@ -1,0 +1,198 @@
+#include "shell/panes/DirTree.h"
+
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QIcon>
+#include <QMimeData>
+#include <QPainter>
+
+#include "disc/catalogue/Adfs.h"
+#include "disc/format/Format.h"
+#include "shell/program/Icons.h"
+#include "toolkit/Text.h"
+
+namespace sectorbox {
+namespace {
+
+// All nodes share two icons: a disc may have thousands of directories.
+const QIcon& NodeIcon(bool open) {
+  static const QIcon kOpen(LoadIcon("open"));
+  static const QIcon kClosed(LoadIcon("closed"));
+  return open ? kOpen : kClosed;
+}
+
+}  // namespace
+
+DirNode::DirNode(const std::string& text, std::int32_t tag) : Tag(tag) {
+  SetText(text);
+  QTreeWidgetItem::setIcon(0, NodeIcon(false));
+  Qt::ItemFlags all =
+      Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
+  // The root has no entry anywhere that could be renamed.
+  if (tag != format::kRootSector) all |= Qt::ItemIsEditable;
+  setFlags(all);
+}
+
+std::string DirNode::Text() const {
+  return ToBbc(text(0));
+}
+
+void DirNode::SetText(const std::string& text) {
+  QTreeWidgetItem::setText(0, FromBbc(text));
+}
+
+void DirNode::SetOpen(bool open) {
+  if (open_ == open) return;
+  open_ = open;
+  QTreeWidgetItem::setIcon(0, NodeIcon(open));
+}
+
+void DirNode::SortChildren() {
+  sortChildren(0, Qt::AscendingOrder);
+}
+
+bool DirNode::operator<(const QTreeWidgetItem& other) const {
+  return text(0).compare(other.text(0), Qt::CaseInsensitive) < 0;
+}
+
+DirTree::DirTree(QWidget* parent) : QTreeWidget(parent) {
+  setObjectName(QStringLiteral("tvwDB"));
+  setColumnCount(1);
+  header()->hide();
+  header()->setStretchLastSection(false);
+  header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  setUniformRowHeights(true);
+  setIconSize({16, 16});
+  setEditTriggers(QAbstractItemView::SelectedClicked);
+  setDragEnabled(true);
+  setAcceptDrops(true);
+  setDropIndicatorShown(false);
+  auto* editor = new NameEditor(this);
+  editor->Edited = [this](const QModelIndex& index, const QString& name) {
+    auto* node = static_cast<DirNode*>(itemFromIndex(index));
+    if (node != nullptr && NameEdited) NameEdited(*node, name);
+  };
+  setItemDelegate(editor);
+  connect(this, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
+    if (NodeClicked) NodeClicked(*static_cast<DirNode*>(item));
+  });
+  // Moving with the keys makes a node current as a click does.
+  connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+    if (item != nullptr && !quiet_ && NodeClicked) NodeClicked(*static_cast<DirNode*>(item));
+  });
+  connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {
+    if (NodeToggled) NodeToggled(*static_cast<DirNode*>(item), true);
+  });
+  connect(this, &QTreeWidget::itemCollapsed, this, [this](QTreeWidgetItem* item) {
+    if (NodeToggled) NodeToggled(*static_cast<DirNode*>(item), false);
+  });
+}
+
+void DirTree::Select(DirNode* node) {
+  const bool before = quiet_;
+  quiet_ = true;
+  setCurrentItem(node);
+  quiet_ = before;
+}
+
+void DirTree::SetDropHighlight(DirNode* node) {
+  if (highlight_ == node) return;
+  highlight_ = node;
+  viewport()->update();
+}
+
+void DirTree::startDrag(Qt::DropActions) {
+  if (DragWanted) DragWanted();
+}
+
+void DirTree::dragEnterEvent(QDragEnterEvent* event) {
+  if (!event->mimeData()->hasUrls()) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void DirTree::dragMoveEvent(QDragMoveEvent* event) {
+  SetDropHighlight(static_cast<DirNode*>(itemAt(event->position().toPoint())));
+  if (!event->mimeData()->hasUrls()) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void DirTree::dragLeaveEvent(QDragLeaveEvent* event) {
+  QTreeWidget::dragLeaveEvent(event);
+  SetDropHighlight(nullptr);
+}
+
+void DirTree::dropEvent(QDropEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  if (Dropped) Dropped(*event->mimeData());
+  SetDropHighlight(nullptr);
+}
+
+// The right button pops up the menu for what is current. It selects nothing. A press with the left
+// one doesn't change the current directory yet; the click does, at its release, so that a drag that
+// begins on another node still takes the current directory.
+void DirTree::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) {
+    event->accept();
+    if (MenuWanted) MenuWanted(event->globalPosition().toPoint());
+    return;
+  }
+  // A press beside all nodes keeps the mark on the current one.
+  if (itemAt(event->position().toPoint()) == nullptr) {
+    event->accept();
+    return;
+  }
+  quiet_ = true;
+  QTreeWidget::mousePressEvent(event);
+  quiet_ = false;
+}
+
+void DirTree::mouseMoveEvent(QMouseEvent* event) {
+  quiet_ = true;
+  QTreeWidget::mouseMoveEvent(event);
+  quiet_ = false;
+}
+
+void DirTree::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) {
+    event->accept();
+    return;
+  }
+  QTreeWidget::mouseReleaseEvent(event);
+}
+
+// The mouse is served at its press; what comes here is the keyboard's menu key.
+void DirTree::contextMenuEvent(QContextMenuEvent* event) {
+  event->accept();
+  if (event->reason() != QContextMenuEvent::Mouse && MenuWanted) {
+    MenuWanted(viewport()->mapToGlobal(visualItemRect(currentItem()).bottomLeft()));
+  }
+}
+
+void DirTree::keyPressEvent(QKeyEvent* event) {
+  if (KeyPressed && KeyPressed(*event)) {
+    event->accept();
+    return;
+  }
+  QTreeWidget::keyPressEvent(event);
+}
+
+// The column is as wide as its longest path of names, so that deep trees scroll, but never narrower
+// than the pane, so that a selected row is marked over its whole width.
+void DirTree::resizeEvent(QResizeEvent* event) {
+  header()->setMinimumSectionSize(viewport()->width());
+  QTreeWidget::resizeEvent(event);
+}
+
+void DirTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+                      const QModelIndex& index) const {
+  QTreeWidget::drawRow(painter, option, index);
+  if (highlight_ == nullptr || indexFromItem(highlight_) != index) return;
+  painter->setPen(QPen(palette().color(QPalette::Highlight), 2));
+  painter->drawRect(visualRect(index).adjusted(1, 1, -1, -1));
+}
+
+}  // namespace sectorbox

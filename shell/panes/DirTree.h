@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QTreeWidget>
+#include <functional>
+
+#include "shell/panes/NameEditor.h"
+
+namespace sectorbox {
+
+// A node of the tree: its text is the directory's name, its Tag the directory's start sector.
+class DirNode : public QTreeWidgetItem {
+ public:
+  DirNode(const std::string& text, std::int32_t tag);
+
+  std::int32_t Tag = 0;
+
+  std::string Text() const;
+  void SetText(const std::string& text);
+  void SetOpen(bool open);  // the image: "open" or "closed"
+  bool IsOpen() const { return open_; }
+  DirNode* Parent() const { return static_cast<DirNode*>(parent()); }
+  DirNode* Child(int i) const { return static_cast<DirNode*>(child(i)); }
+  void SortChildren();
+
+  bool operator<(const QTreeWidgetItem& other) const override;
+
+ private:
+  bool open_ = false;
+};
+
+// tvwDB: the tree of directories.
+class DirTree : public QTreeWidget {
+  Q_OBJECT
+
+ public:
+  explicit DirTree(QWidget* parent);
+
+  DirNode* Selected() const { return static_cast<DirNode*>(currentItem()); }
+  // Makes the node the selected one without telling anybody.
+  void Select(DirNode* node);
+  DirNode* DropHighlight() const { return highlight_; }
+  void SetDropHighlight(DirNode* node);
+
+  // What happens on this pane; set by its owner.
+  std::function<void(DirNode& node)> NodeClicked;
+  std::function<void(DirNode& node, bool expanded)> NodeToggled;
+  std::function<void(const QPoint& global)> MenuWanted;
+  std::function<void()> DragWanted;
+  std::function<void(const QMimeData& data)> Dropped;
+  std::function<void(DirNode& node, const QString& name)> NameEdited;
+  // True if the pane took the key.
+  std::function<bool(QKeyEvent& event)> KeyPressed;
+
+ protected:
+  void startDrag(Qt::DropActions actions) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+
+ private:
+  DirNode* highlight_ = nullptr;
+  bool quiet_ = false;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,279 @@
+#include "shell/panes/FileList.h"
+
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
+
+#include "toolkit/Twips.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr int kSmallIcon = 16;
+constexpr int kLargeIcon = 32;
+constexpr int kCellMargin = 4;
+
+// Cells as wide as the longest name in capitals, so that the icons stand in columns.
+QSize GridOf(ListLook look, const QFontMetrics& metrics) {
+  const int name = metrics.horizontalAdvance(QStringLiteral("MMMMMMMMMM"));
+  const int line = metrics.height() + 6;
+  if (look == ListLook::kLargeIcons) return {name + 8, kLargeIcon + line + 10};
+  if (look == ListLook::kSmallIcons) return {kSmallIcon + name + 12, std::max(kSmallIcon, line)};
+  return {};
+}
+
+// Paints a whole row in the report mode; in the other modes the plain item.
+class RowPainter : public NameEditor {
+ public:
+  explicit RowPainter(FileList* list) : NameEditor(list), list_(*list) {}
+
+  void paint(QPainter* painter, const QStyleOptionViewItem& given,
+             const QModelIndex& index) const override {
+    if (list_.Mode() != ListLook::kReport) {
+      NameEditor::paint(painter, given, index);
+      return;
+    }
+    QStyleOptionViewItem option = given;
+    option.rect = list_.CellRect(given.rect, kColName);
+    NameEditor::paint(painter, option, index);
+    for (int column = kColAttr; column < kColumns; ++column)
+      PaintCell(painter, given, index, column);
+  }
+
+  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+    const QSize plain = NameEditor::sizeHint(option, index);
+    if (list_.Mode() != ListLook::kReport) return plain;
+    return {list_.Header()->length(), plain.height() + 2};
+  }
+
+  void updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& given,
+                            const QModelIndex& index) const override {
+    QStyleOptionViewItem option = given;
+    if (list_.Mode() == ListLook::kReport) option.rect = list_.CellRect(given.rect, kColName);
+    NameEditor::updateEditorGeometry(editor, option, index);
+  }
+
+ private:
+  void PaintCell(QPainter* painter, const QStyleOptionViewItem& given, const QModelIndex& index,
+                 int column) const {
+    QRect cell = list_.CellRect(given.rect, column);
+    const bool selected = (given.state & QStyle::State_Selected) != 0;
+    const bool active = (given.state & QStyle::State_Active) != 0;
+    const auto group = active ? QPalette::Active : QPalette::Inactive;
+    if (selected) painter->fillRect(cell, given.palette.brush(group, QPalette::Highlight));
+    painter->setPen(
+        given.palette.color(group, selected ? QPalette::HighlightedText : QPalette::Text));
+    cell.adjust(kCellMargin, 0, -1, 0);
+    const QString text = index.siblingAtColumn(column).data().toString();
+    painter->drawText(cell, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+                      given.fontMetrics.elidedText(text, Qt::ElideRight, cell.width()));
+  }
+
+  FileList& list_;
+};
+
+}  // namespace
+
+FileList::FileList(QWidget* parent)
+    : QListView(parent), model_(new FileListModel(this)), header_(nullptr) {
+  setObjectName(QStringLiteral("lvwDB"));
+  setModel(model_);
+  header_ = new QHeaderView(Qt::Horizontal, this);
+  header_->setObjectName(QStringLiteral("lvwDBHeader"));
+  header_->setModel(model_);
+  header_->setSectionsClickable(true);
+  header_->setSortIndicatorShown(true);
+  header_->setHighlightSections(false);
+  header_->setMinimumSectionSize(16);
+  auto* painter = new RowPainter(this);
+  painter->Edited = [this](const QModelIndex& index, const QString& name) {
+    if (NameEdited) NameEdited(index.row(), name);
+  };
+  setItemDelegate(painter);
+  setSelectionMode(QAbstractItemView::ExtendedSelection);
+  setEditTriggers(QAbstractItemView::SelectedClicked);
+  setDragEnabled(true);
+  setAcceptDrops(true);
+  setDropIndicatorShown(false);
+  setUniformItemSizes(false);
+  setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+  setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  connect(header_, &QHeaderView::sectionClicked, this, [this](int column) {
+    if (HeadingClicked) HeadingClicked(column);
+  });
+  connect(header_, &QHeaderView::sectionResized, this, [this](int column) {
+    if (!sizing_) dragged_[static_cast<std::size_t>(column)] = true;
+    scheduleDelayedItemsLayout();
+  });
+  connect(horizontalScrollBar(), &QScrollBar::valueChanged, header_, &QHeaderView::setOffset);
+  SetMode(ListLook::kReport);
+}
+
+void FileList::SetMode(ListLook mode) {
+  mode_ = mode;
+  const bool large = mode == ListLook::kLargeIcons;
+  model_->SetLargeIcons(large);
+  setViewMode(large ? QListView::IconMode : QListView::ListMode);
+  setMovement(QListView::Static);
+  setResizeMode(QListView::Adjust);
+  setFlow(mode == ListLook::kReport || mode == ListLook::kList ? QListView::TopToBottom
+                                                               : QListView::LeftToRight);
+  setWrapping(mode != ListLook::kReport);
+  setIconSize(large ? QSize(kLargeIcon, kLargeIcon) : QSize(kSmallIcon, kSmallIcon));
+  setGridSize(GridOf(mode, fontMetrics()));
+  // IconMode turns these off.
+  setDragEnabled(true);
+  setAcceptDrops(true);
+  viewport()->setAcceptDrops(true);
+  setSelectionRectVisible(true);
+  header_->setVisible(mode == ListLook::kReport);
+  PlaceHeader();
+  scheduleDelayedItemsLayout();
+}
+
+void FileList::PlaceHeader() {
+  const int height = mode_ == ListLook::kReport ? header_->sizeHint().height() : 0;
+  setViewportMargins(0, height, 0, 0);
+  const QRect area = viewport()->geometry();
+  header_->setGeometry(area.left(), area.top() - height, area.width(), height);
+}
+
+void FileList::updateGeometries() {
+  PlaceHeader();
+  QListView::updateGeometries();
+}
+
+void FileList::SetColumnWidth(int column, double twips) {
+  sizing_ = true;
+  header_->resizeSection(column, PixelsFromTwips(twips));
+  sizing_ = false;
+  dragged_[static_cast<std::size_t>(column)] = false;
+}
+
+void FileList::FitColumns() {
+  sizing_ = true;
+  for (int column = 0; column < kColumns; ++column) {
+    if (dragged_[static_cast<std::size_t>(column)]) continue;
+    int widest = 0;
+    for (int row = 0; row < model_->rowCount(); ++row) {
+      const QString text = model_->index(row, column).data().toString();
+      widest = std::max(widest, fontMetrics().horizontalAdvance(text));
+    }
+    widest += 2 * kCellMargin + (column == kColName ? kSmallIcon + 2 * kCellMargin : 0);
+    if (widest > header_->sectionSize(column)) header_->resizeSection(column, widest);
+  }
+  sizing_ = false;
+}
+
+QRect FileList::CellRect(const QRect& rowRect, int column) const {
+  return {rowRect.left() + header_->sectionPosition(column), rowRect.top(),
+          header_->sectionSize(column), rowRect.height()};
+}
+
+bool FileList::IsSelected(int row) const {
+  return selectionModel()->isRowSelected(row, {}) ||
+         selectionModel()->isSelected(model_->index(row, kColName));
+}
+
+void FileList::SetSelected(int row, bool selected) {
+  selectionModel()->select(model_->index(row, kColName),
+                           selected ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
+}
+
+void FileList::EditName(int row) {
+  const QModelIndex index = model_->index(row, kColName);
+  scrollTo(index);
+  edit(index);
+}
+
+void FileList::startDrag(Qt::DropActions) {
+  if (DragWanted) DragWanted();
+}
+
+// Every file list is taken, wherever the pointer is: a drop goes to the directory that is shown.
+void FileList::dragEnterEvent(QDragEnterEvent* event) {
+  if (!event->mimeData()->hasUrls()) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void FileList::dragMoveEvent(QDragMoveEvent* event) {
+  if (!event->mimeData()->hasUrls()) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void FileList::dropEvent(QDropEvent* event) {
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  if (Dropped) Dropped(*event->mimeData());
+}
+
+// The right button pops up the menu for what is current. It selects nothing.
+void FileList::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) {
+    event->accept();
+    if (MenuWanted) MenuWanted(event->globalPosition().toPoint());
+    return;
+  }
+  quiet_ = true;
+  QListView::mousePressEvent(event);
+  quiet_ = false;
+  const QModelIndex index = indexAt(event->position().toPoint());
+  if (event->button() == Qt::LeftButton && index.isValid() && RowClicked) RowClicked(index.row());
+}
+
+// The view itself would clear the selection when a right button is let go beside all rows.
+void FileList::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::RightButton) {
+    event->accept();
+    return;
+  }
+  QListView::mouseReleaseEvent(event);
+}
+
+// The view has its turn first: it calls off the in-place edit that the first click on a selected
+// row has set going.
+void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
+  quiet_ = true;
+  QListView::mouseDoubleClickEvent(event);
+  quiet_ = false;
+  const QModelIndex index = indexAt(event->position().toPoint());
+  if (event->button() == Qt::LeftButton && index.isValid() && RowDoubleClicked) {
+    RowDoubleClicked(index.row());
+  }
+}
+
+// The mouse is served at its press; what comes here is the keyboard's menu key.
+void FileList::contextMenuEvent(QContextMenuEvent* event) {
+  event->accept();
+  if (event->reason() != QContextMenuEvent::Mouse && MenuWanted) {
+    MenuWanted(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+  }
+}
+
+void FileList::keyPressEvent(QKeyEvent* event) {
+  if (KeyPressed && KeyPressed(*event)) {
+    event->accept();
+    return;
+  }
+  QListView::keyPressEvent(event);
+}
+
+// A view that gets the focus without a current row takes its first, which nobody has chosen.
+void FileList::focusInEvent(QFocusEvent* event) {
+  quiet_ = true;
+  QListView::focusInEvent(event);
+  quiet_ = false;
+}
+
+// Moving with the keys makes a row current as a click does.
+void FileList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
+  QListView::currentChanged(current, previous);
+  if (!quiet_ && current.isValid() && RowClicked) RowClicked(current.row());
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QListView>
+#include <array>
+#include <functional>
+
+#include "shell/panes/FileListModel.h"
+#include "shell/panes/NameEditor.h"
+
+class QHeaderView;
+
+namespace sectorbox {
+
+enum class ListLook { kReport, kLargeIcons, kList, kSmallIcons };
+
+// lvwDB: the entries of one directory, in four view modes. It is one list widget in all of them, so
+// selection, editing and dragging are the same everywhere; in the report mode it wears a heading
+// and paints all seven columns of a row below it.
+class FileList : public QListView {
+  Q_OBJECT
+
+ public:
+  explicit FileList(QWidget* parent);
+
+  FileListModel& Model() { return *model_; }
+  QHeaderView* Header() { return header_; }
+  ListLook Mode() const { return mode_; }
+  void SetMode(ListLook mode);
+  // The width of a column in twips; forgets what the user dragged it to.
+  void SetColumnWidth(int column, double twips);
+  // Widens the columns whose texts would be cut, but for those that the user dragged.
+  void FitColumns();
+  bool IsSelected(int row) const;
+  void SetSelected(int row, bool selected);
+  // Starts the in-place edit of a row's name.
+  void EditName(int row);
+
+  // What happens on this pane; set by its owner.
+  std::function<void(int row)> RowClicked;
+  std::function<void(int row)> RowDoubleClicked;
+  std::function<void(int column)> HeadingClicked;
+  std::function<void(const QPoint& global)> MenuWanted;
+  std::function<void()> DragWanted;
+  std::function<void(const QMimeData& data)> Dropped;
+  std::function<void(int row, const QString& name)> NameEdited;
+  // True if the pane took the key.
+  std::function<bool(QKeyEvent& event)> KeyPressed;
+
+  // For the delegate: where column's cell lies in a row painted at rowRect.
+  QRect CellRect(const QRect& rowRect, int column) const;
+
+ protected:
+  void startDrag(Qt::DropActions actions) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+  void updateGeometries() override;
+
+ private:
+  void PlaceHeader();
+
+  FileListModel* model_;
+  QHeaderView* header_;
+  ListLook mode_ = ListLook::kReport;
+  bool quiet_ = false;   // a change of the current row isn't the user's move with the keys
+  bool sizing_ = false;  // the program itself changes column widths
+  std::array<bool, kColumns> dragged_{};
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QFrame>
+#include <QToolBar>
+#include <QWidget>
+#include <functional>
+
+#include "shell/panes/DirTree.h"
+#include "shell/panes/FileList.h"
+
+namespace sectorbox {
+
+// imgSplitter: the invisible strip between the panes by which their border is dragged. Positions
+// are twips from the strip's own left edge.
+class SplitterStrip : public QWidget {
+ public:
+  explicit SplitterStrip(QWidget* parent);
+
+  std::function<void()> Pressed;
+  std::function<void(double x)> Moved;
+  std::function<void()> Released;
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+};
+
+// Where things are in the main window below its menus: the toolbar, the tree, the list, and the
+// border between them.
+class PaneLayout : public QWidget {
+ public:
+  explicit PaneLayout(QWidget* parent);
+
+  DirTree& Tree() { return *tvwDB_; }
+  FileList& List() { return *lvwDB_; }
+  QToolBar& Bar() { return *tbToolBar_; }
+
+  // Lays out tree, border and list for a tree that is x twips wide; x comes back as the width that
+  // it could have: at least 3000, but then at most the window's width less 3000. In a window
+  // narrower than 6000 the second rule wins.
+  void SizeControls(double& x);
+  // The layout after the window changed its size.
+  void Form_Resize();
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void StartMoving();
+  void MoveTo(double pointerX);
+  void StopMoving();
+  double WindowWidth() const;
+
+  QToolBar* tbToolBar_;
+  DirTree* tvwDB_;
+  FileList* lvwDB_;
+  QFrame* picSplitter_;
+  SplitterStrip* imgSplitter_;
+  double splitterLeft_;  // twips
+  double barLeft_ = 0;   // twips
+  bool SplitterMoving = false;
+};
+
+}  // namespace sectorbox

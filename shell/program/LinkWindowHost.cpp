@@ -1,0 +1,143 @@
+#include "shell/program/LinkWindowHost.h"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QLocale>
+#include <QMessageBox>
+#include <QThread>
+
+#include "link/wire/Protocol.h"
+#include "shell/program/frmMain.h"
+#include "toolkit/Boxes.h"
+#include "toolkit/FileDialogs.h"
+#include "toolkit/Text.h"
+
+namespace sectorbox {
+LinkWindowHost::LinkWindowHost(frmMain& window) : window_(window) {
+  clock_.start();
+}
+
+// A box that comes up over a modal dialog belongs to that dialog, or nobody could press its button.
+QWidget* LinkWindowHost::BoxParent() const {
+  QWidget* modal = QApplication::activeModalWidget();
+  return modal != nullptr ? modal : static_cast<QWidget*>(&window_);
+}
+
+std::int64_t LinkWindowHost::Milliseconds() {
+  return clock_.elapsed();
+}
+
+void LinkWindowHost::Sleep(std::int32_t milliseconds) {
+  QThread::msleep(static_cast<unsigned long>(milliseconds));
+}
+
+void LinkWindowHost::PumpEvents() {
+  QCoreApplication::processEvents();
+}
+
+std::string LinkWindowHost::DateAndTime() {
+  const QDateTime now = QDateTime::currentDateTime();
+  return ToHost(QLocale().toString(now.date(), QLocale::ShortFormat) +
+                now.time().toString(QStringLiteral(" HH:mm:ss")));
+}
+
+void LinkWindowHost::ShowMessage(const std::string& text, const std::string& title) {
+  // Error texts of the BBC come this way: bytes, and the window's own words are plain ASCII.
+  ShowBox(BoxParent(), FromBbc(text), FromHost(title));
+}
+
+void LinkWindowHost::ShowWarning(const std::string& text) {
+  ShowBox(BoxParent(), FromHost(text), QString::fromLatin1(kLinkTitle), BoxIcon::kExclamation);
+}
+
+ReplaceAnswer LinkWindowHost::AskReplace(const std::string& text) {
+  QMessageBox box(QMessageBox::Question, QString::fromLatin1(kLinkTitle), FromHost(text),
+                  QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, BoxParent());
+  box.setTextFormat(Qt::PlainText);
+  switch (box.exec()) {
+    case QMessageBox::Yes:
+      return ReplaceAnswer::kYes;
+    case QMessageBox::No:
+      return ReplaceAnswer::kNo;
+    default:
+      return ReplaceAnswer::kCancel;
+  }
+}
+
+std::string LinkWindowHost::AskOpenFileName(const FileQuestion& question) {
+  return AskOpenFile(BoxParent(), question);
+}
+
+std::string LinkWindowHost::AskSaveFileName(const FileQuestion& question) {
+  return AskSaveFile(BoxParent(), question);
+}
+
+void LinkWindowHost::OpenTransfer(const std::string& caption) {
+  CloseTransfer();  // the dialog of the last transfer, if its OK was never pressed
+  transfer_ = new frmRX(*link_, FromHost(caption), &window_);
+  transfer_->show();
+}
+
+void LinkWindowHost::ShowChunk(const std::string& text) {
+  if (transfer_) transfer_->ShowChunk(FromHost(text));
+}
+
+void LinkWindowHost::ShowTotal(const std::string& text) {
+  if (transfer_) transfer_->ShowTotal(FromHost(text));
+}
+
+void LinkWindowHost::ShowCounters(const TransferCounters& counters) {
+  if (transfer_) transfer_->ShowCounters(counters);
+}
+
+void LinkWindowHost::ShowPercent(float percent) {
+  if (transfer_) transfer_->ShowPercent(percent);
+}
+
+void LinkWindowHost::FinishTransfer() {
+  if (transfer_) transfer_->Finish();
+}
+
+void LinkWindowHost::CloseTransfer() {
+  if (transfer_) transfer_->Unload();
+  transfer_ = nullptr;
+}
+
+std::int32_t LinkWindowHost::TickedSpeed() {
+  for (const auto speed : wire::kSpeeds) {
+    if (window_.Checked(("mnuXferSerial" + std::to_string(speed)).c_str())) return speed;
+  }
+  return 0;
+}
+
+bool LinkWindowHost::CheckBeforeTransfer() {
+  return window_.Checked("mnuXferCBW");
+}
+
+bool LinkWindowHost::PlayWaveOnSuccess() {
+  return window_.Checked("mnuOptionsPlayWave");
+}
+
+std::string LinkWindowHost::ProgramFolder() {
+  return ToHost(QCoreApplication::applicationDirPath());
+}
+
+bool LinkWindowHost::PlayWave(const std::string& path, bool wait) {
+  return wave_.Play(path, wait);
+}
+
+void LinkWindowHost::OpenTraceWindow() {
+  QAction* entry = window_.Action("mnuXferTracewindow");
+  entry->setEnabled(false);
+  trace_ = new frmTrace(&window_, [this, entry] {
+    entry->setEnabled(true);
+    trace_ = nullptr;
+  });
+  trace_->show();
+}
+
+void LinkWindowHost::ShowTrace(const std::string& text) {
+  if (trace_) trace_->Append(FromHost(text));
+}
+
+}  // namespace sectorbox

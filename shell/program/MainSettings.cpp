@@ -1,0 +1,77 @@
+#include "shell/program/MainSettings.h"
+
+#include <array>
+#include <string>
+
+#include "link/wire/Protocol.h"
+#include "shell/commands/XferCommands.h"
+#include "shell/program/frmMain.h"
+#include "toolkit/SettingsStore.h"
+
+namespace sectorbox {
+namespace {
+
+struct FlagSetting {
+  const char* Key;
+  const char* Entry;
+  bool ByDefault;
+};
+
+constexpr std::array<FlagSetting, 9> kFlags = {{
+    {"DeleteLocked", "mnuOptionsDelete", true},
+    {"OverwriteLocked", "mnuOptionsOverwrite", true},
+    {"DeleteNonEmpty", "mnuOptionsEmpty", true},
+    {"PadDiscImages", "mnuOptionsPad", false},
+    {"PlayWave", "mnuOptionsPlayWave", false},
+    {"AutoLoad", "mnuOptionsAutoLoad", false},
+    {"Interleave", "mnuOptionsInterleave", true},
+    {"ViewAs", "mnuOptionsViewAs", false},
+    {"CheckBeforeWrite", "mnuXferCBW", false},
+}};
+
+constexpr std::int16_t kPorts = 4;
+
+QAction* Entry(const frmMain& window, const char* stem, std::int32_t number) {
+  return window.Action((stem + std::to_string(number)).c_str());
+}
+
+void CheckPort(const frmMain& window, std::int16_t port) {
+  for (std::int16_t n = 1; n <= kPorts; ++n) {
+    Entry(window, "mnuXferSerialCom", n)->setChecked(n == port);
+  }
+}
+
+void CheckSpeed(const frmMain& window, std::int16_t speed) {
+  for (const auto one : wire::kSpeeds)
+    Entry(window, "mnuXferSerial", one)->setChecked(one == speed);
+}
+
+}  // namespace
+
+void LoadSettings(frmMain& window) {
+  const SettingsStore store;
+  window.SetComPort(store.GetInt16("ComPort", 1));
+  const std::int16_t speed = store.GetInt16("BaudRate", wire::kDefaultSpeed);
+  CheckPort(window, window.ComPort());
+  // The line itself starts at 1200 whatever was chosen: the speed is only a check mark until a
+  // transfer raises it.
+  window.Xfer().SetUpPort();
+  CheckSpeed(window, speed);
+  for (const auto& flag : kFlags) {
+    window.Action(flag.Entry)->setChecked(store.GetFlag(flag.Key, flag.ByDefault));
+  }
+}
+
+void SaveSettings(const frmMain& window) {
+  SettingsStore store;
+  for (const auto& flag : kFlags) store.PutFlag(flag.Key, window.Checked(flag.Entry));
+  store.PutInt16("ComPort", window.ComPort());
+  for (const auto speed : wire::kSpeeds) {
+    if (!Entry(window, "mnuXferSerial", speed)->isChecked()) continue;
+    store.PutInt16("BaudRate", static_cast<std::int16_t>(speed));
+    break;
+  }
+  store.Sync();
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,48 @@
+#include "shell/program/Program.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+
+#include "shell/dialogs/frmSplash.h"
+
+namespace sectorbox {
+
+StartHooks SystemHooks() {
+  StartHooks hooks;
+  hooks.Clock = [] {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+  };
+  // A turn of the events with a rest, so that waiting for the splash doesn't keep a processor busy.
+  hooks.Pump = [] {
+    QEventLoop loop;
+    QTimer::singleShot(20, &loop, &QEventLoop::quit);
+    loop.exec();
+  };
+  hooks.EndProgram = [](int status) { std::_Exit(status); };
+  return hooks;
+}
+
+std::unique_ptr<frmMain> StartProgram(Disc& disc, WindowHost& host, const StartHooks& hooks,
+                                      const std::string& commandLine) {
+  std::unique_ptr<frmMain> window;
+  {
+    frmSplash splash;
+    ShowSplash(splash, hooks.Clock, hooks.Pump);
+    window = std::make_unique<frmMain>(disc, host);
+    window->EndProgram = hooks.EndProgram;
+    if (hooks.Created) hooks.Created(*window);
+  }
+  try {
+    window->Load(commandLine);
+  } catch (const std::exception& error) {
+    window->Fail(QString::fromLocal8Bit(error.what()));
+    return nullptr;
+  }
+  return window;
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,56 @@
+#include "shell/program/Recovery.h"
+
+#include <QDir>
+#include <vector>
+
+#include "disc/host/HostError.h"
+#include "disc/host/HostFile.h"
+#include "disc/image/SaveImage.h"
+#include "toolkit/SettingsStore.h"
+#include "toolkit/Text.h"
+
+namespace sectorbox {
+namespace {
+
+std::string FreeName(const QString& extension) {
+  const QDir folder(SettingsStore().Folder());
+  folder.mkpath(QStringLiteral("."));
+  for (int n = 1;; ++n) {
+    const QString name = folder.filePath(QStringLiteral("Recovered%1.%2").arg(n).arg(extension));
+    if (!QFile::exists(name)) return ToHost(name);
+  }
+}
+
+// Not SaveAdfImage, which trims, and with Pad Disc Images writes nothing at all.
+void WriteFlat(Disc& disc, const std::string& path) {
+  std::vector<std::uint8_t> bytes(disc.TheDisc.ImageBytes());
+  disc.TheDisc.FetchBytes(0, bytes);
+  OutputFile file = CreateOutputFile(path);
+  file.Write(bytes);
+  file.Close();
+}
+
+}  // namespace
+
+QString KeepUnsavedDisc(Disc& disc) {
+  if (!disc.ImageChanged) return {};
+  try {
+    if (disc.TheDisc.disctype() != kAdf && disc.TheDisc.disctype() != kAdl) {
+      disc.TheDisc.CloseFile();
+      return {};
+    }
+    const bool doubleSided = disc.TheDisc.disctype() == kAdl;
+    const std::string path = FreeName(doubleSided ? QStringLiteral("adl") : QStringLiteral("adf"));
+    if (doubleSided) {
+      SaveAdlImage(disc, path);
+    } else {
+      WriteFlat(disc, path);
+    }
+    disc.ImageChanged = false;
+    return QStringLiteral("The disc with your unsaved changes was kept in %1").arg(FromHost(path));
+  } catch (const std::exception& error) {
+    return QStringLiteral("The unsaved changes could not be kept: %1").arg(FromHost(error.what()));
+  }
+}
+
+}  // namespace sectorbox

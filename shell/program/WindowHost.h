@@ -1,0 +1,62 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "cfcard/cards/CardDrives.h"
+#include "disc/store/Disc.h"
+
+namespace sectorbox {
+
+class frmMain;
+class frmSave;
+
+// What the disc engine wants from outside, given by the main window. It is made before the disc and
+// the window, and does nothing but answer harmlessly while no window is attached.
+class WindowHost : public DiscHost {
+ public:
+  WindowHost();
+  ~WindowHost() override;
+
+  // The window from now on; null when it goes.
+  void Attach(frmMain* window);
+
+  // The drives that may hold a card; the disc's device finds its letters here.
+  CardDrives Drives;
+
+  // The last Note that wasn't taken, once more, after something else has stood in its place.
+  void ShowNoteAgain();
+  // That note for who wants to keep it meanwhile, and back; taken, it is forgotten here.
+  std::string TakeNote() { return std::exchange(note_, {}); }
+  void KeepNote(const std::string& line) { note_ = line; }
+
+  void ShowMessage(const std::string& text) override;
+  bool AskYesNo(const std::string& text, const std::string& title) override;
+  std::string AskOpenFileName(const FileQuestion& question) override;
+  std::string AskSaveFileName(const FileQuestion& question) override;
+  void SetStatus(const std::string& text, bool busy) override;
+  void Note(const std::string& line) override;
+  void SetBusyPointer(bool busy) override;
+  void RefreshCaption() override;
+  void RebuildTree() override;
+  void SetTreeReady() override;
+  void DirectoriesMoved(const std::map<std::int32_t, std::int32_t>& moves) override;
+  void EnableDiscEntries() override;
+  void StoreRoot(const std::string& path) override;
+  void PumpEvents() override;
+  void OpenProgress(const std::string& caption) override;
+  void ShowProgress(const std::string& line, double percent) override;
+  void CloseProgress() override;
+  bool PadDiscImages() const override;
+  bool InterleavedDisc() const override;
+  bool OverwriteLocked() const override;
+
+ private:
+  frmMain* window_ = nullptr;
+  std::unique_ptr<frmSave> progress_;
+  bool busy_ = false;
+  std::string note_;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,62 @@
+#include "disc/image/Companion.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/TempFolder.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+
+TEST(Companion, LiesBesideTheImage) {
+  EXPECT_EQ(CompanionName("/a/disc.dat"), "/a/disc.dsc");
+  EXPECT_EQ(CompanionName("/a/disc.DAT"), "/a/disc.dsc");
+  EXPECT_EQ(CompanionName("/a.b/disc"), "/a.b/.dsc");
+  EXPECT_EQ(CompanionName("abc"), ".dsc");
+}
+
+TEST(Companion, ANewOneHoldsTheTemplate) {
+  const TempFolder folder;
+  WriteCompanion(folder / "x.dat", {16384, 4});
+  EXPECT_EQ(ReadAll(folder / "x.dsc"),
+            (std::vector<std::uint8_t>{0, 0, 0,  8, 0, 0, 0,   0, 0,   0, 1,
+                                       0, 1, 64, 0, 4, 0, 128, 0, 128, 0, 1}));
+}
+
+TEST(Companion, AnExistingOneKeepsItsOtherBytes) {
+  const TempFolder folder;
+  std::vector<std::uint8_t> bytes(22);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(100 + i);
+  WriteAll(folder / "x.dsc", bytes);
+  WriteCompanion(folder / "x.dat", {0x0203, 9});
+  bytes[13] = 2;
+  bytes[14] = 3;
+  bytes[15] = 9;
+  EXPECT_EQ(ReadAll(folder / "x.dsc"), bytes);
+}
+
+TEST(Companion, AnyLengthIsReadAsFarAsItGoes) {
+  const TempFolder folder;
+  EXPECT_FALSE(ReadCompanion(folder / "x.dat").has_value());
+  for (std::size_t length = 0; length <= 30; ++length) {
+    SCOPED_TRACE(length);
+    WriteAll(folder / "x.dsc", std::vector<std::uint8_t>(length, 1));
+    const auto geometry = ReadCompanion(folder / "x.dat");
+    ASSERT_TRUE(geometry.has_value());
+    EXPECT_EQ(geometry->Tracks, (length > 13 ? 256 : 0) + (length > 14 ? 1 : 0));
+    EXPECT_EQ(geometry->Heads, length > 15 ? 1 : 0);
+    WriteCompanion(folder / "x.dat", {5, 4});
+    EXPECT_EQ(ReadAll(folder / "x.dsc").size(), 22U);
+  }
+}
+
+TEST(Companion, AnImageOfItsOwnNameIsNotOverwritten) {
+  const TempFolder folder;
+  WriteText(folder / "x.dsc", "an image");
+  WriteCompanion(folder / "x.dsc", {5, 4});
+  EXPECT_EQ(ReadText(folder / "x.dsc"), "an image");
+}
+
+}  // namespace
+}  // namespace sectorbox

@@ -1,0 +1,159 @@
+#include "disc/image/NewDisc.h"
+
+#include "disc/catalogue/Adfs.h"
+#include "disc/host/HostError.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/ImageBuilder.h"
+#include "tests/support/ScriptedHost.h"
+#include "tests/support/TempFolder.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+
+class NewDiscTest : public ::testing::Test {
+ protected:
+  const DiscGeometry& Kind(const std::string& kind) {
+    for (const DiscGeometry& g : kNewDiscs) {
+      if (kind == g.Kind) return g;
+    }
+    throw std::runtime_error(kind);
+  }
+  void Create(const std::string& kind, const std::string& path) {
+    const DiscGeometry& g = Kind(kind);
+    CreateDisc(disc_, path, g.Tracks, g.Heads, g.Sectors, g.DiscType);
+  }
+
+  TempFolder folder_;
+  ScriptedHost host_;
+  Disc disc_{host_};
+};
+
+TEST_F(NewDiscTest, TheSizesOfTheMenu) {
+  const std::vector<std::pair<std::string, std::int32_t>> sizes = {
+      {"40ssd", 640},   {"80ssd", 1280},   {"80dsd", 2560},  {"1m", 4224},    {"2m", 8448},
+      {"4m", 16896},    {"8m", 33792},     {"16m", 67584},   {"32m", 135168}, {"64m", 270336},
+      {"128m", 540672}, {"256m", 1081344}, {"512m", 2162688}};
+  ASSERT_EQ(sizes.size(), kNewDiscs.size());
+  for (std::size_t i = 0; i < sizes.size(); ++i) {
+    const DiscGeometry& g = kNewDiscs[i];
+    EXPECT_EQ(g.Kind, sizes[i].first);
+    EXPECT_EQ(g.Tracks * g.Heads * g.Sectors, sizes[i].second);
+  }
+}
+
+TEST_F(NewDiscTest, AFloppyIsWholeInMemoryAndNotYetAFile) {
+  for (const auto& [kind, sectors] :
+       std::vector<std::pair<std::string, int>>{{"40ssd", 640}, {"80ssd", 1280}, {"80dsd", 2560}}) {
+    disc_.ImageChanged = true;
+    Create(kind, folder_ / kind);
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(sectors) * 256);
+    disc_.TheDisc.FetchBytes(0, bytes);
+    EXPECT_EQ(bytes, ImageBuilder(sectors).Bytes()) << kind;
+    EXPECT_FALSE(std::filesystem::exists(folder_ / kind));
+    EXPECT_FALSE(disc_.ImageChanged);
+    EXPECT_EQ(disc_.FreeCount, 1);
+    EXPECT_EQ(disc_.FreeStart[0], 7);
+    EXPECT_EQ(disc_.FreeLen[0], sectors - 7);
+  }
+}
+
+TEST_F(NewDiscTest, AFreshDiscUses1792Bytes) {
+  Create("80dsd", "NewDisc.adl");
+  ShowFreeSpace(disc_);
+  EXPECT_EQ(host_.Statuses.back(), " 653568 Bytes Free,  1792 Bytes Used");
+}
+
+TEST_F(NewDiscTest, AHardDiscIsAFileWithItsCompanion) {
+  Create("2m", folder_ / "x.dat");
+  disc_.TheDisc.CloseFile();
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), ImageBuilder(8448).Bytes());
+  EXPECT_EQ(ReadAll(folder_ / "x.dsc"),
+            (std::vector<std::uint8_t>{0, 0, 0, 8,  0, 0, 0,   0, 0,   0, 1,
+                                       0, 1, 0, 64, 4, 0, 128, 0, 128, 0, 1}));
+  EXPECT_EQ(disc_.DiscTracks, 64);
+  EXPECT_EQ(disc_.DiscHeads, 4);
+  EXPECT_EQ(disc_.DiscSectors, 33);
+}
+
+TEST_F(NewDiscTest, OnlyTheExactExtensionGetsACompanion) {
+  Create("1m", folder_ / "x.DAT");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "x.dsc"));
+  Create("40ssd", folder_ / "y.dat");
+  EXPECT_TRUE(std::filesystem::exists(folder_ / "y.dsc"));
+}
+
+TEST_F(NewDiscTest, EventsRunAtEvery1024thTrackUnderTheHourglass) {
+  Create("16m", folder_ / "x.dat");  // 2048 tracks over the four heads
+  EXPECT_EQ(host_.Log,
+            (std::vector<std::string>{"pointer busy", "pump", "pump", "pointer normal"}));
+}
+
+TEST_F(NewDiscTest, AnExistingFileIsOpenedAsItStands) {
+  WriteText(folder_ / "x.dat", std::string(4224 * 256 + 100, 'x'));
+  Create("1m", folder_ / "x.dat");
+  disc_.TheDisc.CloseFile();
+  const auto bytes = ReadAll(folder_ / "x.dat");
+  EXPECT_EQ(bytes.size(), 4224U * 256 + 100);
+  EXPECT_EQ(bytes[4224 * 256 - 1], 0);
+  EXPECT_EQ(bytes.back(), 'x');
+}
+
+TEST_F(NewDiscTest, TheMenuEntryAsksForTheNameAndRebuildsThePanes) {
+  host_.SaveAnswers = {folder_ / "mine.adl"};
+  RunNewDisc(disc_, Kind("80dsd"));
+  EXPECT_EQ(disc_.ImageName, folder_ / "mine.adl");
+  EXPECT_EQ(host_.Log,
+            (std::vector<std::string>{"save Create ADFS Disc Image As", "caption", "pointer busy",
+                                      "pump", "pointer normal", "rebuild"}));
+}
+
+TEST_F(NewDiscTest, TheThreeDialogs) {
+  host_.SaveAnswers = {"", "", ""};
+  EXPECT_EQ(NewDiscADF(disc_), "");
+  EXPECT_EQ(NewDiscADL(disc_), "");
+  EXPECT_EQ(NewDiscDAT(disc_), "");
+  const auto& q = host_.Questions;
+  ASSERT_EQ(q.size(), 3U);
+  EXPECT_EQ(q[0].Title + "/" + q[0].Filter + "/" + q[0].FileName,
+            "Save ADFS Disc Image As/Create Disc (*.adf)|*.adf/NewDisc.adf");
+  EXPECT_EQ(q[1].Title + "/" + q[1].Filter + "/" + q[1].FileName,
+            "Create ADFS Disc Image As/ADFS Disc (*.adl)|*.adl/NewDisc.adl");
+  EXPECT_EQ(q[2].Title + "/" + q[2].Filter + "/" + q[2].FileName,
+            "Create ADFS Disc Image As/ADFS Disc (*.dat)|*.dat/NewDisc.dat");
+}
+
+TEST_F(NewDiscTest, EachKindOfDiscAsksWithItsOwnDialog) {
+  for (const auto& [kind, name] : std::vector<std::pair<std::string, std::string>>{
+           {"40ssd", "NewDisc.adf"}, {"80dsd", "NewDisc.adl"}, {"1m", "NewDisc.dat"}}) {
+    host_.SaveAnswers = {""};
+    RunNewDisc(disc_, Kind(kind));
+    EXPECT_EQ(host_.Questions.back().FileName, name);
+  }
+}
+
+TEST_F(NewDiscTest, ACancelledDialogLeavesTheOpenDisc) {
+  Create("40ssd", "old.adf");
+  disc_.ImageName = "old.adf";
+  host_.SaveAnswers = {""};
+  RunNewDisc(disc_, Kind("80ssd"));
+  EXPECT_EQ(disc_.ImageName, "old.adf");
+  EXPECT_EQ(MapDiscSize(disc_), 640);
+}
+
+TEST_F(NewDiscTest, APlaceThatCannotBeWrittenLeavesTheOpenDiscAndItsChanges) {
+  Create("40ssd", "old.adf");
+  disc_.ImageName = "old.adf";
+  host_.SaveAnswers = {folder_ / "none/x.dat"};
+  EXPECT_THROW(RunNewDisc(disc_, Kind("1m")), HostError);
+  EXPECT_EQ(disc_.ImageName, "old.adf");
+  EXPECT_EQ(MapDiscSize(disc_), 640);
+  EXPECT_EQ(disc_.DiscTracks, 40);
+  EXPECT_EQ(host_.Log.back(), "pointer normal");
+}
+
+}  // namespace
+}  // namespace sectorbox

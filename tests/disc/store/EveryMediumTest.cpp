@@ -1,0 +1,128 @@
+// What holds for the store over every kind of medium.
+
+#include <gtest/gtest.h>
+
+#include "disc/catalogue/Adfs.h"
+#include "disc/store/Disc.h"
+#include "tests/support/MemoryDevice.h"
+#include "tests/support/ScriptedHost.h"
+#include "tests/support/TempFolder.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+
+struct Medium {
+  const char* Name;
+  std::int16_t DiscType;
+  std::int32_t Tracks;
+  std::int32_t Heads;
+  std::int32_t Sectors;
+};
+
+constexpr Medium kMedia[] = {
+    {"Adf", kAdf, 80, 1, 16}, {"Adl", kAdl, 80, 2, 16}, {"Dat", kDat, 32, 4, 33},
+    {"Card0", kCF, 0, 0, 0},  {"Card1", kCF, 1, 0, 0},
+};
+
+class EveryMedium : public ::testing::TestWithParam<Medium> {
+ protected:
+  EveryMedium() : disc_(host_, std::make_unique<MemoryDevice>(0x400000)) { host_.Pad = true; }
+
+  void Open() {
+    const Medium& m = GetParam();
+    const std::string name =
+        m.DiscType == kCF ? "/dev/card," + std::to_string(m.Tracks) : folder_ / "image";
+    disc_.TheDisc.OpenFile(name, m.DiscType, m.Tracks, m.Heads, m.Sectors);
+    if (m.DiscType == kAdl) Store24(disc_, format::kMapDiscSize, 2560);
+  }
+
+  TempFolder folder_;
+  ScriptedHost host_;
+  Disc disc_;
+};
+
+TEST_P(EveryMedium, AFreshStoreReadsAsZeros) {
+  Open();
+  for (const std::int64_t at : {0, 1023, 1024, 4096, 327679}) {
+    EXPECT_EQ(disc_.TheDisc.Fetch(at), 0) << at;
+  }
+}
+
+TEST_P(EveryMedium, WhatIsStoredIsFetchedAgainAfterCloseAndOpen) {
+  Open();
+  for (std::int32_t i = 0; i < 5000; i += 7) {
+    disc_.TheDisc.Store(i * 41 + 512, static_cast<std::uint8_t>(i));
+  }
+  disc_.TheDisc.CloseFile();
+  Open();
+  for (std::int32_t i = 0; i < 5000; i += 7) {
+    ASSERT_EQ(disc_.TheDisc.Fetch(i * 41 + 512), static_cast<std::uint8_t>(i)) << i;
+  }
+}
+
+TEST_P(EveryMedium, FlushKeepsEveryByte) {
+  Open();
+  disc_.TheDisc.Store(600, 0xA5);
+  disc_.TheDisc.Flush();
+  EXPECT_EQ(disc_.TheDisc.Fetch(600), 0xA5);
+}
+
+TEST_P(EveryMedium, RunsOfBytesAreTheSameAsSingleBytes) {
+  Open();
+  std::vector<std::uint8_t> bytes(3000);
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i * 13);
+  disc_.TheDisc.StoreBytes(1000, bytes);
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    ASSERT_EQ(disc_.TheDisc.Fetch(1000 + static_cast<std::int64_t>(i)), bytes[i]) << i;
+  }
+  std::vector<std::uint8_t> back(bytes.size());
+  disc_.TheDisc.FetchBytes(1000, back);
+  EXPECT_EQ(back, bytes);
+  EXPECT_EQ(disc_.TheDisc.Fetch(999), 0);
+  EXPECT_EQ(disc_.TheDisc.Fetch(4000), 0);
+}
+
+TEST_P(EveryMedium, NegativeAddressesReadZeroAndAreNotWritten) {
+  Open();
+  disc_.TheDisc.Store(-1, 7);
+  EXPECT_EQ(disc_.TheDisc.Fetch(-1), 0);
+  std::vector<std::uint8_t> bytes(4, 9);
+  disc_.TheDisc.StoreBytes(-2, bytes);
+  EXPECT_EQ(disc_.TheDisc.Fetch(0), 9);
+  disc_.TheDisc.FetchBytes(-2, bytes);
+  EXPECT_EQ(bytes, (std::vector<std::uint8_t>{0, 0, 9, 9}));
+}
+
+TEST_P(EveryMedium, FarAddressesReadZeroOnceTheStoreEnds) {
+  Open();
+  std::vector<std::uint8_t> bytes(2000, 1);
+  disc_.TheDisc.FetchBytes(std::int64_t{0xFFFFFF} * 256, bytes);
+  EXPECT_EQ(bytes, std::vector<std::uint8_t>(2000, 0));
+  const std::int64_t end = disc_.TheDisc.EndOfData();
+  EXPECT_LE(end, DiscImg::kPartitionBytes);
+  std::fill(bytes.begin(), bytes.end(), 1);
+  disc_.TheDisc.FetchBytes(end, bytes);
+  EXPECT_EQ(bytes, std::vector<std::uint8_t>(2000, 0));
+}
+
+TEST_P(EveryMedium, NeitherStoringNorFetchingMarksTheDiscAsChanged) {
+  Open();
+  disc_.TheDisc.Store(1, 1);
+  disc_.TheDisc.Fetch(1);
+  EXPECT_FALSE(disc_.ImageChanged);
+}
+
+TEST_P(EveryMedium, TheMediumIsReadableAfterCloseFile) {
+  Open();
+  disc_.TheDisc.Store(600, 1);
+  disc_.TheDisc.CloseFile();
+  EXPECT_EQ(disc_.TheDisc.Fetch(600), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Store, EveryMedium, ::testing::ValuesIn(kMedia),
+                         [](const auto& medium) { return std::string(medium.param.Name); });
+
+}  // namespace
+}  // namespace sectorbox

@@ -1,0 +1,181 @@
+#include <QMenu>
+
+#include "tests/shell/commands/XferFixture.h"
+
+namespace sectorbox::testing {
+namespace {
+
+TEST_F(XferTest, EachPortEntryTellsItsDevice) {
+  StartWired();
+  Q_EMIT Find<QMenu>("mnuXferSerial").aboutToShow();
+  EXPECT_EQ(window_->Action("mnuXferSerialCom2")->statusTip(),
+            QString::fromStdString(line.Device()));
+}
+
+TEST_F(XferTest, OnePortAndOneSpeedAreTickedAndKeptAtTheEnd) {
+  Start();
+  // Twice: what is ticked stays so when it is chosen again.
+  for (int i = 0; i < 2; ++i) {
+    Choose("mnuXferSerialCom3");
+    Choose("mnuXferSerial4800");
+  }
+  for (const char* off :
+       {"mnuXferSerialCom1", "mnuXferSerialCom2", "mnuXferSerialCom4", "mnuXferSerial19200",
+        "mnuXferSerial9600", "mnuXferSerial2400", "mnuXferSerial1200"}) {
+    EXPECT_FALSE(window_->Checked(off)) << off;
+  }
+  EXPECT_TRUE(window_->Checked("mnuXferSerialCom3"));
+  EXPECT_TRUE(window_->Checked("mnuXferSerial4800"));
+  window_->close();
+  EXPECT_EQ(SettingsStore().GetInt16("ComPort", 0), 3);
+  EXPECT_EQ(SettingsStore().GetInt16("BaudRate", 0), 4800);
+}
+
+TEST_F(XferTest, AReceivedDiscIsShownAndLoadedAndTheEndSaysQ) {
+  line.Bbc.Drives[0] = ImageBuilder(640).Bytes();
+  line.Bbc.SetBuffer(64);
+  StartWired();
+  window_->Action("mnuOptionsAutoLoad")->setChecked(true);
+  const std::string file = folder_ / "got.adf";
+  player_.ExpectFileDialog(file);
+  Choose("mnuXferRX0");
+  ASSERT_NE(Dialog(), nullptr);
+  EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Receive Image"));
+  EXPECT_EQ(In<QLabel>(*Dialog(), "lblTot")->text(), QStringLiteral("Read 640 of 640"));
+  EXPECT_EQ(In<QLabel>(*Dialog(), "lblRX")->text(), QStringLiteral("Receiving Sectors 576 to 639"));
+  EXPECT_EQ(In<QProgressBar>(*Dialog(), "pb")->value(), 100);
+  EXPECT_EQ(In<QLineEdit>(*Dialog(), "txtRetry")->text(), QStringLiteral("0"));
+  EXPECT_TRUE(In<QPushButton>(*Dialog(), "cmdOK")->isEnabled());
+  In<QPushButton>(*Dialog(), "cmdOK")->click();
+  Settle();
+  EXPECT_EQ(ReadAll(file), line.Bbc.Drives[0]);
+  EXPECT_EQ(window_->windowTitle(), QStringLiteral("Sectorbox - ") + QString::fromStdString(file));
+  window_->close();
+  QTest::qWait(100);
+  line.Stop();
+  EXPECT_EQ(line.Bbc.Quits, 1);
+}
+
+TEST_F(XferTest, ASpeedOrPortThatIsChosenClosesThePortAndCountsAtTheNextTransfer) {
+  line.Bbc.Drives[0] = NoiseDisc(64, {});
+  line.Bbc.SetBuffer(64);
+  StartWired();
+  const auto receive = [&] {
+    player_.ExpectFileDialog(folder_ / "x.dat");
+    Choose("mnuXferRX0");
+    EXPECT_TRUE(TheLink().Port.PortOpen());
+  };
+  receive();
+  receive();
+  Choose("mnuXferSerial9600");
+  EXPECT_FALSE(TheLink().Port.PortOpen());
+  receive();
+  Choose("mnuXferSerialCom2");
+  EXPECT_FALSE(TheLink().Port.PortOpen());
+  receive();
+  line.Stop();
+  std::vector<std::string> speeds;
+  for (const auto& command : line.Bbc.Heard) {
+    if (command[0] == 'S') speeds.push_back(command);
+  }
+  EXPECT_EQ(speeds, (std::vector<std::string>{"S19200|", "S9600|", "S9600|"}));
+}
+
+// Its replies would be taken for those of the transfer that runs.
+TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
+  line.Bbc.Drives[0] = NoiseDisc(64, {});
+  line.Bbc.SetBuffer(4);
+  StartWired();
+  WhenTraced(QStringLiteral("Read 8 of 64"), [&] {
+    for (const char* entry : {"mnuXferRX1", "mnuXferDTX0", "mnuXferCli", "mnuXferBasic",
+                              "mnuXferFormat", "mnuXferSerialReconnect"}) {
+      Choose(entry);
+    }
+  });
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  Choose("mnuXferRX0");
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), line.Bbc.Drives[0]);
+  // The dialog of a transfer whose OK nobody pressed makes room for the next.
+  QDialog* first = Dialog();
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  Choose("mnuXferTX0");
+  ASSERT_NE(Dialog(), nullptr);
+  EXPECT_EQ(Dialog()->windowTitle(), QStringLiteral("Send Image"));
+  EXPECT_NE(Dialog(), first);
+  line.Stop();
+  EXPECT_EQ(line.Bbc.Heard[0], "S19200|");
+  EXPECT_EQ(std::count(line.Bbc.Heard.begin(), line.Bbc.Heard.end(), "S19200|"), 1);
+}
+
+TEST_F(XferTest, ASilentBbcIsSaidSo) {
+  line.Bbc.Faults.Mute = true;
+  StartWired();
+  player_.ExpectBox(QStringLiteral("Beeb Not Responding"), QStringLiteral("Sectorbox"));
+  Choose("mnuXferSerialReconnect");
+}
+
+TEST_F(XferTest, AStarCommandShowsItsOutputAndClearsItself) {
+  line.Bbc.StarReplies["CAT"] = {{0, "Title\r"}};
+  StartWired();
+  Choose("mnuXferSerialReconnect");
+  player_.Expect([&](QWidget& dialog) {
+    auto* command = In<QLineEdit>(dialog, "txtCmd");
+    command->setText(QStringLiteral("CAT"));
+    QTest::keyClick(command, Qt::Key_Return);
+    EXPECT_EQ(In<QPlainTextEdit>(dialog, "rtbCLI")->toPlainText(), QStringLiteral("Title\n"));
+    EXPECT_EQ(command->text(), QString());
+    dialog.close();
+  });
+  Choose("mnuXferCli");
+  line.Stop();
+  EXPECT_EQ(line.Bbc.Heard, (std::vector<std::string>{"S19200|", "*CAT|"}));
+}
+
+TEST_F(XferTest, CancelOnAnIdleBootstrapClosesItAndLeavesTheAbortFlagSet) {
+  StartWired();
+  player_.Expect([&](QWidget& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Send Basic Program"));
+    EXPECT_EQ(In<QLabel>(dialog, "Label7")->text(), QStringLiteral("*FX 2,1"));
+    In<QPushButton>(dialog, "cmdCancel")->click();
+    EXPECT_FALSE(dialog.isVisible());
+  });
+  Choose("mnuXferBasic");
+  EXPECT_TRUE(TheLink().AbortRequested);
+}
+
+// Each line end of the trace is two characters, whatever the text box makes of it.
+TEST_F(XferTest, TheTraceWindowCountsItsLineEndsAsTheTwoCharactersThatTheyAre) {
+  StartWired();
+  Choose("mnuXferTracewindow");
+  auto* text = In<QPlainTextEdit>(*TraceWindow(), "txtTrace");
+  const auto fill = [&](int lines) {
+    QString all;
+    for (int i = 0; i < lines; ++i) all += QStringLiteral("%1\r\n").arg(i, 6, 10, QChar(u'0'));
+    text->setPlainText(all);
+  };
+  fill(4000);  // 32000 characters
+  TheLink().Host.ShowTrace("one\r\n");
+  EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("000000\n")));
+  fill(4001);
+  TheLink().Host.ShowTrace("two\r\n");
+  EXPECT_TRUE(text->toPlainText().startsWith(QStringLiteral("000512\n")));
+  EXPECT_TRUE(text->toPlainText().endsWith(QStringLiteral("004000\ntwo\n")));
+}
+
+TEST_F(XferTest, ATraceWindowOfMoreThan32000CharactersLosesItsFirst4096) {
+  StartWired();
+  Choose("mnuXferTracewindow");
+  auto* trace = window_->findChild<QWidget*>(QStringLiteral("frmTrace"));
+  auto* text = In<QPlainTextEdit>(*trace, "txtTrace");
+  text->setPlainText(QString(4096, u'a') + QString(32000 - 4096, u'b'));
+  TheLink().Host.ShowTrace("one\r\n");
+  EXPECT_TRUE(text->toPlainText().startsWith(u'a'));
+  text->setPlainText(QString(4096, u'a') + QString(32001 - 4096, u'b'));
+  TheLink().Host.ShowTrace("two\r\n");
+  EXPECT_EQ(text->toPlainText(), QString(32001 - 4096, u'b') + QStringLiteral("two\n"));
+  QTest::keyClick(text, Qt::Key_X);
+  EXPECT_FALSE(text->toPlainText().contains(u'x'));
+}
+
+}  // namespace
+}  // namespace sectorbox::testing

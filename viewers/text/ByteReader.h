@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "disc/catalogue/Catalogue.h"
+#include "disc/store/Disc.h"
+
+namespace sectorbox {
+
+// Bytes of the open image for a generator, fetched a stretch at a time. The image may be changed
+// by the user whenever the window lets events run, so a generator forgets the stretch after each
+// text that it shows, and sees the same bytes as with single fetches.
+class ByteReader {
+ public:
+  explicit ByteReader(Disc& disc) : disc_(disc) {}
+
+  // The byte at a store offset; zero outside the image.
+  std::uint8_t At(std::int64_t offset) {
+    const auto index = static_cast<std::uint64_t>(offset - start_);
+    return index < held_ ? bytes_[index] : Refill(offset);
+  }
+  void Forget() { held_ = 0; }
+
+ private:
+  std::uint8_t Refill(std::int64_t offset);
+
+  Disc& disc_;
+  std::int64_t start_ = 0;
+  std::uint64_t held_ = 0;
+  std::array<std::uint8_t, 64> bytes_{};
+};
+
+// Bytes of the open image: the store's in memory, the file's for a .dat (and the two blocks that
+// may not have reached it yet), the partition's for a card.
+std::int64_t ImageLength(Disc& disc);
+
+// Where a file lies in the store, taken from the Sector and Size columns of its row.
+struct FileExtent {
+  std::int64_t Start = 0;
+  // No file is longer than the image that holds it: a length beyond that is damage, and counts as
+  // the image's, so that no view runs on for gigabytes. A length that merely reaches past the end
+  // of the image stays, and shows the zeros that are read there.
+  std::int64_t Length = 0;
+};
+FileExtent ExtentOf(Disc& disc, const ListRow& row);
+
+// Start and length from the texts of a row's columns.
+FileExtent MakeExtent(Disc& disc, const std::string& sectorText, std::uint32_t length);
+
+}  // namespace sectorbox

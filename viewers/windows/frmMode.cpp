@@ -1,0 +1,162 @@
+#include "viewers/windows/frmMode.h"
+
+#include <QApplication>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QMenu>
+#include <QVBoxLayout>
+
+#include "disc/catalogue/Adfs.h"
+#include "toolkit/Text.h"
+#include "toolkit/WindowPlace.h"
+#include "viewers/picture/Colours.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr int kFlashingMode = 2;
+constexpr QSize kWindowSize{680, 662};
+
+// Entries without an action: the palette is changed by its buttons.
+constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Green", "Yellow",
+                                                       "Blue",  "Magenta", "Cyan",  "White"};
+
+}  // namespace
+
+frmMode::frmMode(Disc& disc, CurrentRow row) : disc_(disc), row_(std::move(row)) {
+  setObjectName(QStringLiteral("frmMode"));
+  setAttribute(Qt::WA_DeleteOnClose);
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
+  Picture1_ = new PictureBox(this);
+  Picture1_->Show(Picture(kScreenWidth, kScreenHeight, kBlack));
+  layout->addWidget(Picture1_, 0, Qt::AlignLeft | Qt::AlignTop);
+  layout->addStretch();
+  layout->addLayout(MakeControls());
+  layout->addStretch();
+  MakeMenus(*layout);
+  Timer1_.setObjectName(QStringLiteral("Timer1"));
+  Timer1_.setParent(this);
+  Timer1_.setInterval(kFlashMilliseconds);
+  connect(&Timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
+  setFixedSize(kWindowSize);
+  RestorePlace(*this, kModePlace);
+}
+
+QLayout* frmMode::MakeControls() {
+  auto* frame = new QGroupBox(QStringLiteral("Colour Palette"), this);
+  frame->setObjectName(QStringLiteral("Frame1"));
+  auto* inFrame = new QHBoxLayout(frame);
+  for (std::size_t i = 0; i < cmdPalet_.size(); ++i) {
+    cmdPalet_[i] = new ColourButton(frame, QStringLiteral("cmdPalet%1").arg(i));
+    cmdPalet_[i]->SetSpokenName(QStringLiteral("Colour %1").arg(i));
+    connect(cmdPalet_[i], &QPushButton::clicked, this,
+            [this, i] { cmdPalet_Click(static_cast<int>(i)); });
+    inFrame->addWidget(cmdPalet_[i]);
+  }
+  auto* reset = new QPushButton(QStringLiteral("Reset"), frame);
+  reset->setObjectName(QStringLiteral("cmdReset"));
+  connect(reset, &QPushButton::clicked, this, [this] { cmdReset_Click(); });
+  inFrame->addWidget(reset);
+  auto* modes = new QHBoxLayout;
+  modes->setSpacing(4);
+  // The frame's title is above its buttons; as much above these puts all of them on one line.
+  modes->setContentsMargins(0, frame->contentsMargins().top(), 0,
+                            frame->contentsMargins().bottom());
+  for (const ScreenMode& mode : kScreenModes) {
+    auto* button = new QPushButton(QStringLiteral("Mode %1").arg(mode.Mode), this);
+    button->setObjectName(QStringLiteral("cmdMode%1").arg(mode.Mode));
+    button->setMaximumWidth(58);
+    connect(button, &QPushButton::clicked, this, [this, number = mode.Mode] {
+      Tag = number;
+      Show_File();
+    });
+    modes->addWidget(button);
+  }
+  auto* controls = new QHBoxLayout;
+  controls->addLayout(modes);
+  controls->addStretch();
+  controls->addWidget(frame);
+  return controls;
+}
+
+void frmMode::MakeMenus(QLayout& layout) {
+  menu_ = std::make_unique<PictureMenu>(*this, layout);
+  menu_->Save = [this] { SavePictureAs(*this, Picture1_->Shown(), DefaultName); };
+  menu_->Print = [this] { PrintPictureOnDefault(*this, Picture1_->Shown(), SetUpPrinter); };
+  QMenu* colours = menu_->Bar(QStringLiteral("mnuColour"), QStringLiteral("Colours"));
+  for (const char* name : kColourEntries) {
+    const QString caption = QString::fromLatin1(name);
+    colours->addAction(caption)->setObjectName(QStringLiteral("mnuColour") + caption);
+  }
+}
+
+void frmMode::Show_File() {
+  Picture1_->Show(Picture(kScreenWidth, kScreenHeight, kBlack));
+  Timer1_.stop();
+  if (Tag == kFlashingMode) {
+    FlashOn = false;
+    Timer1_.start();
+  }
+  Render();
+}
+
+void frmMode::Render() {
+  const ScreenMode* mode = FindScreenMode(Tag);
+  if (mode == nullptr) return;
+  const ListRow* row = row_();
+  if (row == nullptr) {
+    close();
+    return;
+  }
+  setWindowTitle(QString::fromLatin1(mode->Caption) + FromBbc(row->Name()));
+  DefaultName = row->Name();
+  const CurrentColours colours = FindCurrentColours(*mode, palette_, FlashOn);
+  SetPaletteButtons(*mode, colours);
+  // A directory's row has neither size nor sector: its screen is empty.
+  const auto sector = static_cast<std::int32_t>(ParseHex(row->Columns[kColSector]));
+  const auto bytes = ReadScreen(disc_, *mode, sector, ParseHex(row->Columns[kColSize]));
+  Picture1_->Show(DrawScreen(*mode, bytes, colours));
+}
+
+void frmMode::SetPaletteButtons(const ScreenMode& mode, const CurrentColours& colours) {
+  for (std::size_t i = 0; i < cmdPalet_.size(); ++i) {
+    const bool used = i < static_cast<std::size_t>(mode.BaseColours);
+    cmdPalet_[i]->setEnabled(used);
+    if (used) {
+      cmdPalet_[i]->SetBackColour(colours[i]);
+    } else {
+      cmdPalet_[i]->ClearBackColour();
+    }
+  }
+}
+
+void frmMode::cmdPalet_Click(int index) {
+  frmPalette dialog(this);
+  dialog.exec();
+  const ScreenMode* mode = FindScreenMode(Tag);
+  if (SelectedColour == -1 || mode == nullptr) return;
+  palette_.Set(*mode, index, static_cast<Colour>(SelectedColour));
+  Show_File();
+}
+
+void frmMode::cmdReset_Click() {
+  if (const ScreenMode* mode = FindScreenMode(Tag)) palette_.Reset(*mode);
+  Show_File();
+}
+
+// Draws directly: Show_File would begin the flashing anew.
+void frmMode::Timer1_Timer() {
+  FlashOn = !FlashOn;
+  // Without a row Render closes the window, and would take away a dialog that is still being asked.
+  if (row_() == nullptr && QApplication::activeModalWidget() != nullptr) return;
+  Render();
+}
+
+void frmMode::closeEvent(QCloseEvent* event) {
+  Timer1_.stop();
+  SavePlace(*this, kModePlace);
+  QWidget::closeEvent(event);
+}
+
+}  // namespace sectorbox

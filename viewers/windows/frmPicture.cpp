@@ -1,0 +1,115 @@
+#include "viewers/windows/frmPicture.h"
+
+#include <QLayout>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPrinter>
+#include <QStyle>
+#include <QStyleOptionFrame>
+#include <algorithm>
+#include <utility>
+
+#include "disc/exchange/HostExchange.h"
+#include "toolkit/Boxes.h"
+#include "toolkit/FileDialogs.h"
+#include "viewers/picture/PictureFile.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr int kBorder = 2;
+constexpr int kPixelsPerInch = 96;
+
+// The pixels themselves, not a copy: the picture must outlive the image.
+QImage ImageOf(const Picture& picture) {
+  const qsizetype bytesPerLine = qsizetype{picture.Width} * qsizetype{sizeof(Colour)};
+  return {reinterpret_cast<const uchar*>(picture.Pixels.data()), picture.Width, picture.Height,
+          bytesPerLine, QImage::Format_RGB32};
+}
+
+}  // namespace
+
+PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
+  setObjectName(QStringLiteral("Picture1"));
+}
+
+void PictureBox::Show(Picture picture) {
+  picture_ = std::move(picture);
+  setFixedSize(picture_.Width + 2 * kBorder, HeightFor(picture_.Height));
+  update();
+}
+
+int PictureBox::HeightFor(int rows) {
+  return rows + 2 * kBorder;
+}
+
+void PictureBox::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  QStyleOptionFrame frame;
+  frame.initFrom(this);
+  frame.state |= QStyle::State_Sunken;
+  frame.lineWidth = 1;
+  style()->drawPrimitive(QStyle::PE_Frame, &frame, &painter, this);
+  // In pixels of the screen from here on, and of the whole screen: at a scale between whole numbers
+  // the box itself may begin within a pixel. The painter's own transform tells the scale, as its
+  // device doesn't when the box is rendered elsewhere.
+  const QTransform toScreen = painter.deviceTransform();
+  painter.setWorldTransform(toScreen.inverted());
+  const int square = std::max(1, static_cast<int>(toScreen.m11()));
+  const QSize size(picture_.Width * square, picture_.Height * square);
+  const QPointF middle = toScreen.map(QRectF(rect()).center());
+  const QPoint corner = (middle - QPointF(size.width(), size.height()) / 2).toPoint();
+  painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+  painter.drawImage(QRect(corner, size), ImageOf(picture_));
+}
+
+PictureMenu::PictureMenu(QWidget& window, QLayout& layout) : bar_(new QMenuBar(&window)) {
+  layout.setMenuBar(bar_);
+  QMenu* file = Bar(QStringLiteral("mnuFile"), QStringLiteral("&File"));
+  const auto add = [file](const char* name, const char* caption) {
+    QAction* action = file->addAction(QString::fromLatin1(caption));
+    action->setObjectName(QString::fromLatin1(name));
+    return action;
+  };
+  QObject::connect(add("mnuFileSave", "&Save File..."), &QAction::triggered, &window,
+                   [this] { Save(); });
+  QObject::connect(add("mnuFilePrint", "&Print File"), &QAction::triggered, &window,
+                   [this] { Print(); });
+  QObject::connect(add("mnuFileClose", "&Close"), &QAction::triggered, &window,
+                   [&window] { window.close(); });
+}
+
+QMenu* PictureMenu::Bar(const QString& name, const QString& caption) const {
+  QMenu* menu = bar_->addMenu(caption);
+  menu->setObjectName(name);
+  return menu;
+}
+
+void SavePictureAs(QWidget& window, const Picture& picture, const std::string& DefaultName) {
+  const std::string path =
+      AskSaveFile(&window, {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*",
+                            AdfsToHostName(DefaultName) + ".bmp"});
+  if (!path.empty()) SaveBmp(picture, path);
+}
+
+bool PrintPicture(const Picture& picture, QPrinter& printer) {
+  printer.setResolution(kPixelsPerInch);
+  printer.setFullPage(false);
+  QPainter page;
+  if (!page.begin(&printer)) return false;
+  page.drawImage(QPoint(0, 0), ImageOf(picture));
+  return page.end();
+}
+
+void PrintPictureOnDefault(QWidget& window, const Picture& picture,
+                           const std::function<void(QPrinter&)>& setUp) {
+  QPrinter printer;
+  if (setUp) setUp(printer);
+  const bool nowhere =
+      printer.outputFormat() == QPrinter::PdfFormat && printer.outputFileName().isEmpty();
+  if (nowhere || !PrintPicture(picture, printer)) {
+    ShowBox(&window, QStringLiteral("There is no printer to print on."));
+  }
+}
+
+}  // namespace sectorbox

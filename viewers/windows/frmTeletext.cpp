@@ -1,0 +1,66 @@
+#include "viewers/windows/frmTeletext.h"
+
+#include <QVBoxLayout>
+
+#include "disc/catalogue/Adfs.h"
+#include "toolkit/Text.h"
+#include "toolkit/WindowPlace.h"
+#include "viewers/picture/Teletext.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr int kWidth = 520;
+constexpr int kExtraHeight = 110;  // of the window over the rows of the page
+
+}  // namespace
+
+frmTeletext::frmTeletext(QWidget* parent, Disc& disc, CurrentRow row, const TeletextFont& font)
+    : QDialog(parent), disc_(disc), row_(std::move(row)), font_(font) {
+  setObjectName(QStringLiteral("frmTeletext"));
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
+  Picture1_ = new PictureBox(this);
+  layout->addWidget(Picture1_, 0, Qt::AlignLeft | Qt::AlignTop);
+  menu_ = std::make_unique<PictureMenu>(*this, *layout);
+  menu_->Save = [this] { SavePictureAs(*this, Picture1_->Shown(), DefaultName); };
+  menu_->Print = [this] { PrintPictureOnDefault(*this, Picture1_->Shown(), SetUpPrinter); };
+  RestorePlace(*this, kTeletextPlace);
+  Show_File();
+  Timer1_.setObjectName(QStringLiteral("Timer1"));
+  Timer1_.setParent(this);
+  connect(&Timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
+  Timer1_.start(kFlashMilliseconds);
+}
+
+void frmTeletext::Show_File() {
+  if (Tag != 0) return;
+  const ListRow* row = row_();
+  if (row == nullptr) {
+    close();
+    return;
+  }
+  setWindowTitle(QString::fromLatin1(kTeletextCaption) + FromBbc(row->Name()));
+  DefaultName = row->Name();
+  // A directory's row has neither size nor sector: its page is empty.
+  const auto sector = static_cast<std::int32_t>(ParseHex(row->Columns[kColSector]));
+  const auto codes = ReadTeletextPage(disc_, sector, ParseHex(row->Columns[kColSize]));
+  const int height = static_cast<int>(codes.size()) / kTeletextColumns * TeletextFont::kCellHeight;
+  Picture1_->Show(DrawTeletext(codes, font_, FlashPhase));
+  // The picture of no rows is as high as the border alone and fills it.
+  Picture1_->setFixedHeight(PictureBox::HeightFor(height));
+  setFixedSize(kWidth, height + kExtraHeight);
+}
+
+void frmTeletext::Timer1_Timer() {
+  FlashPhase = static_cast<std::int16_t>(1 - FlashPhase);
+  Show_File();
+}
+
+void frmTeletext::done(int result) {
+  Timer1_.stop();
+  SavePlace(*this, kTeletextPlace);
+  QDialog::done(result);
+}
+
+}  // namespace sectorbox

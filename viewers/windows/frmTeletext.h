@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDialog>
+#include <QTimer>
+
+#include "disc/store/Disc.h"
+#include "viewers/picture/TeletextFont.h"
+#include "viewers/windows/frmPicture.h"
+
+namespace sectorbox {
+
+// A file as a teletext page, flashing twice a second. Shown modally (exec), so nothing changes the
+// disc under its timer.
+class frmTeletext : public QDialog {
+  Q_OBJECT
+
+ public:
+  // disc and what row gives outlive the window.
+  frmTeletext(QWidget* parent, Disc& disc, CurrentRow row, const TeletextFont& font);
+
+  // Draws the page of the current row if the Tag is 0; closes the window if there is no row.
+  void Show_File();
+  // Closes the window and keeps its place.
+  void done(int result) override;
+
+  int Tag = 0;
+  std::int16_t FlashPhase = 0;
+  std::string DefaultName;                      // offered by the save dialog, without extension
+  std::function<void(QPrinter&)> SetUpPrinter;  // may change the default printer's settings
+
+ private:
+  void Timer1_Timer();
+
+  Disc& disc_;
+  CurrentRow row_;
+  TeletextFont font_;
+  PictureBox* Picture1_;
+  QTimer Timer1_;
+  std::unique_ptr<PictureMenu> menu_;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,156 @@
+// Finding embedded commands and their arguments, and running them now or later.
+#include "viewers/wordwise/WordwiseCommands.h"
+
+#include <algorithm>
+
+#include "disc/catalogue/Adfs.h"
+#include "viewers/wordwise/WordwiseFormatter.h"
+
+namespace sectorbox {
+
+using namespace wordwise;
+
+namespace {
+
+constexpr std::int32_t kCommandLength = 3;  // the start and two letters
+
+bool IsDigit(std::uint8_t c) {
+  return c >= '0' && c <= '9';
+}
+
+}  // namespace
+
+void WordwiseFormatter::DoCommand() {
+  const WordwiseCommand* command = ParseCommand();
+  if (command != nullptr) return ExecCommand(*command);
+  ++Pos;
+  SkipArgs();
+}
+
+// The command whose start Pos stands on, or none with EndFlag set. A control character where the
+// first letter should be is passed over in silence.
+const WordwiseCommand* WordwiseFormatter::ParseCommand() {
+  EndFlag = true;
+  const std::uint8_t first = ByteOrZero(std::int64_t{Pos} + 1);
+  if (first < 32) return nullptr;
+  const std::uint8_t second = ByteOrZero(std::int64_t{Pos} + 2);
+  const std::string letters =
+      UpperCase(std::string{static_cast<char>(first), static_cast<char>(second)});
+  for (const WordwiseCommand& command : kWordwiseCommands) {
+    if (std::string_view(letters).substr(0, command.Name.size()) != command.Name) continue;
+    EndFlag = false;
+    return &command;
+  }
+  // Once the window is to be closed, no more boxes stand in its way.
+  if (!view_.Finished) {
+    view_.ShowMessage("Unrecognised Command " + letters);
+    reader_.Forget();
+  }
+  return nullptr;
+}
+
+void WordwiseFormatter::ExecCommand(const WordwiseCommand& command) {
+  switch (command.Class) {
+    case WordwiseClass::kAtOnce:
+      Pos += kCommandLength;
+      DoDirective(command.Directive);
+      SkipArgs();
+      return;
+    case WordwiseClass::kAtLineStart:
+      if (LineIsEmpty()) {
+        Pos += kCommandLength;
+        DoDirective(command.Directive);
+        return;
+      }
+      // Pos stands on the command's start, so nothing is skipped and Pos ends one before it: the
+      // line ends here, and the next one begins with the same command.
+      SkipArgs();
+      Ch = kLineBroken;
+      EndFlag = true;
+      return;
+    case WordwiseClass::kDeferred:
+      Defer();
+      return;
+  }
+}
+
+// Notes the command for the moment when the cell at LinePos has been printed.
+void WordwiseFormatter::Defer() {
+  std::uint8_t& cell = CellAt(LinePos);
+  const bool newGroup = (cell & format::kTopBit) == 0;
+  if (newGroup && DeferredIndex != 0) ++DeferredIndex;
+  SetDeferred(DeferredIndex, Pos);
+  SetDeferred(DeferredIndex + 1, 0);
+  ++DeferredIndex;
+  ++Pos;
+  SkipArgs();
+  cell |= format::kTopBit;
+  EndFlag = false;
+}
+
+// Runs one group. A group ends with DeferredIndex on its closing zero, and nothing steps past that:
+// the second group of a line first runs the zero as if it were a command at the document's start,
+// and reads the bytes at offsets 1 and 2 as its letters. Where they are none, a box appears, as it
+// always has on lines with, say, US and UE at two places.
+void WordwiseFormatter::RunDeferred() {
+  const SavedPos saved = SavePos();
+  do {
+    Pos = DeferredAt(DeferredIndex);
+    if (const WordwiseCommand* command = ParseCommand()) {
+      Pos += kCommandLength;
+      DoDirective(command->Directive);
+      SkipArgs();
+    }
+    ++DeferredIndex;
+  } while (DeferredAt(DeferredIndex) != 0);
+  RestorePos(saved);
+}
+
+std::int32_t WordwiseFormatter::DeferredAt(std::size_t index) const {
+  return index < Deferred.size() ? Deferred[index] : 0;
+}
+
+void WordwiseFormatter::SetDeferred(std::size_t index, std::int32_t pos) {
+  if (index >= Deferred.size()) Deferred.resize(index + 1);
+  Deferred[index] = pos;
+}
+
+void WordwiseFormatter::SkipArgs() {
+  do {
+    SkipArg();
+  } while (EndFlag);
+}
+
+// To the end of the argument: onto the byte that ends the command, one before the start of another
+// command, or behind a comma, which alone sets EndFlag.
+void WordwiseFormatter::SkipArg() {
+  EndFlag = false;
+  if (Pos >= DocLen) return;
+  const auto stop =
+      static_cast<std::int32_t>(argumentScan_.Search(Pos, DocLen, [this](std::int64_t at) {
+        const std::uint8_t c = Byte(at);
+        return c == kCommandEnd || c == kParagraphEnd || c == kCommandStart || c == ',';
+      }));
+  Ch = Byte(std::min(stop, DocLen - 1));
+  Pos = stop;
+  if (stop == DocLen) return;
+  if (Ch == kCommandStart) --Pos;
+  if (Ch != ',') return;
+  ++Pos;
+  EndFlag = true;
+}
+
+// Up to three digits at Pos, which stays; Count is their number. EndFlag is set where there is
+// none.
+std::int16_t WordwiseFormatter::ReadNumber() {
+  std::int16_t number = 0;
+  for (Count = 0; Count < 3; ++Count) {
+    const std::uint8_t digit = ByteOrZero(std::int64_t{Pos} + Count);
+    if (!IsDigit(digit)) break;
+    number = static_cast<std::int16_t>(number * 10 + (digit - '0'));
+  }
+  EndFlag = Count == 0;
+  return number;
+}
+
+}  // namespace sectorbox

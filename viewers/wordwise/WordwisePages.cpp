@@ -1,0 +1,136 @@
+#include <algorithm>
+#include <limits>
+
+#include "viewers/wordwise/Wordwise.h"
+#include "viewers/wordwise/WordwiseFormatter.h"
+
+namespace sectorbox {
+namespace {
+
+constexpr const char* kWordwiseAddress = "FFFFFFFF";
+constexpr int kWiderTwips = 50;
+
+// Room for the few steps that Pos goes beyond the end.
+constexpr std::int64_t kLongestDocument = std::numeric_limits<std::int32_t>::max() - 1024;
+
+}  // namespace
+
+void ShowWordwise(Disc& disc, const ListRow& row, TextView& view) {
+  SetFileCaption(view, "View File - ", row.Name());
+  if (row.Columns[kColLoad] != kWordwiseAddress || row.Columns[kColExec] != kWordwiseAddress) {
+    view.ShowData("This does not appear to be a WordWise Document");
+    view.Finished = true;
+    return;
+  }
+  view.WidenWindow(kWiderTwips);
+  view.Style = TextStyle();
+  WordwiseFormatter(disc, ExtentOf(disc, row), view).Format();
+  EndView(view);
+}
+
+WordwiseFormatter::WordwiseFormatter(Disc& disc, const FileExtent& document, TextView& view)
+    : disc_(disc),
+      start_(document.Start),
+      DocLen(static_cast<std::int32_t>(std::min(document.Length, kLongestDocument))),
+      view_(view),
+      reader_(disc) {}
+
+void WordwiseFormatter::Format() {
+  BeginPage();
+  while (FormatLine()) EmitLineEnds();
+}
+
+// Reads the page's first line ahead and forgets it, so that the commands at the top of a page act
+// before its head is printed. They act twice, then: an unknown one shows its box twice.
+void WordwiseFormatter::BeginPage() {
+  const std::int32_t pos = Pos;
+  ReadLine();
+  Pos = pos;
+  LineCount = 1;
+}
+
+// One line without its line ends, whose number it leaves in Count. False at the document's end.
+bool WordwiseFormatter::FormatLine() {
+  if (Paged && LineCount == 1) PageHead();
+  ReadLine();
+  if (EndFlag && Ch == wordwise::kSkip) {
+    Count = SkipCount;
+    // Deferred commands of this line may count something of their own, and so change how many
+    // lines are skipped.
+    OutputLine();
+    if (Count != 0) return true;
+  }
+  AdjustLine();
+  const bool last = EndFlag && Ch == wordwise::kDocumentEnd;
+  OutputLine();
+  if (last) return false;
+  if (Centring && --CentreLines == 0) Centring = false;
+  Count = LineSpacing;
+  return true;
+}
+
+// Count line ends; at least one, and a Count of 0 or less runs to the end of the page. Where the
+// page ends, so does this.
+void WordwiseFormatter::EmitLineEnds() {
+  do {
+    NewLine();
+    if (!EndFlag) {
+      PageFoot();
+      ++PageNumber;
+      BeginPage();
+      return;
+    }
+  } while (--Count != 0);
+}
+
+void WordwiseFormatter::NewLine() {
+  EmitChar(wordwise::kParagraphEnd);
+  ++LineCount;
+  EndFlag = PageLength - BottomSpace >= LineCount;
+}
+
+void WordwiseFormatter::PageHead() {
+  PageEdge(TopSpace, HeaderLine, HeaderPos);
+}
+
+// Not a matter of Paged: a continuous document has its bottom space and footer too, though no head.
+void WordwiseFormatter::PageFoot() {
+  PageEdge(BottomSpace, FooterLine, FooterPos);
+}
+
+// Both textLine and textPos are looked at line by line: the text's own commands may move it, and so
+// have it printed once more further down, or define it anew.
+void WordwiseFormatter::PageEdge(std::int16_t lines, const std::int16_t& textLine,
+                                 const std::int32_t& textPos) {
+  for (std::int16_t i = 0; i < lines; ++i) {
+    if (i == textLine) {
+      const SavedPos saved = SavePos();
+      Pos = textPos;
+      if (Pos != -1) {
+        ReadLine();
+        AdjustLine();
+        OutputLine();
+      }
+      RestorePos(saved);
+      Centring = false;
+      FlushRight = false;
+    }
+    NewLine();
+  }
+}
+
+WordwiseFormatter::SavedPos WordwiseFormatter::SavePos() const {
+  const auto value = static_cast<std::int16_t>(Pos);
+  return {value, value != Pos};
+}
+
+// The first lost place sends the formatter back, into what lies before the document and through the
+// document again. Losing it a second time would only go round for ever: the document ends there.
+void WordwiseFormatter::RestorePos(const SavedPos& saved) {
+  Pos = saved.Value;
+  if (!saved.Lost) return;
+  if (positionLost_) Pos = DocLen;
+  positionLost_ = true;
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,97 @@
+// Reading the document into the line buffer.
+#include <algorithm>
+
+#include "viewers/wordwise/WordwiseFormatter.h"
+
+namespace sectorbox {
+
+using namespace wordwise;
+
+// A line has room for one character at least: an indent that leaves none counts as none, or the
+// document would never come to its end.
+std::int16_t WordwiseFormatter::UsableIndent(std::int16_t indent) const {
+  return indent >= LineLength || indent > 255 ? std::int16_t{0} : indent;
+}
+
+void WordwiseFormatter::ReadLine() {
+  BreakLinePos = 0;
+  DeferredIndex = 0;
+  const std::int16_t n = Centring ? std::int16_t{0} : UsableIndent(Indent);
+  std::fill_n(LineBuffer.begin(), n + 1, kBlank);
+  LineStart = LinePos = n;
+  for (;;) {
+    NextChar();
+    if (EndFlag) return;
+    if (Ch == kTab) {
+      Tab();
+      continue;
+    }
+    Ch &= format::kLowBits;
+    if (LinePos >= LineLength) break;
+    CellAt(++LinePos) = Ch;
+  }
+  // The line is full. A blank that comes then is the gap between the lines; a word that fills the
+  // line on its own is cut; any other word is read again on the next line.
+  if (Ch == kBlank) {
+    EndFlag = false;
+  } else if (BreakLinePos == 0) {
+    --Pos;
+  } else {
+    LinePos = BreakLinePos;
+    Pos = BreakPos;
+    EndFlag = false;
+  }
+}
+
+// To the first stop beyond the next column, or nowhere where that column is a stop or lies beyond
+// them all.
+void WordwiseFormatter::Tab() {
+  const std::int32_t p = (LinePos + 1) % 256;
+  for (const std::int16_t stop : TabStops) {
+    if (p == stop) return;
+    if (p > stop) continue;
+    for (std::int32_t cell = p; cell < stop; ++cell) CellAt(cell) = PadChar;
+    LinePos = stop - 1;
+    MarkBreak();
+    return;
+  }
+}
+
+void WordwiseFormatter::MarkBreak() {
+  BreakPos = Pos;
+  BreakLinePos = LinePos;
+  EndFlag = false;
+}
+
+void WordwiseFormatter::EndDocument() {
+  Ch = kDocumentEnd;
+  EndFlag = true;
+}
+
+void WordwiseFormatter::NextChar() {
+  for (;;) {
+    if (++Pos >= DocLen) return EndDocument();
+    Ch = Byte(Pos);
+    switch (Ch) {
+      case kIgnored1:
+      case kIgnored2:
+        break;
+      case kBlank:
+      case kSoftComma:
+        return MarkBreak();
+      case kCommandStart:
+        DoCommand();
+        if (EndFlag) return;
+        break;
+      case kParagraphEnd:
+      case kDocumentEnd:
+        EndFlag = true;
+        return;
+      default:
+        EndFlag = false;
+        return;
+    }
+  }
+}
+
+}  // namespace sectorbox
