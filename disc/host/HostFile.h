@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "disc/host/HostPath.h"
+
 // Host files. Every failure is a HostError with the path and the system's text.
 namespace sectorbox {
 
@@ -22,6 +24,63 @@ void OverwriteHostFile(const std::string& path, std::uint64_t offset,
                        std::span<const std::uint8_t> bytes);
 // The last part of a path.
 std::string HostBaseName(const std::string& path);
+
+// How RandomAccessFile opens a file.
+enum class FileAccess {
+  kRead,   // the file must exist
+  kWrite,  // the file must exist; the host needs no right to read it, and ReadAt fails
+  // For reading and writing. A file that doesn't exist is created, empty. If the host lets us only
+  // read it, it is opened for reading, and WriteError tells why.
+  kCreateOrFallBack,
+};
+
+// One open host file whose bytes are read and written in place, at offsets in bytes from its start.
+// There is no position and no buffer: each call goes to the host. The object owns the open file.
+class RandomAccessFile {
+ public:
+  // No file is open. Only IsOpen, Open, Close and moves make sense then.
+  RandomAccessFile() = default;
+  RandomAccessFile(const std::string& path, FileAccess access) { Open(path, access); }
+  // Closes the file if it is open; an error that the host reports then is lost. Call Close to hear
+  // of it.
+  ~RandomAccessFile();
+  RandomAccessFile(RandomAccessFile&& other) noexcept;
+  RandomAccessFile& operator=(RandomAccessFile&& other) noexcept;
+  RandomAccessFile(const RandomAccessFile&) = delete;
+  RandomAccessFile& operator=(const RandomAccessFile&) = delete;
+
+  // Opens path, after closing what was open before (as the destructor does). HostError if the host
+  // refuses; no file is open then.
+  void Open(const std::string& path, FileAccess access);
+  [[nodiscard]] bool IsOpen() const { return file_ >= 0; }
+  // The path as it was given to Open.
+  [[nodiscard]] const std::string& Path() const { return path_; }
+  // Why the file could be opened only for reading: the host's error number (errno). 0 if it can be
+  // written.
+  [[nodiscard]] int WriteError() const { return writeError_; }
+
+  // Reads bytes from offset on and gives their count. The count is smaller than the span only at
+  // the end of the file, and 0 past it; the rest of the span stays as it was. HostError on failure.
+  [[nodiscard]] std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
+  // Writes all bytes from offset on. A file that ends before offset grows, with zeros between.
+  // HostError if the host doesn't take all of them, also if it takes none without an error; some
+  // may have been written then.
+  void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes);
+  // Bytes in the file now. HostError on failure.
+  [[nodiscard]] std::uint64_t Length() const;
+  // Returns when all that was written is on the medium. HostError on failure.
+  void Sync();
+  // The identity of the open file. HostError on failure.
+  [[nodiscard]] FileIdentity Identity() const;
+  // Closes the file; nothing happens if none is open. HostError if the host reports then that a
+  // write has failed; the file is closed all the same.
+  void Close();
+
+ private:
+  std::string path_;
+  int file_ = -1;  // the host's number of the open file, -1 if none is open
+  int writeError_ = 0;
+};
 
 // When the bytes of a replaced file have to be on the medium: before its name is, so that a power
 // cut too leaves a whole file; or whenever the host likes, for files that are copies of what a disc
