@@ -61,7 +61,8 @@ void Import(const std::string& folder, const std::string& image) {
   } else {
     CreateDisc(open.disc, image, 32, 4, 33, kDat);
   }
-  if (ImportFolder(open.disc, 2, folder) != 0) throw std::runtime_error("the import was refused");
+  if (ImportFolder(open.disc, 2, folder) != Outcome::kDone)
+    throw std::runtime_error("the import was refused");
   if (image.ends_with(".adl")) SaveImageTo(open.disc, image);
   open.disc.TheDisc.CloseFile();
 }
@@ -192,7 +193,8 @@ void DeleteAll(benchmark::State& state, std::uint32_t fileLength) {
   const std::vector<std::uint32_t> directories = image.DirectoryOfEachFile();
   const auto empty = [&] {
     OpenDisc open(image.Path());
-    if (DeleteTree(open.disc, -1, 2, "$", true, true) != 0) throw std::runtime_error("refused");
+    if (DeleteTree(open.disc, -1, 2, "$", true, true) != Outcome::kDone)
+      throw std::runtime_error("refused");
     open.disc.TheDisc.CloseFile();
   };
   Compare(state, {empty, [&] { image.Write(); }},

@@ -99,16 +99,16 @@ class Session {
         Add(dir, step[2], step[3]);
         break;
       case 1:
-        DeleteEntry(disc_, dir, name, (step[3] & 2) != 0, flag);
+        (void)DeleteEntry(disc_, dir, name, (step[3] & 2) != 0, flag);
         break;
       case 2:
         DeleteOne(dir, name, flag, (step[3] & 2) != 0);
         break;
       case 3:
-        RenameEntry(disc_, NewName(step[3]), name, dir, flag);
+        (void)RenameEntry(disc_, NewName(step[3]), name, dir, flag);
         break;
       case 4:
-        NewDirectory(disc_, dir, NewName(step[3]));
+        (void)NewDirectory(disc_, dir, NewName(step[3]));
         break;
       case 5:
         SetEntryAttributes(disc_, dir, name, flag, (step[3] & 2) != 0, (step[3] & 4) != 0);
@@ -117,7 +117,7 @@ class Session {
         SetEntryAddresses(disc_, dir, name, "FFFF1900", "xyz");
         break;
       case 7:
-        SetDirTitle(disc_, dir, name);
+        (void)SetDirTitle(disc_, dir, name);
         break;
       case 8:
         SetBootOption(disc_, step[3]);
@@ -159,13 +159,13 @@ class Session {
   void Add(std::int32_t dir, std::uint8_t which, std::uint8_t length) {
     const std::string path = Folder() / NewName(which);
     testing::WriteAll(path, Bytes(length * 40U, which));
-    AddFile(disc_, dir, path);
+    (void)AddFile(disc_, dir, path);
   }
   void DeleteOne(std::int32_t dir, const std::string& name, bool ignoreLock, bool nonEmpty) {
-    const std::int32_t slot = FindEntry(disc_, dir, name);
-    if (slot < 0 || !EntryHas(disc_, EntryOffset(dir, slot), format::kAttrDirectory)) return;
-    DeleteTree(disc_, dir, Fetch24(disc_, EntryOffset(dir, slot) + format::kEntrySector), name,
-               ignoreLock, nonEmpty);
+    const Directory directory = DirectoryAt(disc_, dir);
+    const std::int32_t slot = directory.Find(name);
+    if (slot < 0 || !directory.At(slot).IsDirectory()) return;
+    (void)DeleteTree(disc_, dir, directory.At(slot).Start(), name, ignoreLock, nonEmpty);
   }
   // Whatever the disc, a user sees the same objects with the same bytes afterwards.
   void Compact() {

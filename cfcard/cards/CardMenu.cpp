@@ -40,7 +40,7 @@ void RunEntry(Disc& disc, const std::function<void()>& dialog, const std::functi
     if (!disc.ProgressRunning || !work()) OpenBlankImage(disc);
   } catch (const HostError&) {
     // A host file failed. The panes still have to show the disc that is open now.
-    if (disc.TheDisc.disctype() == kCF && disc.TheDisc.DeviceIsOpen()) {
+    if (disc.TheDisc.DeviceIsOpen()) {
       ReadFreeMap(disc);
     } else {
       OpenBlankImage(disc);

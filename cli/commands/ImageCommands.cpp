@@ -1,6 +1,7 @@
 // Whole images: empty ones, and saving under another name.
 
 #include <algorithm>
+#include <array>
 
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
@@ -12,22 +13,24 @@
 namespace sectorbox::cli {
 namespace {
 
-const DiscGeometry& GeometryOf(const std::string& kind) {
-  const auto found = std::find_if(kNewDiscs.begin(), kNewDiscs.end(),
-                                  [&](const DiscGeometry& g) { return kind == g.Kind; });
-  if (found == kNewDiscs.end()) throw UsageError("new: unknown kind of disc: " + kind);
-  return *found;
+// The words for the sizes, in the order of kNewDiscs.
+constexpr std::array<const char*, kNewDiscs.size()> kWords = {
+    "40ssd", "80ssd", "80dsd", "1m", "2m", "4m", "8m", "16m", "32m", "64m", "128m", "256m", "512m"};
+
+const NewDiscSize& SizeOf(const std::string& word) {
+  const auto found = std::find(kWords.begin(), kWords.end(), word);
+  if (found == kWords.end()) throw UsageError("new: unknown kind of disc: " + word);
+  return kNewDiscs[static_cast<std::size_t>(found - kWords.begin())];
 }
 
 int RunNew(const CommandLine& line) {
   line.Expect(2, 2);
-  const DiscGeometry& geometry = GeometryOf(line.Arguments[0]);
+  const NewDiscSize& size = SizeOf(line.Arguments[0]);
   const std::string& file = line.Arguments[1];
   if (HostFileExists(file) && !line.Has("force")) throw Failure(file + ": File exists");
   ImageSession session(line);
   session.Open.ImageName = file;
-  CreateDisc(session.Open, file, geometry.Tracks, geometry.Heads, geometry.Sectors,
-             geometry.DiscType);
+  CreateDisc(session.Open, file, size.Tracks, size.Heads, size.Sectors, size.DiscType);
   session.Open.TheDisc.CloseFile();
   return kDone;
 }

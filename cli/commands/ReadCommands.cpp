@@ -9,6 +9,7 @@
 #include "cli/program/StartWindow.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
+#include "disc/format/Text.h"
 #include "disc/health/Check.h"
 #include "disc/host/HostFile.h"
 
@@ -29,12 +30,9 @@ void PrintValue(const char* name, std::int64_t value) {
 }
 
 void PrintGeometry(Disc& disc) {
-  static constexpr std::array<const char*, 4> kKinds = {"adf", "adl", "dat", "cf"};
-  const std::int16_t disctype = disc.TheDisc.disctype();
-  PrintValue("kind", kKinds[static_cast<std::size_t>(disctype)]);
-  PrintValue("disctype", disctype);
-  // A card has no geometry; the store keeps the partition in the place of the tracks.
-  PrintValue("tracks", disctype == kCF ? 0 : disc.TheDisc.mTracks);
+  PrintValue("kind", disc.TheDisc.Kind().Name);
+  PrintValue("disctype", disc.TheDisc.disctype());
+  PrintValue("tracks", disc.TheDisc.mTracks);
   PrintValue("heads", disc.TheDisc.Heads());
   PrintValue("sectors", disc.TheDisc.Sectors());
 }
@@ -44,17 +42,14 @@ int RunInfo(const CommandLine& line) {
   ImageSession session(line);
   Disc& disc = session.Open;
   OpenForReading(disc, line.Arguments[0]);
-  std::int64_t free = 0;
-  for (std::int16_t i = 0; i < disc.FreeCount; ++i) {
-    free += disc.FreeLen[static_cast<std::size_t>(i)];
-  }
+  const std::int64_t free = FreeSectors(disc);
   const std::int64_t size = MapDiscSize(disc);
   PrintGeometry(disc);
   PrintValue("size", size);
   PrintValue("free", free * format::kSectorSize);
   PrintValue("used", (size - free) * format::kSectorSize);
   PrintValue("runs", disc.FreeCount);
-  PrintValue("boot", disc.TheDisc.Fetch(format::kMapBootOption));
+  PrintValue("boot", ReadMap(disc).BootOption());
   PrintValue("title", GetDirTitle(disc, format::kRootSector));
   return StatusOf(disc);
 }

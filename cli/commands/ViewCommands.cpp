@@ -84,11 +84,11 @@ int RunFileView(const CommandLine& line) {
 ListRow RowOf(Disc& disc, const PathTarget& target) {
   if (target.Slot >= 0) return ReadRow(disc, target.DirSector, target.Slot);
   // The root has no entry; its row is made up.
-  ListRow row;
-  row.Columns[kColName] = target.Name;
-  row.Columns[kColAttr] = "D";
-  row.Columns[kColLoad] = Hex(static_cast<std::uint32_t>(target.Sector), 6);
-  return row;
+  Entry root;
+  root.SetName(target.Name);
+  root.Set(Attribute::kDirectory, true);
+  root.SetStart(target.Sector);
+  return MakeRow(root);
 }
 
 int RunHex(const CommandLine& line) {

@@ -6,10 +6,13 @@
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
 #include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/Addresses.h"
 #include "disc/change/Compaction.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
+#include "disc/format/Text.h"
+#include "disc/image/Resize.h"
 #include "disc/store/TrackedSector.h"
 
 namespace sectorbox::cli {
@@ -39,17 +42,15 @@ int RunAdd(const CommandLine& line) {
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
     const TrackedSector dir(disc, RequireMarkedDirectory(disc, line.Arguments[1]));
     for (std::size_t i = 2; i < line.Arguments.size(); ++i) {
-      if (AddFile(disc, dir, line.Arguments[i]) != 0) return false;
+      if (AddFile(disc, dir, line.Arguments[i]) != Outcome::kDone) return false;
     }
     return true;
   });
 }
 
 void ExportOne(Disc& disc, const PathTarget& target, const std::string& folder) {
-  const ListRow row = ReadRow(disc, target.DirSector, target.Slot);
-  ExportFile(disc, folder + "/" + AdfsToHostName(row.Name()),
-             {row.Name(), row.Columns[kColLoad], row.Columns[kColExec], row.Columns[kColSize],
-              row.Attr(), row.Length(), row.StartSector()});
+  const Entry entry = DirectoryAt(disc, target.DirSector).At(target.Slot);
+  ExportEntry(disc, folder + "/" + AdfsToHostName(entry.Name()), entry);
 }
 
 int RunExport(const CommandLine& line) {
@@ -67,12 +68,12 @@ int RunExport(const CommandLine& line) {
 
 bool DeletePath(Disc& disc, const CliHost& host, const std::string& path) {
   const PathTarget target = RequirePath(disc, path);
-  const std::int16_t result =
+  const Outcome outcome =
       target.IsDirectory
           ? DeleteTree(disc, target.DirSector, target.Sector, target.Name, host.DeleteLocked(),
                        host.DeleteNonEmpty())
           : DeleteEntry(disc, target.DirSector, target.Name, false, host.DeleteLocked());
-  return result == 0;
+  return outcome == Outcome::kDone;
 }
 
 int RunDelete(const CommandLine& line) {
@@ -89,8 +90,8 @@ int RunRename(const CommandLine& line) {
   line.Expect(3, 3);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost& host) {
     const PathTarget target = RequireEntry(disc, line.Arguments[1]);
-    return !RenameEntry(disc, line.Arguments[2], target.Name, target.DirSector,
-                        host.DeleteLocked());
+    return RenameEntry(disc, line.Arguments[2], target.Name, target.DirSector,
+                       host.DeleteLocked()) == Outcome::kDone;
   });
 }
 
@@ -98,7 +99,7 @@ int RunMkdir(const CommandLine& line) {
   line.Expect(3, 3);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
     const std::int32_t dir = RequireMarkedDirectory(disc, line.Arguments[1]);
-    return NewDirectory(disc, dir, line.Arguments[2]) >= 0;
+    return NewDirectory(disc, dir, line.Arguments[2]).has_value();
   });
 }
 
@@ -135,8 +136,8 @@ int RunAddress(const CommandLine& line) {
 int RunTitle(const CommandLine& line) {
   line.Expect(3, 3);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    SetDirTitle(disc, RequireMarkedDirectory(disc, line.Arguments[1]), line.Arguments[2]);
-    return true;
+    const std::int32_t sector = RequireMarkedDirectory(disc, line.Arguments[1]);
+    return SetDirTitle(disc, sector, line.Arguments[2]) == Outcome::kDone;
   });
 }
 
@@ -155,8 +156,7 @@ int RunBoot(const CommandLine& line) {
     SetBootOption(disc, option);
     // Nothing else will write the map here, as it may in the window, and with a stale checksum the
     // BBC would refuse the disc.
-    disc.TheDisc.Store(format::kMapChecksum0, MapChecksum(disc, format::kMapStarts));
-    disc.TheDisc.Store(format::kMapChecksum1, MapChecksum(disc, format::kMapLengths));
+    UpdateMapChecksums(disc);
     return true;
   });
 }

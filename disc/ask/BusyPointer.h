@@ -1,19 +1,19 @@
 #pragma once
 
-#include "disc/ask/DiscHost.h"
+#include "disc/ask/StatusLine.h"
 
 namespace sectorbox {
 
 // The hourglass for the length of a scope: it goes on every way out, a host failure included.
 class BusyPointer {
  public:
-  explicit BusyPointer(DiscHost& host) : host_(host) { host_.SetBusyPointer(true); }
-  ~BusyPointer() { host_.SetBusyPointer(false); }
+  explicit BusyPointer(StatusLine& status) : status_(status) { status_.SetBusyPointer(true); }
+  ~BusyPointer() { status_.SetBusyPointer(false); }
   BusyPointer(const BusyPointer&) = delete;
   BusyPointer& operator=(const BusyPointer&) = delete;
 
  private:
-  DiscHost& host_;
+  StatusLine& status_;
 };
 
 }  // namespace sectorbox

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "disc/format/Entry.h"
 #include "disc/store/Disc.h"
 
 // What the panes show, as plain values: the tree of directories and the rows of one directory.
@@ -27,7 +28,7 @@ struct WalkCounts {
 // Walks the directory at sector depth first and appends its subdirectories below node intIndex.
 // A directory without its mark adds nothing. At the top level (sector 2) the host's event pump runs
 // after each child. A directory that is listed again, as on a damaged disc, gets a node wherever it
-// is listed, and its children below the first of them only. The bounds of WalkBudget hold.
+// is listed, and its children below the first of them only. The bounds of WalkDirectories hold.
 void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t intIndex, std::int32_t sector,
                WalkCounts& counts);
 
@@ -39,24 +40,27 @@ enum ListColumn { kColName, kColAttr, kColSeq, kColLoad, kColExec, kColSize, kCo
 inline constexpr std::array<const char*, kColumns> kColumnHeadings = {
     "Filename", "Attr", "Seq", "Load", "Exec", "Size", "Sector"};
 
-// A row of the file list: the seven columns as text. A directory's start sector stands under Load,
-// and its last three columns are empty.
+// A row of the file list: an entry with its seven columns as text. A directory's start sector
+// stands under Load, and its last three columns are empty. A row is made whole, by MakeRow; a
+// changed entry makes another row.
 struct ListRow {
+  Entry Item;
   std::array<std::string, kColumns> Columns;
 
-  const std::string& Name() const { return Columns[kColName]; }
-  const std::string& Attr() const { return Columns[kColAttr]; }
-  bool IsDirectory() const { return Attr().find('D') != std::string::npos; }
+  [[nodiscard]] const std::string& Name() const { return Columns[kColName]; }
+  [[nodiscard]] const std::string& Attr() const { return Columns[kColAttr]; }
+  [[nodiscard]] bool IsDirectory() const { return Item.IsDirectory(); }
   // "F" or "D" and the name.
-  std::string Key() const { return (IsDirectory() ? "D" : "F") + Name(); }
-  // Start sector of the file or directory, read back from the row's own text.
-  std::int32_t StartSector() const;
-  // Length in bytes: the Size cell for a file, 1280 for a directory.
-  std::uint32_t Length() const;
+  [[nodiscard]] std::string Key() const { return (IsDirectory() ? "D" : "F") + Name(); }
+  // Start sector of the file or directory.
+  [[nodiscard]] std::int32_t StartSector() const { return Item.Start(); }
+  // Length in bytes: the length field of a file, 1280 for a directory.
+  [[nodiscard]] std::uint32_t Length() const { return Item.Size(); }
 };
 
 // The rows of the directory at DirSector, in directory order; none if it has no mark.
 std::vector<ListRow> ReadRows(Disc& disc, std::int32_t DirSector);
+[[nodiscard]] ListRow MakeRow(const Entry& entry);
 // The row of one entry.
 ListRow ReadRow(Disc& disc, std::int32_t DirSector, std::int32_t Slot);
 

@@ -1,6 +1,6 @@
 #include "disc/change/Addresses.h"
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 
 namespace sectorbox {
 namespace {

@@ -1,6 +1,7 @@
 #include "disc/change/Compaction.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 #include <unordered_map>
@@ -9,7 +10,8 @@
 
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
-#include "disc/catalogue/WalkBudget.h"
+#include "disc/catalogue/Directories.h"
+#include "disc/format/Names.h"
 
 namespace sectorbox {
 namespace {
@@ -32,65 +34,51 @@ constexpr std::size_t kMaxObjects = 0x210000;
 // Bytes that are moved together before their entries follow, at the least.
 constexpr std::int32_t kMoveSize = 1048576;
 
-class Collector {
+// Collects the objects. The walk ends where it comes to a directory a second time, to one without
+// its mark (what it listed can't be told, and would be written over), or out of its bounds.
+class Collector : public DirectoryVisitor {
  public:
-  explicit Collector(Disc& disc) : disc_(disc) {}
-
-  // Adds the directory and all below it; false when the walk comes to a directory a second time, to
-  // one without its mark (what it listed can't be told, and would be written over), or out of its
-  // bounds.
-  bool Collect(std::int32_t DirSector) { return Collect(DirSector, -1, -1, ""); }
-
   std::vector<ObjectRecord> Objects;
 
- private:
-  // The directory is listed in lister, in the given slot, as Name.
-  bool Collect(std::int32_t DirSector, std::int32_t lister, std::int32_t slot,
-               const std::string& Name) {
-    if (!seen_.insert(DirSector).second || !budget_.Enter()) return false;
-    if (!IsDirectory(disc_, DirSector)) return false;
-    if (Objects.size() + kEntryCount > kMaxObjects) return false;
+  Walk Enter(const WalkStep& at, const Directory& directory) override {
+    if (!directory.HasMark() || Objects.size() + kEntryCount > kMaxObjects) return Walk::kStop;
     // What the directory says of itself, and not what its entry says, is how it is found again.
-    ObjectRecord object{GetDirName(disc_, DirSector),
-                        false,
-                        Fetch24(disc_, SectorOffset(DirSector) + kDirParent),
-                        DirSector,
-                        kDirSectors,
-                        false,
-                        -1};
-    if (object.Parent == lister && UpperCase(object.Name) == Name) object.Slot = slot;
+    ObjectRecord object{
+        NameOf(at, directory), false, directory.Parent(), at.Sector, kDirSectors, false, -1};
+    const bool listedRight = at.Listed != nullptr && object.Parent == at.Parent->Sector &&
+                             FoldName(object.Name) == FoldName(at.Listed->Name());
+    if (listedRight) object.Slot = FirstSlotOf(at.Listed->Name());
     Objects.push_back(std::move(object));
-    const bool whole = CollectEntries(DirSector);
-    budget_.Leave();
-    return whole;
+    names_.emplace_back();
+    return Walk::kOn;
   }
 
-  bool CollectEntries(std::int32_t DirSector) {
-    std::vector<std::string> names;
-    bool whole = true;
-    for (std::int32_t slot = 0; whole && slot < kEntryCount; ++slot) {
-      const std::string name = GetEntryName(disc_, DirSector, slot);
-      if (EntryIsEmpty(name)) break;
-      names.push_back(UpperCase(name));
-      // Of two entries with one name the first is the one that is found.
-      const auto found = static_cast<std::int32_t>(
-          std::find(names.begin(), names.end(), names.back()) - names.begin());
-      const std::int64_t entry = EntryOffset(DirSector, slot);
-      const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
-      if (EntryHas(disc_, entry, kAttrDirectory)) {
-        whole = Collect(start, DirSector, found, names.back());
-      } else {
-        const std::uint32_t length = Fetch32(disc_, entry + kEntryLength);
-        Objects.push_back(
-            {name, true, DirSector, start, SectorsOfLength(length), length == 0, found});
-      }
-    }
-    return whole;
+  Walk Meet(const WalkStep& at, std::int32_t, const Entry& entry) override {
+    names_.back().push_back(FoldName(entry.Name()));
+    if (entry.IsDirectory()) return Walk::kOn;
+    Objects.push_back({entry.Name(), true, at.Sector, entry.Start(), entry.Sectors(),
+                       entry.Length() == 0, FirstSlotOf(entry.Name())});
+    return Walk::kOn;
   }
 
-  Disc& disc_;
-  WalkBudget budget_;
-  std::unordered_set<std::int32_t> seen_;
+  Walk MeetAgain(const WalkStep&, bool) override { return Walk::kStop; }
+  void Leave(const WalkStep&) override { names_.pop_back(); }
+
+ private:
+  static std::string NameOf(const WalkStep& at, const Directory& directory) {
+    const std::string name = directory.Name();
+    return name.empty() && at.Sector == kRootSector ? "$" : name;
+  }
+
+  // Of two entries with one name the first is the one that is found.
+  std::int32_t FirstSlotOf(const std::string& name) const {
+    const std::vector<std::string>& names = names_.back();
+    return static_cast<std::int32_t>(std::find(names.begin(), names.end(), FoldName(name)) -
+                                     names.begin());
+  }
+
+  // The folded names met so far in each directory that the walk is in, the top one first.
+  std::vector<std::vector<std::string>> names_;
 };
 
 // Here an empty file owns a sector of its own. The BBC gives it none and may have left it at a
@@ -121,8 +109,8 @@ bool WouldBeLost(const std::vector<ObjectRecord>& objects, std::int32_t discSize
 
 // The objects in the order of their places, the root left out; none if the disc is too damaged.
 std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
-  Collector collector(disc);
-  if (!collector.Collect(kRootSector)) return std::nullopt;
+  Collector collector;
+  if (!WalkDirectories(disc, kRootSector, collector)) return std::nullopt;
   std::vector<ObjectRecord> objects = std::move(collector.Objects);
   objects.erase(objects.begin());
   std::sort(objects.begin(), objects.end(), [](const ObjectRecord& a, const ObjectRecord& b) {
@@ -184,8 +172,7 @@ class Mover {
     }
     WriteEntries();
     for (const ObjectRecord& object : objects_) {
-      if (object.IsFile) continue;
-      Store24(disc_, SectorOffset(object.Start) + kDirParent, object.Parent);
+      if (!object.IsFile) WriteParent(object);
     }
     return next;
   }
@@ -218,6 +205,12 @@ class Mover {
     for (ObjectRecord* child : children->second) child->Parent = to;
   }
 
+  void WriteParent(const ObjectRecord& object) {
+    EditedDirectory directory(disc_, object.Start);
+    directory.Now.SetParent(object.Parent);
+    directory.Write();
+  }
+
   void AddToRun(const ObjectRecord& object, std::int32_t to) {
     const bool follows = object.Start - run_.From == run_.Sectors && to - run_.To == run_.Sectors;
     if (!follows) {
@@ -248,15 +241,18 @@ class Mover {
     waiting_.erase(waiting);
   }
 
-  void WriteEntries(std::int32_t directory, const std::vector<const ObjectRecord*>& objects) {
+  void WriteEntries(std::int32_t sector, const std::vector<const ObjectRecord*>& objects) {
+    EditedDirectory directory(disc_, sector);
     for (const ObjectRecord* object : objects) {
       // A directory whose own name or parent disagrees with its entry isn't found, and that entry
       // goes on pointing at the old place.
-      const std::int32_t slot =
-          object->Slot >= 0 ? object->Slot : FindEntry(disc_, directory, object->Name);
+      const std::int32_t slot = object->Slot >= 0 ? object->Slot : directory.Now.Find(object->Name);
       if (slot < 0) continue;
-      Store24(disc_, EntryOffset(directory, slot) + kEntrySector, object->Start);
+      Entry entry = directory.Now.At(slot);
+      entry.SetStart(object->Start);
+      directory.Now.Put(slot, entry);
     }
+    directory.Write();
   }
 
   Disc& disc_;
@@ -274,11 +270,11 @@ class Mover {
 };
 
 void WriteOneRun(Disc& disc, std::int32_t start) {
-  Store24(disc, kMapStarts, start);
-  Store24(disc, kMapLengths, MapDiscSize(disc) - start);
-  disc.TheDisc.Store(kMapEnd, kMapEntrySize);
-  disc.TheDisc.Store(kMapChecksum0, MapChecksum(disc, kMapStarts));
-  disc.TheDisc.Store(kMapChecksum1, MapChecksum(disc, kMapLengths));
+  MapSectors map = ReadMap(disc);
+  const std::array<FreeRun, 1> runs = {{{start, map.DiscSize() - start}}};
+  map.SetRuns(runs);
+  map.UpdateChecksums();
+  WriteMap(disc, map);
 }
 
 void TellMoves(Disc& disc, const std::map<std::int32_t, std::int32_t>& moves) {

@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <unordered_set>
 
 #include "disc/catalogue/Adfs.h"
-#include "disc/catalogue/WalkBudget.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
@@ -14,15 +12,6 @@ namespace {
 
 using namespace format;
 
-std::int16_t Refuse(Disc& disc, const std::string& message) {
-  disc.Host.ShowMessage(message);
-  return kStop;
-}
-
-bool HasEntries(Disc& disc, std::int32_t DirSector) {
-  return (disc.TheDisc.Fetch(SectorOffset(DirSector) + kDirEntries) & kLowBits) != 0;
-}
-
 // What an entry of a damaged disc claims beyond the disc's end, or of the map and the root, was
 // never its own and doesn't become free.
 void ReleaseOwned(Disc& disc, std::int32_t start, std::int32_t sectors) {
@@ -32,37 +21,24 @@ void ReleaseOwned(Disc& disc, std::int32_t start, std::int32_t sectors) {
 }
 
 // Looks a tree over before anything in it is deleted.
-class TreeCheck {
+//
+// A tree may be emptied unless a directory below lists itself or one above it, or the walk leaves
+// its bounds: such a tree has no bottom to start deleting from, and on the way would take along all
+// that the directory above holds. It may not either if a directory isn't marked as one and isn't
+// empty: what would be deleted there are the bytes of something else.
+class TreeCheck : public DirectoryVisitor {
  public:
-  explicit TreeCheck(Disc& disc) : disc_(disc) {}
-
-  // False if a directory below lists itself or one above it, or the walk leaves its bounds: such a
-  // tree has no bottom to start deleting from, and on the way would take along all that the
-  // ancestor holds. False too if one isn't marked as a directory and isn't empty: what would be
-  // deleted there are the bytes of something else.
-  bool MayBeEmptied(std::int32_t DirSector) {
-    if (finished_.count(DirSector) != 0) return true;
-    if (!IsDirectory(disc_, DirSector)) return !HasEntries(disc_, DirSector);
-    if (!above_.insert(DirSector).second || !budget_.Enter()) return false;
-    bool sound = true;
-    for (std::int32_t slot = 0; sound && slot < kEntryCount; ++slot) {
-      if (EntryIsEmpty(GetEntryName(disc_, DirSector, slot))) break;
-      const std::int64_t offset = EntryOffset(DirSector, slot);
-      if (!EntryHas(disc_, offset, kAttrDirectory)) continue;
-      sound = MayBeEmptied(Fetch24(disc_, offset + kEntrySector));
-    }
-    budget_.Leave();
-    above_.erase(DirSector);
-    finished_.insert(DirSector);
-    return sound;
+  Walk Enter(const WalkStep&, const Directory& directory) override {
+    return directory.HasMark() || !directory.HasEntries() ? Walk::kOn : Walk::kStop;
   }
-
- private:
-  Disc& disc_;
-  WalkBudget budget_;
-  std::unordered_set<std::int32_t> above_;
-  std::unordered_set<std::int32_t> finished_;
+  Walk Meet(const WalkStep&, std::int32_t, const Entry&) override { return Walk::kOn; }
+  Walk MeetAgain(const WalkStep&, bool above) override { return above ? Walk::kStop : Walk::kOn; }
 };
+
+bool MayBeEmptied(Disc& disc, std::int32_t DirSector) {
+  TreeCheck check;
+  return WalkDirectories(disc, DirSector, check);
+}
 
 // Deletes entries of one disc, some of them trees.
 class Deletion {
@@ -70,15 +46,14 @@ class Deletion {
   Deletion(Disc& disc, bool IgnoreLock)
       : disc_(disc), ignoreLock_(IgnoreLock), owners_(disc), fileName_(disc.TheDisc.FileName()) {}
 
-  std::int16_t Entry(std::int32_t DirSector, const std::string& Name, bool IsDir);
+  Outcome DeleteOne(std::int32_t DirSector, const std::string& Name, bool IsDir);
   // Parent -1 keeps the directory itself.
-  std::int16_t Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
-                    bool DeleteNonEmpty);
+  Outcome Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
+               bool DeleteNonEmpty);
 
  private:
-  std::int16_t Contents(const TrackedSector& parent, const TrackedSector& dir,
-                        const std::string& Name);
-  std::int16_t FirstEntry(std::int32_t DirSector, const std::string& Name);
+  Outcome Contents(const TrackedSector& parent, const TrackedSector& dir, const std::string& Name);
+  Outcome FirstEntry(std::int32_t DirSector, const Entry& entry);
   // Lets events run. False where what they did leaves nothing to go on with: another disc is open,
   // of which nobody wanted anything deleted, or entry Name of parent no longer leads to dir, whose
   // sectors may be another object's by now.
@@ -89,42 +64,43 @@ class Deletion {
   bool ignoreLock_;
   Ownership owners_;
   const std::string fileName_;
-  WalkBudget budget_;
+  std::int32_t depth_ = 0;  // of the directory that is being emptied
 };
 
-std::int16_t Deletion::Entry(std::int32_t DirSector, const std::string& Name, bool IsDir) {
-  const std::int32_t slot = FindEntry(disc_, DirSector, Name);
-  if (slot < 0) return kDone;
-  const std::int64_t offset = EntryOffset(DirSector, slot);
-  if (!ignoreLock_ && EntryHas(disc_, offset, kAttrLocked)) {
+Outcome Deletion::DeleteOne(std::int32_t DirSector, const std::string& Name, bool IsDir) {
+  EditedDirectory directory(disc_, DirSector);
+  const std::int32_t slot = directory.Now.Find(Name);
+  if (slot < 0) return Outcome::kDone;
+  const Entry entry = directory.Now.At(slot);
+  if (!ignoreLock_ && entry.IsLocked()) {
     return Refuse(
         disc_,
         (IsDir ? "Cannot Delete Locked Directory : " : "Cannot Delete Locked File : ") + Name);
   }
-  const std::int32_t start = Fetch24(disc_, offset + kEntrySector);
-  if (IsDir && HasEntries(disc_, start)) {
+  const std::int32_t start = entry.Start();
+  if (IsDir && DirectoryAt(disc_, start).HasEntries()) {
     return Refuse(disc_, "Cannot Delete Non Empty Directory : " + Name);
   }
-  const std::uint32_t length =
-      IsDir ? std::uint32_t{kDirSize} : Fetch32(disc_, offset + kEntryLength);
+  const std::uint32_t length = IsDir ? std::uint32_t{kDirSize} : entry.Length();
   // The sector of an empty file that the BBC wrote or moved may be another object's.
   const bool staysOwned = length == 0 && owners_.EmptyFileLeavesOwner(start);
-  BumpSequence(disc_, DirSector);
-  CloseGap(disc_, DirSector, slot);
+  (void)directory.Now.BumpSequence();
+  directory.Now.Remove(slot);
+  directory.Write();
+  disc_.ImageChanged = true;
   if (!staysOwned) ReleaseOwned(disc_, start, SectorsOfLength(length));
-  return kDone;
+  return Outcome::kDone;
 }
 
-std::int16_t Deletion::FirstEntry(std::int32_t DirSector, const std::string& Name) {
-  const std::int64_t offset = EntryOffset(DirSector, 0);
-  if (!EntryHas(disc_, offset, kAttrDirectory)) return Entry(DirSector, Name, false);
-  return Tree(DirSector, Fetch24(disc_, offset + kEntrySector), Name, true);
+Outcome Deletion::FirstEntry(std::int32_t DirSector, const Entry& entry) {
+  if (!entry.IsDirectory()) return DeleteOne(DirSector, entry.Name(), false);
+  return Tree(DirSector, entry.Start(), entry.Name(), true);
 }
 
 bool Deletion::GoesOnAfterEvents(const TrackedSector& parent, const TrackedSector& dir,
                                  const std::string& Name) {
   // Whatever changes a directory gives it another sequence number.
-  const auto sequence = [&] { return disc_.TheDisc.Fetch(SectorOffset(parent) + kDirSequence); };
+  const auto sequence = [&] { return DirectoryAt(disc_, parent).Sequence(); };
   const std::int32_t compactions = disc_.Compactions;
   const std::uint8_t before = sequence();
   disc_.Host.PumpEvents();
@@ -133,42 +109,44 @@ bool Deletion::GoesOnAfterEvents(const TrackedSector& parent, const TrackedSecto
   return GetEntrySector(disc_, parent, Name) == dir;
 }
 
-std::int16_t Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir,
-                                const std::string& Name) {
+Outcome Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir,
+                           const std::string& Name) {
   // A directory that overlaps another one may not empty itself: each entry gets one turn.
   for (std::int32_t turn = 0; turn < kEntryCount; ++turn) {
-    const std::string name = GetEntryName(disc_, dir, 0);
-    if (EntryIsEmpty(name)) break;
-    if (FirstEntry(dir, name) != kDone) return kStop;
-    if (!GoesOnAfterEvents(parent, dir, Name)) return kStop;
+    const Entry first = DirectoryAt(disc_, dir).At(0);
+    if (first.IsEmpty()) break;
+    const Outcome outcome = FirstEntry(dir, first);
+    if (outcome != Outcome::kDone) return outcome;
+    if (!GoesOnAfterEvents(parent, dir, Name)) return Outcome::kStopped;
   }
-  return kDone;
+  return Outcome::kDone;
 }
 
-std::int16_t Deletion::Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
-                            bool DeleteNonEmpty) {
+Outcome Deletion::Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
+                       bool DeleteNonEmpty) {
   // Deleting what is inside can compact the disc under our feet.
   const TrackedSector parent(disc_, Parent);
   const TrackedSector dir(disc_, DirSector);
   if (DeleteNonEmpty) {
-    if (!budget_.Enter()) return Refuse(disc_, "Cannot Delete Damaged Directory : " + Name);
-    const std::int16_t result = Contents(parent, dir, Name);
-    budget_.Leave();
-    if (result != kDone) return result;
+    if (depth_ >= kMaxWalkDepth) return Refuse(disc_, "Cannot Delete Damaged Directory : " + Name);
+    ++depth_;
+    const Outcome outcome = Contents(parent, dir, Name);
+    --depth_;
+    if (outcome != Outcome::kDone) return outcome;
   }
-  return parent == -1 ? kDone : Entry(parent, Name, true);
+  return parent == -1 ? Outcome::kDone : DeleteOne(parent, Name, true);
 }
 
 }  // namespace
 
-std::int16_t DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& Name, bool IsDir,
-                         bool IgnoreLock) {
-  return Deletion(disc, IgnoreLock).Entry(DirSector, Name, IsDir);
+Outcome DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& Name, bool IsDir,
+                    bool IgnoreLock) {
+  return Deletion(disc, IgnoreLock).DeleteOne(DirSector, Name, IsDir);
 }
 
-std::int16_t DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
-                        const std::string& Name, bool IgnoreLock, bool DeleteNonEmpty) {
-  if (DeleteNonEmpty && !TreeCheck(disc).MayBeEmptied(DirSector)) {
+Outcome DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
+                   bool IgnoreLock, bool DeleteNonEmpty) {
+  if (DeleteNonEmpty && !MayBeEmptied(disc, DirSector)) {
     return Refuse(disc, "Cannot Delete Damaged Directory : " + Name);
   }
   return Deletion(disc, IgnoreLock).Tree(Parent, DirSector, Name, DeleteNonEmpty);

@@ -13,7 +13,7 @@ inline constexpr const char* kNoSpaceMessage = "Not Enough Free Contiguous Space
 
 // The lowest run that holds need bytes (a file's length, or 1280), or -1. A run of length 0 is no
 // run.
-std::int32_t FindFreeRun(const Disc& disc, std::uint32_t need);
+[[nodiscard]] std::int32_t FindFreeRun(const Disc& disc, std::uint32_t need);
 
 // Takes sectors sectors from the start of run and writes the map. A run that is used up goes.
 void TakeSectors(Disc& disc, std::int32_t run, std::int32_t sectors);

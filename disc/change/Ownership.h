@@ -24,18 +24,18 @@ class Ownership {
   //
   // Sectors of anything else that has gone in the meantime still count as owned. They are in a free
   // run by then, so that the answer is the same.
-  bool EmptyFileLeavesOwner(std::int32_t sector);
+  [[nodiscard]] bool EmptyFileLeavesOwner(std::int32_t sector);
 
  private:
   struct Extent {
     std::int32_t Start = 0;
     std::int32_t Sectors = 0;
   };
-  class Walk;
+  class Collector;
 
   void NoteOwners();
-  bool IsFree(std::int32_t sector) const;
-  bool IsInExtent(std::int32_t sector) const;
+  [[nodiscard]] bool IsFree(std::int32_t sector) const;
+  [[nodiscard]] bool IsInExtent(std::int32_t sector) const;
 
   Disc& disc_;
   bool noted_ = false;

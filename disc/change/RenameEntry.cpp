@@ -1,55 +1,35 @@
-#include "disc/catalogue/Adfs.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
+#include "disc/format/Names.h"
 
 namespace sectorbox {
-namespace {
 
-using namespace format;
-
-// The entry with its name field taken from the padded name and its attributes kept.
-EntryBytes Renamed(EntryBytes entry, const std::string& name) {
-  EntryBytes named{};
-  SetName(named, name);
-  for (std::size_t i = 0; i < kNameLength; ++i) {
-    entry[i] = static_cast<std::uint8_t>((entry[i] & kTopBit) | named[i]);
+Outcome RenameEntry(Disc& disc, const std::string& NewName, const std::string& OldName,
+                    std::int32_t DirSector, bool IgnoreLock) {
+  EditedDirectory directory(disc, DirSector);
+  const std::int32_t slot = directory.Now.Find(OldName);
+  if (slot < 0) return Outcome::kRefused;
+  Entry entry = directory.Now.At(slot);
+  if (!IgnoreLock && entry.IsLocked()) {
+    return Refuse(disc, entry.IsDirectory() ? "Cannot Rename Locked Directory : " + OldName
+                                            : "Cannot Rename Locked File : " + OldName);
   }
-  return entry;
-}
-
-}  // namespace
-
-bool RenameEntry(Disc& disc, const std::string& NewName, const std::string& OldName,
-                 std::int32_t DirSector, bool IgnoreLock) {
-  const std::int32_t slot = FindEntry(disc, DirSector, OldName);
-  if (slot < 0) return true;
-  const std::int64_t offset = EntryOffset(DirSector, slot);
-  if (!IgnoreLock && EntryHas(disc, offset, kAttrLocked)) {
-    disc.Host.ShowMessage(EntryHas(disc, offset, kAttrDirectory)
-                              ? "Cannot Rename Locked Directory : " + OldName
-                              : "Cannot Rename Locked File : " + OldName);
-    return true;
-  }
-  const std::string name = NewName.substr(0, kNameLength);
+  const std::string name = NewName.substr(0, format::kNameLength);
   // The look-up is blind to case and finds the entry itself too: a change of case alone is refused.
-  if (FindEntry(disc, DirSector, name) >= 0) {
-    disc.Host.ShowMessage(name + " Already Exists");
-    return true;
-  }
+  if (directory.Now.Find(name) >= 0) return Refuse(disc, name + " Already Exists");
   if (name.empty() || HoldsIllegalCharacters(name, " -.:*#$&@^")) {
-    disc.Host.ShowMessage(IllegalNameMessage(name));
-    return true;
+    return Refuse(disc, IllegalNameMessage(name));
   }
-  EntryBytes entry = Renamed(ReadEntry(disc, DirSector, slot), name);
-  entry[kEntrySequence] = BumpSequence(disc, DirSector);
-  CloseGap(disc, DirSector, slot);
+  entry.Rename(name);
+  entry.SetSequence(directory.Now.BumpSequence());
+  directory.Now.Remove(slot);
   // The padded name is what is compared: its carriage return sorts before any longer name that
   // begins with it.
-  const Place place = FindPlace(disc, DirSector, PadName(name));
-  OpenGap(disc, DirSector, place.Slot);
-  WriteEntry(disc, DirSector, place.Slot, entry);
-  CopyNameToDirectory(disc, entry, kNameLength);
-  return false;
+  directory.Now.Insert(directory.Now.FindPlace(PadName(name)).Slot, entry);
+  directory.Write();
+  disc.ImageChanged = true;
+  CopyNameToDirectory(disc, entry, format::kNameLength);
+  return Outcome::kDone;
 }
 
 }  // namespace sectorbox

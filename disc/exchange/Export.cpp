@@ -6,9 +6,10 @@
 
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
-#include "disc/catalogue/WalkBudget.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/Sidecar.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 
@@ -23,59 +24,55 @@ void WriteHostFile(const std::string& path, const std::string& text) {
   file.Close();
 }
 
-class Export {
- public:
-  explicit Export(Disc& disc) : disc_(disc) {}
-
-  void WriteDirectory(const std::string& folder, std::int32_t DirSector) {
-    if (!Enter(folder, DirSector)) return;
-    MakeFolder(folder);
-    if (IsDirectory(disc_, DirSector)) WriteEntries(folder, DirSector);
-    budget_.Leave();
+void MakeFolder(const std::string& folder) {
+  std::error_code error;
+  if (!HostFolderExists(folder) && !std::filesystem::create_directory(folder, error)) {
+    ThrowHostError(folder, error ? error.value() : EEXIST);
   }
+}
+
+// Writes each directory that the walk comes to into a folder of the host. On a damaged disc a
+// directory may be listed by another that lies inside it: its files have gone out once already, or
+// are about to.
+class Exporter : public DirectoryVisitor {
+ public:
+  Exporter(Disc& disc, std::string folder) : disc_(disc), next_(std::move(folder)) {}
+
+  Walk Enter(const WalkStep&, const Directory&) override {
+    MakeFolder(next_);
+    folders_.push_back({next_, {}});
+    return Walk::kOn;
+  }
+
+  Walk Meet(const WalkStep&, std::int32_t, const Entry& entry) override {
+    const std::string path = folders_.back().Path + "/" + folders_.back().Names.Take(entry.Name());
+    if (entry.IsDirectory()) {
+      WriteDirectorySidecar(path, entry);
+      next_ = path;
+    } else {
+      ExportFile(disc_, path, entry);
+    }
+    return Walk::kOn;
+  }
+
+  Walk MeetAgain(const WalkStep&, bool) override { return PassOver(); }
+  Walk OutOfBounds(const WalkStep&) override { return PassOver(); }
+  void Leave(const WalkStep&) override { folders_.pop_back(); }
 
  private:
-  // False for a directory that was met before: on a damaged disc one may be listed by another that
-  // lies inside it. Its files have gone out once already, or are about to.
-  bool Enter(const std::string& folder, std::int32_t DirSector) {
-    if (seen_.insert(DirSector).second && budget_.Enter()) return true;
-    disc_.Host.Note(folder + ": leads back to a directory that is exported already");
-    return false;
-  }
+  struct Folder {
+    std::string Path;
+    HostNamesOfFolder Names;
+  };
 
-  static void MakeFolder(const std::string& folder) {
-    std::error_code error;
-    if (!HostFolderExists(folder) && !std::filesystem::create_directory(folder, error)) {
-      ThrowHostError(folder, error ? error.value() : EEXIST);
-    }
-  }
-
-  void WriteEntries(const std::string& folder, std::int32_t DirSector) {
-    HostNamesOfFolder names;
-    for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
-      const std::string name = GetEntryName(disc_, DirSector, slot);
-      if (EntryIsEmpty(name)) break;
-      WriteEntry(folder + "/" + names.Take(name), name, EntryOffset(DirSector, slot));
-    }
-  }
-
-  void WriteEntry(const std::string& path, const std::string& name, std::int64_t entry) {
-    const std::string attr = GetEntryAttributes(disc_, entry);
-    const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
-    if (EntryHas(disc_, entry, kAttrDirectory)) {
-      WriteDirectorySidecar(path, name, attr);
-      WriteDirectory(path, start);
-      return;
-    }
-    ExportFile(
-        disc_, path,
-        {name, HexDword(disc_, entry + kEntryLoad), HexDword(disc_, entry + kEntryExec),
-         HexDword(disc_, entry + kEntryLength), attr, Fetch32(disc_, entry + kEntryLength), start});
+  Walk PassOver() {
+    disc_.Host.Note(next_ + ": leads back to a directory that is exported already");
+    return Walk::kOn;
   }
 
   Disc& disc_;
-  WalkBudget budget_;
-  std::unordered_set<std::int32_t> seen_;
+  std::string next_;             // the folder of the directory that the walk comes to next
+  std::vector<Folder> folders_;  // of the directories that the walk is in, the top one first
 };
 
 }  // namespace
@@ -101,21 +98,33 @@ void WriteContents(Disc& disc, OutputFile& output, std::int32_t Sector, std::uin
                            [&](std::span<const std::uint8_t> bytes) { output.Write(bytes); }));
 }
 
-void ExportFile(Disc& disc, const std::string& hostPath, const ExportedFile& file) {
+void ExportFile(Disc& disc, const std::string& hostPath, const Entry& file) {
   OutputFile output = CreateOutputFile(hostPath, OnMedium::kLater);
-  WriteContents(disc, output, file.Sector, file.Length);
+  WriteContents(disc, output, file.Start(), file.Length());
   output.Close();
   WriteHostFile(hostPath + kSidecarEnding,
-                MakeFileSidecar(file.Name, file.Load, file.Exec, file.Size, file.Attr));
+                MakeFileSidecar(file.Name(), Hex(file.Load(), 8), Hex(file.Exec(), 8),
+                                Hex(file.Length(), 8), file.Letters()));
 }
 
-void WriteDirectorySidecar(const std::string& hostPath, const std::string& Name,
-                           const std::string& Attr) {
-  WriteHostFile(hostPath + kSidecarEnding, MakeFolderSidecar(Name, Attr));
+void WriteDirectorySidecar(const std::string& hostPath, const Entry& directory) {
+  WriteHostFile(hostPath + kSidecarEnding,
+                MakeFolderSidecar(directory.Name(), directory.Letters()));
+}
+
+void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry) {
+  if (entry.IsDirectory()) {
+    WriteDirectorySidecar(hostPath, entry);
+    ExportFiles(disc, hostPath, entry.Start());
+  } else {
+    ExportFile(disc, hostPath, entry);
+  }
 }
 
 void ExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector) {
-  Export(disc).WriteDirectory(Folder, DirSector);
+  Exporter exporter(disc, Folder);
+  // The exporter goes on to the end whatever it meets.
+  (void)WalkDirectories(disc, DirSector, exporter);
 }
 
 void DragDropExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector, void*) {

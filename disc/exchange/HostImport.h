@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "disc/change/Outcome.h"
 #include "disc/store/Disc.h"
 
 // What AddFile and ImportFolder share while one import runs.
@@ -17,10 +18,10 @@ struct ImportWalk {
 };
 
 // AddFile and ImportFolder inside a running import.
-std::int16_t AddHostPath(Disc& disc, std::int32_t DirSector, const std::string& HostPath,
-                         ImportWalk& walk);
-std::int16_t AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder,
-                           ImportWalk& walk);
+[[nodiscard]] Outcome AddHostPath(Disc& disc, std::int32_t DirSector, const std::string& HostPath,
+                                  ImportWalk& walk);
+[[nodiscard]] Outcome AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder,
+                                    ImportWalk& walk);
 
 // The path from the root of the host on, without "/", "/." or "/.." at its end, so that its last
 // part is the name that the file or folder has.

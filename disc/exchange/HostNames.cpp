@@ -4,6 +4,7 @@
 #include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/Sidecar.h"
+#include "disc/format/Text.h"
 
 namespace sectorbox {
 namespace {

@@ -5,12 +5,13 @@
 #include <cstring>
 #include <filesystem>
 
-#include "disc/catalogue/WalkBudget.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/HostImport.h"
 #include "disc/exchange/Sidecar.h"
+#include "disc/format/Names.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/store/TrackedSector.h"
@@ -45,8 +46,8 @@ std::pair<std::uint64_t, std::uint64_t> IdentityOf(const std::string& folder) {
   return {info.st_dev, info.st_ino};
 }
 
-std::int16_t AddContents(Disc& disc, std::int32_t DirSector, const std::vector<std::string>& paths,
-                         ImportWalk& walk) {
+Outcome AddContents(Disc& disc, std::int32_t DirSector, const std::vector<std::string>& paths,
+                    ImportWalk& walk) {
   const TrackedSector dir(disc, DirSector);
   for (const std::string& path : paths) {
     const std::string why = WhyPassedOver(path);
@@ -54,9 +55,10 @@ std::int16_t AddContents(Disc& disc, std::int32_t DirSector, const std::vector<s
       disc.Host.Note(path + ": " + why);
       continue;
     }
-    if (AddHostPath(disc, dir, path, walk) != kDone) return kStop;
+    const Outcome outcome = AddHostPath(disc, dir, path, walk);
+    if (outcome != Outcome::kDone) return outcome;
   }
-  return kDone;
+  return Outcome::kDone;
 }
 
 }  // namespace
@@ -74,32 +76,29 @@ std::string ResolveHostPath(const std::string& path) {
   return real.string();
 }
 
-std::int16_t AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder,
-                           ImportWalk& walk) {
+Outcome AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder,
+                      ImportWalk& walk) {
   const auto identity = IdentityOf(Folder);
   if (std::find(walk.Folders.begin(), walk.Folders.end(), identity) != walk.Folders.end()) {
     disc.Host.Note(Folder + ": leads back to a folder that is being added");
-    return kDone;
+    return Outcome::kDone;
   }
   // A tree this deep could be made, but no walk over the disc would reach its end.
-  if (walk.Folders.size() + 2 >= WalkBudget::kMaxDepth) ThrowHostError(Folder, ENAMETOOLONG);
+  if (walk.Folders.size() + 2 >= kMaxWalkDepth) ThrowHostError(Folder, ENAMETOOLONG);
   const std::vector<std::string> paths = ListFolder(Folder);
   std::string name = HostBaseName(Folder);
   if (const auto line = ReadSidecarLine(Folder)) name = ParseFolderSidecar(*line).value_or(name);
-  if (name.empty()) {
-    disc.Host.ShowMessage(IllegalNameMessage(HostBaseName(Folder)));
-    return kStop;
-  }
-  const std::int32_t made = NewDirectory(disc, DirSector, name);
-  if (made < 0) return kStop;
+  if (name.empty()) return Refuse(disc, IllegalNameMessage(HostBaseName(Folder)));
+  const auto made = NewDirectory(disc, DirSector, name);
+  if (!made) return Outcome::kRefused;
   walk.Folders.push_back(identity);
-  const std::int16_t result = AddContents(disc, made, paths, walk);
+  const Outcome result = AddContents(disc, *made, paths, walk);
   walk.Folders.pop_back();
   return result;
 }
 
 // The process's current folder plays no part in all this, and so is never changed.
-std::int16_t ImportFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder) {
+Outcome ImportFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder) {
   ImportWalk walk;
   return AddHostFolder(disc, DirSector, ResolveHostPath(Folder), walk);
 }

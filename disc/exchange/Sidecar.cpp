@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 
-#include "disc/catalogue/Adfs.h"
 #include "disc/format/Format.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostFile.h"
 
 namespace sectorbox {
@@ -97,12 +97,6 @@ std::string MakeFileSidecar(const std::string& Name, const std::string& Load,
 
 std::string MakeFolderSidecar(const std::string& Name, const std::string& Attr) {
   return PadWithBlanks(Name) + " " + Attr + "\r\n";
-}
-
-std::string TrimBlanks(const std::string& text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return "";
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 }  // namespace sectorbox

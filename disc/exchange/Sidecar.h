@@ -34,7 +34,4 @@ std::string MakeFileSidecar(const std::string& Name, const std::string& Load,
                             const std::string& Attr);
 std::string MakeFolderSidecar(const std::string& Name, const std::string& Attr);
 
-// Without the blanks at both ends.
-std::string TrimBlanks(const std::string& text);
-
 }  // namespace sectorbox

@@ -1,12 +1,11 @@
 #include "disc/health/Check.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
-#include <unordered_set>
 
-#include "disc/catalogue/Adfs.h"
-#include "disc/catalogue/WalkBudget.h"
+#include "disc/catalogue/Directories.h"
+#include "disc/format/Names.h"
+#include "disc/format/Text.h"
 
 namespace sectorbox {
 namespace {
@@ -35,9 +34,9 @@ std::string SectorText(std::int32_t sector) {
   return "sector " + Hex(static_cast<std::uint32_t>(sector), 6);
 }
 
-class Checker {
+class Checker : public DirectoryVisitor {
  public:
-  explicit Checker(Disc& disc) : disc_(disc), size_(MapDiscSize(disc)) {}
+  explicit Checker(Disc& disc) : disc_(disc), map_(ReadMap(disc)), size_(map_.DiscSize()) {}
 
   std::vector<Fault> Run() {
     CheckMap();
@@ -46,12 +45,45 @@ class Checker {
     directories_.push_back({-1, "$"});
     Own({kRootSector, kFirstFreeSector, -1, -1, "$", false});
     if (kFirstFreeSector > size_) Error("$", "runs past the end of the disc");
-    CheckDirectory(0, kRootSector, kRootSector);
+    // What lies too deep is told, and the walk goes on beside it.
+    (void)WalkDirectories(disc_, kRootSector, *this);
     CheckOwnership();
     return std::move(faults_);
   }
 
+  Walk Enter(const WalkStep& at, const Directory& directory) override {
+    // The root's node is there from the start; any other directory's was added last, by Meet.
+    const auto node = static_cast<std::int32_t>(directories_.size()) - 1;
+    visits_.push_back({at.Listed == nullptr ? 0 : node, "", {}});
+    CheckFrame(at, directory);
+    return Walk::kOn;
+  }
+
+  Walk Meet(const WalkStep& at, std::int32_t, const Entry& entry) override {
+    const std::string path = PathOf(visits_.back().Node) + "." + entry.Name();
+    CheckName(path, entry.Name());
+    return CheckEntry(at, path, entry) ? Walk::kOn : Walk::kPassOver;
+  }
+
+  Walk OutOfBounds(const WalkStep&) override {
+    if (!exhausted_) {
+      Error(PathOf(static_cast<std::int32_t>(directories_.size()) - 1),
+            "lies too deep: not looked at any further");
+    }
+    exhausted_ = true;
+    return Walk::kOn;
+  }
+
+  void Leave(const WalkStep&) override { visits_.pop_back(); }
+
  private:
+  // A directory that the walk is in.
+  struct Visit {
+    std::int32_t Node = 0;
+    std::string FormerName;  // folded; of the entry in front
+    std::set<std::string> Names;
+  };
+
   void Error(std::string place, std::string text) {
     faults_.push_back({true, std::move(place), std::move(text)});
   }
@@ -70,18 +102,18 @@ class Checker {
 
   void CheckMap() {
     const std::int32_t there = disc_.TheDisc.DiscSize();
-    if (disc_.TheDisc.disctype() == kCF && size_ > there) {
+    if (disc_.TheDisc.HasFixedSize() && size_ > there) {
       Error("sector 0", "the disc has " + std::to_string(size_) +
                             " sectors, and the card room for " + std::to_string(there));
     }
-    for (const std::int32_t base : {0, kSectorSize}) {
-      const std::uint8_t stored = disc_.TheDisc.Fetch(base + kSectorSize - 1);
-      const std::uint8_t right = MapChecksum(disc_, base);
+    for (const std::int32_t sector : {0, 1}) {
+      const std::uint8_t stored = map_.StoredChecksum(sector);
+      const std::uint8_t right = map_.RightChecksum(sector);
       if (stored == right) continue;
-      Error("sector " + std::to_string(base / kSectorSize),
+      Error("sector " + std::to_string(sector),
             "the checksum is " + Hex(stored, 2) + " and should be " + Hex(right, 2));
     }
-    const std::uint8_t end = disc_.TheDisc.Fetch(kMapEnd);
+    const std::uint8_t end = map_.EndPointer();
     if (end % kMapEntrySize != 0) {
       Error("sector 1", "the end of the free list is no multiple of 3: " + std::to_string(end));
     }
@@ -91,24 +123,24 @@ class Checker {
   }
 
   void CheckRuns() {
-    const std::int32_t count = std::min<std::int32_t>(disc_.FreeCount, kMapEntries);
-    std::int32_t formerStart = -1;
-    std::int32_t formerEnd = 0;
-    for (std::int32_t i = 0; i < count; ++i) {
-      const std::int32_t start = disc_.FreeStart[static_cast<std::size_t>(i)];
-      const std::int32_t end = start + disc_.FreeLen[static_cast<std::size_t>(i)];
+    std::vector<FreeRun> runs = FreeRuns(disc_);
+    if (runs.size() > static_cast<std::size_t>(kMapEntries)) runs.resize(kMapEntries);
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+      const FreeRun& run = runs[i];
       const std::string place = "run " + std::to_string(i);
-      if (i > 0 && start < formerStart) {
-        Error(place, "starts before the run in front of it");
-      } else if (i > 0 && start < formerEnd) {
-        Error(place, "overlaps the run in front of it");
-      } else if (i > 0 && start == formerEnd) {
-        Error(place, "touches the run in front of it");
-      }
-      if (end > size_) Error(place, "runs past the end of the disc");
-      Own({start, end, i, -1, "", false});
-      formerStart = start;
-      formerEnd = end;
+      if (i > 0) CheckOrder(place, runs[i - 1], run);
+      if (run.End() > size_) Error(place, "runs past the end of the disc");
+      Own({run.Start, run.End(), static_cast<std::int32_t>(i), -1, "", false});
+    }
+  }
+
+  void CheckOrder(const std::string& place, const FreeRun& former, const FreeRun& run) {
+    if (run.Start < former.Start) {
+      Error(place, "starts before the run in front of it");
+    } else if (run.Start < former.End()) {
+      Error(place, "overlaps the run in front of it");
+    } else if (run.Start == former.End()) {
+      Error(place, "touches the run in front of it");
     }
   }
 
@@ -118,70 +150,34 @@ class Checker {
     if (extent.Start < extent.End) extents_.push_back(std::move(extent));
   }
 
-  // node is the directory's index; parent the start sector of the one that lists it.
-  void CheckDirectory(std::int32_t node, std::int32_t sector, std::int32_t parent) {
-    // Each directory is looked into once: one that is listed twice shows as an overlap.
-    if (!seen_.insert(sector).second) return;
-    if (!budget_.Enter()) {
-      if (!toldDepth_) Error(PathOf(node), "lies too deep: not looked at any further");
-      toldDepth_ = true;
+  void CheckFrame(const WalkStep& at, const Directory& directory) {
+    const std::string path = PathOf(visits_.back().Node);
+    if (!directory.HasMark()) {
+      Error(path, "is no directory: the mark at its start is missing");
       return;
     }
-    if (CheckFrame(PathOf(node), sector, parent)) {
-      ancestors_.push_back(sector);
-      CheckEntries(node, sector);
-      ancestors_.pop_back();
-    }
-    budget_.Leave();
-  }
-
-  bool HasMark(std::int64_t offset) {
-    std::array<std::uint8_t, kHugoLength> mark{};
-    disc_.TheDisc.FetchBytes(offset, mark);
-    return std::equal(mark.begin(), mark.end(), kHugo);
-  }
-
-  // False for what no reader takes for a directory.
-  bool CheckFrame(const std::string& path, std::int32_t sector, std::int32_t parent) {
-    const std::int64_t at = SectorOffset(sector);
-    if (!HasMark(at + kDirMark)) {
-      Error(path, "is no directory: the mark at its start is missing");
-      return false;
-    }
-    if (!HasMark(at + kDirMarkCopy)) Error(path, "the marks at its start and its end differ");
-    if (disc_.TheDisc.Fetch(at + kDirSequence) != disc_.TheDisc.Fetch(at + kDirSequenceCopy)) {
+    if (!directory.HasMarkAtEnd()) Error(path, "the marks at its start and its end differ");
+    if (directory.Sequence() != directory.SequenceAtEnd()) {
       Error(path, "the sequence numbers at its start and its end differ");
     }
-    const std::int32_t stored = Fetch24(disc_, at + kDirParent);
-    const bool root = sector == kRootSector;
+    const std::int32_t parent = at.Parent == nullptr ? kRootSector : at.Parent->Sector;
+    const std::int32_t stored = directory.Parent();
+    const bool root = at.Sector == kRootSector;
     if (stored != parent && !(root && stored == 0)) {
       Error(path,
             "names " + SectorText(stored) + " as its parent instead of " + SectorText(parent));
     }
-    return true;
   }
 
-  void CheckEntries(std::int32_t node, std::int32_t sector) {
-    std::set<std::string> names;
-    std::string former;
-    for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
-      const std::string name = GetEntryName(disc_, sector, slot);
-      if (EntryIsEmpty(name)) break;
-      const std::string path = PathOf(node) + "." + name;
-      CheckName(path, name, former, names);
-      former = UpperCase(name);
-      CheckEntry(node, path, name, sector, slot);
-    }
-  }
-
-  void CheckName(const std::string& path, const std::string& name, const std::string& former,
-                 std::set<std::string>& names) {
-    const std::string upper = UpperCase(name);
-    if (!names.insert(upper).second) {
+  void CheckName(const std::string& path, const std::string& name) {
+    Visit& visit = visits_.back();
+    const std::string folded = FoldName(name);
+    if (!visit.Names.insert(folded).second) {
       Warn(path, "the name is there twice");
-    } else if (upper < former) {
+    } else if (folded < visit.FormerName) {
       Warn(path, "stands out of order");
     }
+    visit.FormerName = folded;
     const bool typable = std::all_of(name.begin(), name.end(), [](char c) {
       const auto code = static_cast<unsigned char>(c);
       return code >= 32 && code < 127;
@@ -189,29 +185,33 @@ class Checker {
     if (!typable) Warn(path, "the name holds characters that can't be typed");
   }
 
-  void CheckEntry(std::int32_t node, const std::string& path, const std::string& name,
-                  std::int32_t sector, std::int32_t slot) {
-    const std::int64_t entry = EntryOffset(sector, slot);
-    const std::int32_t start = Fetch24(disc_, entry + kEntrySector);
-    const bool isDirectory = EntryHas(disc_, entry, kAttrDirectory);
-    if (isDirectory && std::find(ancestors_.begin(), ancestors_.end(), start) != ancestors_.end()) {
-      Error(path, "leads back to a directory that it lies in");
-      return;
+  static bool LeadsBack(const WalkStep& at, std::int32_t sector) {
+    for (const WalkStep* step = &at; step != nullptr; step = step->Parent) {
+      if (step->Sector == sector) return true;
     }
-    const std::uint32_t length = isDirectory ? kDirSize : Fetch32(disc_, entry + kEntryLength);
-    const std::int32_t end = start + SectorsOfLength(length);
+    return false;
+  }
+
+  // True for a directory that is to be looked into.
+  bool CheckEntry(const WalkStep& at, const std::string& path, const Entry& entry) {
+    const std::int32_t start = entry.Start();
+    if (entry.IsDirectory() && LeadsBack(at, start)) {
+      Error(path, "leads back to a directory that it lies in");
+      return false;
+    }
+    const bool isEmpty = entry.Size() == 0;
+    const std::int32_t end = start + entry.Sectors();
     // On a full disc the BBC leaves an empty file just behind the last sector.
-    const bool atEndOfFullDisc = length == 0 && start == size_;
+    const bool atEndOfFullDisc = isEmpty && start == size_;
     if (start >= size_ && !atEndOfFullDisc) {
       Error(path, "starts past the end of the disc");
     } else if (end > size_ && !atEndOfFullDisc) {
       Error(path, "runs past the end of the disc");
     }
-    Own({start, end, -1, node, name, length == 0});
-    if (!isDirectory || start >= size_) return;
-    const auto child = static_cast<std::int32_t>(directories_.size());
-    directories_.push_back({node, name});
-    CheckDirectory(child, start, sector);
+    Own({start, end, -1, visits_.back().Node, entry.Name(), isEmpty});
+    if (!entry.IsDirectory() || start >= size_) return false;
+    directories_.push_back({visits_.back().Node, entry.Name()});
+    return true;
   }
 
   // Goes over all that is claimed in the order of the sectors. Whatever begins before the furthest
@@ -236,13 +236,13 @@ class Checker {
   }
 
   void WarnOfHole(std::int32_t start, std::int32_t end) {
-    // What lies deeper than was looked may own it.
-    if (budget_.Exhausted()) return;
+    // What lies deeper than the walk went may own it.
+    if (exhausted_) return;
     Warn(SectorText(start), std::to_string(end - start) + " sectors from here belong to nothing");
   }
 
   void TellOverlap(const Extent& first, const Extent& second) {
-    // Of two runs CheckRuns has told.
+    // CheckRuns has told about two runs that overlap.
     if (first.Run >= 0 && second.Run >= 0) return;
     // The object is the place, since it is what the user may lose.
     const bool firstIsPlace = second.Run >= 0;
@@ -251,14 +251,13 @@ class Checker {
   }
 
   Disc& disc_;
+  MapSectors map_;
   std::int32_t size_;
   std::vector<Fault> faults_;
   std::vector<DirectoryNode> directories_;
   std::vector<Extent> extents_;
-  std::vector<std::int32_t> ancestors_;
-  std::unordered_set<std::int32_t> seen_;
-  WalkBudget budget_;
-  bool toldDepth_ = false;
+  std::vector<Visit> visits_;  // the directories that the walk is in, the root first
+  bool exhausted_ = false;     // the walk has come to one of its bounds
 };
 
 }  // namespace

@@ -4,9 +4,10 @@
 
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/host/HostError.h"
-#include "disc/image/Companion.h"
 #include "disc/image/Session.h"
+#include "disc/medium/Companion.h"
 
 namespace sectorbox {
 namespace {
@@ -14,28 +15,6 @@ namespace {
 using namespace format;
 
 constexpr std::int32_t kTracksBetweenPumps = 1024;
-
-void StoreText(Disc& disc, std::int64_t offset, std::string_view text) {
-  disc.TheDisc.StoreBytes(
-      offset, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
-}
-
-void WriteEmptyMap(Disc& disc, std::int32_t total) {
-  disc.TheDisc.Store(kMapStarts, kFirstFreeSector);
-  Store24(disc, kMapDiscSize, total);
-  Store24(disc, kMapLengths, total - kFirstFreeSector);
-  disc.TheDisc.Store(kMapEnd, kMapEntrySize);
-}
-
-void WriteEmptyRoot(Disc& disc) {
-  const std::int64_t root = SectorOffset(kRootSector);
-  disc.TheDisc.Store(root + kDirSequence, 1);
-  StoreText(disc, root + kDirMark, kHugo);
-  disc.TheDisc.Store(root + kDirSequenceCopy, 1);
-  StoreText(disc, root + kDirMarkCopy, kHugo);
-  StoreText(disc, root + kDirName, "$\r");
-  StoreText(disc, root + kDirTitle, "$\r");
-}
 
 void ZeroTracks(Disc& disc, std::int32_t tracks, std::int32_t sectors) {
   const std::vector<std::uint8_t> zeros(static_cast<std::size_t>(sectors) * kSectorSize);
@@ -53,7 +32,7 @@ std::string AskNewName(Disc& disc, const FileQuestion& question) {
   return path;
 }
 
-std::string AskNewName(Disc& disc, std::int16_t disctype) {
+std::string AskNewName(Disc& disc, DiscType disctype) {
   if (disctype == kAdf) return NewDiscADF(disc);
   if (disctype == kAdl) return NewDiscADL(disc);
   return NewDiscDAT(disc);
@@ -66,14 +45,23 @@ bool EndsInDat(const std::string& name) {
 }  // namespace
 
 void WriteEmptyDisc(Disc& disc, std::int32_t total) {
-  WriteEmptyMap(disc, total);
-  WriteEmptyRoot(disc);
-  disc.TheDisc.Store(kMapChecksum0, MapChecksum(disc, 0));
-  disc.TheDisc.Store(kMapChecksum1, MapChecksum(disc, kSectorSize));
+  MapSectors map = ReadMap(disc);
+  const std::array<FreeRun, 1> runs = {{{kFirstFreeSector, total - kFirstFreeSector}}};
+  map.SetDiscSize(total);
+  map.SetRuns(runs);
+  map.UpdateChecksums();
+  WriteMap(disc, map);
+
+  EditedDirectory root(disc, kRootSector);
+  root.Now.SetSequence(1);
+  root.Now.SetMarks();
+  root.Now.SetName("$\r");
+  root.Now.SetTitle("$\r");
+  root.Write();
 }
 
 void CreateDisc(Disc& disc, const std::string& FileName, std::int32_t Tracks, std::int32_t Heads,
-                std::int32_t Sectors, std::int16_t disctype) {
+                std::int32_t Sectors, DiscType disctype) {
   const BusyPointer busy(disc.Host);
   // Opened before the old disc's state is given up: a name that can't be opened changes nothing.
   disc.TheDisc.OpenFile(FileName, disctype, Tracks, Heads, Sectors);
@@ -101,13 +89,13 @@ std::string NewDiscDAT(Disc& disc) {
   return AskNewName(disc, {"Create ADFS Disc Image As", "ADFS Disc (*.dat)|*.dat", "NewDisc.dat"});
 }
 
-void RunNewDisc(Disc& disc, const DiscGeometry& geometry) {
+void RunNewDisc(Disc& disc, const NewDiscSize& size) {
   if (disc.ImageChanged) QuerySaveChanges(disc);
   const std::string former = disc.ImageName;
-  const std::string path = AskNewName(disc, geometry.DiscType);
+  const std::string path = AskNewName(disc, size.DiscType);
   if (path.empty()) return;
   try {
-    CreateDisc(disc, path, geometry.Tracks, geometry.Heads, geometry.Sectors, geometry.DiscType);
+    CreateDisc(disc, path, size.Tracks, size.Heads, size.Sectors, size.DiscType);
   } catch (const HostError&) {
     // The name goes with the store: the former one unless the new file was already open.
     if (disc.TheDisc.FileName() != path) disc.ImageName = former;

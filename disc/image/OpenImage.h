@@ -14,12 +14,7 @@ namespace sectorbox {
 // HostError, and the disc that was open stays open.
 void OpenImage(Disc& disc, const std::string& FileName);
 
-void OpenAdf(Disc& disc, const std::string& FileName, std::int32_t Tracks, std::int32_t Heads,
-             std::int32_t Sectors);
-void OpenAdl(Disc& disc, const std::string& FileName, std::int32_t Tracks, std::int32_t Heads,
-             std::int32_t Sectors);
-// Geometry from the .dsc companion, or worked out from the file's length.
-void OpenDat(Disc& disc, const std::string& FileName);
+// Opens a partition of a card.
 // Name is the device, a comma and the partition digit, such as "/dev/sdb,0".
 void OpenCFPartition(Disc& disc, const std::string& Name);
 

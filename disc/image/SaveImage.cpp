@@ -8,8 +8,8 @@
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
-#include "disc/image/Companion.h"
-#include "disc/medium/FloppyTracks.h"
+#include "disc/medium/Companion.h"
+#include "disc/medium/FloppyMedium.h"
 
 namespace sectorbox {
 namespace {
@@ -86,7 +86,9 @@ std::int32_t SectorsToSave(Disc& disc) {
 // An image that took the place of the card it is read from would be the end of that card, and a
 // card can't be poured into itself.
 void RefuseTheCardItself(const Disc& disc, const std::string& fileName) {
-  if (disc.TheDisc.IsOpenCard(fileName)) throw HostError(fileName, "this is the card itself");
+  if (!disc.TheDisc.MayBeReplaced() && disc.TheDisc.IsOpenMedium(fileName)) {
+    throw HostError(fileName, "this is the card itself");
+  }
 }
 
 void WriteWhole(const std::string& fileName, const std::vector<std::uint8_t>& bytes) {
@@ -133,7 +135,7 @@ void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard) {
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Save Image");
   const std::int32_t sectors = WholeCard ? disc.TheDisc.DiscSize() : SectorsToSave(disc);
-  const bool overItself = disc.TheDisc.IsOpenFile(FileName);
+  const bool overItself = disc.TheDisc.IsOpenMedium(FileName);
   OutputFile output = CreateOutputFile(FileName);
   std::vector<std::uint8_t> bytes;
   const bool whole =
@@ -152,7 +154,7 @@ void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard) {
   progress.Close();
   // The store goes on working on the file of its name, which is now this one.
   if (whole && overItself) disc.TheDisc.CloseFile();
-  if (disc.TheDisc.disctype() == kDat) {
+  if (disc.TheDisc.Kind().HasCompanion) {
     WriteCompanion(FileName, {disc.DiscTracks, disc.DiscHeads});
   }
   changes.Done();
@@ -175,7 +177,11 @@ void SaveAdfImage(Disc& disc, const std::string& FileName) {
 void SaveAdlImage(Disc& disc, const std::string& FileName) {
   RefuseTheCardItself(disc, FileName);
   ClearedChanges changes(disc);
-  WriteWhole(FileName, ArrangeAdl(disc));
+  const auto inMemory = disc.TheDisc.InMemory()
+                            ? std::optional<std::size_t>(disc.TheDisc.ImageBytes())
+                            : std::nullopt;
+  WriteWhole(FileName,
+             ArrangeAdl(disc.TheDisc, MapDiscSize(disc), inMemory, disc.Host.InterleavedDisc()));
   changes.Done();
 }
 
@@ -189,7 +195,7 @@ void RestoreImage(Disc& disc, const std::string& FileName) {
   const auto rest = length % kSectorSize;
   auto sectors = static_cast<std::int32_t>(length / kSectorSize);
   if (rest > 128 || (rest == 128 && sectors % 2 == 1)) ++sectors;
-  if (disc.TheDisc.disctype() == kCF && sectors > disc.TheDisc.DiscSize()) {
+  if (disc.TheDisc.HasFixedSize() && sectors > disc.TheDisc.DiscSize()) {
     const std::int32_t there = std::max(disc.TheDisc.DiscSize(), 0);
     disc.Host.Note(FileName + ": " + std::to_string(sectors) + " sectors, of which the first " +
                    std::to_string(there) + " fit on the partition");

@@ -9,17 +9,13 @@ namespace {
 
 constexpr const char* kOpenFilter = "ADFS Disc (*.adl;*.adf;*.dat)|*.adl;*.adf;*.dat";
 
-bool WritesThrough(const Disc& disc) {
-  return disc.TheDisc.disctype() == kDat || disc.TheDisc.disctype() == kCF;
-}
-
 }  // namespace
 
 void QuerySaveChanges(Disc& disc) {
   // Cleared first, so that the question comes once, also after No and after a cancelled dialog.
   disc.ImageChanged = false;
   try {
-    if (WritesThrough(disc)) {
+    if (!disc.TheDisc.InMemory()) {
       disc.TheDisc.CloseFile();
     } else if (disc.Host.AskYesNo("Save your changes now ?", "Changes will be lost")) {
       SaveImageAs(disc);

@@ -3,12 +3,14 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "disc/ask/DiscHost.h"
 #include "disc/format/Format.h"
-#include "disc/host/RawDevice.h"
+#include "disc/format/MapSectors.h"
 #include "disc/store/DiscImg.h"
 
 namespace sectorbox {
@@ -16,10 +18,11 @@ namespace sectorbox {
 // The one shared state of the engine: the store, the open disc's name and dirty flag, and the free
 // list in memory. There is one in each program, made in main; a test makes its own. Every operation
 // of the engine is a free function that takes it first.
-struct Disc {
-  // host outlives the disc. device is what a card is reached through.
-  explicit Disc(DiscHost& discHost, std::unique_ptr<RawDevice> device = MakeHostDevice())
-      : Host(discHost), TheDisc(*this, std::move(device)) {}
+struct Disc : private ImageRules {
+  // host outlives the disc. device is what a card is reached through. maker makes the mediums; null
+  // stands for the table of kinds.
+  explicit Disc(DiscHost& host, std::unique_ptr<RawDevice> device = MakeHostDevice(),
+                std::unique_ptr<MediumMaker> maker = nullptr);
 
   DiscHost& Host;
 
@@ -39,10 +42,39 @@ struct Disc {
 
   // Sector numbers that operations hold across a possible compaction (TrackedSector.h).
   std::vector<std::int32_t*> TrackedSectors;
-  // How many times a disc has been compacted here; who notes down where objects lie compares it.
+  // How many times a disc has been compacted here. Whoever notes down where objects lie compares
+  // it.
   std::int32_t Compactions = 0;
 
   DiscImg TheDisc;
+
+ private:
+  [[nodiscard]] bool InterleavedDisc() const override;
+  [[nodiscard]] std::optional<std::int32_t> SectorsToStore() override;
+  void ImageLoaded() override;
 };
+
+// The free list in memory, as values, and back. At most 83 runs.
+[[nodiscard]] std::vector<FreeRun> FreeRuns(const Disc& disc);
+void KeepFreeRuns(Disc& disc, std::span<const FreeRun> runs);
+// Sectors in all free runs.
+[[nodiscard]] std::int64_t FreeSectors(const Disc& disc);
+
+// Store offset of a sector's first byte.
+[[nodiscard]] constexpr std::int64_t SectorOffset(std::int32_t sector) {
+  return std::int64_t{sector} * format::kSectorSize;
+}
+
+// The map as it stands in the store now.
+[[nodiscard]] MapSectors ReadMap(Disc& disc);
+// Stores those bytes of the map that were set.
+void WriteMap(Disc& disc, const MapSectors& map);
+// Disc size in sectors, from the map.
+[[nodiscard]] std::int32_t MapDiscSize(Disc& disc);
+
+// The sectors up to which a trimmed image is written: the start of the last free run where that run
+// reaches the disc's end; none where it doesn't, or there is no run, and the image is written in
+// full. Only free space is ever cut off.
+[[nodiscard]] std::optional<std::int32_t> TrimmedSize(const Disc& disc, std::int32_t discSize);
 
 }  // namespace sectorbox

@@ -1,75 +1,93 @@
 #include "disc/store/DiscImg.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
+#include <limits>
 
-#include "disc/catalogue/Adfs.h"
-#include "disc/host/HostError.h"
-#include "disc/host/HostFile.h"
-#include "disc/store/Disc.h"
+#include "disc/medium/CardMedium.h"
 
 namespace sectorbox {
 namespace {
 
 // Bytes from which on a run is worth going past the two blocks.
 constexpr std::size_t kSmallestRun = std::size_t{2} * DiscImg::kBlockSize;
+constexpr std::int32_t kTransferSectors = DiscImg::kTransferSize / CardMedium::kDeviceSector;
 
-std::size_t ReadFileAt(int file, const std::string& path, std::int64_t offset,
-                       std::span<std::uint8_t> bytes) {
-  std::size_t total = 0;
-  while (total < bytes.size()) {
-    const ssize_t done = ::pread(file, bytes.data() + total, bytes.size() - total,
-                                 static_cast<off_t>(offset + static_cast<std::int64_t>(total)));
-    if (done < 0 && errno == EINTR) continue;
-    if (done < 0) ThrowHostError(path, errno);
-    if (done == 0) break;
-    total += static_cast<std::size_t>(done);
-  }
-  return total;
+std::size_t InBlock(std::int64_t offset) {
+  return static_cast<std::size_t>(offset % DiscImg::kBlockSize);
 }
 
-void WriteFileAt(int file, const std::string& path, std::int64_t offset,
-                 std::span<const std::uint8_t> bytes) {
-  std::size_t total = 0;
-  while (total < bytes.size()) {
-    const ssize_t done = ::pwrite(file, bytes.data() + total, bytes.size() - total,
-                                  static_cast<off_t>(offset + static_cast<std::int64_t>(total)));
-    if (done < 0 && errno == EINTR) continue;
-    if (done < 0) ThrowHostError(path, errno);
-    total += static_cast<std::size_t>(done);
-  }
-}
-
-// "/dev/sdb,0" names the device /dev/sdb: the comma and the digit are the partition. A path may
-// hold commas of its own, so that nothing else at its end is taken for one.
-std::string DeviceOf(const std::string& name) {
-  constexpr std::size_t kPartition = 2;
-  if (name.size() <= kPartition || name[name.size() - kPartition] != ',') return name;
-  if (name.back() < '0' || name.back() > '9') return name;
-  return name.substr(0, name.size() - kPartition);
-}
-
-// The disc bytes of a card are the even ones of the device's.
-void TakeEven(const std::uint8_t* device, std::size_t count, std::uint8_t* disc) {
-  for (std::size_t i = 0; i < count; ++i) disc[i] = device[2 * i];
-}
-
-void PutEven(const std::uint8_t* disc, std::size_t count, std::uint8_t* device) {
-  for (std::size_t i = 0; i < count; ++i) device[2 * i] = disc[i];
+std::int64_t OffsetOfBlock(std::int32_t block) {
+  return std::int64_t{block} * DiscImg::kBlockSize;
 }
 
 }  // namespace
 
-DiscImg::DiscImg(Disc& disc, std::unique_ptr<RawDevice> device)
-    : disc_(disc), device_(std::move(device)) {}
+DiscImg::DiscImg(StatusLine& status, ImageRules& rules, std::unique_ptr<RawDevice> device,
+                 std::unique_ptr<MediumMaker> maker)
+    : status_(status),
+      rules_(rules),
+      device_(std::move(device)),
+      maker_(maker ? std::move(maker) : std::make_unique<MediumMaker>()),
+      kind_(&KindOf(kAdf)) {}
 
-DiscImg::~DiscImg() {
-  if (fileNumber_ >= 0) ::close(fileNumber_);
+DiscImg::~DiscImg() = default;
+
+// --- Opening and closing -------------------------------------------------------------------------
+
+void DiscImg::OpenFile(const std::string& fileName, DiscType disctype, std::int32_t tracks,
+                       std::int32_t heads, std::int32_t sectors) {
+  if (!InMemory()) CloseFile();
+  MediumRequest request{fileName, {tracks, heads, sectors}, 0};
+  if (disctype == kCF) request = {fileName, {}, tracks};
+  // Nothing of the open disc is given up before the new one is there.
+  auto medium = maker_->Make(disctype, request, {*device_, status_, rules_});
+  medium_ = std::move(medium);
+  kind_ = &KindOf(disctype);
+  request_ = std::move(request);
+  inMemory_ = medium_->InMemory();
+  memory_ = medium_->Memory();
+  layout_ = medium_->BlockLayout();
+  suspended_ = false;
+  mTracks = request_.Shape.Tracks;
+  mNumSecs = medium_->DeviceSectors();
+  EmptySlots();
+  // The blocks of a card are the longer ones. A store that once had them keeps them, and moves that
+  // many bytes for each block of a file too.
+  for (Slot& slot : slots_) slot.Data.resize(std::max(slot.Data.size(), layout_.BlockBytes));
 }
+
+void DiscImg::CloseFile() {
+  if (medium_ == nullptr) return;
+  if (InMemory()) {
+    medium_->Close();
+    return;
+  }
+  if (!medium_->IsOpen()) return;
+  WriteBack();
+  EmptySlots();
+  suspended_ = true;
+  medium_->Close();
+}
+
+void DiscImg::Abandon() {
+  if (!InMemory()) CloseFile();
+  suspended_ = false;
+}
+
+void DiscImg::Flush() {
+  CloseFile();
+  const MediumRequest request = request_;
+  const std::int32_t tracks = disctype() == kCF ? request.Partition : request.Shape.Tracks;
+  OpenFile(request.Name, disctype(), tracks, request.Shape.Heads, request.Shape.Sectors);
+}
+
+bool DiscImg::ReadyForBlocks() {
+  if (medium_ == nullptr) return false;
+  if (suspended_) Flush();
+  return medium_->IsReady();
+}
+
+// --- The two blocks ------------------------------------------------------------------------------
 
 void DiscImg::EmptySlots() {
   for (Slot& slot : slots_) {
@@ -77,277 +95,6 @@ void DiscImg::EmptySlots() {
     slot.Dirty = false;
     slot.Recent = false;
   }
-}
-
-void DiscImg::LoadImage(const std::string& fileName, std::int16_t disctype, std::size_t bytes) {
-  // The file is read before anything is given up: one that can't be read leaves the store as it is.
-  std::vector<std::uint8_t> file;
-  if (HostFileExists(fileName)) file = ReadHostFile(fileName, 0, bytes);
-  disc_.ImageChanged = false;
-  disctype_ = disctype;
-  image_.assign(bytes, 0);
-  if (disctype == kAdf) {
-    LoadAdf(file);
-  } else {
-    LoadAdl(file);
-  }
-}
-
-void DiscImg::OpenFile(const std::string& fileName, std::int16_t disctype, std::int32_t tracks,
-                       std::int32_t heads, std::int32_t sectors) {
-  if (fileNumber_ >= 0 || device_->IsOpen()) CloseFile();
-  if (disctype == kAdf || disctype == kAdl) {
-    LoadImage(fileName, disctype,
-              static_cast<std::size_t>(tracks) * static_cast<std::size_t>(heads) *
-                  static_cast<std::size_t>(sectors) * format::kSectorSize);
-  } else if (disctype == kDat) {
-    int file = ::open(fileName.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    const bool mayRead = file < 0 && (errno == EACCES || errno == EROFS || errno == EPERM);
-    writeError_ = mayRead ? errno : 0;
-    if (mayRead) file = ::open(fileName.c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) ThrowHostError(fileName, errno);
-    fileNumber_ = file;
-  }
-  suspended_ = false;
-  fileName_ = fileName;
-  disctype_ = disctype;
-  mTracks = tracks;
-  heads_ = heads;
-  sectors_ = sectors;
-  if (InMemory()) return;
-  image_.clear();
-  EmptySlots();
-  if (disctype == kDat) return;
-  for (Slot& slot : slots_) slot.Data.resize(kCFBlockSize);
-  cardFaults_ = 0;
-  device_->Open(DeviceOf(fileName));
-  // The probe sees the card from its start, whatever partition is wanted.
-  mTracks = 0;
-  ProbeCard();
-  mTracks = tracks;
-}
-
-// Whether the store can take and give bytes of a block. A card always can: without its device it
-// gives what stands in the slots.
-bool DiscImg::ReadyForBlocks() {
-  if (suspended_) OpenFile(std::string(fileName_), disctype_, mTracks, heads_, sectors_);
-  return disctype_ == kCF || fileNumber_ >= 0;
-}
-
-void DiscImg::WriteSlot(Slot& slot) {
-  if (disctype_ == kDat) {
-    // The whole of Data goes out. After a card has been open that is 2048 bytes at each 1024-byte
-    // place, and so it stays; what hangs over into the next block is what that block holds now.
-    if (slot.Data.size() > kBlockSize) RefreshOverhang(slot);
-    WriteFileAt(fileNumber_, fileName_, std::int64_t{slot.Block} * kBlockSize, slot.Data);
-  } else {
-    WriteCardSlot(slot);
-  }
-}
-
-void DiscImg::RefreshOverhang(Slot& slot) {
-  const auto overhang = std::span(slot.Data).subspan(kBlockSize);
-  const Slot& other = slots_[&slot == &slots_[0] ? 1 : 0];
-  if (other.Block == slot.Block + 1) {
-    std::copy_n(other.Data.begin(), kBlockSize, overhang.begin());
-    return;
-  }
-  const auto next = (std::int64_t{slot.Block} + 1) * kBlockSize;
-  const auto done = ReadFileAt(fileNumber_, fileName_, next, overhang);
-  std::fill(overhang.begin() + static_cast<std::ptrdiff_t>(done), overhang.end(), std::uint8_t{0});
-}
-
-DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {
-  const auto block = static_cast<std::int32_t>(offset / kBlockSize);
-  for (Slot& slot : slots_) {
-    if (slot.Block == block) return slot;
-  }
-  // First in, first out: a hit doesn't refresh Recent, so this is no least-recently-used cache.
-  std::size_t victim = slots_[0].Recent ? 1 : 0;
-  if (slots_[0].Block == -1) {
-    victim = 0;
-  } else if (slots_[1].Block == -1) {
-    victim = 1;
-  }
-  Slot& slot = slots_[victim];
-  if (slot.Block != -1 && slot.Dirty) WriteSlot(slot);
-  slot.Block = -1;
-  slot.Dirty = false;
-  if (disctype_ == kDat) {
-    const auto done =
-        ReadFileAt(fileNumber_, fileName_, std::int64_t{block} * kBlockSize, slot.Data);
-    std::fill(slot.Data.begin() + static_cast<std::ptrdiff_t>(done), slot.Data.end(),
-              std::uint8_t{0});
-    slot.Block = block;
-  } else {
-    slot.Block = block;
-    LoadCardSlot(slot);
-  }
-  slot.Recent = true;
-  slots_[1 - victim].Recent = false;
-  return slot;
-}
-
-std::uint8_t DiscImg::Fetch(std::int64_t offset) {
-  if (offset < 0) return 0;
-  if (InMemory()) {
-    const auto index = static_cast<std::size_t>(offset);
-    return index < image_.size() ? image_[index] : std::uint8_t{0};
-  }
-  if (!ReadyForBlocks()) return 0;
-  if (disctype_ == kCF && offset >= kPartitionBytes) return 0;
-  const auto in = static_cast<std::size_t>(offset % kBlockSize);
-  const Slot& slot = LocateBlock(offset);
-  return disctype_ == kDat ? slot.Data[in] : slot.Data[in * 2];
-}
-
-void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
-  if (offset < 0) return;
-  if (InMemory()) {
-    const auto index = static_cast<std::size_t>(offset);
-    if (index < image_.size()) image_[index] = value;
-    return;
-  }
-  if (!ReadyForBlocks()) return;
-  if (disctype_ == kDat && writeError_ != 0) ThrowHostError(fileName_, writeError_);
-  if (disctype_ == kCF) {
-    StoreBytes(offset, std::span(&value, 1));
-    return;
-  }
-  Slot& slot = LocateBlock(offset);
-  slot.Data[static_cast<std::size_t>(offset % kBlockSize)] = value;
-  slot.Dirty = true;
-}
-
-std::size_t DiscImg::TogetherAt(std::int64_t offset, std::size_t want) const {
-  if (offset < 0) {
-    return static_cast<std::size_t>(
-        std::min<std::int64_t>(-offset, static_cast<std::int64_t>(want)));
-  }
-  const auto at = static_cast<std::size_t>(offset);
-  if (!InMemory()) return std::min<std::size_t>(want, kBlockSize - at % kBlockSize);
-  return at < image_.size() ? std::min(want, image_.size() - at) : want;
-}
-
-bool DiscImg::Holds(std::int64_t offset) {
-  if (offset < 0) return false;
-  if (InMemory()) return static_cast<std::size_t>(offset) < image_.size();
-  return ReadyForBlocks() && (disctype_ != kCF || offset < kPartitionBytes);
-}
-
-bool DiscImg::FetchFileRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  if (disctype_ != kDat || offset < 0 || bytes.size() < kSmallestRun || !ReadyForBlocks()) {
-    return false;
-  }
-  const auto done = ReadFileAt(fileNumber_, fileName_, offset, bytes);
-  std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(done), bytes.end(), std::uint8_t{0});
-  const std::int64_t end = offset + static_cast<std::int64_t>(bytes.size());
-  for (const Slot& slot : slots_) {
-    if (slot.Block == -1) continue;
-    const std::int64_t block = std::int64_t{slot.Block} * kBlockSize;
-    const std::int64_t from = std::max(block, offset);
-    const std::int64_t to = std::min(block + kBlockSize, end);
-    if (from < to)
-      std::copy_n(slot.Data.begin() + (from - block), to - from, bytes.begin() + (from - offset));
-  }
-  return true;
-}
-
-void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  if (FetchFileRun(offset, bytes)) return;
-  while (!bytes.empty()) {
-    if (const std::size_t run = FetchCardRun(offset, bytes); run > 0) {
-      offset += static_cast<std::int64_t>(run);
-      bytes = bytes.subspan(run);
-      continue;
-    }
-    const auto part = bytes.first(TogetherAt(offset, bytes.size()));
-    if (!Holds(offset)) {
-      std::fill(part.begin(), part.end(), std::uint8_t{0});
-    } else if (InMemory()) {
-      std::copy_n(image_.begin() + offset, part.size(), part.begin());
-    } else {
-      const Slot& slot = LocateBlock(offset);
-      const auto in = static_cast<std::size_t>(offset % kBlockSize);
-      if (disctype_ == kDat) {
-        std::copy_n(slot.Data.data() + in, part.size(), part.data());
-      } else {
-        TakeEven(slot.Data.data() + 2 * in, part.size(), part.data());
-      }
-    }
-    offset += static_cast<std::int64_t>(part.size());
-    bytes = bytes.subspan(part.size());
-  }
-}
-
-std::size_t DiscImg::StoreFileRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  const bool wholeBlocks = offset >= 0 && offset % kBlockSize == 0;
-  if (disctype_ != kDat || !wholeBlocks || bytes.size() < kSmallestRun) return 0;
-  if (!ReadyForBlocks() || writeError_ != 0 || slots_[0].Data.size() != kBlockSize) return 0;
-  const auto run = bytes.first(bytes.size() - bytes.size() % kBlockSize);
-  WriteFileAt(fileNumber_, fileName_, offset, run);
-  const auto first = static_cast<std::int32_t>(offset / kBlockSize);
-  const auto blocks = static_cast<std::int32_t>(run.size() / kBlockSize);
-  for (Slot& slot : slots_) {
-    if (slot.Block < first || slot.Block - first >= blocks) continue;
-    const auto in = static_cast<std::size_t>(slot.Block - first) * kBlockSize;
-    std::copy_n(run.begin() + static_cast<std::ptrdiff_t>(in), kBlockSize, slot.Data.begin());
-    slot.Dirty = false;
-  }
-  return run.size();
-}
-
-void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  if (disctype_ == kCF) bytes = InsidePartition(offset, bytes);
-  while (!bytes.empty()) {
-    if (const std::size_t run = StoreFileRun(offset, bytes); run > 0) {
-      offset += static_cast<std::int64_t>(run);
-      bytes = bytes.subspan(run);
-      continue;
-    }
-    const auto part = bytes.first(TogetherAt(offset, bytes.size()));
-    if (Holds(offset) && InMemory()) {
-      std::copy(part.begin(), part.end(), image_.begin() + offset);
-    } else if (Holds(offset)) {
-      if (disctype_ == kDat && writeError_ != 0) ThrowHostError(fileName_, writeError_);
-      Slot& slot = LocateBlock(offset);
-      const auto in = static_cast<std::size_t>(offset % kBlockSize);
-      if (disctype_ == kDat) {
-        std::copy(part.begin(), part.end(), slot.Data.data() + in);
-      } else {
-        PutEven(part.data(), part.size(), slot.Data.data() + 2 * in);
-      }
-      slot.Dirty = true;
-      if (disctype_ == kCF) {
-        MarkStored(slot, static_cast<std::size_t>(offset % kBlockSize), part.size());
-      }
-    }
-    offset += static_cast<std::int64_t>(part.size());
-    bytes = bytes.subspan(part.size());
-  }
-}
-
-bool DiscImg::IsOpenFile(const std::string& path) const {
-  if (disctype_ != kDat || (fileNumber_ < 0 && !suspended_)) return false;
-  struct stat own {};
-  struct stat other {};
-  const bool known =
-      fileNumber_ >= 0 ? ::fstat(fileNumber_, &own) == 0 : ::stat(fileName_.c_str(), &own) == 0;
-  return known && ::stat(path.c_str(), &other) == 0 && own.st_dev == other.st_dev &&
-         own.st_ino == other.st_ino;
-}
-
-std::int64_t DiscImg::EndOfData() {
-  if (InMemory()) return static_cast<std::int64_t>(image_.size());
-  if (disctype_ == kCF) return kPartitionBytes;
-  if (!ReadyForBlocks()) return INT64_MAX;
-  struct stat info {};
-  if (::fstat(fileNumber_, &info) != 0) ThrowHostError(fileName_, errno);
-  std::int64_t end = info.st_size;
-  for (const Slot& slot : slots_) {
-    if (slot.Dirty) end = std::max(end, (std::int64_t{slot.Block} + 1) * kBlockSize);
-  }
-  return end;
 }
 
 void DiscImg::WriteBack() {
@@ -358,31 +105,218 @@ void DiscImg::WriteBack() {
   }
 }
 
-void DiscImg::CloseFile() {
-  if (disctype_ == kAdf) {
-    StoreAdf();
-  } else if (disctype_ == kAdl) {
-    StoreAdl();
-  } else if (disctype_ == kDat && fileNumber_ >= 0) {
-    WriteBack();
-    EmptySlots();
-    const int file = fileNumber_;
-    fileNumber_ = -1;
-    suspended_ = true;
-    if (::close(file) != 0) ThrowHostError(fileName_, errno);
-  } else if (disctype_ == kCF && device_->IsOpen()) {
-    CloseCard();
+void DiscImg::WriteSlot(Slot& slot) {
+  // The whole of Data goes out. Where it is longer than a block, what hangs over goes to the next
+  // block's place, so it has to be what that block holds now.
+  if (slot.Data.size() > layout_.BlockBytes) RefreshOverhang(slot);
+  if (slot.ReadFailed) {
+    medium_->WriteStored(slot.Block, slot.Data, slot.Stored);
+  } else {
+    medium_->WriteBlock(slot.Block, slot.Data);
   }
 }
 
-void DiscImg::Abandon() {
-  if (!InMemory()) CloseFile();
-  suspended_ = false;
+void DiscImg::RefreshOverhang(Slot& slot) {
+  const auto overhang = std::span(slot.Data).subspan(layout_.BlockBytes);
+  const Slot& other = slots_[&slot == &slots_[0] ? 1 : 0];
+  if (other.Block == slot.Block + 1) {
+    std::copy_n(other.Data.begin(), overhang.size(), overhang.begin());
+  } else {
+    medium_->ReadBlock(slot.Block + 1, overhang);
+  }
 }
 
-void DiscImg::Flush() {
-  CloseFile();
-  OpenFile(std::string(fileName_), disctype_, mTracks, heads_, sectors_);
+// First in, first out: a hit doesn't refresh Recent, so this is no least-recently-used cache.
+DiscImg::Slot& DiscImg::ChooseVictim() {
+  if (slots_[0].Block == -1) return slots_[0];
+  if (slots_[1].Block == -1) return slots_[1];
+  return slots_[slots_[0].Recent ? 1 : 0];
+}
+
+DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {
+  const auto block = static_cast<std::int32_t>(offset / kBlockSize);
+  for (Slot& slot : slots_) {
+    if (slot.Block == block) return slot;
+  }
+  Slot& slot = ChooseVictim();
+  if (slot.Block != -1 && slot.Dirty) WriteSlot(slot);
+  slot.Block = -1;
+  slot.Dirty = false;
+  slot.ReadFailed = !medium_->ReadBlock(block, slot.Data);
+  slot.Stored.reset();
+  slot.Block = block;
+  for (Slot& one : slots_) one.Recent = &one == &slot;
+  return slot;
+}
+
+void DiscImg::FetchFromSlot(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  const Slot& slot = LocateBlock(offset);
+  const std::uint8_t* from = slot.Data.data() + InBlock(offset) * layout_.Stride;
+  if (layout_.Stride == 1) {
+    std::copy_n(from, bytes.size(), bytes.begin());
+    return;
+  }
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = from[i * layout_.Stride];
+}
+
+void DiscImg::StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  Slot& slot = LocateBlock(offset);
+  const std::size_t in = InBlock(offset);
+  std::uint8_t* to = slot.Data.data() + in * layout_.Stride;
+  for (std::size_t i = 0; i < bytes.size(); ++i) to[i * layout_.Stride] = bytes[i];
+  slot.Dirty = true;
+  if (!slot.ReadFailed) return;
+  for (std::size_t i = in; i < in + bytes.size(); ++i) slot.Stored.set(i);
+}
+
+std::size_t DiscImg::FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  if (InMemory() || offset < 0 || bytes.size() < kSmallestRun || !ReadyForBlocks()) return 0;
+  const std::size_t run = medium_->ReadRun(offset, bytes);
+  const std::int64_t end = offset + static_cast<std::int64_t>(run);
+  for (const Slot& slot : slots_) {
+    if (slot.Block == -1) continue;
+    const std::int64_t from = std::max(OffsetOfBlock(slot.Block), offset);
+    const std::int64_t to = std::min(OffsetOfBlock(slot.Block) + kBlockSize, end);
+    if (from >= to) continue;
+    FetchFromSlot(from, bytes.subspan(static_cast<std::size_t>(from - offset),
+                                      static_cast<std::size_t>(to - from)));
+  }
+  return run;
+}
+
+std::size_t DiscImg::StoreRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  // Slots that are longer than a block write into the next one too, so all goes through them.
+  const bool fits = slots_[0].Data.size() == layout_.BlockBytes;
+  if (InMemory() || bytes.size() < kSmallestRun || !fits) return 0;
+  const std::size_t run = medium_->WriteRun(offset, bytes);
+  const std::int64_t end = offset + static_cast<std::int64_t>(run);
+  for (Slot& slot : slots_) {
+    const std::int64_t at = OffsetOfBlock(slot.Block);
+    if (slot.Block == -1 || at < offset || at >= end) continue;
+    StoreToSlot(at, bytes.subspan(static_cast<std::size_t>(at - offset), kBlockSize));
+    slot.Dirty = false;
+  }
+  return run;
+}
+
+// --- Bytes ---------------------------------------------------------------------------------------
+
+std::size_t DiscImg::TogetherAt(std::int64_t offset, std::size_t want) const {
+  if (offset < 0) {
+    return static_cast<std::size_t>(
+        std::min<std::int64_t>(-offset, static_cast<std::int64_t>(want)));
+  }
+  if (!InMemory()) return std::min<std::size_t>(want, kBlockSize - InBlock(offset));
+  const auto at = static_cast<std::size_t>(offset);
+  return at < memory_.size() ? std::min(want, memory_.size() - at) : want;
+}
+
+bool DiscImg::Holds(std::int64_t offset) {
+  if (offset < 0 || medium_ == nullptr) return false;
+  return offset < medium_->Extent() && (InMemory() || ReadyForBlocks());
+}
+
+std::uint8_t DiscImg::Fetch(std::int64_t offset) {
+  std::uint8_t value = 0;
+  FetchBytes(offset, std::span(&value, 1));
+  return value;
+}
+
+void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
+  if (offset >= 0) StoreBytes(offset, std::span(&value, 1));
+}
+
+void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  while (!bytes.empty()) {
+    std::size_t size = FetchRun(offset, bytes);
+    if (size == 0) {
+      size = TogetherAt(offset, bytes.size());
+      const auto part = bytes.first(size);
+      if (!Holds(offset)) {
+        std::fill(part.begin(), part.end(), std::uint8_t{0});
+      } else if (InMemory()) {
+        std::copy_n(memory_.begin() + offset, size, part.begin());
+      } else {
+        FetchFromSlot(offset, part);
+      }
+    }
+    offset += static_cast<std::int64_t>(size);
+    bytes = bytes.subspan(size);
+  }
+}
+
+void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  if (bytes.empty()) return;
+  if (!InMemory()) {
+    if (!ReadyForBlocks()) return;
+    bytes = medium_->Storable(offset, bytes);
+  }
+  while (!bytes.empty()) {
+    std::size_t size = StoreRun(offset, bytes);
+    if (size == 0) {
+      size = TogetherAt(offset, bytes.size());
+      const auto part = bytes.first(size);
+      if (Holds(offset) && InMemory()) {
+        std::copy(part.begin(), part.end(), memory_.begin() + offset);
+      } else if (Holds(offset)) {
+        StoreToSlot(offset, part);
+      }
+    }
+    offset += static_cast<std::int64_t>(size);
+    bytes = bytes.subspan(size);
+  }
+}
+
+void DiscImg::ClearCFSector() {
+  transfer_.fill(0);
+}
+
+void DiscImg::WriteCFSector(std::int32_t sector, std::int32_t secs) {
+  const std::int32_t count = std::clamp(secs, 0, kTransferSectors);
+  if (medium_ == nullptr) return;
+  medium_->WriteDeviceSectors(sector, std::span(transfer_).first(static_cast<std::size_t>(count) *
+                                                                 CardMedium::kDeviceSector));
+}
+
+// --- What the medium says ------------------------------------------------------------------------
+
+std::int32_t DiscImg::DiscSize() const {
+  return medium_ == nullptr ? 0 : medium_->UsableSectors().value_or(0);
+}
+
+bool DiscImg::HasFixedSize() const {
+  return medium_ != nullptr && medium_->UsableSectors().has_value();
+}
+
+std::int32_t DiscImg::CardFaults() const {
+  return medium_ == nullptr ? 0 : medium_->Faults();
+}
+
+std::size_t DiscImg::ImageBytes() const {
+  return memory_.size();
+}
+
+bool DiscImg::IsOpenMedium(const std::string& path) const {
+  return !InMemory() && (suspended_ || medium_->IsOpen()) && medium_->Is(path);
+}
+
+bool DiscImg::MayBeReplaced() const {
+  return medium_ == nullptr || medium_->MayBeReplaced();
+}
+
+std::int64_t DiscImg::EndOfData() {
+  if (InMemory()) return static_cast<std::int64_t>(memory_.size());
+  if (!ReadyForBlocks()) return std::numeric_limits<std::int64_t>::max();
+  std::int64_t end = medium_->EndOfData();
+  for (const Slot& slot : slots_) {
+    if (slot.Dirty) end = std::max(end, OffsetOfBlock(slot.Block) + kBlockSize);
+  }
+  return end;
+}
+
+std::int64_t DiscImg::LongestFile() {
+  if (InMemory()) return static_cast<std::int64_t>(memory_.size());
+  return ReadyForBlocks() ? medium_->LongestFile() : 0;
 }
 
 }  // namespace sectorbox

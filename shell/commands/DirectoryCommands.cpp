@@ -34,9 +34,9 @@ DirectoryCommands::DirectoryCommands(frmMain& window) : window_(window) {
 void DirectoryCommands::mnuDirectoryNew() {
   Panes& panes = window_.ThePanes();
   if (panes.CurrentDirNode() == nullptr) return;
-  const std::int32_t sector = NewDirectory(window_.TheDisc(), panes.CurrentSector(), kNewName);
-  if (sector == -1) return;
-  DirNode* node = panes.AddNode(kNewName, sector);
+  const auto sector = NewDirectory(window_.TheDisc(), panes.CurrentSector(), kNewName);
+  if (!sector) return;
+  DirNode* node = panes.AddNode(kNewName, *sector);
   panes.GetRootTitles();
   panes.Tree().setFocus();
   panes.Tree().editItem(node, 0);
@@ -52,8 +52,8 @@ void DirectoryCommands::mnuDirectoryDelete() {
   const QPersistentModelIndex held = panes.Tree().indexFromItem(node);
   const bool root = node->Tag == format::kRootSector || node->Parent() == nullptr;
   const std::int32_t parent = root ? -1 : node->Parent()->Tag;
-  DeleteTree(window_.TheDisc(), parent, node->Tag, node->Text(),
-             window_.Checked("mnuOptionsDelete"), window_.Checked("mnuOptionsEmpty"));
+  (void)DeleteTree(window_.TheDisc(), parent, node->Tag, node->Text(),
+                   window_.Checked("mnuOptionsDelete"), window_.Checked("mnuOptionsEmpty"));
   const bool stands = held.isValid();
   if (stands) panes.RemoveNode(static_cast<DirNode&>(*panes.Tree().itemFromIndex(held)));
   if (root || !stands) panes.RebuildTree();
@@ -88,8 +88,8 @@ void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text)
   if (text.isEmpty() || window_.ThePanes().CurrentDirNode() == nullptr) return;
   if (node.Parent() == nullptr) return;
   const std::string name = TypedToBbc(text);
-  if (!RenameEntry(disc, name, node.Text(), node.Parent()->Tag,
-                   window_.Checked("mnuOptionsDelete"))) {
+  if (RenameEntry(disc, name, node.Text(), node.Parent()->Tag,
+                  window_.Checked("mnuOptionsDelete")) == Outcome::kDone) {
     node.SetText(StoredName(name));
   }
   ShowFreeSpace(disc);

@@ -8,6 +8,7 @@
 #include "disc/change/Compaction.h"
 #include "disc/image/NewDisc.h"
 #include "disc/image/OpenImage.h"
+#include "disc/image/Resize.h"
 #include "disc/image/SaveImage.h"
 #include "disc/image/Session.h"
 #include "shell/commands/ResizeAnswer.h"
@@ -18,6 +19,12 @@
 
 namespace sectorbox {
 namespace {
+
+// The menu entries of the sizes, in the order of kNewDiscs.
+constexpr std::array<const char*, kNewDiscs.size()> kNewDiscEntries = {
+    "mnuDiscNew40SSD", "mnuDiscNew80SSD", "mnuDiscNew80DSD", "mnuDiscNew1M",  "mnuDiscNew2M",
+    "mnuDiscNew4M",    "mnuDiscNew8M",    "mnuDiscNew16M",   "mnuDiscNew32M", "mnuDiscNew64M",
+    "mnuDiscNew128M",  "mnuDiscNew256M",  "mnuDiscNew512M"};
 
 // The geometry that all resized images get.
 constexpr std::int32_t kResizeHeads = 4;
@@ -40,8 +47,8 @@ DiscCommands::DiscCommands(frmMain& window) : window_(window) {
     const std::string name = ChooseImageFile(disc);
     if (!name.empty()) OpenImage(disc, name);
   });
-  for (const DiscGeometry& geometry : kNewDiscs) {
-    window.OnCommand(geometry.Menu, [&disc, &geometry] { RunNewDisc(disc, geometry); });
+  for (std::size_t i = 0; i < kNewDiscs.size(); ++i) {
+    window.OnCommand(kNewDiscEntries[i], [&disc, i] { RunNewDisc(disc, kNewDiscs[i]); });
   }
   window.OnCommand("mnuDiscSave", [&disc] { RunSaveCommand(disc); });
   for (const ResizeEntry& entry : kResizes) {

@@ -6,7 +6,6 @@
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/store/TrackedSector.h"
-#include "shell/commands/StoredName.h"
 #include "shell/dialogs/frmAddr.h"
 #include "shell/dialogs/frmAttr.h"
 #include "shell/panes/Panes.h"
@@ -61,9 +60,7 @@ bool FileCommands::ApplyAttributes(int row) {
   SetEntryAttributes(disc, sector, name, attr_->AttrRead, attr_->AttrWrite, attr_->AttrLocked);
   const std::int32_t slot = FindEntry(disc, sector, name);
   if (slot == -1) return false;
-  const ListRow now = ReadRow(disc, sector, slot);
-  model.SetCell(row, kColAttr, now.Columns[kColAttr]);
-  model.SetCell(row, kColSeq, now.Columns[kColSeq]);
+  model.SetRow(row, ReadRow(disc, sector, slot));
   return true;
 }
 
@@ -90,10 +87,7 @@ void FileCommands::ApplyAddresses(int row) {
   SetEntryAddresses(disc, sector, name, addr_->LoadText, addr_->ExecText);
   const std::int32_t slot = FindEntry(disc, sector, name);
   if (slot == -1) return;
-  const ListRow now = ReadRow(disc, sector, slot);
-  for (const ListColumn column : {kColSeq, kColLoad, kColExec}) {
-    model.SetCell(row, column, now.Columns[column]);
-  }
+  model.SetRow(row, ReadRow(disc, sector, slot));
   ShowFreeSpace(disc);
 }
 
@@ -117,11 +111,11 @@ void FileCommands::mnuFileDelete() {
     const ListRow entry = model.Rows()[static_cast<std::size_t>(row)];
     const bool ignoreLock = window_.Checked("mnuOptionsDelete");
     if (!entry.IsDirectory()) {
-      if (DeleteEntry(disc, directory, entry.Name(), false, ignoreLock) == -1) break;
+      if (DeleteEntry(disc, directory, entry.Name(), false, ignoreLock) != Outcome::kDone) break;
       disc.Host.PumpEvents();
     } else {
       if (DeleteTree(disc, directory, entry.StartSector(), entry.Name(), ignoreLock,
-                     window_.Checked("mnuOptionsEmpty")) == -1) {
+                     window_.Checked("mnuOptionsEmpty")) != Outcome::kDone) {
         break;
       }
       directoryWent = true;
@@ -160,9 +154,12 @@ void FileCommands::lvwDB_AfterLabelEdit(int row, const QString& text) {
   FileListModel& model = panes.List().Model();
   const std::string former = model.Rows()[static_cast<std::size_t>(row)].Name();
   const std::string name = TypedToBbc(text);
-  if (!RenameEntry(window_.TheDisc(), name, former, panes.CurrentSector(),
-                   window_.Checked("mnuOptionsDelete"))) {
-    model.SetCell(row, kColName, StoredName(name));
+  if (RenameEntry(window_.TheDisc(), name, former, panes.CurrentSector(),
+                  window_.Checked("mnuOptionsDelete")) == Outcome::kDone) {
+    // The row keeps its old sequence number until the list is filled again.
+    Entry renamed = model.Rows()[static_cast<std::size_t>(row)].Item;
+    renamed.Rename(name);
+    model.SetRow(row, MakeRow(renamed));
   }
   panes.ShowRowPath(row);
 }

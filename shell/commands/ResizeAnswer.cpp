@@ -1,6 +1,6 @@
 #include "shell/commands/ResizeAnswer.h"
 
-#include "disc/change/Compaction.h"
+#include "disc/image/Resize.h"
 
 namespace sectorbox {
 namespace {

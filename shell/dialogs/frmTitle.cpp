@@ -33,7 +33,7 @@ frmTitle::frmTitle(QWidget* parent, Disc& disc, std::int32_t DirSector)
 }
 
 void frmTitle::cmdOK_Click() {
-  SetDirTitle(disc_, sector_, TypedToBbc(txtTitle_->text()));
+  (void)SetDirTitle(disc_, sector_, TypedToBbc(txtTitle_->text()));
   accept();
 }
 

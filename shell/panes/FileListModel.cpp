@@ -50,10 +50,9 @@ void FileListModel::Sort(std::vector<ListRow>& rows) const {
   rows = std::move(sorted);
 }
 
-void FileListModel::SetCell(int row, ListColumn column, const std::string& text) {
-  rows_[static_cast<std::size_t>(row)].Columns[static_cast<std::size_t>(column)] = text;
-  const QModelIndex cell = index(row, column);
-  Q_EMIT dataChanged(cell, cell);
+void FileListModel::SetRow(int row, const ListRow& changed) {
+  rows_[static_cast<std::size_t>(row)] = changed;
+  Q_EMIT dataChanged(index(row, 0), index(row, kColumns - 1));
 }
 
 void FileListModel::SortBy(int column, Qt::SortOrder order) {

@@ -17,8 +17,8 @@ class FileListModel : public QAbstractTableModel {
   const std::vector<ListRow>& Rows() const { return rows_; }
   // Replaces all rows, keeping the chosen sort column and order.
   void SetRows(std::vector<ListRow> rows);
-  // Changes one cell. The row stays where it is until the list is filled or sorted again.
-  void SetCell(int row, ListColumn column, const std::string& text);
+  // Puts another row in a row's place. It stays there until the list is filled or sorted again.
+  void SetRow(int row, const ListRow& changed);
   void SortBy(int column, Qt::SortOrder order);
   int SortColumn() const { return column_; }
   Qt::SortOrder SortOrder() const { return order_; }

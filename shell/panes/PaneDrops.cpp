@@ -3,7 +3,7 @@
 #include <QDrag>
 
 #include "disc/catalogue/Adfs.h"
-#include "disc/change/Mutation.h"
+#include "disc/exchange/HostExchange.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/store/TrackedSector.h"
@@ -35,7 +35,7 @@ void AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& pat
   const TrackedSector target(disc, sector);
   for (const auto& path : paths) {
     if (HostFolderExists(path)) folder = true;
-    if (AddFile(disc, target, path) == -1) break;
+    if (AddFile(disc, target, path) != Outcome::kDone) break;
   }
 }
 

@@ -203,7 +203,9 @@ void Panes::FollowMoves(const std::map<std::int32_t, std::int32_t>& moves) {
     if (!entry.IsDirectory()) continue;
     const auto move = moves.find(entry.StartSector());
     if (move == moves.end()) continue;
-    model.SetCell(row, kColLoad, Hex(static_cast<std::uint32_t>(move->second), 6));
+    Entry moved = entry.Item;
+    moved.SetStart(move->second);
+    model.SetRow(row, MakeRow(moved));
   }
 }
 

@@ -9,19 +9,11 @@ constexpr std::uint32_t kLongestFile = 0x7FFFFFFF;
 
 }  // namespace
 
-ExportedFile FileOfRow(const ListRow& row, const std::string& hostPath) {
-  if (row.Length() > kLongestFile) throw HostError(hostPath, "the file's length is too large");
-  return {row.Name(), row.Columns[kColLoad], row.Columns[kColExec], row.Columns[kColSize],
-          row.Attr(), row.Length(),          row.StartSector()};
-}
-
 void ExportRow(Disc& disc, const ListRow& row, const std::string& hostPath) {
-  if (row.IsDirectory()) {
-    WriteDirectorySidecar(hostPath, row.Name(), row.Attr());
-    ExportFiles(disc, hostPath, row.StartSector());
-  } else {
-    ExportFile(disc, hostPath, FileOfRow(row, hostPath));
+  if (!row.IsDirectory() && row.Length() > kLongestFile) {
+    throw HostError(hostPath, "the file's length is too large");
   }
+  ExportEntry(disc, hostPath, row.Item);
 }
 
 }  // namespace sectorbox

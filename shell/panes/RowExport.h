@@ -7,12 +7,9 @@
 
 namespace sectorbox {
 
-// A file row as what an export takes: the row's own texts go into the sidecar. HostError, naming
-// hostPath, for a length that no file of the BBC's could have (above 0x7FFFFFFF).
-ExportedFile FileOfRow(const ListRow& row, const std::string& hostPath);
-
 // Writes what the row names, with its sidecar, to hostPath: a file, or a directory with all that is
-// in it.
+// in it. HostError, naming hostPath, for a length that no file of the BBC's could have (above
+// 0x7FFFFFFF).
 void ExportRow(Disc& disc, const ListRow& row, const std::string& hostPath);
 
 }  // namespace sectorbox

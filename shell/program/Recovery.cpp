@@ -35,13 +35,12 @@ void WriteFlat(Disc& disc, const std::string& path) {
 QString KeepUnsavedDisc(Disc& disc) {
   if (!disc.ImageChanged) return {};
   try {
-    if (disc.TheDisc.disctype() != kAdf && disc.TheDisc.disctype() != kAdl) {
+    if (!disc.TheDisc.InMemory()) {
       disc.TheDisc.CloseFile();
       return {};
     }
-    const bool doubleSided = disc.TheDisc.disctype() == kAdl;
-    const std::string path = FreeName(doubleSided ? QStringLiteral("adl") : QStringLiteral("adf"));
-    if (doubleSided) {
+    const std::string path = FreeName(QString::fromLatin1(disc.TheDisc.Kind().Name));
+    if (disc.TheDisc.disctype() == kAdl) {
       SaveAdlImage(disc, path);
     } else {
       WriteFlat(disc, path);

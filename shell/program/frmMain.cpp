@@ -220,8 +220,7 @@ void frmMain::QuerySaveAtExit() {
 // A .dat or a card is written through, but its last blocks only when it is closed; the boot option
 // changes them without ImageChanged.
 void frmMain::KeepOrCloseDisc() {
-  const auto type = disc_.TheDisc.disctype();
-  if (type != kDat && type != kCF) {
+  if (disc_.TheDisc.InMemory()) {
     const QString kept = KeepUnsavedDisc(disc_);
     if (!kept.isEmpty()) ShowBox(this, kept, QStringLiteral("Sectorbox"), BoxIcon::kExclamation);
   } else if (!disc_.ImageChanged) {

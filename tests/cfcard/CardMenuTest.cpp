@@ -88,7 +88,7 @@ TEST_F(CardMenuTest, CancellingTheDialogOfAnyEntryLeavesABlankImage) {
   Insert("card", 4096);
   ImageBuilder(640).WriteTo(folder / "a.adf");
   for (const auto& entry : entries) {
-    OpenAdf(disc, folder / "a.adf", 40, 1, 16);
+    disc.TheDisc.OpenFile(folder / "a.adf", kAdf, 40, 1, 16);
     disc.ImageName = folder / "a.adf";
     dialogs.OnCF = Cancel();
     dialogs.OnFormatCF = Cancel();
@@ -99,7 +99,7 @@ TEST_F(CardMenuTest, CancellingTheDialogOfAnyEntryLeavesABlankImage) {
 
 TEST_F(CardMenuTest, UnsavedChangesAreAskedAboutBeforeTheDialog) {
   ImageBuilder(640).WriteTo(folder / "a.adf");
-  OpenAdf(disc, folder / "a.adf", 40, 1, 16);
+  disc.TheDisc.OpenFile(folder / "a.adf", kAdf, 40, 1, 16);
   disc.ImageChanged = true;
   disc.ProgressRunning = true;
   host.YesNoAnswers = {false};

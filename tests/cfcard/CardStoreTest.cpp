@@ -88,7 +88,7 @@ TEST_F(CardTest, TheProbeOfPartition1SeesTheCardFromItsStart) {
   MemoryDevice& card = Insert("card", 1000);
   disc.TheDisc.OpenFile("C:,1", kCF, 1, 0, 0);
   EXPECT_EQ(disc.TheDisc.mNumSecs, 1000);
-  EXPECT_EQ(disc.TheDisc.mTracks, 1);
+  EXPECT_EQ(disc.TheDisc.Partition(), 1);
   EXPECT_EQ(card.Transfers.front().Offset, 0u);
 }
 

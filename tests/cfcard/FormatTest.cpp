@@ -1,5 +1,6 @@
 // Formatting a partition, byte by byte.
 
+#include "disc/format/Names.h"
 #include "tests/cfcard/CardFixture.h"
 
 namespace sectorbox::testing {
@@ -186,8 +187,8 @@ TEST_F(FormatTest, BothChecksumsHold) {
   Insert("card", 2 * kPartitionSectors);
   Format("C:,0", "256MB", true);
   OpenCFPartition(disc, "C:,0");
-  EXPECT_EQ(disc.TheDisc.Fetch(255), MapChecksum(disc, 0));
-  EXPECT_EQ(disc.TheDisc.Fetch(511), MapChecksum(disc, 256));
+  EXPECT_EQ(disc.TheDisc.Fetch(255), ReadMap(disc).RightChecksum(0));
+  EXPECT_EQ(disc.TheDisc.Fetch(511), ReadMap(disc).RightChecksum(1));
 }
 
 TEST_F(FormatTest, TheFreeListInMemoryIsThatOfTheNewDisc) {

@@ -76,7 +76,7 @@ TEST_F(ScanTest, AScanWritesNothingAndLeavesTheStoreClosed) {
 
 TEST_F(ScanTest, TheImageThatWasOpenIsGone) {
   ImageBuilder(640).WriteTo(folder / "a.adf");
-  OpenAdf(disc, folder / "a.adf", 40, 1, 16);
+  disc.TheDisc.OpenFile(folder / "a.adf", kAdf, 40, 1, 16);
   Insert("card", 4096);
   Scan();
   EXPECT_EQ(disc.TheDisc.disctype(), kCF);

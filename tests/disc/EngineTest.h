@@ -7,8 +7,11 @@
 #include <vector>
 
 #include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
+#include "disc/exchange/HostExchange.h"
+#include "disc/format/Names.h"
 #include "disc/store/Disc.h"
 #include "tests/support/DiscReading.h"
 #include "tests/support/ImageBuilder.h"
@@ -77,15 +80,14 @@ class EngineTest : public ::testing::Test {
     }
     return names;
   }
+  Entry Find(std::int32_t dir, const std::string& name) {
+    return DirectoryAt(disc_, dir).At(FindEntry(disc_, dir, name));
+  }
   int Sequence(std::int32_t dir) { return disc_.TheDisc.Fetch(SectorOffset(dir)); }
-  std::string Attr(std::int32_t dir, const std::string& name) {
-    return GetEntryAttributes(disc_, EntryOffset(dir, FindEntry(disc_, dir, name)));
-  }
-  std::uint32_t Load(std::int32_t dir, const std::string& name) {
-    return Fetch32(disc_, EntryOffset(dir, FindEntry(disc_, dir, name)) + 10);
-  }
+  std::string Attr(std::int32_t dir, const std::string& name) { return Find(dir, name).Letters(); }
+  std::uint32_t Load(std::int32_t dir, const std::string& name) { return Find(dir, name).Load(); }
   std::uint32_t Length(std::int32_t dir, const std::string& name) {
-    return Fetch32(disc_, EntryOffset(dir, FindEntry(disc_, dir, name)) + 18);
+    return Find(dir, name).Length();
   }
   Bytes Contents(std::int32_t dir, const std::string& name) {
     Bytes bytes(Length(dir, name));
@@ -110,7 +112,7 @@ class EngineTest : public ::testing::Test {
   std::string HostFile(const std::string& name, const std::string& text) {
     return HostFile(name, Bytes(text.begin(), text.end()));
   }
-  std::int16_t Add(const std::string& name, const Bytes& bytes, std::int32_t dir = 2) {
+  Outcome Add(const std::string& name, const Bytes& bytes, std::int32_t dir = 2) {
     return AddFile(disc_, dir, HostFile(name, bytes));
   }
 

@@ -31,11 +31,12 @@ class ByteReader {
   std::array<std::uint8_t, 64> bytes_{};
 };
 
-// Bytes of the open image: the store's in memory, the file's for a .dat (and the two blocks that
-// may not have reached it yet), the partition's for a card.
-std::int64_t ImageLength(Disc& disc);
+// Bytes that the open image has at most: no view runs on beyond them.
+inline std::int64_t ImageLength(Disc& disc) {
+  return disc.TheDisc.LongestFile();
+}
 
-// Where a file lies in the store, taken from the Sector and Size columns of its row.
+// Where a file or directory lies in the store.
 struct FileExtent {
   std::int64_t Start = 0;
   // No file is longer than the image that holds it: a length beyond that is damage, and counts as
@@ -43,9 +44,8 @@ struct FileExtent {
   // of the image stays, and shows the zeros that are read there.
   std::int64_t Length = 0;
 };
-FileExtent ExtentOf(Disc& disc, const ListRow& row);
-
-// Start and length from the texts of a row's columns.
-FileExtent MakeExtent(Disc& disc, const std::string& sectorText, std::uint32_t length);
+[[nodiscard]] FileExtent ObjectExtentOf(Disc& disc, const ListRow& row);
+// The same for a file. A directory has no bytes to the views of files.
+[[nodiscard]] FileExtent ExtentOf(Disc& disc, const ListRow& row);
 
 }  // namespace sectorbox

@@ -1,9 +1,12 @@
 #include "viewers/text/CatalogueViews.h"
 
 #include <array>
+#include <utility>
+#include <vector>
 
 #include "disc/catalogue/Adfs.h"
-#include "disc/catalogue/WalkBudget.h"
+#include "disc/catalogue/Directories.h"
+#include "disc/format/Text.h"
 
 namespace sectorbox {
 namespace {
@@ -27,18 +30,18 @@ std::string BootOptionName(std::uint8_t option) {
 
 // The 20 columns of an entry that all four views begin with. E, D and L with others are more
 // letters than the column holds; the last ones are lost.
-std::string Cell(Disc& disc, std::int64_t entry, const std::string& name) {
-  return Padded(name, kNameColumns) + " " + Padded(GetEntryAttributes(disc, entry), kAttrColumns) +
-         "(" + HexByte(disc, entry + kEntrySequence) + ")  ";
+std::string Cell(const Entry& entry) {
+  return Padded(entry.Name(), kNameColumns) + " " + Padded(entry.Letters(), kAttrColumns) + "(" +
+         Hex(entry.Sequence(), 2) + ")  ";
 }
 
-std::string ExLine(Disc& disc, std::int64_t entry, const std::string& name) {
-  std::string line = Cell(disc, entry, name);
-  if (!EntryHas(disc, entry, kAttrDirectory)) {
-    line += HexDword(disc, entry + kEntryLoad) + "  " + HexDword(disc, entry + kEntryExec) + "  " +
-            HexDword(disc, entry + kEntryLength) + "  ";
+std::string ExLine(const Entry& entry) {
+  std::string line = Cell(entry);
+  if (!entry.IsDirectory()) {
+    line +=
+        Hex(entry.Load(), 8) + "  " + Hex(entry.Exec(), 8) + "  " + Hex(entry.Length(), 8) + "  ";
   }
-  return line + HexSector(disc, entry + kEntrySector) + "\r";
+  return line + Hex(static_cast<std::uint32_t>(entry.Start()), 6) + "\r";
 }
 
 enum class Layout { kCat, kEx };
@@ -52,19 +55,19 @@ bool ShowUnlessDirectory(Disc& disc, std::int32_t sector, TextView& view) {
 }
 
 // The entries, and for the four-column layout the end of its last line and an empty one. False if
-// a close request stopped it.
+// a close request stopped it. The user may change the directory while the view waits, so each entry
+// is read when its turn comes.
 bool ShowEntries(Disc& disc, std::int32_t sector, Layout layout, StopTest test, TextView& view) {
   bool lineOpen = true;
   for (std::int32_t n = 0; n < kEntryCount; ++n) {
     if (test == StopTest::kBeforeEachEntry && view.Finished) return false;
-    const std::string name = GetEntryName(disc, sector, n);
-    if (EntryIsEmpty(name)) break;
-    const std::int64_t entry = EntryOffset(sector, n);
+    const Entry entry = DirectoryAt(disc, sector).At(n);
+    if (entry.IsEmpty()) break;
     if (layout == Layout::kEx) {
-      view.ShowData(ExLine(disc, entry, name));
+      view.ShowData(ExLine(entry));
       continue;
     }
-    view.ShowData(Cell(disc, entry, name));
+    view.ShowData(Cell(entry));
     lineOpen = (n + 1) % kCellsOfLine != 0;
     if (!lineOpen) view.ShowData("\r");
   }
@@ -74,66 +77,70 @@ bool ShowEntries(Disc& disc, std::int32_t sector, Layout layout, StopTest test, 
   return true;
 }
 
-class WholeTree {
+// Shows a directory and then all below it. A subdirectory goes by the name in its own tail, not the
+// one in the entry. Every directory sets the name that is offered for saving after those below it,
+// so the outermost one's name is what stays.
+class WholeTree : public DirectoryVisitor {
  public:
-  WholeTree(Disc& disc, Layout layout, TextView& view)
-      : disc_(disc), layout_(layout), view_(view) {}
+  WholeTree(Disc& disc, Layout layout, std::string path, TextView& view)
+      : disc_(disc), layout_(layout), top_(std::move(path)), view_(view) {}
 
-  void Show(std::int32_t sector, const std::string& path) {
-    if (view_.Finished || !budget_.Enter()) return;
-    ShowDirectory(sector, path);
-    budget_.Leave();
+  Walk Enter(const WalkStep& at, const Directory&) override {
+    if (view_.Finished) return Walk::kPassOver;
+    paths_.push_back(paths_.empty() ? top_ : paths_.back() + "." + GetDirName(disc_, at.Sector));
+    const bool goesOn = ShowDirectory(at.Sector);
+    if (!goesOn) paths_.pop_back();
+    return goesOn ? Walk::kOn : Walk::kPassOver;
+  }
+  Walk Meet(const WalkStep&, std::int32_t, const Entry&) override {
+    return view_.Finished ? Walk::kStop : Walk::kOn;
+  }
+  Walk OutOfBounds(const WalkStep&) override { return Walk::kOn; }
+  void Leave(const WalkStep& at) override {
+    if (!view_.Finished) view_.DefaultName = GetDirName(disc_, at.Sector);
+    paths_.pop_back();
   }
 
  private:
-  void ShowDirectory(std::int32_t sector, const std::string& path);
-  bool ShowSubdirectories(std::int32_t sector, const std::string& path);
+  // False if there is nothing below to go into.
+  bool ShowDirectory(std::int32_t sector);
 
   Disc& disc_;
   Layout layout_;
+  std::string top_;
   TextView& view_;
-  WalkBudget budget_;
+  std::vector<std::string> paths_;  // of the directories that the walk is in, the top one first
 };
 
-void WholeTree::ShowDirectory(std::int32_t sector, const std::string& path) {
+bool WholeTree::ShowDirectory(std::int32_t sector) {
   view_.SetCaption(layout_ == Layout::kCat ? "*CATALL" : "*EXALL");
-  if (ShowUnlessDirectory(disc_, sector, view_)) return;
+  if (ShowUnlessDirectory(disc_, sector, view_)) return false;
   const std::string stars(40, '*');
   view_.ShowData(stars + "\r");
-  view_.ShowData(path + "\r");
+  view_.ShowData(paths_.back() + "\r");
   view_.ShowData(stars + "\r");
   ShowHeader(disc_, sector, view_);
-  if (!ShowEntries(disc_, sector, layout_, StopTest::kBeforeEachEntry, view_)) return;
+  if (!ShowEntries(disc_, sector, layout_, StopTest::kBeforeEachEntry, view_)) return false;
   if (layout_ == Layout::kEx) view_.ShowData("\r");
-  if (!ShowSubdirectories(sector, path)) return;
-  // Every level sets it, so that the outermost one's name is what stays.
-  view_.DefaultName = GetDirName(disc_, sector);
+  return true;
 }
 
-// Unlike the list of entries this looks at all 47, past an empty one too. A subdirectory goes by
-// the name in its own tail, not the one in the entry.
-bool WholeTree::ShowSubdirectories(std::int32_t sector, const std::string& path) {
-  for (std::int32_t n = 0; n < kEntryCount; ++n) {
-    if (view_.Finished) return false;
-    const std::int64_t entry = EntryOffset(sector, n);
-    if ((disc_.TheDisc.Fetch(entry) & kLowBits) == 0) continue;
-    if (!EntryHas(disc_, entry, kAttrDirectory)) continue;
-    const std::int32_t child = Fetch24(disc_, entry + kEntrySector);
-    Show(child, path + "." + GetDirName(disc_, child));
-    if (budget_.Exhausted()) return true;
-  }
-  return true;
+// Unlike the list of entries, the walk looks at all 47 slots, past an empty one too.
+void ShowTree(Disc& disc, std::int32_t sector, const std::string& path, Layout layout,
+              TextView& view) {
+  WholeTree tree(disc, layout, path, view);
+  (void)WalkDirectories(disc, sector, tree, {.EnterAgain = true, .PastEmptySlots = true});
 }
 
 }  // namespace
 
 void ShowHeader(Disc& disc, std::int32_t sector, TextView& view) {
-  const std::uint8_t option = disc.TheDisc.Fetch(kMapBootOption);
+  const std::uint8_t option = ReadMap(disc).BootOption();
   view.ShowData(Padded(GetDirTitle(disc, sector), kHeaderColumns) + " (" +
-                HexByte(disc, SectorOffset(sector)) + ")\r");
+                Hex(DirectoryAt(disc, sector).Sequence(), 2) + ")\r");
   // There is no current drive and no library here; the BBC's places for them hold fixed words.
-  view.ShowData(Padded("Drive:0", kHeaderColumns) + " Option " + HexByte(disc, kMapBootOption) +
-                " (" + BootOptionName(option) + ")\r");
+  view.ShowData(Padded("Drive:0", kHeaderColumns) + " Option " + Hex(option, 2) + " (" +
+                BootOptionName(option) + ")\r");
   view.ShowData(Padded("Dir. " + GetDirName(disc, sector), kHeaderColumns) + " Lib. \"Unset\"\r\r");
 }
 
@@ -156,21 +163,20 @@ void ShowEx(Disc& disc, std::int32_t sector, TextView& view) {
 }
 
 void ShowCatAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view) {
-  WholeTree(disc, Layout::kCat, view).Show(sector, path);
+  ShowTree(disc, sector, path, Layout::kCat, view);
 }
 
 void ShowExAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view) {
-  WholeTree(disc, Layout::kEx, view).Show(sector, path);
+  ShowTree(disc, sector, path, Layout::kEx, view);
 }
 
 void ShowMap(Disc& disc, TextView& view) {
   view.SetCaption("Free Disc Space Map");
   view.DefaultName = "FreeSpace";
   view.ShowData("Address : Length\r");
-  for (std::int16_t i = 0; i < disc.FreeCount; ++i) {
-    const auto index = static_cast<std::size_t>(i);
-    view.ShowData(Hex(static_cast<std::uint32_t>(disc.FreeStart[index]), 6) + "  : " +
-                  Hex(static_cast<std::uint32_t>(disc.FreeLen[index]), 6) + "\r");
+  for (const FreeRun& run : FreeRuns(disc)) {
+    view.ShowData(Hex(static_cast<std::uint32_t>(run.Start), 6) + "  : " +
+                  Hex(static_cast<std::uint32_t>(run.Length), 6) + "\r");
   }
   EndView(view);
 }

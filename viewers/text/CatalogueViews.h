@@ -25,7 +25,7 @@ void ShowEx(Disc& disc, std::int32_t sector, TextView& view);
 // The same for a directory and all below it: each directory whole, behind a banner with its path,
 // then its subdirectories in entry order. path is the banner of the outermost one. A close request
 // takes effect at the next entry. Neither closes the window nor sets Finished: they are recursive,
-// so the caller does. A walk that finds no end stops at the bounds of WalkBudget.
+// so the caller does. A walk that finds no end stops at the bounds of WalkDirectories.
 void ShowCatAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view);
 void ShowExAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view);
 

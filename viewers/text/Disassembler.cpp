@@ -16,10 +16,6 @@ constexpr std::size_t kOperandColumn = 23;
 constexpr int kOperandColumns = 12;
 constexpr std::uint8_t kVectorPage = 0xFF;
 
-std::string_view LastFour(std::string_view text) {
-  return text.size() > 4 ? text.substr(text.size() - 4) : text;
-}
-
 std::uint32_t BranchTarget(ByteReader& reader, std::int64_t pointer, std::uint32_t address) {
   const auto displacement = static_cast<std::int8_t>(reader.At(pointer + 1));
   return address + 2 + static_cast<std::uint32_t>(displacement);
@@ -95,7 +91,7 @@ int DisassembleLine(ByteReader& reader, std::int64_t pointer, std::uint32_t addr
 
 void ShowDis(Disc& disc, const ListRow& row, TextView& view) {
   SetFileCaption(view, "Disassemble File - ", row.Name());
-  std::uint32_t address = ParseHex(LastFour(row.Columns[kColLoad]));
+  std::uint32_t address = row.Item.Load() & 0xFFFF;
   const FileExtent file = ExtentOf(disc, row);
   ByteReader reader(disc);
   if (LooksLikeBasic(reader, file)) {

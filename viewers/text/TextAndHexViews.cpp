@@ -54,9 +54,7 @@ void ShowText(Disc& disc, const ListRow& row, TextView& view) {
 
 void ShowHex(Disc& disc, const ListRow& row, TextView& view) {
   SetFileCaption(view, "View File - ", row.Name());
-  const FileExtent file = row.IsDirectory()
-                              ? MakeExtent(disc, row.Columns[kColLoad], format::kDirSize)
-                              : ExtentOf(disc, row);
+  const FileExtent file = ObjectExtentOf(disc, row);
   std::array<std::uint8_t, kBytesOfLine> buffer{};
   std::string line;
   for (std::int64_t offset = 0; offset < file.Length && !view.Finished; offset += kBytesOfLine) {

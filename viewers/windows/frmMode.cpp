@@ -113,9 +113,9 @@ void frmMode::Render() {
   DefaultName = row->Name();
   const CurrentColours colours = FindCurrentColours(*mode, palette_, FlashOn);
   SetPaletteButtons(*mode, colours);
-  // A directory's row has neither size nor sector: its screen is empty.
-  const auto sector = static_cast<std::int32_t>(ParseHex(row->Columns[kColSector]));
-  const auto bytes = ReadScreen(disc_, *mode, sector, ParseHex(row->Columns[kColSize]));
+  // The screen of a directory is empty.
+  const std::uint32_t length = row->IsDirectory() ? 0 : row->Length();
+  const auto bytes = ReadScreen(disc_, *mode, row->StartSector(), length);
   Picture1_->Show(DrawScreen(*mode, bytes, colours));
 }
 

@@ -42,9 +42,9 @@ void frmTeletext::Show_File() {
   }
   setWindowTitle(QString::fromLatin1(kTeletextCaption) + FromBbc(row->Name()));
   DefaultName = row->Name();
-  // A directory's row has neither size nor sector: its page is empty.
-  const auto sector = static_cast<std::int32_t>(ParseHex(row->Columns[kColSector]));
-  const auto codes = ReadTeletextPage(disc_, sector, ParseHex(row->Columns[kColSize]));
+  // The page of a directory is empty.
+  const std::uint32_t length = row->IsDirectory() ? 0 : row->Length();
+  const auto codes = ReadTeletextPage(disc_, row->StartSector(), length);
   const int height = static_cast<int>(codes.size()) / kTeletextColumns * TeletextFont::kCellHeight;
   Picture1_->Show(DrawTeletext(codes, font_, FlashPhase));
   // The picture of no rows is as high as the border alone and fills it.

@@ -32,10 +32,6 @@ FileQuestion SaveQuestion(const std::string& name) {
   return {"Save File As", "Save File (*.TXT)|*.txt|All Files (*.*)|*.*", name};
 }
 
-std::int32_t DirectoryOf(const ListRow& row) {
-  return static_cast<std::int32_t>(ParseHex(row.Columns[kColLoad]));
-}
-
 }  // namespace
 
 frmView::frmView(Disc& disc, ViewShared& shared)
@@ -128,7 +124,7 @@ void frmView::RunGenerator(const ViewTarget& target) {
 void frmView::Generate(int number, const ViewTarget& target) {
   const ListRow& row = target.CurrentItem;
   const bool ofFile = number <= kViewFileExAll;
-  const std::int32_t sector = ofFile ? DirectoryOf(row) : target.CurrentNodeTag;
+  const std::int32_t sector = ofFile ? row.StartSector() : target.CurrentNodeTag;
   switch (number) {
     case kViewText:
       return ShowText(disc_, row, *this);

@@ -7,7 +7,7 @@
 namespace sectorbox {
 namespace {
 
-constexpr const char* kWordwiseAddress = "FFFFFFFF";
+constexpr std::uint32_t kWordwiseAddress = 0xFFFFFFFF;
 constexpr int kWiderTwips = 50;
 
 // Room for the few steps that Pos goes beyond the end.
@@ -17,7 +17,7 @@ constexpr std::int64_t kLongestDocument = std::numeric_limits<std::int32_t>::max
 
 void ShowWordwise(Disc& disc, const ListRow& row, TextView& view) {
   SetFileCaption(view, "View File - ", row.Name());
-  if (row.Columns[kColLoad] != kWordwiseAddress || row.Columns[kColExec] != kWordwiseAddress) {
+  if (row.Item.Load() != kWordwiseAddress || row.Item.Exec() != kWordwiseAddress) {
     view.ShowData("This does not appear to be a WordWise Document");
     view.Finished = true;
     return;

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
+#include "disc/catalogue/Directories.h"
+#include "disc/format/LittleEndian.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TempFolder.h"
@@ -69,8 +73,13 @@ TEST_F(AdfsTest, ATitleOfNineteenCharactersComesBackWhole) {
 }
 
 TEST_F(AdfsTest, The47thEntryOccupiesOffsets1201To1226) {
-  EXPECT_EQ(EntryOffset(2, 46), 512 + 1201);
-  EXPECT_EQ(EntryOffset(2, 46) + format::kEntrySize, 512 + 1227);
+  Open(ImageBuilder(640));
+  PokeText(512 + 1201, std::string("LAST\r", 5));
+  disc_.TheDisc.Store(512 + 1226, 0x42);
+  disc_.TheDisc.Store(512 + 1227, 0xFF);
+  const Entry last = DirectoryAt(disc_, 2).At(46);
+  EXPECT_EQ(last.Name(), "LAST");
+  EXPECT_EQ(last.Sequence(), 0x42);
 }
 
 TEST_F(AdfsTest, AFullDirectoryIsSearchedToItsLastSlotAndNotBeyond) {
@@ -131,22 +140,23 @@ TEST_F(AdfsTest, AttributesStandInTheOrderEDLWR) {
   image.AddDirectory(2, "C", "WR");
   image.AddFile(2, {"D", {1}, 0, 0, ""});
   Open(image);
-  EXPECT_EQ(GetEntryAttributes(disc_, EntryOffset(2, 0)), "LWR");
-  EXPECT_EQ(GetEntryAttributes(disc_, EntryOffset(2, 1)), "E");
-  EXPECT_EQ(GetEntryAttributes(disc_, EntryOffset(2, 2)), "DWR");
-  EXPECT_EQ(GetEntryAttributes(disc_, EntryOffset(2, 3)), "");
+  EXPECT_EQ(GetEntryAttributes(disc_, 2, 0), "LWR");
+  EXPECT_EQ(GetEntryAttributes(disc_, 2, 1), "E");
+  EXPECT_EQ(GetEntryAttributes(disc_, 2, 2), "DWR");
+  EXPECT_EQ(GetEntryAttributes(disc_, 2, 3), "");
+  const std::int64_t fourth = 512 + 5 + 3 * 26;
   for (int i = 0; i < 5; ++i) {
-    disc_.TheDisc.Store(EntryOffset(2, 3) + i, disc_.TheDisc.Fetch(EntryOffset(2, 3) + i) | 0x80);
+    disc_.TheDisc.Store(fourth + i, disc_.TheDisc.Fetch(fourth + i) | 0x80);
   }
-  EXPECT_EQ(GetEntryAttributes(disc_, EntryOffset(2, 3)), "EDLWR");
+  EXPECT_EQ(GetEntryAttributes(disc_, 2, 3), "EDLWR");
 }
 
 TEST_F(AdfsTest, HexadecimalIsUpperCaseMostSignificantFirst) {
-  Open(ImageBuilder(640));
-  PokeText(4096, "\xEF\xCD\xAB\x09");
-  EXPECT_EQ(HexByte(disc_, 4096), "EF");
-  EXPECT_EQ(HexSector(disc_, 4096), "ABCDEF");
-  EXPECT_EQ(HexDword(disc_, 4096), "09ABCDEF");
+  static constexpr std::array<std::uint8_t, 4> kBytes = {0xEF, 0xCD, 0xAB, 0x09};
+  const std::span<const std::uint8_t> bytes(kBytes);
+  EXPECT_EQ(Hex(ReadLittleEndian(bytes.first(1)), 2), "EF");
+  EXPECT_EQ(Hex(ReadLittleEndian(bytes.first(3)), 6), "ABCDEF");
+  EXPECT_EQ(Hex(ReadLittleEndian(bytes), 8), "09ABCDEF");
   EXPECT_EQ(Hex(0x1234567, 6), "234567");
 }
 
@@ -162,19 +172,19 @@ TEST_F(AdfsTest, TheChecksumIsThatOfTheBbc) {
   ImageBuilder image(640);
   image.SetFreeRuns({{10, 20}, {0x123, 0x45}, {0x1F0, 0x90}});
   Open(image);
-  EXPECT_EQ(MapChecksum(disc_, 0), image.Peek(255));
-  EXPECT_EQ(MapChecksum(disc_, 256), image.Peek(511));
+  EXPECT_EQ(ReadMap(disc_).RightChecksum(0), image.Peek(255));
+  EXPECT_EQ(ReadMap(disc_).RightChecksum(1), image.Peek(511));
 }
 
 TEST_F(AdfsTest, TheLastCarryOfTheChecksumIsLost) {
   Open(ImageBuilder(640));
   for (int i = 0; i < 255; ++i) disc_.TheDisc.Store(i, 0);
-  EXPECT_EQ(MapChecksum(disc_, 0), 255);
+  EXPECT_EQ(ReadMap(disc_).RightChecksum(0), 255);
   disc_.TheDisc.Store(0, 1);  // 255 + 1 carries out of byte 0
-  EXPECT_EQ(MapChecksum(disc_, 0), 0);
+  EXPECT_EQ(ReadMap(disc_).RightChecksum(0), 0);
   disc_.TheDisc.Store(0, 0);
   disc_.TheDisc.Store(1, 1);  // the same carry out of byte 1 is added to byte 0
-  EXPECT_EQ(MapChecksum(disc_, 0), 1);
+  EXPECT_EQ(ReadMap(disc_).RightChecksum(0), 1);
 }
 
 TEST_F(AdfsTest, ADirectoryWithAWrongMarkAtItsEndReadsAsValid) {

@@ -23,7 +23,7 @@ class AddFileTest : public EngineTest {
 TEST_F(AddFileTest, TheEntryAndTheDataStandByteForByteWhereTheyBelong) {
   Sidecar("prog", "PROG       FFFF1900 FFFF8023 0000012C LWR\r\n");
   const Bytes bytes = Pattern(300);
-  EXPECT_EQ(Add("prog", bytes), 0);
+  EXPECT_EQ(Add("prog", bytes), Outcome::kDone);
   const Bytes image = Image();
   const Bytes entry(image.begin() + 517, image.begin() + 543);
   EXPECT_EQ(entry, (Bytes{'P' | 128, 'R' | 128, 'O' | 128, 'G',  13,   0,    0,    0,    0,
@@ -38,7 +38,7 @@ TEST_F(AddFileTest, TheEntryAndTheDataStandByteForByteWhereTheyBelong) {
 }
 
 TEST_F(AddFileTest, WithoutASidecarAddressesAreZeroAndTheFileIsReadableAndWritable) {
-  EXPECT_EQ(Add("FILE", Pattern(10)), 0);
+  EXPECT_EQ(Add("FILE", Pattern(10)), Outcome::kDone);
   EXPECT_EQ(Load(2, "FILE"), 0U);
   EXPECT_EQ(Attr(2, "FILE"), "WR");
 }
@@ -47,7 +47,7 @@ TEST_F(AddFileTest, TheTailOfTheLastSectorIsClean) {
   ImageBuilder image(640);
   for (int i = 0; i < 256; ++i) image.Poke(7 * 256 + i, 0xEE);
   Open(image);
-  EXPECT_EQ(Add("X", Pattern(3)), 0);
+  EXPECT_EQ(Add("X", Pattern(3)), Outcome::kDone);
   Bytes expected = Pattern(3);
   expected.resize(256);
   const Bytes disc = Image();
@@ -58,7 +58,7 @@ TEST_F(AddFileTest, AnEmptyFileOccupiesOneZeroedSector) {
   ImageBuilder image(640);
   for (int i = 0; i < 256; ++i) image.Poke(7 * 256 + i, 0xEE);
   Open(image);
-  EXPECT_EQ(Add("X", {}), 0);
+  EXPECT_EQ(Add("X", {}), Outcome::kDone);
   EXPECT_EQ(Length(2, "X"), 0U);
   EXPECT_EQ(Runs(), "8+632");
   const Bytes disc = Image();
@@ -66,11 +66,11 @@ TEST_F(AddFileTest, AnEmptyFileOccupiesOneZeroedSector) {
 }
 
 TEST_F(AddFileTest, The47thEntrySucceedsAndThe48thFindsTheDirectoryFullAfterTheSpaceWasFound) {
-  for (int i = 0; i < 47; ++i) ASSERT_EQ(Add("F" + std::to_string(100 + i), {}), 0);
+  for (int i = 0; i < 47; ++i) ASSERT_EQ(Add("F" + std::to_string(100 + i), {}), Outcome::kDone);
   EXPECT_NE(Image()[512 + 1201] & 127, 0);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Directory Full"};
-  EXPECT_EQ(Add("G", {}), -1);
+  EXPECT_EQ(Add("G", {}), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
@@ -80,19 +80,19 @@ TEST_F(AddFileTest, WithNoSpaceAndAFullDirectoryTheSpaceIsReported) {
   image.SetFreeRuns({});
   Open(image);
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(Add("G", {}), -1);
+  EXPECT_EQ(Add("G", {}), Outcome::kRefused);
 }
 
 TEST_F(AddFileTest, AFullDirectoryRefusesEvenToReplace) {
-  for (int i = 0; i < 47; ++i) ASSERT_EQ(Add("F" + std::to_string(100 + i), {}), 0);
+  for (int i = 0; i < 47; ++i) ASSERT_EQ(Add("F" + std::to_string(100 + i), {}), Outcome::kDone);
   host_.ExpectedMessages = {"Directory Full"};
-  EXPECT_EQ(Add("F100", Pattern(1)), -1);
+  EXPECT_EQ(Add("F100", Pattern(1)), Outcome::kRefused);
 }
 
 TEST_F(AddFileTest, ReplacingTakesTheNameAsNowGivenAndKeepsNoAddress) {
   Sidecar("prog", "PROG       FFFF1900 FFFF8023 00000003 WR");
-  EXPECT_EQ(Add("prog", Pattern(3)), 0);
-  EXPECT_EQ(Add("Prog", Pattern(500, 2)), 0);
+  EXPECT_EQ(Add("prog", Pattern(3)), Outcome::kDone);
+  EXPECT_EQ(Add("Prog", Pattern(500, 2)), Outcome::kDone);
   EXPECT_EQ(Names(2), "Prog");
   EXPECT_EQ(Load(2, "PROG"), 0U);
   EXPECT_EQ(Contents(2, "PROG"), Pattern(500, 2));
@@ -107,11 +107,11 @@ TEST_F(AddFileTest, ReplacingALockedFileWithoutTheOptionDoesNothingAndSaysNothin
   Open(image);
   const Bytes before = Image();
   host_.Overwrite = false;
-  EXPECT_EQ(Add("kept", Pattern(9)), 0);
+  EXPECT_EQ(Add("kept", Pattern(9)), Outcome::kDone);
   EXPECT_EQ(Image(), before);
   EXPECT_FALSE(disc_.ImageChanged);
   host_.Overwrite = true;
-  EXPECT_EQ(Add("kept", Pattern(9)), 0);
+  EXPECT_EQ(Add("kept", Pattern(9)), Outcome::kDone);
   EXPECT_EQ(Contents(2, "KEPT"), Pattern(9));
 }
 
@@ -121,7 +121,7 @@ TEST_F(AddFileTest, ADirectoryIsNeverOverwrittenAndTheCallerGoesOn) {
   Open(image);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Cannot Yet Overwrite A Directory"};
-  EXPECT_EQ(Add("games", Pattern(9)), 0);
+  EXPECT_EQ(Add("games", Pattern(9)), Outcome::kDone);
   EXPECT_EQ(Image(), before);
 }
 
@@ -131,47 +131,47 @@ TEST_F(AddFileTest, AFullDiscRefusesAReplacementThatTheOldFilesSectorsWouldHold)
   image.SetFreeRuns({{600, 1}});
   Open(image);
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(Add("OLD", Pattern(600)), -1);
+  EXPECT_EQ(Add("OLD", Pattern(600)), Outcome::kRefused);
   EXPECT_EQ(Names(2), "OLD");
 }
 
 TEST_F(AddFileTest, ASidecarFileIsPassedOverInThatVeryCaseOnly) {
-  EXPECT_EQ(Add("X.INF", Pattern(3)), 0);
+  EXPECT_EQ(Add("X.INF", Pattern(3)), Outcome::kDone);
   EXPECT_EQ(Names(2), "");
-  EXPECT_EQ(Add("XYZ.inf", Pattern(3)), 0);
+  EXPECT_EQ(Add("XYZ.inf", Pattern(3)), Outcome::kDone);
   EXPECT_EQ(Names(2), "XYZ/inf");
 }
 
 TEST_F(AddFileTest, AFolderNamedLikeASidecarIsPassedOverToo) {
   std::filesystem::create_directory(folder_ / "IN.INF");
   const Bytes before = Image();
-  EXPECT_EQ(AddFile(disc_, 2, folder_ / "IN.INF"), 0);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "IN.INF"), Outcome::kDone);
   EXPECT_EQ(Image(), before);
 }
 
 TEST_F(AddFileTest, BlanksInANameBecomeUnderscores) {
-  EXPECT_EQ(Add("A b C", {}), 0);
+  EXPECT_EQ(Add("A b C", {}), Outcome::kDone);
   EXPECT_EQ(Names(2), "A_b_C");
 }
 
 TEST_F(AddFileTest, AHostNameIsTrimmedThenCutThenMapped) {
-  EXPECT_EQ(Add(" LONGNAME.TEXT", {}), 0);
+  EXPECT_EQ(Add(" LONGNAME.TEXT", {}), Outcome::kDone);
   EXPECT_EQ(Names(2), "LONGNAME/T");
 }
 
 TEST_F(AddFileTest, ADollarPrefixIsTheDirectoryGiven) {
   Sidecar("x", "$.FILE     00000000 00000000 00000001 WR");
-  EXPECT_EQ(Add("x", Pattern(1)), 0);
+  EXPECT_EQ(Add("x", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(2), "FILE");
 }
 
 TEST_F(AddFileTest, ALetterPrefixGoesToThatDirectoryWhichIsMadeIfNeedBe) {
-  EXPECT_EQ(Add("B.FILE", Pattern(1)), 0);
+  EXPECT_EQ(Add("B.FILE", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(2), "B");
   const std::int32_t dir = GetEntrySector(disc_, 2, "B");
   EXPECT_EQ(Names(dir), "FILE");
   EXPECT_EQ(host_.LogOf("treeready").size(), 1U);
-  EXPECT_EQ(Add("b.TWO", Pattern(1)), 0);
+  EXPECT_EQ(Add("b.TWO", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(dir), "FILE TWO");
   EXPECT_EQ(host_.LogOf("treeready").size(), 1U);
   EXPECT_EQ(Faults(), std::vector<std::string>());
@@ -179,7 +179,7 @@ TEST_F(AddFileTest, ALetterPrefixGoesToThatDirectoryWhichIsMadeIfNeedBe) {
 
 TEST_F(AddFileTest, NothingDeeperThanOnePrefixIsRecognised) {
   Sidecar("x", "A.B.C      00000000 00000000 00000001 WR");
-  EXPECT_EQ(Add("x", Pattern(1)), 0);
+  EXPECT_EQ(Add("x", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "A")), "B.C");
 }
 
@@ -187,7 +187,7 @@ TEST_F(AddFileTest, APrefixThatNamesAFileIsFollowedAsIfItWereADirectory) {
   ImageBuilder image(640);
   const std::int32_t file = image.AddFile(2, {"B", Bytes(1280), 0, 0, "WR"});
   Open(image);
-  EXPECT_EQ(Add("B.X", Pattern(1)), 0);
+  EXPECT_EQ(Add("B.X", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(file), "X");
   EXPECT_EQ(Names(2), "B");
 }
@@ -196,7 +196,7 @@ TEST_F(AddFileTest, TheRunIsSearchedAgainAfterThePrefixDirectoryHasTakenItsOwn) 
   ImageBuilder image(640);
   image.SetFreeRuns({{10, 5}, {20, 1}});
   Open(image);
-  EXPECT_EQ(Add("B.X", Pattern(200)), 0);
+  EXPECT_EQ(Add("B.X", Pattern(200)), Outcome::kDone);
   EXPECT_EQ(GetEntrySector(disc_, 2, "B"), 10);
   EXPECT_EQ(GetEntrySector(disc_, 10, "X"), 20);
   EXPECT_EQ(Runs(), "");
@@ -207,7 +207,7 @@ TEST_F(AddFileTest, WithoutSpaceBehindThePrefixDirectoryOnlyTheDirectoryIsNew) {
   image.SetFreeRuns({{10, 5}});
   Open(image);
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(Add("B.X", Pattern(200)), -1);
+  EXPECT_EQ(Add("B.X", Pattern(200)), Outcome::kRefused);
   EXPECT_EQ(Names(2), "B");
   EXPECT_EQ(Names(10), "");
   EXPECT_EQ(Runs(), "");
@@ -219,7 +219,7 @@ TEST_F(AddFileTest, TheRunHasRoomForALongerLengthThatTheSidecarGives) {
   for (int i = 0; i < 1024; ++i) image.Poke(20 * 256 + i, 0xEE);
   Open(image);
   Sidecar("x", "X          00000000 00000000 00000300 WR");
-  EXPECT_EQ(Add("x", Pattern(5)), 0);
+  EXPECT_EQ(Add("x", Pattern(5)), Outcome::kDone);
   Bytes expected = Pattern(5);
   expected.resize(0x300);
   EXPECT_EQ(Contents(2, "X"), expected);
@@ -227,30 +227,30 @@ TEST_F(AddFileTest, TheRunHasRoomForALongerLengthThatTheSidecarGives) {
 }
 
 TEST_F(AddFileTest, ALengthThatNoRunHoldsIsRefusedBeforeAnOldFileIsDeleted) {
-  EXPECT_EQ(Add("X", Pattern(5)), 0);
+  EXPECT_EQ(Add("X", Pattern(5)), Outcome::kDone);
   Sidecar("X", "X          00000000 00000000 FFFFFFFF WR");
   const Bytes before = Image();
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(Add("X", Pattern(5)), -1);
+  EXPECT_EQ(Add("X", Pattern(5)), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
 TEST_F(AddFileTest, AShorterLengthThatTheSidecarGivesIsWhatCounts) {
   Sidecar("x", "X          00000000 00000000 00000002 WR");
-  EXPECT_EQ(Add("x", Pattern(500)), 0);
+  EXPECT_EQ(Add("x", Pattern(500)), Outcome::kDone);
   EXPECT_EQ(Contents(2, "X"), Pattern(2));
   EXPECT_EQ(Runs(), "8+632");
 }
 
 TEST_F(AddFileTest, OnlyRWAndLOfTheAttributesCountAndInUpperCase) {
   Sidecar("x", "X          00000000 00000000 00000001 EDLrw");
-  EXPECT_EQ(Add("x", Pattern(1)), 0);
+  EXPECT_EQ(Add("x", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Attr(2, "X"), "L");
 }
 
 TEST_F(AddFileTest, EntriesStandSortedWithoutRegardToCase) {
   for (const char* name : {"beta", "ALPHA", "Gamma", "AL", "ALPHAS"}) {
-    EXPECT_EQ(Add(name, {}), 0);
+    EXPECT_EQ(Add(name, {}), Outcome::kDone);
   }
   EXPECT_EQ(Names(2), "AL ALPHA ALPHAS beta Gamma");
   EXPECT_EQ(Faults(), std::vector<std::string>());
@@ -261,7 +261,7 @@ TEST_F(AddFileTest, TheSequenceNumberReadsZeroAfter99) {
   image.Poke(512, 0x99);
   image.Poke(512 + 1274, 0x99);
   Open(image);
-  EXPECT_EQ(Add("X", {}), 0);
+  EXPECT_EQ(Add("X", {}), Outcome::kDone);
   EXPECT_EQ(Image()[512], 0);
   EXPECT_EQ(Image()[512 + 1274], 0);
   EXPECT_EQ(Image()[517 + 25], 0);
@@ -272,12 +272,12 @@ TEST_F(AddFileTest, ANameThatComesOutEmptyIsRefusedBeforeAnythingIsMade) {
   host_.ExpectedMessages = {
       "File a. Contains Illegal Characters", "File nameless Contains Illegal Characters",
       "File dollar Contains Illegal Characters", "File \rX Contains Illegal Characters"};
-  EXPECT_EQ(Add("a.", {}), -1);
+  EXPECT_EQ(Add("a.", {}), Outcome::kRefused);
   Sidecar("nameless", "           00000000 00000000 00000001 WR");
-  EXPECT_EQ(Add("nameless", {}), -1);
+  EXPECT_EQ(Add("nameless", {}), Outcome::kRefused);
   Sidecar("dollar", "$.         00000000 00000000 00000001 WR");
-  EXPECT_EQ(Add("dollar", {}), -1);
-  EXPECT_EQ(Add("\rX", {}), -1);
+  EXPECT_EQ(Add("dollar", {}), Outcome::kRefused);
+  EXPECT_EQ(Add("\rX", {}), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
@@ -286,61 +286,61 @@ TEST_F(AddFileTest, ANameBeyondSevenBitsIsRefusedBecauseItWouldSetAttributes) {
   host_.ExpectedMessages = {
       "File caf\xC3\xA9 Contains Illegal Characters", "File \x80z Contains Illegal Characters",
       "File \xE9.X Contains Illegal Characters", "File side Contains Illegal Characters"};
-  EXPECT_EQ(Add("caf\xC3\xA9", {}), -1);
-  EXPECT_EQ(Add("\x80z", {}), -1);
-  EXPECT_EQ(Add("\xE9.X", {}), -1);
+  EXPECT_EQ(Add("caf\xC3\xA9", {}), Outcome::kRefused);
+  EXPECT_EQ(Add("\x80z", {}), Outcome::kRefused);
+  EXPECT_EQ(Add("\xE9.X", {}), Outcome::kRefused);
   Sidecar("side", "ABC\xC4       00000000 00000000 00000001 WR");
-  EXPECT_EQ(Add("side", {}), -1);
+  EXPECT_EQ(Add("side", {}), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
 TEST_F(AddFileTest, ANameEndsAtACarriageReturn) {
-  EXPECT_EQ(Add("AB\rCD", {}), 0);
-  EXPECT_EQ(Add("AB\rEF", Pattern(2)), 0);
+  EXPECT_EQ(Add("AB\rCD", {}), Outcome::kDone);
+  EXPECT_EQ(Add("AB\rEF", Pattern(2)), Outcome::kDone);
   EXPECT_EQ(Names(2), "AB");
   EXPECT_EQ(Length(2, "AB"), 2U);
 }
 
 TEST_F(AddFileTest, ANameWithANulInItComesFromASidecarAndHarmsNothing) {
   Sidecar("x", std::string("A\0B        00000000 00000000 00000001 WR", 41));
-  EXPECT_EQ(Add("x", Pattern(1)), 0);
-  EXPECT_EQ(Add("Z", Pattern(1)), 0);
+  EXPECT_EQ(Add("x", Pattern(1)), Outcome::kDone);
+  EXPECT_EQ(Add("Z", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(2), std::string("A\0B Z", 5));
 }
 
 TEST_F(AddFileTest, AMissingFileIsAFailureOfTheHostAndChangesNothing) {
   const Bytes before = Image();
-  EXPECT_THROW(AddFile(disc_, 2, folder_ / "none"), HostError);
+  EXPECT_THROW((void)AddFile(disc_, 2, folder_ / "none"), HostError);
   EXPECT_EQ(Image(), before);
   EXPECT_FALSE(disc_.ImageChanged);
 }
 
 TEST_F(AddFileTest, ASidecarThatIsAFolderOrAPipeIsNone) {
   std::filesystem::create_directory(folder_ / "X.INF");
-  EXPECT_EQ(Add("X", Pattern(4)), 0);
+  EXPECT_EQ(Add("X", Pattern(4)), Outcome::kDone);
   ASSERT_EQ(::mkfifo((folder_ / "Y.INF").c_str(), 0600), 0);
-  EXPECT_EQ(Add("Y", Pattern(4)), 0);
+  EXPECT_EQ(Add("Y", Pattern(4)), Outcome::kDone);
   EXPECT_EQ(Names(2), "X Y");
 }
 
 TEST_F(AddFileTest, APipeOrADeviceIsNoFileAndDoesNotBlock) {
   ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
   const Bytes before = Image();
-  EXPECT_THROW(AddFile(disc_, 2, folder_ / "pipe"), HostError);
-  EXPECT_THROW(AddFile(disc_, 2, "/dev/zero"), HostError);
+  EXPECT_THROW((void)AddFile(disc_, 2, folder_ / "pipe"), HostError);
+  EXPECT_THROW((void)AddFile(disc_, 2, "/dev/zero"), HostError);
   EXPECT_EQ(Image(), before);
 }
 
 TEST_F(AddFileTest, AnUnreadableFileLeavesThePrefixDirectoryUnmadeAndTheOldFileInPlace) {
-  EXPECT_EQ(Add("OLD", Pattern(4)), 0);
+  EXPECT_EQ(Add("OLD", Pattern(4)), Outcome::kDone);
   const std::string prefixed = HostFile("B.X", Pattern(4));
   ::chmod(folder_.Path().c_str(), 0755);
   ::chmod(prefixed.c_str(), 0);
   ::chmod((folder_ / "OLD").c_str(), 0);
   const Bytes before = Image();
   const OrdinaryUser user;
-  EXPECT_THROW(AddFile(disc_, 2, prefixed), HostError);
-  EXPECT_THROW(AddFile(disc_, 2, folder_ / "OLD"), HostError);
+  EXPECT_THROW((void)AddFile(disc_, 2, prefixed), HostError);
+  EXPECT_THROW((void)AddFile(disc_, 2, folder_ / "OLD"), HostError);
   EXPECT_EQ(Image(), before);
 }
 
@@ -359,7 +359,7 @@ TEST_F(AddFileTest, AFileLargerThanAnyDiscFindsNoSpace) {
   const std::string path = HostFile("huge", Bytes());
   std::filesystem::resize_file(path, 0x180000001);
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(AddFile(disc_, 2, path), -1);
+  EXPECT_EQ(AddFile(disc_, 2, path), Outcome::kRefused);
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include "disc/catalogue/WalkBudget.h"
 #include "tests/disc/EngineTest.h"
 
 namespace sectorbox {
@@ -11,7 +10,7 @@ class DeleteTest : public EngineTest {};
 TEST_F(DeleteTest, ANameThatIsNotThereIsDoneWithoutAMessageOrABump) {
   Open(ImageBuilder(640));
   const Bytes before = Image();
-  EXPECT_EQ(DeleteEntry(disc_, 2, "NONE", false, false), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "NONE", false, false), Outcome::kDone);
   EXPECT_EQ(Image(), before);
   EXPECT_FALSE(disc_.ImageChanged);
 }
@@ -22,7 +21,7 @@ TEST_F(DeleteTest, TheSectorsComeFreeTheGapClosesAndTheDataStay) {
   image.AddFile(2, {"B", Pattern(300), 0, 0, "WR"});
   image.AddFile(2, {"C", Pattern(300), 0, 0, "WR"});
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "b", false, false), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "b", false, false), Outcome::kDone);
   EXPECT_EQ(Names(2), "A C");
   EXPECT_EQ(Runs(), "9+2 13+627");
   EXPECT_EQ(Sequence(2), 2);
@@ -36,7 +35,7 @@ TEST_F(DeleteTest, DeletingTheLastEntryOfAFullDirectoryZeroesSlot46) {
   ImageBuilder image(640);
   for (int i = 0; i < 47; ++i) image.AddFile(2, {"F" + std::to_string(100 + i), {}, 0, 0, "WR"});
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "F146", false, false), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "F146", false, false), Outcome::kDone);
   const Bytes disc = Image();
   EXPECT_EQ(Bytes(disc.begin() + 512 + 1201, disc.begin() + 512 + 1227), Bytes(26));
   EXPECT_EQ(Faults(), std::vector<std::string>());
@@ -50,11 +49,11 @@ TEST_F(DeleteTest, LockedEntriesAreRefusedUnlessTheLockIsIgnored) {
   const Bytes before = Image();
   host_.ExpectedMessages = {"Cannot Delete Locked File : FILE",
                             "Cannot Delete Locked Directory : DIR"};
-  EXPECT_EQ(DeleteEntry(disc_, 2, "FILE", false, false), -1);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, false), -1);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "FILE", false, false), Outcome::kRefused);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, false), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "FILE", false, true), 0);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "FILE", false, true), Outcome::kDone);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "7+633");
 }
 
@@ -64,8 +63,8 @@ TEST_F(DeleteTest, TheLockIsReportedBeforeTheContents) {
   Open(image);
   host_.ExpectedMessages = {"Cannot Delete Locked Directory : DIR",
                             "Cannot Delete Non Empty Directory : DIR"};
-  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, false), -1);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), -1);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, false), Outcome::kRefused);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), Outcome::kRefused);
 }
 
 TEST_F(DeleteTest, ADirectoryCountsAs1280BytesWhateverItsFieldHolds) {
@@ -74,7 +73,7 @@ TEST_F(DeleteTest, ADirectoryCountsAs1280BytesWhateverItsFieldHolds) {
   image.Poke(517 + 18, 0);
   image.Poke(517 + 19, 0);
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "DIR", true, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "7+633");
 }
 
@@ -84,7 +83,7 @@ TEST_F(DeleteTest, ATreeGoesWithAllThatIsInItAndYieldsAfterEachEntry) {
   image.AddFile(dir, {"A", {}, 0, 0, "WR"});
   image.AddFile(image.AddDirectory(dir, "SUB"), {"B", {}, 0, 0, "WR"});
   Open(image);
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kDone);
   EXPECT_EQ(Names(2), "");
   EXPECT_EQ(Runs(), "7+633");
   EXPECT_EQ(host_.LogOf("pump").size(), 3U);
@@ -96,7 +95,7 @@ TEST_F(DeleteTest, WithoutTheOptionANonEmptyTreeIsRefused) {
   image.AddFile(dir, {"A", {}, 0, 0, "WR"});
   Open(image);
   host_.ExpectedMessages = {"Cannot Delete Non Empty Directory : DIR"};
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, false), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, false), Outcome::kRefused);
   EXPECT_EQ(Names(dir), "A");
 }
 
@@ -108,7 +107,7 @@ TEST_F(DeleteTest, ALockedFileDeepInATreeLeavesItHalfRemoved) {
   image.AddFile(dir, {"C", {}, 0, 0, "WR"});
   Open(image);
   host_.ExpectedMessages = {"Cannot Delete Locked File : B"};
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", false, true), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", false, true), Outcome::kRefused);
   EXPECT_EQ(Names(dir), "B C");
   EXPECT_EQ(Names(2), "DIR");
   EXPECT_EQ(Faults(), std::vector<std::string>());
@@ -122,7 +121,7 @@ TEST_F(DeleteTest, ALockedDirectoryIsKeptAndWhatWasInItIsGone) {
   image.AddFile(dir, {"Z", {}, 0, 0, "WR"});
   Open(image);
   host_.ExpectedMessages = {"Cannot Delete Locked Directory : SUB"};
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", false, true), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", false, true), Outcome::kRefused);
   EXPECT_EQ(Names(sub), "");
   EXPECT_EQ(Names(dir), "SUB Z");
   EXPECT_EQ(Faults(), std::vector<std::string>());
@@ -145,7 +144,8 @@ TEST_F(DeleteTest, ADiscThatIsOpenedDuringADeleteKeepsAllThatIsOnIt) {
       disc_.TheDisc.OpenFile(folder_ / "other.img", kAdf, 40, 1, 16);
       ReadFreeMap(disc_);
     };
-    EXPECT_EQ(DeleteTree(disc_, root ? -1 : 2, root ? 2 : dir, "DIR", true, true), -1);
+    EXPECT_EQ(DeleteTree(disc_, root ? -1 : 2, root ? 2 : dir, "DIR", true, true),
+              Outcome::kStopped);
     EXPECT_EQ(Image(), other.Bytes());
   }
 }
@@ -160,13 +160,13 @@ TEST_F(DeleteTest, WhatTakesTheSectorsOfADirectoryThatIsDeletedMeanwhileIsLeftAl
   host_.OnPump = [&] {
     if (meanwhile) return;
     meanwhile = true;
-    EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+    EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kDone);
     for (const char* name : {"NEW", "NEW2"}) {
-      const std::int32_t made = NewDirectory(disc_, 2, name);
-      EXPECT_EQ(Add("MINE", Pattern(300), made), 0);
+      const std::int32_t made = NewDirectory(disc_, 2, name).value();
+      EXPECT_EQ(Add("MINE", Pattern(300), made), Outcome::kDone);
     }
   };
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kStopped);
   EXPECT_EQ(Names(2), "NEW NEW2");
   for (const char* name : {"NEW", "NEW2"}) {
     EXPECT_EQ(Contents(GetEntrySector(disc_, 2, name), "MINE"), Pattern(300));
@@ -184,9 +184,9 @@ TEST_F(DeleteTest, AChangeElsewhereInTheParentDoesNotEndADelete) {
   host_.OnPump = [&] {
     if (renamed) return;
     renamed = true;
-    EXPECT_FALSE(RenameEntry(disc_, "KEPT", "OLD", 2, true));
+    EXPECT_EQ(RenameEntry(disc_, "KEPT", "OLD", 2, true), Outcome::kDone);
   };
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kDone);
   EXPECT_EQ(Names(2), "KEPT");
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
@@ -196,7 +196,7 @@ TEST_F(DeleteTest, TheRootIsEmptiedAndKept) {
   image.AddFile(image.AddDirectory(2, "DIR"), {"A", {}, 0, 0, "WR"});
   image.AddFile(2, {"B", {}, 0, 0, "WR"});
   Open(image);
-  EXPECT_EQ(DeleteTree(disc_, -1, 2, "$", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, -1, 2, "$", true, true), Outcome::kDone);
   EXPECT_EQ(Names(2), "");
   EXPECT_EQ(Runs(), "7+633");
 }
@@ -211,7 +211,7 @@ TEST_F(DeleteTest, ATreeThatLeadsBackUpIsRefusedBeforeAnythingInItIsDeleted) {
   Open(image);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Cannot Delete Damaged Directory : DIR"};
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
@@ -223,7 +223,7 @@ TEST_F(DeleteTest, ADirectoryThatIsTheRootItselfDoesNotTakeTheDiscAlong) {
   Open(image);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Cannot Delete Damaged Directory : LOOP"};
-  EXPECT_EQ(DeleteTree(disc_, 2, 2, "LOOP", true, true), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, 2, "LOOP", true, true), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
@@ -237,7 +237,7 @@ TEST_F(DeleteTest, ADirectoryWithoutItsMarkIsNotTakenApart) {
   Open(image);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Cannot Delete Damaged Directory : DIR"};
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), -1);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
@@ -246,7 +246,7 @@ TEST_F(DeleteTest, AnEmptyDirectoryWithoutItsMarkCanGo) {
   const auto dir = image.AddDirectory(2, "BAD");
   image.Poke(dir * 256 + 1, 0);
   Open(image);
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "BAD", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "BAD", true, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "7+633");
 }
 
@@ -256,7 +256,7 @@ TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereADamagedDirectoryMayOwnIt) {
   image.AddFile(2, {"E", {}, 0, 0, "WR"});
   image.Poke(dir * 256 + 1, 0);
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "13+627");
 }
 
@@ -264,10 +264,10 @@ TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereDirectoriesLieTooDeepToTellWhoOwn
   ImageBuilder image(2560);
   image.AddFile(2, {"E", {}, 0, 0, "WR"});
   std::int32_t dir = 2;
-  for (int i = 0; i < WalkBudget::kMaxDepth; ++i) dir = image.AddDirectory(dir, "D");
+  for (int i = 0; i < kMaxWalkDepth; ++i) dir = image.AddDirectory(dir, "D");
   Open(image, kAdl);
   const std::string before = Runs();
-  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), before);
 }
 
@@ -278,7 +278,7 @@ TEST_F(DeleteTest, AnEmptyFilesSectorStaysWhereObjectsOverlap) {
   image.AddFile(2, {"E", {}, 0, 0, "WR"});
   image.Poke(517 + 26 + 22, 10);  // B starts in A
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "16+624");
 }
 
@@ -289,9 +289,9 @@ TEST_F(DeleteTest, AnEmptyFileThatTheBbcGaveNoSectorFreesNobodyElses) {
   image.AddFile(2, {"E2", {}, 0, 0, "WR"});
   image.Poke(517 + 26 + 22, static_cast<std::uint8_t>(file + 1));
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "E1", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E1", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "13+627") << "the sector is A's";
-  EXPECT_EQ(DeleteEntry(disc_, 2, "E2", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E2", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "12+628") << "the sector was E2's own";
 }
 
@@ -302,7 +302,7 @@ TEST_F(DeleteTest, WhatStandsBehindTheFirstEmptySlotOwnsNothing) {
   image.Poke(517 + 2 * 26 + 18, 1);
   image.Poke(517 + 2 * 26 + 22, 7);
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "E", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "7+633");
 }
 
@@ -319,7 +319,7 @@ TEST_F(DeleteTest, ATreeOfEmptyFilesThatShareASectorGivesItBackOnce) {
   image.Poke(dir * 256 + 5 + 5 * 26 + 22, 30);  // E5 stands in free space
   image.SetFreeRuns({{16, 1}, {18, 1}, {20, 620}});
   Open(image);
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "7+633");
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
@@ -339,7 +339,7 @@ TEST_F(DeleteTest, EmptyFilesGoOnBeingToldApartAfterACompactionInTheirTree) {
   }
   Open(image, kAdl);
   ASSERT_EQ(disc_.FreeCount, 46);
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "DIR", true, true), Outcome::kDone);
   EXPECT_EQ(host_.LogOf("status Compacting").size(), 1U);
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
@@ -353,9 +353,9 @@ TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapOrBeyondTheDiscDoesNotComeFree
   for (int i = 19; i < 22; ++i) image.Poke(517 + 26 + i, 0xFF);
   image.SetFreeRuns({});
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "17+623");
-  EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), Outcome::kDone);
   EXPECT_EQ(Runs(), "7+3 17+623");
 }
 
@@ -368,8 +368,8 @@ TEST_F(DeleteTest, NothingComesFreeWhereAnEntryClaimsNoSectorThatFilesCanHave) {
   image.Poke(517 + 26 + 23, 640 >> 8);
   image.SetFreeRuns({});
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), 0);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), Outcome::kDone);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), Outcome::kDone);
   EXPECT_EQ(disc_.FreeCount, 0);
 }
 

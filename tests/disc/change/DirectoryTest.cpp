@@ -46,10 +46,10 @@ TEST_F(DirectoryTest, ANewDirectoryKeepsBlanksAndTenCharactersOfItsName) {
 }
 
 TEST_F(DirectoryTest, AnExistingNameInAnyCaseRefusesANewDirectory) {
-  EXPECT_EQ(Add("Games", {}), 0);
+  EXPECT_EQ(Add("Games", {}), Outcome::kDone);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Directory gAMES Already Exists"};
-  EXPECT_EQ(NewDirectory(disc_, 2, "gAMES"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, "gAMES"), std::nullopt);
   EXPECT_EQ(Image(), before);
 }
 
@@ -59,7 +59,7 @@ TEST_F(DirectoryTest, AFullDirectoryRefusesANewOne) {
   Open(image);
   const Bytes before = Image();
   host_.ExpectedMessages = {"Directory Full"};
-  EXPECT_EQ(NewDirectory(disc_, 2, "G"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, "G"), std::nullopt);
   EXPECT_EQ(Image(), before);
 }
 
@@ -68,33 +68,33 @@ TEST_F(DirectoryTest, ANewDirectoryAsksForSpaceThenForASlotThenForItsName) {
   for (int i = 0; i < 47; ++i) image.AddFile(2, {"F" + std::to_string(100 + i), {}, 0, 0, "WR"});
   Open(image);
   host_.ExpectedMessages = {"Directory Full"};
-  EXPECT_EQ(NewDirectory(disc_, 2, "F100"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, "F100"), std::nullopt);
   image.SetFreeRuns({{600, 4}});
   Open(image);
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(NewDirectory(disc_, 2, "F100"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, "F100"), std::nullopt);
   EXPECT_FALSE(disc_.ImageChanged);
 }
 
 TEST_F(DirectoryTest, TheNameThatANewDirectoryFindsTakenIsToldAsItWasCut) {
   EXPECT_EQ(NewDirectory(disc_, 2, "ABCDEFGHIJ"), 7);
   host_.ExpectedMessages = {"Directory AbCDEFGHIJ Already Exists"};
-  EXPECT_EQ(NewDirectory(disc_, 2, "AbCDEFGHIJKL"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, "AbCDEFGHIJKL"), std::nullopt);
 }
 
 TEST_F(DirectoryTest, ADirectoryWithoutANameIsRefused) {
   const Bytes before = Image();
   host_.ExpectedMessages = {"File  Contains Illegal Characters",
                             "File \xC3\x89 Contains Illegal Characters"};
-  EXPECT_EQ(NewDirectory(disc_, 2, ""), -1);
-  EXPECT_EQ(NewDirectory(disc_, 2, "\xC3\x89"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, ""), std::nullopt);
+  EXPECT_EQ(NewDirectory(disc_, 2, "\xC3\x89"), std::nullopt);
   EXPECT_EQ(Image(), before);
 }
 
 TEST_F(DirectoryTest, RenamingMovesTheEntryToItsPlaceAndBumpsOnce) {
-  for (const char* name : {"A", "M", "Z"}) EXPECT_EQ(Add(name, {}), 0);
+  for (const char* name : {"A", "M", "Z"}) EXPECT_EQ(Add(name, {}), Outcome::kDone);
   const int before = Sequence(2);
-  EXPECT_FALSE(RenameEntry(disc_, "Q", "a", 2, false));
+  EXPECT_EQ(RenameEntry(disc_, "Q", "a", 2, false), Outcome::kDone);
   EXPECT_EQ(Names(2), "M Q Z");
   EXPECT_EQ(Sequence(2), before + 1);
   EXPECT_EQ(Image()[517 + 26 + 25], before + 1);
@@ -105,7 +105,7 @@ TEST_F(DirectoryTest, RenamingKeepsAllElseOfTheEntry) {
   ImageBuilder image(640);
   image.AddFile(2, {"OLD", Pattern(300), 0x1234, 0x5678, "ELWR"});
   Open(image);
-  EXPECT_FALSE(RenameEntry(disc_, "LONGERNAMES", "OLD", 2, true));
+  EXPECT_EQ(RenameEntry(disc_, "LONGERNAMES", "OLD", 2, true), Outcome::kDone);
   EXPECT_EQ(Names(2), "LONGERNAME");
   EXPECT_EQ(Attr(2, "LONGERNAME"), "ELWR");
   EXPECT_EQ(Load(2, "LONGERNAME"), 0x1234U);
@@ -113,16 +113,16 @@ TEST_F(DirectoryTest, RenamingKeepsAllElseOfTheEntry) {
 }
 
 TEST_F(DirectoryTest, AShorterNameSortsBeforeALongerOneThatBeginsWithIt) {
-  for (const char* name : {"FOOD", "X"}) EXPECT_EQ(Add(name, {}), 0);
-  EXPECT_FALSE(RenameEntry(disc_, "FOO", "X", 2, false));
+  for (const char* name : {"FOOD", "X"}) EXPECT_EQ(Add(name, {}), Outcome::kDone);
+  EXPECT_EQ(RenameEntry(disc_, "FOO", "X", 2, false), Outcome::kDone);
   EXPECT_EQ(Names(2), "FOO FOOD");
 }
 
 TEST_F(DirectoryTest, AChangeOfCaseAloneIsRefused) {
-  EXPECT_EQ(Add("FOO", {}), 0);
+  EXPECT_EQ(Add("FOO", {}), Outcome::kDone);
   const Bytes before = Image();
   host_.ExpectedMessages = {"foo Already Exists"};
-  EXPECT_TRUE(RenameEntry(disc_, "foo", "FOO", 2, false));
+  EXPECT_EQ(RenameEntry(disc_, "foo", "FOO", 2, false), Outcome::kRefused);
   EXPECT_EQ(Image(), before);
 }
 
@@ -133,9 +133,9 @@ TEST_F(DirectoryTest, LockedEntriesAreNotRenamedUnlessTheLockIsIgnored) {
   Open(image);
   host_.ExpectedMessages = {"Cannot Rename Locked File : FILE",
                             "Cannot Rename Locked Directory : DIR"};
-  EXPECT_TRUE(RenameEntry(disc_, "X", "FILE", 2, false));
-  EXPECT_TRUE(RenameEntry(disc_, "X", "DIR", 2, false));
-  EXPECT_FALSE(RenameEntry(disc_, "X", "FILE", 2, true));
+  EXPECT_EQ(RenameEntry(disc_, "X", "FILE", 2, false), Outcome::kRefused);
+  EXPECT_EQ(RenameEntry(disc_, "X", "DIR", 2, false), Outcome::kRefused);
+  EXPECT_EQ(RenameEntry(disc_, "X", "FILE", 2, true), Outcome::kDone);
 }
 
 TEST_F(DirectoryTest, ARenameTellsOfTheLockThenOfTheNameThenOfItsCharacters) {
@@ -145,45 +145,46 @@ TEST_F(DirectoryTest, ARenameTellsOfTheLockThenOfTheNameThenOfItsCharacters) {
   Open(image);
   host_.ExpectedMessages = {"Cannot Rename Locked File : LOCKED", "a.b Already Exists",
                             "File A.C Contains Illegal Characters"};
-  EXPECT_TRUE(RenameEntry(disc_, "a.b", "LOCKED", 2, false));
-  EXPECT_TRUE(RenameEntry(disc_, "a.b", "LOCKED", 2, true));
-  EXPECT_TRUE(RenameEntry(disc_, "A.C", "LOCKED", 2, true));
+  EXPECT_EQ(RenameEntry(disc_, "a.b", "LOCKED", 2, false), Outcome::kRefused);
+  EXPECT_EQ(RenameEntry(disc_, "a.b", "LOCKED", 2, true), Outcome::kRefused);
+  EXPECT_EQ(RenameEntry(disc_, "A.C", "LOCKED", 2, true), Outcome::kRefused);
   EXPECT_FALSE(disc_.ImageChanged);
 }
 
 TEST_F(DirectoryTest, OfALongNewNameOnlyTheFirstTenCharactersAreLookedAtAndTold) {
-  for (const char* name : {"ABCDEFGHIJ", "X"}) EXPECT_EQ(Add(name, {}), 0);
+  for (const char* name : {"ABCDEFGHIJ", "X"}) EXPECT_EQ(Add(name, {}), Outcome::kDone);
   host_.ExpectedMessages = {"ABCDEFGHIJ Already Exists",
                             "File A:CDEFGHIJ Contains Illegal Characters"};
-  EXPECT_TRUE(RenameEntry(disc_, "ABCDEFGHIJKL", "X", 2, false));
-  EXPECT_TRUE(RenameEntry(disc_, "A:CDEFGHIJKL", "X", 2, false));
-  EXPECT_FALSE(RenameEntry(disc_, "0123456789:*", "X", 2, false));
+  EXPECT_EQ(RenameEntry(disc_, "ABCDEFGHIJKL", "X", 2, false), Outcome::kRefused);
+  EXPECT_EQ(RenameEntry(disc_, "A:CDEFGHIJKL", "X", 2, false), Outcome::kRefused);
+  EXPECT_EQ(RenameEntry(disc_, "0123456789:*", "X", 2, false), Outcome::kDone);
   EXPECT_EQ(Names(2), "0123456789 ABCDEFGHIJ");
 }
 
 TEST_F(DirectoryTest, ANameThatIsNotThereRefusesWithoutAMessage) {
-  EXPECT_TRUE(RenameEntry(disc_, "X", "NONE", 2, false));
+  EXPECT_EQ(RenameEntry(disc_, "X", "NONE", 2, false), Outcome::kRefused);
   EXPECT_TRUE(host_.Messages.empty());
 }
 
 TEST_F(DirectoryTest, EachForbiddenCharacterRefusesARename) {
-  EXPECT_EQ(Add("FOO", {}), 0);
+  EXPECT_EQ(Add("FOO", {}), Outcome::kDone);
   const Bytes before = Image();
   for (int c = 0; c < 256; ++c) {
     const std::string name = std::string("A") + static_cast<char>(c) + "B";
     const bool good = c > 32 && c <= 127 &&
                       std::string("-.:*#$&@^").find(static_cast<char>(c)) == std::string::npos;
     if (!good) host_.ExpectedMessages = {"File " + name + " Contains Illegal Characters"};
-    EXPECT_EQ(RenameEntry(disc_, name, "FOO", 2, false), !good) << c;
+    const Outcome outcome = RenameEntry(disc_, name, "FOO", 2, false);
+    EXPECT_EQ(outcome, good ? Outcome::kDone : Outcome::kRefused) << c;
     if (good) {
       EXPECT_EQ(Names(2), name);
-      EXPECT_FALSE(RenameEntry(disc_, "FOO", name, 2, false)) << c;
+      EXPECT_EQ(RenameEntry(disc_, "FOO", name, 2, false), Outcome::kDone) << c;
     } else {
       EXPECT_EQ(Names(2), "FOO");
     }
   }
   host_.ExpectedMessages = {"File  Contains Illegal Characters"};
-  EXPECT_TRUE(RenameEntry(disc_, "", "FOO", 2, false));
+  EXPECT_EQ(RenameEntry(disc_, "", "FOO", 2, false), Outcome::kRefused);
   EXPECT_EQ(Names(2), "FOO");
   EXPECT_NE(Image(), before);
 }
@@ -192,7 +193,7 @@ TEST_F(DirectoryTest, ARenamedDirectoryCarriesItsNewNameAndKeepsItsTitle) {
   ImageBuilder image(640);
   const auto dir = image.AddDirectory(2, "OLD", "LWR");
   Open(image);
-  EXPECT_FALSE(RenameEntry(disc_, "NEW", "OLD", 2, true));
+  EXPECT_EQ(RenameEntry(disc_, "NEW", "OLD", 2, true), Outcome::kDone);
   const Bytes disc = Image();
   const auto at = disc.begin() + dir * 256 + 1228;
   // The carriage return carries the D bit.
@@ -211,22 +212,26 @@ TEST_F(DirectoryTest, BeyondSector65535AllGoesAsBelow) {
   image.AddFile(far, {"EMPTY", {}, 0, 0, "WR"});
   ASSERT_GT(far, 65535);
   Open(image, kDat);
-  EXPECT_FALSE(RenameEntry(disc_, "NEW", "SUB", far, false));
+  EXPECT_EQ(RenameEntry(disc_, "NEW", "SUB", far, false), Outcome::kDone);
   EXPECT_EQ(GetDirName(disc_, sub), "NEW");
-  const auto made = NewDirectory(disc_, sub, "MADE");
+  const std::int32_t made = NewDirectory(disc_, sub, "MADE").value();
   EXPECT_EQ(made, GetEntrySector(disc_, sub, "MADE"));
-  EXPECT_EQ(Add("F", Pattern(70000, 2), made), 0);
+  EXPECT_EQ(Add("F", Pattern(70000, 2), made), Outcome::kDone);
   EXPECT_EQ(Contents(made, "F"), Pattern(70000, 2));
   EXPECT_EQ(Faults(), std::vector<std::string>());
 
   // The BBC may leave an empty file in the middle of another one, and takes nothing from that.
-  const std::int64_t place = EntryOffset(far, FindEntry(disc_, far, "EMPTY")) + 22;
+  const std::int32_t slot = FindEntry(disc_, far, "EMPTY");
   const std::string runs = Runs();
-  Store24(disc_, place, big + 300);
-  EXPECT_EQ(DeleteEntry(disc_, far, "EMPTY", false, false), 0);
+  EditedDirectory edited(disc_, far);
+  Entry elsewhere = edited.Now.At(slot);
+  elsewhere.SetStart(big + 300);
+  edited.Now.Put(slot, elsewhere);
+  edited.Write();
+  EXPECT_EQ(DeleteEntry(disc_, far, "EMPTY", false, false), Outcome::kDone);
   EXPECT_EQ(Runs(), runs);
 
-  EXPECT_EQ(DeleteEntry(disc_, 2, "BELOW", false, false), 0);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "BELOW", false, false), Outcome::kDone);
   CompactDisc(disc_);
   EXPECT_EQ(Faults(), std::vector<std::string>());
   const auto moved = GetEntrySector(disc_, 2, "FAR");
@@ -262,12 +267,12 @@ TEST_F(DirectoryTest, ADirectoryEntryThatLeadsToNoDirectoryWritesNothingThere) {
   image.Poke(517 + 22, static_cast<std::uint8_t>(file));
   Open(image);
   SetEntryAttributes(disc_, 2, "DIR", false, false, true);
-  EXPECT_FALSE(RenameEntry(disc_, "NEW", "DIR", 2, true));
+  EXPECT_EQ(RenameEntry(disc_, "NEW", "DIR", 2, true), Outcome::kDone);
   EXPECT_EQ(Contents(2, "FILE"), Pattern(2000));
 }
 
 TEST_F(DirectoryTest, AddressesAreTakenByPairsOfDigits) {
-  EXPECT_EQ(Add("X", {}), 0);
+  EXPECT_EQ(Add("X", {}), Outcome::kDone);
   SetEntryAddresses(disc_, 2, "x", "FFFF1900", "0012ab34");
   const Bytes disc = Image();
   EXPECT_EQ(Bytes(disc.begin() + 527, disc.begin() + 535),
@@ -284,16 +289,16 @@ TEST_F(DirectoryTest, AddressesOfANameThatIsNotThereChangeNothing) {
 }
 
 TEST_F(DirectoryTest, ATitleIsCutBeforeItsCharactersAreLookedAt) {
-  SetDirTitle(disc_, 2, "ABCDEFGHIJKLMNOPQRS*");
+  EXPECT_EQ(SetDirTitle(disc_, 2, "ABCDEFGHIJKLMNOPQRS*"), Outcome::kDone);
   EXPECT_EQ(GetDirTitle(disc_, 2), "ABCDEFGHIJKLMNOPQRS");
   host_.ExpectedMessages = {"Title *BCDEFGHIJKLMNOPQRS Contains Illegal Characters"};
-  SetDirTitle(disc_, 2, "*BCDEFGHIJKLMNOPQRSTUV");
+  EXPECT_EQ(SetDirTitle(disc_, 2, "*BCDEFGHIJKLMNOPQRSTUV"), Outcome::kRefused);
   EXPECT_EQ(GetDirTitle(disc_, 2), "ABCDEFGHIJKLMNOPQRS");
 }
 
 TEST_F(DirectoryTest, AnEmptyTitleIsACarriageReturnAndNuls) {
-  SetDirTitle(disc_, 2, "OLD TITLE");
-  SetDirTitle(disc_, 2, "");
+  EXPECT_EQ(SetDirTitle(disc_, 2, "OLD TITLE"), Outcome::kDone);
+  EXPECT_EQ(SetDirTitle(disc_, 2, ""), Outcome::kDone);
   Bytes expected(19);
   expected[0] = 13;
   const Bytes disc = Image();
@@ -302,7 +307,7 @@ TEST_F(DirectoryTest, AnEmptyTitleIsACarriageReturnAndNuls) {
 }
 
 TEST_F(DirectoryTest, ATitleOfTwentyCharactersStoresNineteenAndNoCarriageReturn) {
-  SetDirTitle(disc_, 2, "ABCDEFGHIJKLMNOPQRST");
+  EXPECT_EQ(SetDirTitle(disc_, 2, "ABCDEFGHIJKLMNOPQRST"), Outcome::kDone);
   const Bytes disc = Image();
   const std::string stored(disc.begin() + 512 + 1241, disc.begin() + 512 + 1260);
   EXPECT_EQ(stored, "ABCDEFGHIJKLMNOPQRS");
@@ -312,21 +317,21 @@ TEST_F(DirectoryTest, ATitleOfTwentyCharactersStoresNineteenAndNoCarriageReturn)
 }
 
 TEST_F(DirectoryTest, ATitleMayHoldBlanksAndNoneOfTheForbiddenCharacters) {
-  SetDirTitle(disc_, 2, "My Own Disc");
+  EXPECT_EQ(SetDirTitle(disc_, 2, "My Own Disc"), Outcome::kDone);
   EXPECT_EQ(GetDirTitle(disc_, 2), "My Own Disc");
   const Bytes before = Image();
   for (const char c : std::string("-.:*#$&@^\x1F\x80")) {
     const std::string title = std::string("A") + c;
     host_.ExpectedMessages = {"Title " + title + " Contains Illegal Characters"};
-    SetDirTitle(disc_, 2, title);
+    EXPECT_EQ(SetDirTitle(disc_, 2, title), Outcome::kRefused);
   }
   EXPECT_EQ(Image(), before);
 }
 
 TEST_F(DirectoryTest, TheTitleOfADirectoryLeavesItsParentAlone) {
-  const auto dir = NewDirectory(disc_, 2, "D");
+  const std::int32_t dir = NewDirectory(disc_, 2, "D").value();
   const int parent = Sequence(2);
-  SetDirTitle(disc_, dir, "T");
+  EXPECT_EQ(SetDirTitle(disc_, dir, "T"), Outcome::kDone);
   EXPECT_EQ(Sequence(2), parent);
   EXPECT_EQ(Sequence(dir), 2);
 }

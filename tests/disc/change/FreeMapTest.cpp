@@ -32,7 +32,7 @@ TEST_F(FreeMapTest, A256ByteNeedFitsARunOfOneSectorAnd257DoesNot) {
 TEST_F(FreeMapTest, AnEmptyFileIsSatisfiedByAnyRunAndTakesOneSector) {
   OpenWithRuns({{10, 3}, {20, 8}});
   EXPECT_EQ(FindFreeRun(disc_, 0), 0);
-  EXPECT_EQ(Add("EMPTY", {}), 0);
+  EXPECT_EQ(Add("EMPTY", {}), Outcome::kDone);
   EXPECT_EQ(Runs(), "11+2 20+8");
 }
 
@@ -42,12 +42,12 @@ TEST_F(FreeMapTest, ARunOfLengthZeroIsNoRunNotEvenForAnEmptyFile) {
   OpenWithRuns({{640, 0}});
   EXPECT_EQ(FindFreeRun(disc_, 0), -1);
   host_.ExpectedMessages = {kNoSpaceMessage};
-  EXPECT_EQ(Add("EMPTY", {}), -1);
+  EXPECT_EQ(Add("EMPTY", {}), Outcome::kRefused);
 }
 
 TEST_F(FreeMapTest, AFileOfExactlyTheRunsSizeRemovesTheRun) {
   OpenWithRuns({{10, 2}, {20, 3}, {40, 9}});
-  EXPECT_EQ(Add("X", Pattern(3 * 256)), 0);
+  EXPECT_EQ(Add("X", Pattern(3 * 256)), Outcome::kDone);
   EXPECT_EQ(disc_.FreeCount, 2);
   EXPECT_EQ(Runs(), "10+2 40+9");
   EXPECT_EQ(Image()[510], 6);
@@ -90,9 +90,9 @@ TEST_F(FreeMapTest, ADiscWithoutAFreeRunRefusesEveryAllocation) {
   EXPECT_EQ(Image()[510], 0);
   host_.ExpectedMessages = {kNoSpaceMessage, kNoSpaceMessage, kNoSpaceMessage};
   const Bytes before = Image();
-  EXPECT_EQ(Add("EMPTY", {}), -1);
-  EXPECT_EQ(Add("X", Pattern(1)), -1);
-  EXPECT_EQ(NewDirectory(disc_, 2, "D"), -1);
+  EXPECT_EQ(Add("EMPTY", {}), Outcome::kRefused);
+  EXPECT_EQ(Add("X", Pattern(1)), Outcome::kRefused);
+  EXPECT_EQ(NewDirectory(disc_, 2, "D"), std::nullopt);
   EXPECT_EQ(Image(), before);
   EXPECT_FALSE(disc_.ImageChanged);
 }
@@ -100,7 +100,7 @@ TEST_F(FreeMapTest, ADiscWithoutAFreeRunRefusesEveryAllocation) {
 TEST_F(FreeMapTest, FreeSpaceInPiecesDoesNotCount) {
   OpenWithRuns({{10, 4}, {20, 4}});
   host_.ExpectedMessages = {kNoSpaceMessage};
-  EXPECT_EQ(NewDirectory(disc_, 2, "D"), -1);
+  EXPECT_EQ(NewDirectory(disc_, 2, "D"), std::nullopt);
 }
 
 TEST_F(FreeMapTest, TheMapIsWrittenWithBothChecksumsAndEntriesPastTheEndStay) {
@@ -128,7 +128,7 @@ TEST_F(FreeMapTest, TheReleaseThatMakesEightyRunsCompactsTheDisc) {
   // Every second file goes: each leaves a hole of its own.
   for (int n = 0; n < 79; ++n) {
     ASSERT_EQ(DeleteEntry(disc_, dirs[n / 20], "F" + std::to_string(100 + n % 20 * 2), false, true),
-              0);
+              Outcome::kDone);
     ASSERT_EQ(disc_.FreeCount, n < 78 ? n + 2 : 1) << n;
   }
   EXPECT_EQ(Faults(), std::vector<std::string>());

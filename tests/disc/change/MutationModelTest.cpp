@@ -136,12 +136,12 @@ class MutationModelTest : public EngineTest {
   }
   int FreeSectors() {
     int free = 0;
-    for (const FreeRun& run : ReadFreeRuns(Map())) free += run.Length;
+    for (const auto& run : ReadFreeRuns(Map())) free += run.Length;
     return free;
   }
   int LargestRun() {
     int largest = 0;
-    for (const FreeRun& run : ReadFreeRuns(Map())) largest = std::max(largest, run.Length);
+    for (const auto& run : ReadFreeRuns(Map())) largest = std::max(largest, run.Length);
     return largest;
   }
   Place PickPlace() {
@@ -221,10 +221,10 @@ class MutationModelTest : public EngineTest {
     const auto old = place.Dir->Children.find(Upper(node->Name));
     const bool exists = old != place.Dir->Children.end();
     host_.Overwrite = Pick(3) != 0;
-    const std::int16_t result = AddFile(disc_, place.Sector, path);
+    const Outcome result = AddFile(disc_, place.Sector, path);
     if (!fits) return ExpectRefusal(result, "Not Enough Free Contiguous Space on Disc");
     if (place.Dir->Children.size() == 47) return ExpectRefusal(result, "Directory Full");
-    ASSERT_EQ(result, 0);
+    ASSERT_EQ(result, Outcome::kDone);
     if (exists && old->second->IsDir) {
       ASSERT_EQ(host_.Messages, std::vector<std::string>{"Cannot Yet Overwrite A Directory"});
       return;
@@ -243,12 +243,14 @@ class MutationModelTest : public EngineTest {
     last_ += "mkdir " + node->Name;
     const bool fits = LargestRun() >= 5;
     const bool exists = place.Dir->Children.count(Upper(node->Name)) != 0;
-    const std::int32_t made = NewDirectory(disc_, place.Sector, node->Name);
+    const Outcome made = NewDirectory(disc_, place.Sector, node->Name).has_value()
+                             ? Outcome::kDone
+                             : Outcome::kRefused;
     if (!fits) return ExpectRefusal(made, "Not Enough Free Contiguous Space on Disc");
     if (place.Dir->Children.size() == 47) return ExpectRefusal(made, "Directory Full");
     if (exists) return ExpectRefusal(made, "Directory " + node->Name + " Already Exists");
     place.Dir->Bump(node.get());
-    ASSERT_EQ(made, GetEntrySector(disc_, place.Sector, node->Name));
+    ASSERT_EQ(made, Outcome::kDone);
     place.Dir->Children[Upper(node->Name)] = node;
   }
 
@@ -273,17 +275,17 @@ class MutationModelTest : public EngineTest {
     last_ += "delete " + node->Name;
     const std::string name = node->Name;
     if (!node->IsDir) {
-      const std::int16_t result = DeleteEntry(disc_, place.Sector, name, false, ignoreLock);
+      const Outcome result = DeleteEntry(disc_, place.Sector, name, false, ignoreLock);
       if (node->Locked && !ignoreLock) {
         return ExpectRefusal(result, "Cannot Delete Locked File : " + name);
       }
-      ASSERT_EQ(result, 0);
+      ASSERT_EQ(result, Outcome::kDone);
     } else {
-      const std::int16_t result =
+      const Outcome result =
           DeleteTree(disc_, place.Sector, GetEntrySector(disc_, place.Sector, name), name,
                      ignoreLock, nonEmpty);
       if (nonEmpty && !Empty(*node, ignoreLock)) {
-        ASSERT_EQ(result, -1);
+        ASSERT_EQ(result, Outcome::kRefused);
         return;
       }
       if (node->Locked && !ignoreLock) {
@@ -292,7 +294,7 @@ class MutationModelTest : public EngineTest {
       if (!node->Children.empty()) {
         return ExpectRefusal(result, "Cannot Delete Non Empty Directory : " + name);
       }
-      ASSERT_EQ(result, 0);
+      ASSERT_EQ(result, Outcome::kDone);
     }
     place.Dir->Bump();
     place.Dir->Children.erase(Upper(name));
@@ -304,7 +306,7 @@ class MutationModelTest : public EngineTest {
     if (node == nullptr || node->IsDir || node->Locked) return;
     last_ += "delete file " + node->Name;
     const std::string name = node->Name;
-    ASSERT_EQ(DeleteEntry(disc_, place.Sector, name, false, false), 0);
+    ASSERT_EQ(DeleteEntry(disc_, place.Sector, name, false, false), Outcome::kDone);
     place.Dir->Bump();
     place.Dir->Children.erase(Upper(name));
   }
@@ -314,19 +316,18 @@ class MutationModelTest : public EngineTest {
     if (node == nullptr) return;
     const std::string to = Pick(8) == 0 ? "B*D" : PickName();
     last_ += "rename " + node->Name + " " + to;
-    const bool refused = RenameEntry(disc_, to, node->Name, place.Sector, false);
+    const Outcome result = RenameEntry(disc_, to, node->Name, place.Sector, false);
     if (node->Locked) {
-      return ExpectRefusal(refused ? -1 : 0, std::string("Cannot Rename Locked ") +
-                                                 (node->IsDir ? "Directory : " : "File : ") +
-                                                 node->Name);
+      return ExpectRefusal(result, std::string("Cannot Rename Locked ") +
+                                       (node->IsDir ? "Directory : " : "File : ") + node->Name);
     }
     if (place.Dir->Children.count(Upper(to)) != 0) {
-      return ExpectRefusal(refused ? -1 : 0, to + " Already Exists");
+      return ExpectRefusal(result, to + " Already Exists");
     }
     if (to == "B*D") {
-      return ExpectRefusal(refused ? -1 : 0, "File B*D Contains Illegal Characters");
+      return ExpectRefusal(result, "File B*D Contains Illegal Characters");
     }
-    ASSERT_FALSE(refused);
+    ASSERT_EQ(result, Outcome::kDone);
     auto held = place.Dir->Children.extract(Upper(node->Name));
     held.key() = Upper(to);
     held.mapped()->Name = to;
@@ -358,7 +359,7 @@ class MutationModelTest : public EngineTest {
   void Title(const Place& place) {
     const std::string title = "Title " + std::to_string(Pick(100000));
     last_ += "title";
-    SetDirTitle(disc_, place.Sector, title);
+    ASSERT_EQ(SetDirTitle(disc_, place.Sector, title), Outcome::kDone);
     place.Dir->Title = title;
     place.Dir->Bump();
   }
@@ -369,8 +370,8 @@ class MutationModelTest : public EngineTest {
     ASSERT_EQ(ReadFreeRuns(Image()).size(), 1U);
   }
 
-  void ExpectRefusal(std::int32_t result, const std::string& message) {
-    ASSERT_EQ(result, -1);
+  void ExpectRefusal(Outcome result, const std::string& message) {
+    ASSERT_EQ(result, Outcome::kRefused);
     ASSERT_EQ(host_.Messages, std::vector<std::string>{message});
   }
 

@@ -113,7 +113,7 @@ TEST_F(HostExchangeTest, AFileRoundTripsWithAllButE) {
   image.AddFile(dir, {"PROG", Pattern(700), 0xFFFF1900, 0x8023, "ELR"});
   Open(image);
   ExportFiles(disc_, Out(), dir);
-  EXPECT_EQ(AddFile(disc_, 2, OutFile("PROG")), 0);
+  EXPECT_EQ(AddFile(disc_, 2, OutFile("PROG")), Outcome::kDone);
   EXPECT_EQ(Contents(2, "PROG"), Pattern(700));
   EXPECT_EQ(Load(2, "PROG"), 0xFFFF1900U);
   EXPECT_EQ(Attr(2, "PROG"), "LR");
@@ -126,9 +126,9 @@ TEST_F(HostExchangeTest, ASlashComesBackThroughTheSidecarAndWithoutItFromTheThir
   image.AddFile(dir, {"AB/C", Pattern(7), 0, 0, "WR"});
   Open(image);
   ExportFiles(disc_, Out(), dir);
-  EXPECT_EQ(AddFile(disc_, 2, OutFile("A.B")), 0);
+  EXPECT_EQ(AddFile(disc_, 2, OutFile("A.B")), Outcome::kDone);
   fs::remove(OutFile("AB.C.INF"));
-  EXPECT_EQ(AddFile(disc_, 2, OutFile("AB.C")), 0);
+  EXPECT_EQ(AddFile(disc_, 2, OutFile("AB.C")), Outcome::kDone);
   EXPECT_EQ(Names(2), "A/B AB/C OUT");
 }
 
@@ -142,8 +142,8 @@ TEST_F(HostExchangeTest, EveryNameThatTheFormatAllowsRoundTrips) {
   allowed += '\x7F';
   for (int round = 0; round < 12; ++round) {
     Open(ImageBuilder(2560));
-    const std::int32_t source = NewDirectory(disc_, 2, "SOURCE");
-    EXPECT_EQ(Add("seed", Pattern(9), source), 0);
+    const std::int32_t source = NewDirectory(disc_, 2, "SOURCE").value();
+    EXPECT_EQ(Add("seed", Pattern(9), source), Outcome::kDone);
     for (int i = 0; i < 45; ++i) {
       std::string name(1 + random() % 10, ' ');
       for (char& c : name) c = allowed[random() % allowed.size()];
@@ -154,13 +154,13 @@ TEST_F(HostExchangeTest, EveryNameThatTheFormatAllowsRoundTrips) {
       ASSERT_EQ(
           Add("new", Pattern(static_cast<std::size_t>(i) * 7, static_cast<unsigned>(round + i)),
               source),
-          0);
-      ASSERT_FALSE(RenameEntry(disc_, name, "new", source, false)) << name;
+          Outcome::kDone);
+      ASSERT_EQ(RenameEntry(disc_, name, "new", source, false), Outcome::kDone) << name;
     }
     const std::string out = folder_ / ("out" + std::to_string(round));
     ExportFiles(disc_, out, source);
     WriteText(out + ".INF", "COPY       DWR");
-    ASSERT_EQ(ImportFolder(disc_, 2, out), 0);
+    ASSERT_EQ(ImportFolder(disc_, 2, out), Outcome::kDone);
     const ReadObject root = Tree();
     ASSERT_EQ(root.Contents.size(), 2U);
     const auto& copy = root.Contents[0].Contents;
@@ -181,7 +181,7 @@ TEST_F(HostExchangeTest, ImportMakesTheFolderAndAllBelowItInByteOrder) {
   HostFile("in/b", "b");
   HostFile("in/B2", "B");
   HostFile("in/a", "a");
-  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in"), Outcome::kDone);
   const std::int32_t in = GetEntrySector(disc_, 2, "in");
   EXPECT_EQ(Names(in), "a b B2 sub");
   // B2 first, since capitals have the lower codes.
@@ -194,7 +194,7 @@ TEST_F(HostExchangeTest, ImportMakesTheFolderAndAllBelowItInByteOrder) {
 TEST_F(HostExchangeTest, AFoldersSidecarNamesItAndItsAttributesAreIgnored) {
   MakeFolder("in");
   HostFile("in.INF", "A/B        DL");
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   EXPECT_EQ(Names(2), "A/B");
   EXPECT_EQ(Attr(2, "A/B"), "DWR");
 }
@@ -203,13 +203,13 @@ TEST_F(HostExchangeTest, AFolderWhoseSidecarHasNoNameIsRefused) {
   MakeFolder("in");
   HostFile("in.INF", "           DL");
   host_.ExpectedMessages = {"File in Contains Illegal Characters"};
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), -1);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(Names(2), "");
 }
 
 TEST_F(HostExchangeTest, AFoldersOwnNameIsNeitherMappedNorItsBlanksReplaced) {
   MakeFolder("a #.b");
-  EXPECT_EQ(ImportFolder(disc_, 2, (folder_ / "a #.b") + "/"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, (folder_ / "a #.b") + "/"), Outcome::kDone);
   EXPECT_EQ(Names(2), "a #.b");
 }
 
@@ -219,7 +219,7 @@ TEST_F(HostExchangeTest, ARefusalEndsTheWholeImportAndKeepsWhatWasAdded) {
   HostFile("in/b", Pattern(2600 * 256));
   HostFile("in/c", "3");
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), -1);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "in")), "a");
 }
 
@@ -227,14 +227,14 @@ TEST_F(HostExchangeTest, AnExistingDirectoryOfThatNameEndsTheImport) {
   MakeFolder("in");
   EXPECT_EQ(NewDirectory(disc_, 2, "IN"), 7);
   host_.ExpectedMessages = {"Directory in Already Exists"};
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), -1);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
 }
 
 TEST_F(HostExchangeTest, ASidecarLengthLargerThanTheFileDoesNotStopTheImport) {
   MakeFolder("in");
   HostFile("in/x", "abc");
   HostFile("in/x.INF", "X          00000000 00000000 00001000 WR");
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   EXPECT_EQ(Length(GetEntrySector(disc_, 2, "in"), "X"), 0x1000U);
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
@@ -245,7 +245,7 @@ TEST_F(HostExchangeTest, ALinkThatLeadsBackUpIsNotedAndNotFollowed) {
   fs::create_symlink("..", folder_ / "in/sub/up");
   fs::create_symlink(".", folder_ / "in/here");
   HostFile("in/z", "z");
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "in")), "sub z");
   EXPECT_EQ(host_.LogOf("note").size(), 2U);
   EXPECT_NE(host_.LogOf("note")[0].find("in/here: leads back"), std::string::npos);
@@ -257,7 +257,7 @@ TEST_F(HostExchangeTest, LinksToFilesAndToOtherFoldersAreFollowed) {
   HostFile("other/f", "f");
   fs::create_symlink(folder_ / "other", folder_ / "in/l");
   fs::create_symlink(folder_ / "other/f", folder_ / "in/m");
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "in")), "l m");
   EXPECT_EQ(host_.LogOf("note").size(), 0U);
 }
@@ -268,7 +268,7 @@ TEST_F(HostExchangeTest, PipesDevicesAndDanglingLinksAreNotedAndTheRestComesIn) 
   fs::create_symlink("/dev/zero", folder_ / "in/b");
   fs::create_symlink("nowhere", folder_ / "in/c");
   HostFile("in/d", "d");
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "in")), "d");
   EXPECT_EQ(host_.LogOf("note").size(), 3U);
 }
@@ -277,19 +277,19 @@ TEST_F(HostExchangeTest, TheProcesssCurrentFolderIsLeftAloneHoweverTheImportEnds
   const auto before = fs::current_path();
   MakeFolder("in");
   HostFile("in/a", "1");
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   EXPECT_EQ(fs::current_path(), before);
   host_.ExpectedMessages = {"Directory in Already Exists"};
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), -1);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(fs::current_path(), before);
-  EXPECT_THROW(ImportFolder(disc_, 2, folder_ / "none"), HostError);
+  EXPECT_THROW((void)ImportFolder(disc_, 2, folder_ / "none"), HostError);
   EXPECT_EQ(fs::current_path(), before);
 }
 
 TEST_F(HostExchangeTest, APathThatLeadsNowhereIsAFailureByItsOwnName) {
   for (const std::string& path : {std::string(), folder_ / "none/..", folder_ / "none"}) {
     try {
-      AddFile(disc_, 2, path);
+      (void)AddFile(disc_, 2, path);
       ADD_FAILURE() << "nothing was thrown";
     } catch (const HostError& error) {
       EXPECT_EQ(error.Path(), path);
@@ -303,9 +303,9 @@ TEST_F(HostExchangeTest, RelativePathsAreResolvedWhereTheCallIsMade) {
   HostFile("in/a", "1");
   const auto before = fs::current_path();
   fs::current_path(folder_ / "in");
-  EXPECT_EQ(AddFile(disc_, 2, "."), 0);
-  EXPECT_EQ(AddFile(disc_, 2, "a"), 0);
-  EXPECT_EQ(AddFile(disc_, 2, "../in/a"), 0);
+  EXPECT_EQ(AddFile(disc_, 2, "."), Outcome::kDone);
+  EXPECT_EQ(AddFile(disc_, 2, "a"), Outcome::kDone);
+  EXPECT_EQ(AddFile(disc_, 2, "../in/a"), Outcome::kDone);
   fs::current_path(before);
   EXPECT_EQ(Names(2), "a in");
 }
@@ -314,9 +314,9 @@ TEST_F(HostExchangeTest, OnlyAPathThatEndsInDotsIsNamedByWhereItLeads) {
   MakeFolder("in");
   MakeFolder("in/sub");
   fs::create_directory_symlink(folder_ / "in", folder_ / "link");
-  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in/sub/.."), 0);
-  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in/sub/./"), 0);
-  EXPECT_EQ(AddFile(disc_, 2, folder_ / "link"), 0);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in/sub/.."), Outcome::kDone);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "in/sub/./"), Outcome::kDone);
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "link"), Outcome::kDone);
   EXPECT_EQ(Names(2), "in link sub");
 }
 
@@ -328,7 +328,7 @@ TEST_F(HostExchangeTest, OfMoreThanAThousandFilesNoneIsLeftOutWithoutAWord) {
         std::string(1, static_cast<char>('a' + i % 26)) + ".F" + std::to_string(i);
     WriteText((folder_ / "in/") + name, "");
   }
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
   std::size_t files = 0;
   const ReadObject root = Tree();
   for (const ReadObject& dir : root.Contents[0].Contents) files += dir.Contents.size();
@@ -340,7 +340,7 @@ TEST_F(HostExchangeTest, TheFileTooManyForItsDirectorySaysSo) {
   MakeFolder("in");
   for (int i = 0; i < 1001; ++i) WriteText(folder_ / ("in/F" + std::to_string(i)), "");
   host_.ExpectedMessages = {"Directory Full"};
-  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), -1);
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(Tree().Contents[0].Contents.size(), 47U);
 }
 
@@ -350,7 +350,7 @@ TEST_F(HostExchangeTest, AFolderWithoutRightsIsAFailureAndMakesNoDirectory) {
   ::chmod((folder_ / "in").c_str(), 0);
   {
     const OrdinaryUser user;
-    EXPECT_THROW(ImportFolder(disc_, 2, folder_ / "in"), HostError);
+    EXPECT_THROW((void)ImportFolder(disc_, 2, folder_ / "in"), HostError);
   }
   EXPECT_EQ(Names(2), "");
   ::chmod((folder_ / "in").c_str(), 0700);
@@ -364,7 +364,7 @@ TEST_F(HostExchangeTest, FoldersDeeperThanAnyWalkReachesAreAFailure) {
     path += "/d";
     fs::create_directory(path);
   }
-  EXPECT_THROW(ImportFolder(disc_, 2, folder_ / "in"), HostError);
+  EXPECT_THROW((void)ImportFolder(disc_, 2, folder_ / "in"), HostError);
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
 
@@ -379,8 +379,8 @@ TEST_F(HostExchangeTest, HostNamesInAnyEncodingAreTakenOrRefusedByName) {
     if (name == "." || name == "..") continue;
     host_.AcceptMessages = true;
     host_.Messages.clear();
-    const std::int16_t result = Add(name, {});
-    EXPECT_EQ(result == 0, host_.Messages.empty());
+    const Outcome result = Add(name, {});
+    EXPECT_EQ(result == Outcome::kDone, host_.Messages.empty());
     fs::remove(folder_ / name);
     if (Tree().Contents.size() > 40) Open(ImageBuilder(2560));
     ASSERT_EQ(Faults(), std::vector<std::string>()) << round;

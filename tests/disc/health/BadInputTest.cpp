@@ -44,8 +44,8 @@ Outcome Use(const std::string& path) {
       FindPath(disc, row.Name());
       EXPECT_LE(row.Name().size(), 10U);
     }
-    GetDirName(disc, tree[i].Tag);
-    GetDirTitle(disc, tree[i].Tag);
+    EXPECT_LE(GetDirName(disc, tree[i].Tag).size(), 10U);
+    EXPECT_LE(GetDirTitle(disc, tree[i].Tag).size(), 19U);
   }
   ShowFreeSpace(disc);
   for (const Fault& fault : CheckDisc(disc)) outcome.HasError |= fault.IsError;

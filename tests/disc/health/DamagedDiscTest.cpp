@@ -39,17 +39,18 @@ class DamagedDiscTest : public EngineTest {
       }
     };
     attempt([&] { ExportFiles(disc_, folder_ / ("out" + std::to_string(round)), 2); });
-    attempt([&] { AddFile(disc_, 2, file); });
-    attempt([&] { RenameEntry(disc_, "RENAMED", "B", 2, true); });
+    attempt([&] { (void)AddFile(disc_, 2, file); });
+    attempt([&] { (void)RenameEntry(disc_, "RENAMED", "B", 2, true); });
     attempt([&] { SetEntryAttributes(disc_, 2, "RENAMED", true, false, false); });
     attempt([&] { SetEntryAddresses(disc_, 2, "G1", "12345678", "0"); });
-    attempt([&] { NewDirectory(disc_, 2, "MADE"); });
-    attempt([&] { SetDirTitle(disc_, 12, "TITLE"); });
-    attempt([&] { DeleteEntry(disc_, 2, "G2", false, true); });
+    attempt([&] { (void)NewDirectory(disc_, 2, "MADE"); });
+    attempt([&] { (void)SetDirTitle(disc_, 12, "TITLE"); });
+    attempt([&] { (void)DeleteEntry(disc_, 2, "G2", false, true); });
     attempt([&] { CompactDisc(disc_); });
-    attempt(
-        [&] { DeleteTree(disc_, 2, GetEntrySector(disc_, 2, "RENAMED"), "RENAMED", true, true); });
-    attempt([&] { DeleteTree(disc_, -1, 2, "$", true, true); });
+    attempt([&] {
+      (void)DeleteTree(disc_, 2, GetEntrySector(disc_, 2, "RENAMED"), "RENAMED", true, true);
+    });
+    attempt([&] { (void)DeleteTree(disc_, -1, 2, "$", true, true); });
     EXPECT_TRUE(disc_.TrackedSectors.empty());
     std::filesystem::remove_all(folder_ / ("out" + std::to_string(round)));
   }

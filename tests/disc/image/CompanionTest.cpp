@@ -1,4 +1,4 @@
-#include "disc/image/Companion.h"
+#include "disc/medium/Companion.h"
 
 #include <gtest/gtest.h>
 

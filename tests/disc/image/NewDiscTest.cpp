@@ -16,14 +16,16 @@ using namespace testing;
 
 class NewDiscTest : public ::testing::Test {
  protected:
-  const DiscGeometry& Kind(const std::string& kind) {
-    for (const DiscGeometry& g : kNewDiscs) {
-      if (kind == g.Kind) return g;
-    }
-    throw std::runtime_error(kind);
+  // By a word for the size: "80dsd" or "4m".
+  const NewDiscSize& Kind(const std::string& kind) {
+    static const std::vector<std::string> kWords = {"40ssd", "80ssd", "80dsd", "1m",  "2m",
+                                                    "4m",    "8m",    "16m",   "32m", "64m",
+                                                    "128m",  "256m",  "512m"};
+    const auto found = std::find(kWords.begin(), kWords.end(), kind);
+    return kNewDiscs.at(static_cast<std::size_t>(found - kWords.begin()));
   }
   void Create(const std::string& kind, const std::string& path) {
-    const DiscGeometry& g = Kind(kind);
+    const NewDiscSize& g = Kind(kind);
     CreateDisc(disc_, path, g.Tracks, g.Heads, g.Sectors, g.DiscType);
   }
 
@@ -39,8 +41,8 @@ TEST_F(NewDiscTest, TheSizesOfTheMenu) {
       {"128m", 540672}, {"256m", 1081344}, {"512m", 2162688}};
   ASSERT_EQ(sizes.size(), kNewDiscs.size());
   for (std::size_t i = 0; i < sizes.size(); ++i) {
-    const DiscGeometry& g = kNewDiscs[i];
-    EXPECT_EQ(g.Kind, sizes[i].first);
+    const NewDiscSize& g = kNewDiscs[i];
+    EXPECT_EQ(&g, &Kind(sizes[i].first));
     EXPECT_EQ(g.Tracks * g.Heads * g.Sectors, sizes[i].second);
   }
 }

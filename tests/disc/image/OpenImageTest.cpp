@@ -113,7 +113,8 @@ TEST_F(OpenImageTest, AFileThatCannotBeReadLeavesTheOpenDisc) {
 
 TEST_F(OpenImageTest, APartitionIsNamedByTheLastCharacter) {
   OpenCFPartition(disc_, "/dev/sdb,1");
-  Expect(kCF, 1, 0, 0);
+  Expect(kCF, 0, 0, 0);
+  EXPECT_EQ(disc_.TheDisc.Partition(), 1);
   EXPECT_EQ(host_.Log, (std::vector<std::string>{"pointer busy", "pointer normal"}));
 }
 

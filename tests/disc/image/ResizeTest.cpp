@@ -1,6 +1,6 @@
-#include "disc/change/Compaction.h"
 #include "disc/host/HostError.h"
 #include "disc/image/OpenImage.h"
+#include "disc/image/Resize.h"
 #include "tests/disc/EngineTest.h"
 
 namespace sectorbox {
@@ -124,7 +124,7 @@ TEST_F(ResizeTest, ATooShortFileIsAFailureAndStaysAsItIs) {
 
 TEST_F(ResizeTest, BlocksOfTheOpenImageThatWaitInMemoryDoNotUndoIt) {
   const std::string path = Make(ImageBuilder(4224));
-  OpenDat(disc_, path);
+  OpenImage(disc_, path);
   SetBootOption(disc_, 3);
   ResizeImageFile(disc_, path, 64, 4, 33);
   disc_.TheDisc.CloseFile();

@@ -192,10 +192,11 @@ TEST_F(SaveImageTest, AMapThatClaimsTheLargestSizeIsSavedWithoutFillingTheMedium
 // --- Cards -------------------------------------------------------------------------------------
 
 TEST_F(SaveImageTest, AWholeCardIsSavedToItsOwnSizeWithoutCompanion) {
-  OpenCFPartition(disc_, "/dev/card,0");
-  disc_.TheDisc.mNumSecs = 600;
-  disc_.TheDisc.Store(599 * 256, 5);
-  SaveDatImage(disc_, folder_ / "card.dat", true);
+  Disc disc(host_, std::make_unique<MemoryDevice>(600));
+  host_.ProgressRunning = &disc.ProgressRunning;
+  OpenCFPartition(disc, "/dev/card,0");
+  disc.TheDisc.Store(599 * 256, 5);
+  SaveDatImage(disc, folder_ / "card.dat", true);
   const auto saved = ReadAll(folder_ / "card.dat");
   ASSERT_EQ(saved.size(), 600U * 256);
   EXPECT_EQ(saved[599 * 256], 5);
@@ -219,7 +220,9 @@ TEST_F(SaveImageTest, AFloppySizedPartitionIsSavedAsADoubleSidedFloppy) {
 
 TEST_F(SaveImageTest, AFloppyThatSaysItHasAHardDiscsSizeIsSavedAsThatOverItsOwnFile) {
   Open(ImageBuilder(640), "x.adf");
-  Store24(disc_, 252, 700);
+  MapSectors map = ReadMap(disc_);
+  map.SetDiscSize(700);
+  WriteMap(disc_, map);
   host_.Pad = true;
   SaveImageTo(disc_, folder_ / "x.adf");
   EXPECT_EQ(ReadAll(folder_ / "x.adf").size(), 700U * 256);

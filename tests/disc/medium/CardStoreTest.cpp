@@ -113,7 +113,7 @@ TEST_F(CardStore, TheProbeFindsTheSizeOfACard) {
 TEST_F(CardStore, TheProbeSeesTheCardFromItsStartForPartitionOneToo) {
   Open(0x300000, 1);
   EXPECT_EQ(disc_->TheDisc.mNumSecs, 0x300000);
-  EXPECT_EQ(disc_->TheDisc.mTracks, 1);
+  EXPECT_EQ(disc_->TheDisc.Partition(), 1);
 }
 
 TEST_F(CardStore, ACardLargerThanTwoGibibytesIsSeenAsTwo) {
@@ -144,8 +144,8 @@ TEST_F(CardStore, DiscSizesOfTheTwoPartitions) {
 TEST_F(CardStore, AShortReadZeroesTheFirst512BytesOfTheBlockAndNoMore) {
   Open(1000, 0);
   for (std::uint64_t i = 0; i < 2048; ++i) device_->Poke(i, 7);
-  disc_->TheDisc.Fetch(0);
-  disc_->TheDisc.Fetch(1024);
+  (void)disc_->TheDisc.Fetch(0);
+  (void)disc_->TheDisc.Fetch(1024);
   device_->ReadsLeft = 0;
   // The block goes into slot 0, which held seven in all its bytes.
   EXPECT_EQ(disc_->TheDisc.Fetch(2048), 0);

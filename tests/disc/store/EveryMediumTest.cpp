@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/medium/CardMedium.h"
 #include "disc/store/Disc.h"
 #include "tests/support/MemoryDevice.h"
 #include "tests/support/ScriptedHost.h"
@@ -13,29 +13,32 @@ namespace {
 
 using namespace testing;
 
-struct Medium {
+struct Kind {
   const char* Name;
-  std::int16_t DiscType;
+  sectorbox::DiscType DiscType;
   std::int32_t Tracks;
   std::int32_t Heads;
   std::int32_t Sectors;
 };
 
-constexpr Medium kMedia[] = {
+constexpr Kind kMedia[] = {
     {"Adf", kAdf, 80, 1, 16}, {"Adl", kAdl, 80, 2, 16}, {"Dat", kDat, 32, 4, 33},
     {"Card0", kCF, 0, 0, 0},  {"Card1", kCF, 1, 0, 0},
 };
 
-class EveryMedium : public ::testing::TestWithParam<Medium> {
+class EveryMedium : public ::testing::TestWithParam<Kind> {
  protected:
   EveryMedium() : disc_(host_, std::make_unique<MemoryDevice>(0x400000)) { host_.Pad = true; }
 
   void Open() {
-    const Medium& m = GetParam();
+    const Kind& m = GetParam();
     const std::string name =
         m.DiscType == kCF ? "/dev/card," + std::to_string(m.Tracks) : folder_ / "image";
     disc_.TheDisc.OpenFile(name, m.DiscType, m.Tracks, m.Heads, m.Sectors);
-    if (m.DiscType == kAdl) Store24(disc_, format::kMapDiscSize, 2560);
+    if (m.DiscType != kAdl) return;
+    MapSectors map = ReadMap(disc_);
+    map.SetDiscSize(2560);
+    WriteMap(disc_, map);
   }
 
   TempFolder folder_;
@@ -101,7 +104,7 @@ TEST_P(EveryMedium, FarAddressesReadZeroOnceTheStoreEnds) {
   disc_.TheDisc.FetchBytes(std::int64_t{0xFFFFFF} * 256, bytes);
   EXPECT_EQ(bytes, std::vector<std::uint8_t>(2000, 0));
   const std::int64_t end = disc_.TheDisc.EndOfData();
-  EXPECT_LE(end, DiscImg::kPartitionBytes);
+  EXPECT_LE(end, CardMedium::kPartitionBytes);
   std::fill(bytes.begin(), bytes.end(), 1);
   disc_.TheDisc.FetchBytes(end, bytes);
   EXPECT_EQ(bytes, std::vector<std::uint8_t>(2000, 0));
@@ -110,7 +113,7 @@ TEST_P(EveryMedium, FarAddressesReadZeroOnceTheStoreEnds) {
 TEST_P(EveryMedium, NeitherStoringNorFetchingMarksTheDiscAsChanged) {
   Open();
   disc_.TheDisc.Store(1, 1);
-  disc_.TheDisc.Fetch(1);
+  (void)disc_.TheDisc.Fetch(1);
   EXPECT_FALSE(disc_.ImageChanged);
 }
 

@@ -46,10 +46,10 @@ TEST_F(HardDiscStore, Bytes1023And1024LieInDifferentBlocks) {
 }
 
 TEST_F(HardDiscStore, AThirdBlockEvictsTheOneLoadedFirstEvenIfItWasUsedLast) {
-  disc_.TheDisc.Fetch(0);
-  disc_.TheDisc.Fetch(1024);
-  disc_.TheDisc.Fetch(0);  // used last
-  disc_.TheDisc.Fetch(2048);
+  (void)disc_.TheDisc.Fetch(0);
+  (void)disc_.TheDisc.Fetch(1024);
+  (void)disc_.TheDisc.Fetch(0);  // used last
+  (void)disc_.TheDisc.Fetch(2048);
   Change(1, 99);
   Change(1025, 98);
   EXPECT_EQ(disc_.TheDisc.Fetch(1025), 2);  // still held
@@ -59,9 +59,9 @@ TEST_F(HardDiscStore, AThirdBlockEvictsTheOneLoadedFirstEvenIfItWasUsedLast) {
 TEST_F(HardDiscStore, ADirtyBlockReachesTheFileWhenItIsEvicted) {
   disc_.TheDisc.Store(5, 77);
   EXPECT_EQ(ReadAll(path_)[5], 1);
-  disc_.TheDisc.Fetch(1024);
+  (void)disc_.TheDisc.Fetch(1024);
   EXPECT_EQ(ReadAll(path_)[5], 1);
-  disc_.TheDisc.Fetch(2048);
+  (void)disc_.TheDisc.Fetch(2048);
   EXPECT_EQ(ReadAll(path_)[5], 77);
 }
 

@@ -37,7 +37,7 @@ TEST_F(HeldSectorsTest, AReplacementGoesOnInTheDirectoryThatItsDeletionMoved) {
   image.AddFile(dir, {"X", Pattern(600, 1), 0, 0, "WR"});
   image.AddFile(dir, {"Y", Pattern(600, 2), 0, 0, "WR"});
   Open(image, kAdl);
-  EXPECT_EQ(Add("X", Pattern(700, 3), dir), 0);
+  EXPECT_EQ(Add("X", Pattern(700, 3), dir), Outcome::kDone);
   ExpectSoundAndCompactedOnce();
   const auto moved = GetEntrySector(disc_, 2, "WORK");
   EXPECT_NE(moved, dir);
@@ -53,7 +53,7 @@ TEST_F(HeldSectorsTest, AReplacementBehindAPrefixFindsItsDirectoryAgain) {
   image.AddFile(sub, {"X", Pattern(600, 1), 0, 0, "WR"});
   image.AddFile(sub, {"Y", Pattern(600, 2), 0, 0, "WR"});
   Open(image, kAdl);
-  EXPECT_EQ(Add("B.X", Pattern(700, 3), dir), 0);
+  EXPECT_EQ(Add("B.X", Pattern(700, 3), dir), Outcome::kDone);
   ExpectSoundAndCompactedOnce();
   const auto moved = GetEntrySector(disc_, GetEntrySector(disc_, 2, "WORK"), "B");
   EXPECT_EQ(Contents(moved, "X"), Pattern(700, 3));
@@ -68,7 +68,7 @@ TEST_F(HeldSectorsTest, DeletingATreeGoesOnInTheDirectoriesThatMoved) {
   image.AddFile(sub, {"B", Pattern(600, 3), 0, 0, "WR"});
   image.AddFile(dir, {"C", Pattern(600, 4), 0, 0, "WR"});
   Open(image, kAdl);
-  EXPECT_EQ(DeleteTree(disc_, 2, dir, "WORK", true, true), 0);
+  EXPECT_EQ(DeleteTree(disc_, 2, dir, "WORK", true, true), Outcome::kDone);
   ExpectSoundAndCompactedOnce();
   EXPECT_EQ(Names(2), "KEEP LOWA LOWB");
   EXPECT_EQ(Contents(2, "KEEP"), Pattern(600, 2));
@@ -85,7 +85,7 @@ TEST_F(HeldSectorsTest, AnImportGoesOnInTheFoldersThatAReplacementMoved) {
   HostFile("in/sub/a", Pattern(900, 3));
   HostFile("in/sub/z", Pattern(300, 4));
   HostFile("in/t", Pattern(300, 5));
-  EXPECT_EQ(ImportFolder(disc_, dir, folder_ / "in"), 0);
+  EXPECT_EQ(ImportFolder(disc_, dir, folder_ / "in"), Outcome::kDone);
   ExpectSoundAndCompactedOnce();
   const auto in = GetEntrySector(disc_, GetEntrySector(disc_, 2, "WORK"), "in");
   EXPECT_EQ(Names(in), "sub t");
@@ -101,7 +101,7 @@ TEST_F(HeldSectorsTest, ThePanesAreToldWhereTheirDirectoriesWent) {
   image.AddFile(dir, {"X", Pattern(600, 1), 0, 0, "WR"});
   image.AddFile(dir, {"Y", Pattern(600, 2), 0, 0, "WR"});
   Open(image, kAdl);
-  EXPECT_EQ(DeleteEntry(disc_, dir, "X", false, true), 0);
+  EXPECT_EQ(DeleteEntry(disc_, dir, "X", false, true), Outcome::kDone);
   const auto moved = GetEntrySector(disc_, 2, "WORK");
   EXPECT_EQ(host_.LogOf("moved"),
             std::vector<std::string>{"moved " + std::to_string(dir) + ">" + std::to_string(moved)});
@@ -109,9 +109,9 @@ TEST_F(HeldSectorsTest, ThePanesAreToldWhereTheirDirectoriesWent) {
 
 TEST_F(HeldSectorsTest, NothingIsHeldOnceAnOperationIsOver) {
   Open(DiscFullOfHoles(), kAdl);
-  EXPECT_EQ(Add("B.X", Pattern(1)), 0);
-  EXPECT_EQ(DeleteTree(disc_, -1, 2, "$", true, true), 0);
-  EXPECT_THROW(AddFile(disc_, 2, folder_ / "none"), std::runtime_error);
+  EXPECT_EQ(Add("B.X", Pattern(1)), Outcome::kDone);
+  EXPECT_EQ(DeleteTree(disc_, -1, 2, "$", true, true), Outcome::kDone);
+  EXPECT_THROW((void)AddFile(disc_, 2, folder_ / "none"), std::runtime_error);
   EXPECT_TRUE(disc_.TrackedSectors.empty());
 }
 

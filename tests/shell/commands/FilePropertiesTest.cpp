@@ -94,7 +94,7 @@ TEST_F(FilePropertiesTest, ABoxInItsThirdStateCountsForLockedAlone) {
 TEST_F(FilePropertiesTest, ARowWhoseEntryIsGoneEndsTheLoopWithoutALookAtTheFreeSpace) {
   StartWith(image_);
   Select({"ALPHA", "BETA", "GAMMA"});
-  ASSERT_EQ(DeleteEntry(*disc_, 2, "BETA", false, true), 0);
+  ASSERT_EQ(DeleteEntry(*disc_, 2, "BETA", false, true), Outcome::kDone);
   window_->SetStatus(QStringLiteral("something else"), false);
   player_.Expect([](QWidget& dialog) {
     dialog.findChild<QCheckBox*>(QStringLiteral("chkLocked"))->setChecked(true);

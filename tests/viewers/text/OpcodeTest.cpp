@@ -283,7 +283,7 @@ TEST_P(OpcodeTest, ListsAs) {
   const ListRow file = RowOf(bytes, "00002000", "00002000");
   ByteReader reader(disc_);
   std::string line;
-  const auto start = SectorOffset(static_cast<std::int32_t>(ParseHex(file.Columns[kColSector])));
+  const auto start = SectorOffset(file.StartSector());
   EXPECT_EQ(DisassembleLine(reader, start, 0x2000, line), row.Length);
   std::string middle = line.substr(18, 17);
   middle.erase(middle.find_last_not_of(' ') + 1);

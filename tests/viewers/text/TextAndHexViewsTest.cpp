@@ -1,5 +1,6 @@
 #include "viewers/text/TextAndHexViews.h"
 
+#include "disc/catalogue/Directories.h"
 #include "tests/viewers/text/ViewTest.h"
 #include "viewers/text/ByteReader.h"
 
@@ -39,7 +40,9 @@ TEST_F(TextAndHexViewsTest, AFileOfACardIsShownAndIsNoLongerThanThePartition) {
   disc_.TheDisc.OpenFile((folder_ / "card") + ",0", kCF, 0, 0, 0);
   ShowHex(disc_, ReadRow(disc_, 2, 0), view_);
   EXPECT_EQ(view_.Text.substr(0, 24), "000000 : 48 65 6C 6C 6F ");
-  EXPECT_EQ(MakeExtent(disc_, "000007", 0xFFFFFFFF).Length, kSectors * 256);
+  Entry tooLong = DirectoryAt(disc_, 2).At(0);
+  tooLong.SetLength(0xFFFFFFFF);
+  EXPECT_EQ(ExtentOf(disc_, MakeRow(tooLong)).Length, kSectors * 256);
 }
 
 TEST_F(TextAndHexViewsTest, TheSeventeenthByteKeepsItsCharacterInTheCharacterColumn) {
@@ -63,16 +66,20 @@ TEST_F(TextAndHexViewsTest, AnEmptyFileGivesEmptyViews) {
 TEST_F(TextAndHexViewsTest, HexOfADirectoryShowsItsFiveSectors) {
   Open(ImageBuilder(kSectors));
   ListRow row;
-  row.Columns = {"$", "DLR", "(00)", "000002", "", "", ""};
+  Entry root;
+  root.SetName("$");
+  root.Set(Attribute::kDirectory, true);
+  root.SetStart(2);
+  row = MakeRow(root);
   ShowHex(disc_, row, view_);
   EXPECT_EQ(view_.Texts.size(), 80U);
   EXPECT_EQ(view_.Texts[0].substr(0, 24), "000000 : 01 48 75 67 6F ");
   EXPECT_EQ(view_.Texts[79].substr(0, 9), "0004F0 : ");
 }
 
-TEST_F(TextAndHexViewsTest, OnlyAnUpperCaseDMakesADirectory) {
+TEST_F(TextAndHexViewsTest, OnlyTheDirectoryAttributeMakesADirectory) {
   ListRow row = RowOf(BytesOf("abc"), "000002", "");
-  row.Columns[kColAttr] = "dWR";
+  row.Columns[kColAttr] = "D";
   ShowHex(disc_, row, view_);
   EXPECT_EQ(view_.Texts.size(), 1U);
 }
@@ -86,9 +93,11 @@ TEST_F(TextAndHexViewsTest, TheHexOffsetCountsFromTheFilesStartAndKeepsItsLastSi
     file.put('!');
   }
   disc_.TheDisc.OpenFile(folder_ / "big.dat", kDat, 1, 1, 1);
-  ListRow row;
-  row.Columns = {"BIG", "WR", "(00)", "00000000", "00000000", "01000010", "000002"};
-  ShowHex(disc_, row, view_);
+  Entry big;
+  big.SetName("BIG");
+  big.SetLength(0x1000010);
+  big.SetStart(2);
+  ShowHex(disc_, MakeRow(big), view_);
   EXPECT_EQ(view_.Texts.size(), 0x100001U);
   EXPECT_EQ(view_.Texts[0xFFFFF].substr(0, 9), "FFFFF0 : ");
   EXPECT_EQ(
@@ -101,15 +110,15 @@ TEST_F(TextAndHexViewsTest, TheHexOffsetCountsFromTheFilesStartAndKeepsItsLastSi
 
 TEST_F(TextAndHexViewsTest, ALengthBeyondTheImagesCountsAsTheImages) {
   ListRow row = RowOf(BytesOf("abc"), "", "");
-  row.Columns[kColSize] = "FFFFFFFF";
+  row.Item.SetLength(0xFFFFFFFF);
   ShowHex(disc_, row, view_);
   EXPECT_EQ(view_.Texts.size(), 640U * 16);
 }
 
 TEST_F(TextAndHexViewsTest, AFileThatReachesPastTheImageShowsZerosThere) {
   ListRow row = RowOf(BytesOf("abc"), "", "");
-  row.Columns[kColSize] = "00000110";
-  row.Columns[kColSector] = "00027F";
+  row.Item.SetLength(0x110);
+  row.Item.SetStart(0x27F);
   ShowHex(disc_, row, view_);
   EXPECT_EQ(view_.Texts.size(), 17U);
   EXPECT_EQ(view_.Texts.back().substr(0, 15), "000100 : 00 00 ");
@@ -128,10 +137,7 @@ TEST_F(TextAndHexViewsTest, ClosingTheWindowStopsAHexDumpAtTheNextLine) {
 
 TEST_F(TextAndHexViewsTest, AChangeOfTheDiscWhileAViewYieldsShowsInTheNextLine) {
   const ListRow row = RowOf(BytesOf("one\rtwo\r"), "", "");
-  view_.OnYield = [&] {
-    disc_.TheDisc.Store(
-        SectorOffset(static_cast<std::int32_t>(ParseHex(row.Columns[kColSector]))) + 4, 'T');
-  };
+  view_.OnYield = [&] { disc_.TheDisc.Store(SectorOffset(row.StartSector()) + 4, 'T'); };
   ShowText(disc_, row, view_);
   EXPECT_EQ(view_.Plain(), "one\nTwo\n");
 }
@@ -177,7 +183,11 @@ TEST_F(TextAndHexViewsTest, ClosingTheWindowTakesEffectAtTheEndOfAText) {
 TEST_F(TextAndHexViewsTest, ADirectorysRowAsTextIsEmpty) {
   Open(ImageBuilder(kSectors));
   ListRow row;
-  row.Columns = {"$", "DLR", "(00)", "000002", "", "", ""};
+  Entry root;
+  root.SetName("$");
+  root.Set(Attribute::kDirectory, true);
+  root.SetStart(2);
+  row = MakeRow(root);
   ShowText(disc_, row, view_);
   EXPECT_EQ(view_.Text, "");
 }

@@ -42,15 +42,15 @@ class ViewTest : public ::testing::Test {
     stored.insert(stored.end(), behind.begin(), behind.end());
     const std::int32_t sector = image.AddFile(2, {"FILE", stored});
     Open(image);
-    ListRow row;
-    row.Columns = {"FILE",
-                   "WR",
-                   "(00)",
-                   load,
-                   exec,
-                   Hex(bytes.size(), 8),
-                   Hex(static_cast<std::uint32_t>(sector), 6)};
-    return row;
+    Entry file;
+    file.SetName("FILE");
+    file.Set(Attribute::kRead, true);
+    file.Set(Attribute::kWrite, true);
+    file.SetLoad(ParseHex(load));
+    file.SetExec(ParseHex(exec));
+    file.SetLength(static_cast<std::uint32_t>(bytes.size()));
+    file.SetStart(sector);
+    return MakeRow(file);
   }
 
   TempFolder folder_;

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "disc/catalogue/Adfs.h"
@@ -9,6 +10,8 @@
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/HostImport.h"
 #include "disc/exchange/Sidecar.h"
+#include "disc/format/Names.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/store/TrackedSector.h"
@@ -33,11 +36,6 @@ struct Incoming {
 
   std::uint32_t Need() const { return std::max(Length, HostLength); }
 };
-
-std::int16_t Refuse(Disc& disc, const std::string& message) {
-  disc.Host.ShowMessage(message);
-  return kStop;
-}
 
 // Splits "B.FILE" into its directory and its name. "$." is the directory given.
 void SetIncomingName(Incoming& file, std::string name) {
@@ -68,30 +66,30 @@ Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
   return file;
 }
 
-// The directory that the file goes to, made if need be; -1 when that failed. An entry that isn't a
-// directory is followed all the same: its D bit has never been looked at here.
-std::int32_t FindTarget(Disc& disc, std::int32_t dir, const Incoming& file) {
+// The directory that the file goes to, made if need be; none when that failed. An entry that isn't
+// a directory is followed all the same: its D bit has never been looked at here.
+std::optional<std::int32_t> FindTarget(Disc& disc, std::int32_t dir, const Incoming& file) {
   if (file.Prefix == '\0') return dir;
   const std::string letter(1, file.Prefix);
-  std::int32_t target = GetEntrySector(disc, dir, letter);
+  const std::int32_t target = GetEntrySector(disc, dir, letter);
   if (target >= 0) return target;
-  target = NewDirectory(disc, dir, letter);
+  const auto made = NewDirectory(disc, dir, letter);
   disc.Host.SetTreeReady();
-  return target;
+  return made;
 }
 
-EntryBytes MakeEntry(const Incoming& file, std::int32_t start, std::uint8_t sequence) {
-  EntryBytes entry{};
-  SetName(entry, file.Name);
+Entry MakeEntry(const Incoming& file, std::int32_t start, std::uint8_t sequence) {
+  Entry entry;
+  entry.SetName(file.Name);
   const auto has = [&](char letter) { return file.Attr.find(letter) != std::string::npos; };
-  if (has('R')) entry[kAttrRead] |= kTopBit;
-  if (has('W')) entry[kAttrWrite] |= kTopBit;
-  if (has('L')) entry[kAttrLocked] |= kTopBit;
-  SetNumber(entry, kEntryLoad, file.Load, 4);
-  SetNumber(entry, kEntryExec, file.Exec, 4);
-  SetNumber(entry, kEntryLength, file.Length, 4);
-  SetNumber(entry, kEntrySector, static_cast<std::uint32_t>(start), 3);
-  entry[kEntrySequence] = sequence;
+  entry.Set(Attribute::kRead, has('R'));
+  entry.Set(Attribute::kWrite, has('W'));
+  entry.Set(Attribute::kLocked, has('L'));
+  entry.SetLoad(file.Load);
+  entry.SetExec(file.Exec);
+  entry.SetLength(file.Length);
+  entry.SetStart(start);
+  entry.SetSequence(sequence);
   return entry;
 }
 
@@ -108,49 +106,51 @@ void StoreData(Disc& disc, const Incoming& file, std::int32_t start) {
   }
 }
 
-void Insert(Disc& disc, const Incoming& file, std::int32_t dir, std::int32_t slot,
+void Insert(Disc& disc, const Incoming& file, EditedDirectory& directory, std::int32_t slot,
             std::int32_t run) {
   const std::int32_t start = disc.FreeStart[static_cast<std::size_t>(run)];
-  const EntryBytes entry = MakeEntry(file, start, BumpSequence(disc, dir));
-  OpenGap(disc, dir, slot);
-  WriteEntry(disc, dir, slot, entry);
+  directory.Now.Insert(slot, MakeEntry(file, start, directory.Now.BumpSequence()));
+  directory.Write();
+  disc.ImageChanged = true;
   StoreData(disc, file, start);
   TakeSectors(disc, run, SectorsOfLength(file.Length));
 }
 
-enum class Attempt { kDone, kStop, kReplaced };
+enum class Attempt { kDone, kRefused, kReplaced };
 
 // One round: adds the file, or deletes the entry of that name, after which all starts anew with the
 // old file's sectors free.
 Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
   const auto refuse = [&](const std::string& message) {
-    Refuse(disc, message);
-    return Attempt::kStop;
+    disc.Host.ShowMessage(message);
+    return Attempt::kRefused;
   };
   if (FindFreeRun(disc, file.HostLength) < 0) return refuse(kNoSpaceMessage);
-  const std::int32_t target = FindTarget(disc, dir, file);
-  if (target < 0) return Attempt::kStop;
+  const auto target = FindTarget(disc, dir, file);
+  if (!target) return Attempt::kRefused;
   // Searched only now: the new directory may have taken the run, and the sidecar may ask for more
   // than the host file holds.
   const std::int32_t run = FindFreeRun(disc, file.Need());
   if (run < 0) return refuse(kNoSpaceMessage);
-  if (DirectoryIsFull(disc, target)) return refuse("Directory Full");
-  const Place place = FindPlace(disc, target, file.Name);
+  EditedDirectory directory(disc, *target);
+  if (directory.Now.IsFull()) return refuse("Directory Full");
+  const Place place = directory.Now.FindPlace(file.Name);
   if (!place.Taken) {
-    Insert(disc, file, target, place.Slot, run);
+    Insert(disc, file, directory, place.Slot, run);
     return Attempt::kDone;
   }
-  const std::int64_t offset = EntryOffset(target, place.Slot);
-  if (EntryHas(disc, offset, kAttrDirectory)) {
+  const Entry former = directory.Now.At(place.Slot);
+  if (former.IsDirectory()) {
     disc.Host.ShowMessage("Cannot Yet Overwrite A Directory");
     return Attempt::kDone;
   }
-  if (EntryHas(disc, offset, kAttrLocked) && !disc.Host.OverwriteLocked()) return Attempt::kDone;
-  DeleteEntry(disc, target, file.Name, false, true);
+  if (former.IsLocked() && !disc.Host.OverwriteLocked()) return Attempt::kDone;
+  // With the lock ignored nothing is refused.
+  (void)DeleteEntry(disc, *target, file.Name, false, true);
   return Attempt::kReplaced;
 }
 
-std::int16_t AddPlainFile(Disc& disc, std::int32_t DirSector, const std::string& path) {
+Outcome AddPlainFile(Disc& disc, std::int32_t DirSector, const std::string& path) {
   // A pipe or a device has no length and may never end.
   if (HostFileExists(path) && !HostFileIsPlain(path)) throw HostError(path, "Not a regular file");
   const auto length =
@@ -165,21 +165,22 @@ std::int16_t AddPlainFile(Disc& disc, std::int32_t DirSector, const std::string&
   // A sound directory holds a name once; a damaged one gets one round for each entry it can have.
   for (std::int32_t round = 0; round <= kEntryCount; ++round) {
     const Attempt attempt = TryToAdd(disc, dir, file);
-    if (attempt != Attempt::kReplaced) return attempt == Attempt::kDone ? kDone : kStop;
+    if (attempt == Attempt::kReplaced) continue;
+    return attempt == Attempt::kDone ? Outcome::kDone : Outcome::kRefused;
   }
-  return kStop;
+  return Outcome::kStopped;
 }
 
 }  // namespace
 
-std::int16_t AddHostPath(Disc& disc, std::int32_t DirSector, const std::string& HostPath,
-                         ImportWalk& walk) {
-  if (HostPath.ends_with(kSidecarEnding)) return kDone;
+Outcome AddHostPath(Disc& disc, std::int32_t DirSector, const std::string& HostPath,
+                    ImportWalk& walk) {
+  if (HostPath.ends_with(kSidecarEnding)) return Outcome::kDone;
   if (HostFolderExists(HostPath)) return AddHostFolder(disc, DirSector, HostPath, walk);
   return AddPlainFile(disc, DirSector, HostPath);
 }
 
-std::int16_t AddFile(Disc& disc, std::int32_t DirSector, const std::string& HostPath) {
+Outcome AddFile(Disc& disc, std::int32_t DirSector, const std::string& HostPath) {
   ImportWalk walk;
   return AddHostPath(disc, DirSector, ResolveHostPath(HostPath), walk);
 }

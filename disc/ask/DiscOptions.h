@@ -1,0 +1,16 @@
+#pragma once
+
+namespace sectorbox {
+
+// The user's options. The engine asks for each at the moment of its use, since the user can change
+// them at any time.
+class DiscOptions {
+ public:
+  virtual ~DiscOptions() = default;
+
+  [[nodiscard]] virtual bool PadDiscImages() const = 0;
+  [[nodiscard]] virtual bool InterleavedDisc() const = 0;
+  [[nodiscard]] virtual bool OverwriteLocked() const = 0;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,103 @@
+#include "disc/catalogue/Directories.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <span>
+#include <unordered_set>
+
+namespace sectorbox {
+namespace {
+
+using namespace format;
+
+class DirectoryWalk {
+ public:
+  DirectoryWalk(Disc& disc, DirectoryVisitor& visitor, const WalkRules& rules)
+      : disc_(disc), visitor_(visitor), rules_(rules) {}
+
+  // False when the visitor ended the walk.
+  bool Visit(const WalkStep& at) {
+    if (!rules_.EnterAgain && !entered_.insert(at.Sector).second) {
+      return visitor_.MeetAgain(at, IsAbove(at)) != Walk::kStop;
+    }
+    if (at.Depth >= kMaxWalkDepth || count_ >= kMaxWalkDirectories) exhausted_ = true;
+    if (exhausted_) return visitor_.OutOfBounds(at) != Walk::kStop;
+    ++count_;
+    const Directory directory = DirectoryAt(disc_, at.Sector);
+    const Walk into = visitor_.Enter(at, directory);
+    if (into == Walk::kStop) return false;
+    if (into == Walk::kPassOver) return true;
+    if (directory.HasMark() && !VisitEntries(at, directory)) return false;
+    visitor_.Leave(at);
+    return true;
+  }
+
+ private:
+  static bool IsAbove(const WalkStep& at) {
+    for (const WalkStep* step = at.Parent; step != nullptr; step = step->Parent) {
+      if (step->Sector == at.Sector) return true;
+    }
+    return false;
+  }
+
+  bool VisitEntries(const WalkStep& at, const Directory& directory) {
+    for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
+      const Entry entry = directory.At(slot);
+      if (rules_.PastEmptySlots) {
+        if (entry.IsUnused()) continue;
+      } else if (entry.IsEmpty()) {
+        break;
+      }
+      const Walk into = visitor_.Meet(at, slot, entry);
+      if (into == Walk::kStop) return false;
+      if (!entry.IsDirectory()) continue;
+      if (into == Walk::kOn && !Visit({entry.Start(), slot, &at, &entry, at.Depth + 1})) {
+        return false;
+      }
+      if (visitor_.Return(at, slot) == Walk::kStop) return false;
+    }
+    return true;
+  }
+
+  Disc& disc_;
+  DirectoryVisitor& visitor_;
+  WalkRules rules_;
+  std::unordered_set<std::int32_t> entered_;
+  std::int32_t count_ = 0;
+  bool exhausted_ = false;
+};
+
+}  // namespace
+
+Directory DirectoryAt(Disc& disc, std::int32_t sector) {
+  Directory::Bytes bytes;
+  disc.TheDisc.FetchBytes(SectorOffset(sector), bytes);
+  return Directory(bytes);
+}
+
+std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector) {
+  const Directory directory = DirectoryAt(disc, sector);
+  if (!directory.HasMark()) return std::nullopt;
+  return directory;
+}
+
+void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& former,
+                    const Directory& changed) {
+  const std::span<const std::uint8_t> bytes(changed.Raw());
+  const auto differs = [&](std::size_t at) { return bytes[at] != former.Raw()[at]; };
+  for (std::size_t at = 0; at < bytes.size();) {
+    std::size_t end = at;
+    while (end < bytes.size() && differs(end)) ++end;
+    disc.TheDisc.StoreBytes(SectorOffset(sector) + static_cast<std::int64_t>(at),
+                            bytes.subspan(at, end - at));
+    at = end + 1;
+  }
+}
+
+bool WalkDirectories(Disc& disc, std::int32_t sector, DirectoryVisitor& visitor,
+                     const WalkRules& rules) {
+  return DirectoryWalk(disc, visitor, rules).Visit({sector, -1, nullptr, nullptr, 0});
+}
+
+}  // namespace sectorbox

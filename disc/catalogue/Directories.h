@@ -1,0 +1,110 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "disc/format/Directory.h"
+#include "disc/store/Disc.h"
+
+// The directories of the open disc, read and written whole, and the one walk over them.
+namespace sectorbox {
+
+// The 1280 bytes at a sector, whatever stands there. Reads outside the disc give zeros.
+[[nodiscard]] Directory DirectoryAt(Disc& disc, std::int32_t sector);
+// The directory at a sector; none where the mark is missing, and so no reader takes it for one.
+[[nodiscard]] std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector);
+// Stores those bytes of changed that aren't what they were. former is what was read: where a card
+// couldn't be read, what wasn't read doesn't go back.
+void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& former,
+                    const Directory& changed);
+
+// A directory of the open disc that is being changed: it is read when it is made, and Write stores
+// what has become different since.
+class EditedDirectory {
+ public:
+  EditedDirectory(Disc& disc, std::int32_t sector)
+      : Now(DirectoryAt(disc, sector)), disc_(disc), sector_(sector), former_(Now) {}
+
+  Directory Now;
+  void Write() const { WriteDirectory(disc_, sector_, former_, Now); }
+
+ private:
+  Disc& disc_;
+  std::int32_t sector_;
+  Directory former_;
+};
+
+// --- The walk ------------------------------------------------------------------------------------
+
+// Where a walk is: a directory, the entry that lists it, and the directory that holds that entry.
+struct WalkStep {
+  std::int32_t Sector = 0;
+  std::int32_t Slot = -1;            // of the entry; -1 for the directory that the walk began with
+  const WalkStep* Parent = nullptr;  // null for the directory that the walk began with
+  const Entry* Listed = nullptr;     // the entry; null for the directory that the walk began with
+  std::int32_t Depth = 0;            // 0 for the directory that the walk began with
+};
+
+enum class Walk {
+  kOn,        // go on, and into a subdirectory that was met
+  kPassOver,  // go on, but not into the directory
+  kStop,      // end the whole walk
+};
+
+// What a walk over directories tells. All calls come in the order of the walk: Enter, then for each
+// entry Meet and, where it leads into a subdirectory, that subdirectory's calls and then Return,
+// then Leave.
+class DirectoryVisitor {
+ public:
+  virtual ~DirectoryVisitor() = default;
+
+  // The walk has come to a directory for the first time. It may lack its mark; the walk then meets
+  // no entries in it.
+  [[nodiscard]] virtual Walk Enter(const WalkStep& at, const Directory& directory) = 0;
+  // An entry of the directory at, in order of slots. It may be a subdirectory, which the walk goes
+  // into next, for kOn.
+  [[nodiscard]] virtual Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) = 0;
+  // The walk has come to a directory that it has been in before, and doesn't go in again. above: it
+  // still is in it, so the directories run in a circle.
+  [[nodiscard]] virtual Walk MeetAgain(const WalkStep& at, bool above) {
+    (void)at;
+    (void)above;
+    return Walk::kOn;
+  }
+  // The walk doesn't go into a directory because one of its bounds is reached. It won't go into any
+  // further one.
+  [[nodiscard]] virtual Walk OutOfBounds(const WalkStep& at) {
+    (void)at;
+    return Walk::kStop;
+  }
+  // The walk is back in the directory at, from the subdirectory in the slot, whether or not it went
+  // in there.
+  [[nodiscard]] virtual Walk Return(const WalkStep& at, std::int32_t slot) {
+    (void)at;
+    (void)slot;
+    return Walk::kOn;
+  }
+  // All entries of a directory that the walk went into have been met.
+  virtual void Leave(const WalkStep& at) { (void)at; }
+};
+
+struct WalkRules {
+  // Goes into a directory each time that it is listed, not only the first time.
+  bool EnterAgain = false;
+  // Looks at all 47 slots, and not only up to the first empty one.
+  bool PastEmptySlots = false;
+};
+
+// Bounds of every walk. A damaged disc may have directories that list themselves, one above them,
+// or each other many times over. The limits lie far beyond any sound disc: ADFS paths are short,
+// and a disc of 512 MB has room for fewer than 430,000 directories.
+inline constexpr std::int32_t kMaxWalkDepth = 256;
+inline constexpr std::int32_t kMaxWalkDirectories = 450000;
+
+// Walks the directory at sector and all below it. Each directory is read whole when the walk comes
+// to it, and its entries are those of that moment, whatever the visitor changes later. False if the
+// visitor ended the walk.
+[[nodiscard]] bool WalkDirectories(Disc& disc, std::int32_t sector, DirectoryVisitor& visitor,
+                                   const WalkRules& rules = {});
+
+}  // namespace sectorbox

@@ -1,0 +1,177 @@
+#include "disc/format/Directory.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "disc/format/LittleEndian.h"
+#include "disc/format/Names.h"
+#include "disc/format/Text.h"
+
+namespace sectorbox {
+
+using namespace format;
+
+namespace {
+
+constexpr std::size_t SlotOffset(std::int32_t slot) {
+  return static_cast<std::size_t>(kDirEntries + slot * kEntrySize);
+}
+
+bool IsMark(std::span<const std::uint8_t> bytes) {
+  return std::equal(kHugo, kHugo + kHugoLength, bytes.begin());
+}
+
+}  // namespace
+
+Directory Directory::MakeEmpty(const Entry& entry, std::int32_t parent) {
+  Directory directory(Bytes{});
+  directory.SetSequence(1);
+  directory.SetMarks();
+  directory.TakeNameOf(entry, kNameLength);
+  std::transform(entry.Raw().begin(), entry.Raw().begin() + kNameLength,
+                 directory.bytes_.begin() + kDirTitle,
+                 [](std::uint8_t byte) { return static_cast<std::uint8_t>(byte & kLowBits); });
+  directory.SetParent(parent);
+  return directory;
+}
+
+bool Directory::HasMark() const {
+  return IsMark(std::span(bytes_).subspan(kDirMark));
+}
+
+bool Directory::HasMarkAtEnd() const {
+  return IsMark(std::span(bytes_).subspan(kDirMarkCopy));
+}
+
+std::uint8_t Directory::Sequence() const {
+  return bytes_[kDirSequence];
+}
+
+std::uint8_t Directory::SequenceAtEnd() const {
+  return bytes_[kDirSequenceCopy];
+}
+
+std::string Directory::Name() const {
+  return Text(kDirName, kNameLength);
+}
+
+std::string Directory::Title() const {
+  return Text(kDirTitle, kTitleLength);
+}
+
+std::int32_t Directory::Parent() const {
+  return static_cast<std::int32_t>(
+      ReadLittleEndian(std::span(bytes_).subspan<kDirParent, kSectorNumberSize>()));
+}
+
+void Directory::SetMarks() {
+  std::copy_n(kHugo, kHugoLength, bytes_.begin() + kDirMark);
+  std::copy_n(kHugo, kHugoLength, bytes_.begin() + kDirMarkCopy);
+}
+
+void Directory::SetSequence(std::uint8_t sequence) {
+  bytes_[kDirSequence] = sequence;
+  bytes_[kDirSequenceCopy] = sequence;
+}
+
+void Directory::SetName(std::string_view name) {
+  SetText(kDirName, name);
+}
+
+void Directory::SetTitle(std::string_view title) {
+  SetText(kDirTitle, title);
+}
+
+void Directory::SetParent(std::int32_t sector) {
+  WriteLittleEndian(std::span(bytes_).subspan<kDirParent, kSectorNumberSize>(),
+                    static_cast<std::uint32_t>(sector));
+}
+
+void Directory::TakeNameOf(const Entry& entry, std::int32_t bytes) {
+  std::copy_n(entry.Raw().begin() + kEntryName, bytes, bytes_.begin() + kDirName);
+}
+
+Entry Directory::At(std::int32_t slot) const {
+  return Entry(std::span(bytes_).subspan(SlotOffset(slot)).first<kEntrySize>());
+}
+
+std::vector<Entry> Directory::Entries() const {
+  std::vector<Entry> entries;
+  for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
+    entries.push_back(At(slot));
+    if (!entries.back().IsEmpty()) continue;
+    entries.pop_back();
+    break;
+  }
+  return entries;
+}
+
+bool Directory::HasEntries() const {
+  return !At(0).IsUnused();
+}
+
+bool Directory::IsFull() const {
+  return !At(kEntryCount - 1).IsUnused();
+}
+
+std::int32_t Directory::Find(std::string_view name) const {
+  const std::string wanted = FoldName(name);
+  const std::vector<Entry> entries = Entries();
+  const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
+    return FoldName(entry.Name()) == wanted;
+  });
+  return found == entries.end() ? -1 : static_cast<std::int32_t>(found - entries.begin());
+}
+
+Place Directory::FindPlace(std::string_view name) const {
+  const std::string wanted = FoldName(name);
+  Place place;
+  for (const Entry& entry : Entries()) {
+    const int order = FoldName(entry.Name()).compare(wanted);
+    place.Taken = order == 0;
+    if (order >= 0) break;
+    ++place.Slot;
+  }
+  return place;
+}
+
+std::uint8_t Directory::BumpSequence() {
+  SetSequence(NextSequence(Sequence()));
+  return Sequence();
+}
+
+void Directory::Put(std::int32_t slot, const Entry& entry) {
+  std::copy(entry.Raw().begin(), entry.Raw().end(),
+            bytes_.begin() + static_cast<std::ptrdiff_t>(SlotOffset(slot)));
+}
+
+void Directory::Insert(std::int32_t slot, const Entry& entry) {
+  if (slot >= kEntryCount) return;
+  for (std::int32_t to = kEntryCount - 1; to > slot; --to) Put(to, At(to - 1));
+  Put(slot, entry);
+}
+
+void Directory::Remove(std::int32_t slot) {
+  for (; slot < kEntryCount - 1; ++slot) Put(slot, At(slot + 1));
+  Put(kEntryCount - 1, Entry());
+}
+
+std::string Directory::Text(std::int32_t at, std::int32_t length) const {
+  std::string text;
+  for (std::int32_t i = at; i < at + length; ++i) {
+    text += static_cast<char>(bytes_[static_cast<std::size_t>(i)] & kLowBits);
+  }
+  return CutAt(CutAt(text, '\r'), '\0');
+}
+
+void Directory::SetText(std::int32_t at, std::string_view text) {
+  std::transform(text.begin(), text.end(), bytes_.begin() + at,
+                 [](char c) { return static_cast<std::uint8_t>(c); });
+}
+
+std::uint8_t NextSequence(std::uint8_t b) {
+  const int next = (b / 16 * 10 + b % 16 + 1) % 100;
+  return static_cast<std::uint8_t>(next / 10 * 16 + next % 10);
+}
+
+}  // namespace sectorbox

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "disc/format/Entry.h"
+#include "disc/format/Format.h"
+
+namespace sectorbox {
+
+// Where an entry of some name belongs in a directory.
+struct Place {
+  // The first empty slot, or the first whose name isn't below that name; 47 if there is none.
+  std::int32_t Slot = 0;
+  bool Taken = false;  // the entry there has that very name
+};
+
+// A whole directory as a value: 1280 bytes with a header, 47 slots for entries and a tail. A slot
+// is a number from 0 to 46. The list of entries ends at the first empty one; what stands behind
+// that is left over and means nothing.
+//
+// Every byte is kept, so that a directory that is read, changed and written is the same to the byte
+// wherever nothing was changed. Reading and writing a disc's directories: disc/catalogue.
+class Directory {
+ public:
+  using Bytes = std::array<std::uint8_t, format::kDirSize>;
+
+  explicit Directory(const Bytes& bytes) : bytes_(bytes) {}
+
+  // A new directory without entries, as NewDirectory puts it on a disc: entry is the one that lists
+  // it, parent the sector of the directory that holds that entry. The name carries the entry's
+  // attributes; the title starts as the name without them. The check byte stays 0: neither this
+  // system nor the BBC looks at it on a disc of this format.
+  [[nodiscard]] static Directory MakeEmpty(const Entry& entry, std::int32_t parent);
+
+  [[nodiscard]] const Bytes& Raw() const { return bytes_; }
+
+  // --- Header and tail -------------------------------------------------------------------------
+  // True if the first mark is there. That alone makes a directory valid for every reader here.
+  [[nodiscard]] bool HasMark() const;
+  [[nodiscard]] bool HasMarkAtEnd() const;
+  [[nodiscard]] std::uint8_t Sequence() const;
+  [[nodiscard]] std::uint8_t SequenceAtEnd() const;
+  // The directory's own name and its title, top bits cleared, cut at the first carriage return and
+  // then at the first NUL. The root's own name may be empty.
+  [[nodiscard]] std::string Name() const;
+  [[nodiscard]] std::string Title() const;
+  // Start sector of the directory that lists this one.
+  [[nodiscard]] std::int32_t Parent() const;
+
+  void SetMarks();
+  void SetSequence(std::uint8_t sequence);  // at both ends
+  void SetName(std::string_view name);
+  void SetTitle(std::string_view title);
+  void SetParent(std::int32_t sector);
+  // Takes the first bytes of an entry's name field, attributes included, as its own.
+  void TakeNameOf(const Entry& entry, std::int32_t bytes);
+
+  // --- Entries ---------------------------------------------------------------------------------
+  [[nodiscard]] Entry At(std::int32_t slot) const;
+  // The entries of the list, in order of their slots: the index is the slot.
+  [[nodiscard]] std::vector<Entry> Entries() const;
+  // True if slot 0 holds an entry. A name that begins with a carriage return counts as one here.
+  [[nodiscard]] bool HasEntries() const;
+  // True if slot 46 holds an entry. A name that begins with a carriage return counts as one here.
+  [[nodiscard]] bool IsFull() const;
+  // Slot of the first entry of that name, or -1. Names compare by FoldName.
+  [[nodiscard]] std::int32_t Find(std::string_view name) const;
+  // Where an entry of that name belongs. Names compare by FoldName.
+  [[nodiscard]] Place FindPlace(std::string_view name) const;
+
+  // Gives the directory its next sequence number, at both of its ends: the one after Sequence. The
+  // new number is what the changed entry carries.
+  [[nodiscard]] std::uint8_t BumpSequence();
+  void Put(std::int32_t slot, const Entry& entry);
+  // Entries from slot on move up by one, and entry takes the slot. What stood in slot 46 is lost:
+  // the caller has tested that nothing did. Nothing happens at slot 47.
+  void Insert(std::int32_t slot, const Entry& entry);
+  // Entries behind slot move down by one, and slot 46 becomes zeros.
+  void Remove(std::int32_t slot);
+
+ private:
+  [[nodiscard]] std::string Text(std::int32_t at, std::int32_t length) const;
+  void SetText(std::int32_t at, std::string_view text);
+
+  Bytes bytes_;
+};
+
+// The sequence number after b, both two BCD digits; 00 follows 99.
+[[nodiscard]] std::uint8_t NextSequence(std::uint8_t b);
+
+}  // namespace sectorbox

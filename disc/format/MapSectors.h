@@ -1,0 +1,75 @@
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "disc/format/Format.h"
+
+namespace sectorbox {
+
+// A stretch of free sectors: [Start, End).
+struct FreeRun {
+  std::int32_t Start = 0;
+  std::int32_t Length = 0;
+  [[nodiscard]] std::int32_t End() const { return Start + Length; }
+};
+
+// Checksum of one map sector, as the BBC's filing system adds it up: from byte 254 down to 0,
+// starting from 255, each carry going into the next sum. The carry out of byte 0 is dropped. Byte
+// 255 holds the checksum itself and isn't looked at.
+[[nodiscard]] std::uint8_t MapChecksum(std::span<const std::uint8_t, format::kSectorSize> sector);
+
+// The free space map as a value: sectors 0 and 1 of a disc, with the runs of free sectors, the
+// disc's size and the boot option. It believes what stands there; a damaged map may say anything.
+//
+// The value knows which of its bytes were set. Only those are meant to go back to the disc: where a
+// card couldn't be read, what wasn't read must not be written over with what was made up for it.
+class MapSectors {
+ public:
+  using Bytes = std::array<std::uint8_t, format::kMapSize>;
+
+  // What a short source lacks of the 512 bytes counts as zero.
+  explicit MapSectors(std::span<const std::uint8_t> bytes);
+
+  [[nodiscard]] const Bytes& Raw() const { return bytes_; }
+  [[nodiscard]] bool WasSet(std::size_t byte) const { return set_[byte]; }
+
+  // Sectors on the disc.
+  [[nodiscard]] std::int32_t DiscSize() const;
+  void SetDiscSize(std::int32_t sectors);
+
+  // 0 Off, 1 Load, 2 Run, 3 Exec.
+  [[nodiscard]] std::uint8_t BootOption() const;
+  void SetBootOption(std::uint8_t option);
+
+  // The end pointer as it stands: 3 x the number of runs.
+  [[nodiscard]] std::uint8_t EndPointer() const;
+  // The free runs that the end pointer stands for, in the order of the map. Only a damaged disc has
+  // an end pointer that is no multiple of 3: it counts to the nearest then. There are never more
+  // runs than the arrays in memory hold (83), the last of which lies over other fields.
+  [[nodiscard]] std::vector<FreeRun> Runs() const;
+  // The run at a place of the map, from 0 to 84, whatever the end pointer says. The places behind
+  // 81 lie over other fields.
+  [[nodiscard]] FreeRun RunAt(std::int32_t place) const;
+  // Puts the runs, at most 83, into the map, and the end pointer. Entries beyond it stay.
+  void SetRuns(std::span<const FreeRun> runs);
+
+  // sector is 0 or 1.
+  [[nodiscard]] std::uint8_t StoredChecksum(std::int32_t sector) const;
+  [[nodiscard]] std::uint8_t RightChecksum(std::int32_t sector) const;
+  // Puts the right checksums of both sectors into the map. The BBC refuses a disc with a wrong one.
+  void UpdateChecksums();
+
+ private:
+  [[nodiscard]] std::int32_t Number(std::int32_t at) const;
+  void SetNumber(std::int32_t at, std::int32_t value);
+  void SetByte(std::int32_t at, std::uint8_t value);
+
+  Bytes bytes_{};
+  std::bitset<format::kMapSize> set_;
+};
+
+}  // namespace sectorbox

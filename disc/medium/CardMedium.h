@@ -1,0 +1,85 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "disc/ask/StatusLine.h"
+#include "disc/host/RawDevice.h"
+#include "disc/medium/Medium.h"
+
+namespace sectorbox {
+
+// One of the two partitions of a card. Each 512-byte device sector holds one sector of the disc in
+// its even bytes; the odd bytes go back as they were read. Partition 1 begins a gibibyte into the
+// card.
+//
+// A card that fails is no error to the caller. The user is told with a line at the first fault, and
+// with it and the number of all faults when the card is closed, should there have been more.
+// Nothing is ever written outside the partition.
+class CardMedium final : public Medium {
+ public:
+  static constexpr int kDeviceSector = 512;
+  static constexpr std::uint64_t kPartitionSpacing = std::uint64_t{1} << 30;  // device bytes
+  static constexpr std::int64_t kPartitionBytes = std::int64_t{1} << 29;      // disc bytes there
+
+  // name is the device, a comma and the partition digit ("/dev/sdb,0"). Only a comma and one digit
+  // at the very end are taken off: other commas belong to the device's path. The device is opened
+  // here and probed for its size; one that can't be opened gives what the caller's buffer held and
+  // seems to be of the largest size. device and status outlive the medium.
+  CardMedium(const std::string& name, std::int32_t partition, RawDevice& device,
+             StatusLine& status);
+
+  [[nodiscard]] Layout BlockLayout() const override { return {kCardBlockSize, 2}; }
+  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
+  void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
+  void WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
+                   const StoredBytes& stored) override;
+  [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  [[nodiscard]] std::int64_t Extent() const override { return kPartitionBytes; }
+  // The room that a partition can have, since the probed size may be wrong where sectors are bad.
+  [[nodiscard]] std::int64_t EndOfData() const override { return kPartitionBytes; }
+  [[nodiscard]] std::int64_t LongestFile() const override;
+  [[nodiscard]] std::optional<std::int32_t> UsableSectors() const override;
+  [[nodiscard]] std::span<const std::uint8_t> Storable(
+      std::int64_t offset, std::span<const std::uint8_t> bytes) override;
+  [[nodiscard]] bool IsOpen() const override { return device_.IsOpen(); }
+  [[nodiscard]] bool IsReady() const override { return true; }
+  [[nodiscard]] bool Is(const std::string& path) const override { return device_.Is(path); }
+  [[nodiscard]] bool MayBeReplaced() const override { return false; }
+  void Close() override;
+
+  // 512-byte device sectors that the probe found on the whole card; at most 0x400000 (2 GiB).
+  [[nodiscard]] std::int32_t DeviceSectors() const override { return deviceSectors_; }
+  // Failed transfers and refused stores since the card was opened.
+  [[nodiscard]] std::int32_t Faults() const override { return faults_; }
+  // Writes bytes, whole device sectors, from a device sector of the partition on.
+  void WriteDeviceSectors(std::int32_t sector, std::span<const std::uint8_t> bytes) override;
+
+ private:
+  static constexpr int kCardBlockSize = 2 * kBlockSize;
+
+  void Probe();
+  [[nodiscard]] bool ProbeRead(std::int32_t sector);
+  // Disc bytes that may be stored in the partition.
+  [[nodiscard]] std::int64_t WritableBytes() const;
+  // One more fault of the card. what: "sector 7 can't be read".
+  void CountFault(const std::string& what);
+  // Both give the count of bytes done, and without an open device all of them. A write is cut at
+  // the end of the partition, and what was cut counts as done. offset is bytes of the device, from
+  // the start of the partition.
+  [[nodiscard]] std::size_t DeviceRead(std::uint64_t offset, std::span<std::uint8_t> bytes);
+  [[nodiscard]] std::size_t DeviceWrite(std::uint64_t offset, std::span<const std::uint8_t> bytes);
+  void WriteStoredSector(std::int32_t block, std::int32_t sector,
+                         std::span<const std::uint8_t> data, const StoredBytes& stored);
+
+  std::string name_;
+  std::int32_t partition_;
+  RawDevice& device_;
+  StatusLine& status_;
+  std::int32_t deviceSectors_ = 0;
+  std::int32_t faults_ = 0;
+  std::string firstFault_;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+#include "disc/host/HostFile.h"
+#include "disc/medium/Medium.h"
+
+namespace sectorbox {
+
+// A hard disc image (.dat): a flat file of 256-byte sectors that is read and written in place. It
+// grows when a block beyond its end is written, and is never cut.
+class FileMedium final : public Medium {
+ public:
+  // A file that doesn't exist comes into being. One that the host lets us only read is opened for
+  // reading; Storable then throws the host's reason.
+  explicit FileMedium(const std::string& path);
+
+  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
+  void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
+  [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  [[nodiscard]] std::size_t WriteRun(std::int64_t offset,
+                                     std::span<const std::uint8_t> bytes) override;
+  void Sync() override { file_.Sync(); }
+  [[nodiscard]] std::int64_t EndOfData() const override;
+  [[nodiscard]] std::int64_t LongestFile() const override;
+  [[nodiscard]] std::span<const std::uint8_t> Storable(
+      std::int64_t offset, std::span<const std::uint8_t> bytes) override;
+  [[nodiscard]] bool IsOpen() const override { return file_.IsOpen(); }
+  [[nodiscard]] bool Is(const std::string& path) const override;
+  void Close() override { file_.Close(); }
+
+ private:
+  RandomAccessFile file_;
+};
+
+}  // namespace sectorbox

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "disc/medium/ImageRules.h"
+#include "disc/medium/Medium.h"
+
+namespace sectorbox {
+
+// A source of a disc's bytes. What lies outside it reads as zero.
+class DiscBytes {
+ public:
+  virtual ~DiscBytes() = default;
+  virtual void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) = 0;
+};
+
+// The order of tracks in a double-sided image file: track 0 of side 0, track 0 of side 1, and so
+// on, while the store holds side 0 and then side 1. Gives the track of the store that lies at a
+// track of the file.
+[[nodiscard]] std::int32_t LoadedTrack(std::int32_t fileTrack, bool interleaved);
+
+// Tracks that an image of discSize sectors is stored with: to the nearest, but never more than are
+// in memory.
+[[nodiscard]] std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory);
+
+// The bytes of a double-sided image file: discSize sectors, tracks permuted if the option is set
+// and there are more than 80. inMemory is how many bytes the disc has in memory, and no more than
+// these are stored; none for a disc that isn't in memory, which is fetched as far as it goes.
+[[nodiscard]] std::vector<std::uint8_t> ArrangeAdl(DiscBytes& disc, std::int32_t discSize,
+                                                   std::optional<std::size_t> inMemory,
+                                                   bool interleaved);
+
+// A floppy image, whole in memory: single-sided (.adf), which lies in its file as it lies in
+// memory, or double-sided (.adl). Its bytes reach the file at Close, which replaces the file whole.
+class FloppyMedium final : public Medium, private DiscBytes {
+ public:
+  enum class Sides { kOne, kTwo };
+
+  // bytes is the size of the disc. A file that isn't there leaves all of it zero, a shorter one the
+  // rest; what a longer one has beyond is not read. rules outlives the medium.
+  FloppyMedium(const std::string& path, Sides sides, std::size_t bytes, ImageRules& rules);
+
+  [[nodiscard]] bool InMemory() const override { return true; }
+  [[nodiscard]] std::span<std::uint8_t> Memory() override { return image_; }
+  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
+  void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
+  [[nodiscard]] std::int64_t Extent() const override { return EndOfData(); }
+  [[nodiscard]] std::int64_t EndOfData() const override {
+    return static_cast<std::int64_t>(image_.size());
+  }
+  [[nodiscard]] std::int64_t LongestFile() const override { return EndOfData(); }
+  void Close() override;
+
+ private:
+  void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  void LoadAdf(const std::vector<std::uint8_t>& file);
+  void LoadAdl(const std::vector<std::uint8_t>& file);
+  [[nodiscard]] std::vector<std::uint8_t> StoreAdf();
+  [[nodiscard]] std::vector<std::uint8_t> StoreAdl();
+
+  std::string path_;
+  Sides sides_;
+  ImageRules& rules_;
+  std::vector<std::uint8_t> image_;
+};
+
+}  // namespace sectorbox
