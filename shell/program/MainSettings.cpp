@@ -13,7 +13,7 @@ namespace {
 
 struct FlagSetting {
   const char* Key;
-  const char* StoredSetting;
+  const char* Entry;
   bool ByDefault;
 };
 
@@ -31,19 +31,19 @@ constexpr std::array<FlagSetting, 9> kFlags = {{
 
 constexpr std::int16_t kPorts = 4;
 
-QAction* StoredSetting(const frmMain& window, const char* stem, std::int32_t number) {
+QAction* NumberedEntry(const frmMain& window, const char* stem, std::int32_t number) {
   return window.Action((stem + std::to_string(number)).c_str());
 }
 
 void CheckPort(const frmMain& window, std::int16_t port) {
   for (std::int16_t n = 1; n <= kPorts; ++n) {
-    StoredSetting(window, "mnuXferSerialCom", n)->setChecked(n == port);
+    NumberedEntry(window, "mnuXferSerialCom", n)->setChecked(n == port);
   }
 }
 
 void CheckSpeed(const frmMain& window, std::int16_t speed) {
   for (const auto one : wire::kSpeeds)
-    StoredSetting(window, "mnuXferSerial", one)->setChecked(one == speed);
+    NumberedEntry(window, "mnuXferSerial", one)->setChecked(one == speed);
 }
 
 }  // namespace
@@ -58,16 +58,16 @@ void LoadSettings(frmMain& window) {
   window.Xfer().SetUpPort();
   CheckSpeed(window, speed);
   for (const auto& flag : kFlags) {
-    window.Action(flag.StoredSetting)->setChecked(store.GetFlag(flag.Key, flag.ByDefault));
+    window.Action(flag.Entry)->setChecked(store.GetFlag(flag.Key, flag.ByDefault));
   }
 }
 
 void SaveSettings(const frmMain& window) {
   SettingsStore store;
-  for (const auto& flag : kFlags) store.PutFlag(flag.Key, window.Checked(flag.StoredSetting));
+  for (const auto& flag : kFlags) store.PutFlag(flag.Key, window.Checked(flag.Entry));
   store.PutInt16("ComPort", window.ComPort());
   for (const auto speed : wire::kSpeeds) {
-    if (!StoredSetting(window, "mnuXferSerial", speed)->isChecked()) continue;
+    if (!NumberedEntry(window, "mnuXferSerial", speed)->isChecked()) continue;
     store.PutInt16("BaudRate", static_cast<std::int16_t>(speed));
     break;
   }

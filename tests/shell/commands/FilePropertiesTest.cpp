@@ -123,7 +123,7 @@ TEST_F(FilePropertiesTest, AddressesArePaddedAndUpperCased) {
   Choose("mnuFileAddresses");
   EXPECT_EQ(RowOf("ALPHA").Columns[kColLoad], "00000000");
   EXPECT_EQ(RowOf("ALPHA").Columns[kColExec], "FFFF19AB");
-  EXPECT_EQ(Fetch32(*disc_, EntryOffset(2, FindEntry(*disc_, 2, "ALPHA")) + 14), 0xFFFF19ABu);
+  EXPECT_EQ(RowOf("ALPHA").Item.Exec(), 0xFFFF19ABu);
 }
 
 TEST_F(FilePropertiesTest, OfSeveralSelectedRowsOnlyTheCurrentOneGetsTheAddresses) {

@@ -171,7 +171,7 @@ TEST_F(CardDrop, AnyNameIsKeptByteForByteAndOpensItsFile) {
       In<QPushButton>(dialog, "mnuOK").click();
     });
     Choose("mnuCFCardOpen");
-    EXPECT_TRUE(disc_->TheDisc.IsOpenCard(paths[i])) << names[i];
+    EXPECT_TRUE(disc_->TheDisc.IsOpenMedium(paths[i])) << names[i];
   }
 }
 
