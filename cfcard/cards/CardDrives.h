@@ -3,6 +3,7 @@
 #include <array>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cfcard/cards/BlockDevices.h"
@@ -20,7 +21,9 @@ inline constexpr char kLastLetter = 'Z';
 // that come when no letter is left get none.
 class CardDrives {
  public:
-  explicit CardDrives(DeviceRoots roots = {}) : roots_(std::move(roots)) {}
+  // devices is the table that Refresh reads; never null.
+  explicit CardDrives(std::unique_ptr<BlockDevices> devices = MakeHostBlockDevices())
+      : devices_(std::move(devices)) {}
 
   // Plain files (or devices) that the user says are raw cards; taken up by the next Refresh.
   void SetCardFiles(std::vector<std::string> paths) { cardFiles_ = std::move(paths); }
@@ -47,7 +50,7 @@ class CardDrives {
 
   void Take(const std::string& path);
 
-  DeviceRoots roots_;
+  std::unique_ptr<BlockDevices> devices_;
   std::vector<std::string> cardFiles_;
   std::array<Drive, kLetters> drives_;
 };

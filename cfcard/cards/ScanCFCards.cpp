@@ -1,10 +1,9 @@
 #include "cfcard/cards/ScanCFCards.h"
 
-#include <cerrno>
-
 #include "cfcard/cards/OpenedCard.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/format/Format.h"
+#include "disc/host/RawDevice.h"
 
 namespace sectorbox {
 namespace {
@@ -34,7 +33,7 @@ CardScan ScanCards(Disc& disc, const std::vector<CardSource>& sources, bool incl
       disc.TheDisc.OpenFile(source.Device + "," + digit, kCF, partition, 0, 0);
       if (disc.TheDisc.DeviceIsOpen()) {
         ScanPartition(disc, source, digit, includeNonADFS, scan.Rows);
-      } else if (partition == 0 && disc.TheDisc.DeviceError() != ENOMEDIUM) {
+      } else if (partition == 0 && !IsNoMedium(disc.TheDisc.DeviceError())) {
         scan.AllOpened = false;
         NoteNotOpened(disc, source.Path);
       }

@@ -2,7 +2,6 @@
 
 #include <QStringList>
 #include <algorithm>
-#include <filesystem>
 
 #include "disc/host/HostFile.h"
 #include "toolkit/SettingsStore.h"
@@ -33,8 +32,7 @@ void StorePaths(const std::vector<std::string>& paths) {
 }
 
 bool IsSameFile(const std::string& one, const std::string& other) {
-  std::error_code none;
-  return one == other || std::filesystem::equivalent(one, other, none);
+  return one == other || NameSameFile(one, other);
 }
 
 }  // namespace

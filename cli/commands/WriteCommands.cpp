@@ -10,6 +10,7 @@
 #include "disc/change/Compaction.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
+#include "disc/host/HostPath.h"
 #include "disc/store/TrackedSector.h"
 
 namespace sectorbox::cli {
@@ -47,7 +48,7 @@ int RunAdd(const CommandLine& line) {
 
 void ExportOne(Disc& disc, const PathTarget& target, const std::string& folder) {
   const ListRow row = ReadRow(disc, target.DirSector, target.Slot);
-  ExportFile(disc, folder + "/" + AdfsToHostName(row.Name()),
+  ExportFile(disc, JoinHostPath(folder, AdfsToHostName(row.Name())),
              {row.Name(), row.Columns[kColLoad], row.Columns[kColExec], row.Columns[kColSize],
               row.Attr(), row.Length(), row.StartSector()});
 }

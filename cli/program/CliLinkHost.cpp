@@ -1,14 +1,14 @@
 #include "cli/program/CliLinkHost.h"
 
-#include <unistd.h>
-
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <thread>
 
-#include "cli/program/Interrupt.h"
 #include "cli/program/ProgramFolder.h"
+#include "disc/host/HostProcess.h"
+#include "disc/host/HostSignals.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Protocol.h"
 #include "link/wire/SerialDevices.h"
@@ -50,7 +50,7 @@ std::string OnOneLine(std::string text) {
 }  // namespace
 
 CliLinkHost::CliLinkHost(const CommandLine& line)
-    : speed_(SpeedOf(line)), check_(line.Has("check")), terminal_(::isatty(STDERR_FILENO) == 1) {}
+    : speed_(SpeedOf(line)), check_(line.Has("check")), terminal_(ErrorsGoToTerminal()) {}
 
 std::int64_t CliLinkHost::Milliseconds() {
   using std::chrono::steady_clock;
@@ -71,8 +71,7 @@ void CliLinkHost::PumpEvents() {
 
 std::string CliLinkHost::DateAndTime() {
   const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
+  const std::tm local = *std::localtime(&now);  // this program has one thread
   std::array<char, 64> text{};
   const std::size_t length = std::strftime(text.data(), text.size(), "%x %X", &local);
   return {text.data(), length};
@@ -150,7 +149,7 @@ void CliLinkHost::ShowProgressLine(const std::string& text) {
 
 CliLink::CliLink(const CommandLine& line) : Host(line) {
   Host.AbortRequested = &TheLink.AbortRequested;
-  Port.SelectDevice(PortOf(line));
+  Port->SelectDevice(PortOf(line));
   if (line.Has("trace")) TheLink.TraceFile.Open(line.Option("trace", ""));
   CatchInterrupt();
 }

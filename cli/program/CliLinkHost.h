@@ -1,11 +1,11 @@
 #pragma once
 
-#include <chrono>
+#include <memory>
 #include <string>
 
 #include "cli/program/CommandLine.h"
 #include "link/wire/Link.h"
-#include "link/wire/TermiosPort.h"
+#include "link/wire/SerialPort.h"
 
 namespace sectorbox::cli {
 
@@ -69,8 +69,8 @@ class CliLink {
   CliLink& operator=(const CliLink&) = delete;
 
   CliLinkHost Host;
-  TermiosPort Port;
-  Link TheLink{Port, Host};
+  std::unique_ptr<SerialPort> Port = MakeSerialPort();
+  Link TheLink{*Port, Host};
 
  private:
   void Disconnect();

@@ -1,7 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <filesystem>
 #include <unordered_set>
 
 #include "disc/ask/BusyPointer.h"
@@ -9,7 +7,6 @@
 #include "disc/catalogue/WalkBudget.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/Sidecar.h"
-#include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 
 namespace sectorbox {
@@ -44,10 +41,7 @@ class Export {
   }
 
   static void MakeFolder(const std::string& folder) {
-    std::error_code error;
-    if (!HostFolderExists(folder) && !std::filesystem::create_directory(folder, error)) {
-      ThrowHostError(folder, error ? error.value() : EEXIST);
-    }
+    if (!HostFolderExists(folder)) CreateHostFolder(folder);
   }
 
   void WriteEntries(const std::string& folder, std::int32_t DirSector) {
@@ -55,7 +49,7 @@ class Export {
     for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
       const std::string name = GetEntryName(disc_, DirSector, slot);
       if (EntryIsEmpty(name)) break;
-      WriteEntry(folder + "/" + names.Take(name), name, EntryOffset(DirSector, slot));
+      WriteEntry(JoinHostPath(folder, names.Take(name)), name, EntryOffset(DirSector, slot));
     }
   }
 

@@ -56,7 +56,7 @@ class BareLine {
 };
 
 std::string ReadCompanionFile(Link& link, const char* name) {
-  const std::string path = link.Host.ProgramFolder() + "/" + name;
+  const std::string path = JoinHostPath(link.Host.ProgramFolder(), name);
   if (!HostFileExists(path)) TransferFile(path, TransferFile::Access::kReadWrite);
   const std::vector<std::uint8_t> bytes = ReadHostFile(path);
   return {bytes.begin(), bytes.end()};

@@ -4,6 +4,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
+#include "disc/host/HostPath.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"
 #include "link/wire/Protocol.h"
@@ -96,7 +97,7 @@ void Transfer::Finish() {
   }
   link_.Host.FinishTransfer();
   if (!link_.Host.PlayWaveOnSuccess()) return;
-  link_.Host.PlayWave(link_.Host.ProgramFolder() + "/xfer.wav", false);
+  link_.Host.PlayWave(JoinHostPath(link_.Host.ProgramFolder(), "xfer.wav"), false);
 }
 
 void Transfer::BeginChunk() {

@@ -1,10 +1,5 @@
 #include "link/wire/Trace.h"
 
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
@@ -25,10 +20,6 @@ std::string DumpLine(std::string_view run, std::size_t offset, bool isTx) {
   line.append(3 * (kBytesPerLine - run.size()) + 1, ' ');
   for (const char byte : run) line += PrintableOf(byte);
   return line + "\r";
-}
-
-void DeleteHostFile(const std::string& path) {
-  if (::unlink(path.c_str()) != 0) ThrowHostError(path, errno);
 }
 
 // The name of the log to open, or empty for none. Cancel at the second question asks the first

@@ -67,7 +67,7 @@ std::vector<std::string> DragOut::ExportRows(const std::vector<ListRow>& selecte
   const std::string folder = MakeFolder();
   HostNamesOfFolder names;
   for (const ListRow& row : selected) {
-    const std::string path = folder + "/" + names.Take(row.Name());
+    const std::string path = JoinHostPath(folder, names.Take(row.Name()));
     AddPath(path);
     AddPath(path + ".INF");
     ExportRow(disc_, row, path);
@@ -80,7 +80,7 @@ std::vector<std::string> DragOut::ExportRows(const std::vector<ListRow>& selecte
 
 std::vector<std::string> DragOut::ExportDirectory(const std::string& Name, std::int32_t Sector) {
   DragFileCount = 0;
-  const std::string path = MakeFolder() + "/" + AdfsToHostName(Name);
+  const std::string path = JoinHostPath(MakeFolder(), AdfsToHostName(Name));
   AddPath(path);
   DragDropExportFiles(disc_, path, Sector, this);
   WriteLog();
