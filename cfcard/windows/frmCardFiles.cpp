@@ -11,7 +11,7 @@ namespace sectorbox {
 namespace {
 
 constexpr const char* kKey = "CardFiles";
-// What stands for itself, besides letters, digits and "-._~".
+// The characters that are written as they are, besides letters, digits and "-._~".
 constexpr const char* kPlain = " !\"#$&'()*+,/:;<=>?@[\\]^`{|}";
 
 std::vector<std::string> StoredPaths() {

@@ -37,7 +37,8 @@ std::string PortOf(const CommandLine& line) {
   return devices.front();
 }
 
-// The BBC ends its texts with line ends of its own, in the middle of which a box would break.
+// The text with a blank for each line end, and without blanks around it. The BBC puts line ends
+// into its texts, which would spread a message over several lines.
 std::string OnOneLine(std::string text) {
   for (char& c : text) {
     if (c == '\r' || c == '\n') c = ' ';
@@ -78,8 +79,8 @@ std::string CliLinkHost::DateAndTime() {
 }
 
 void CliLinkHost::ShowMessage(const std::string& text, const std::string&) {
-  // Ctrl-C makes the step that it meets fail as a silent BBC would. What such a step has to say
-  // is not the reason, and would send the user off to look for a fault in the cable.
+  // After a Ctrl-C the step that runs fails, as it does when the BBC is silent. Its message isn't
+  // the real reason then, and would make the user look for a fault in the cable.
   if (WasInterrupted && !transferring_) return;
   ShowWarning(text);
 }
@@ -104,7 +105,7 @@ std::string CliLinkHost::AskSaveFileName(const FileQuestion&) {
 
 void CliLinkHost::OpenTransfer(const std::string&) {
   transferring_ = true;
-  // Opening the dialog clears the flag; a Ctrl-C that came before still counts.
+  // The transfer has just cleared the flag. A Ctrl-C that came before still counts.
   if (WasInterrupted && AbortRequested != nullptr) *AbortRequested = true;
 }
 

@@ -55,9 +55,8 @@ TEST(RandomAccessFile, OnlyCreateMakesAFileThatIsMissing) {
 TEST(RandomAccessFile, AFileThatMayOnlyBeReadSaysWhy) {
   const TempFolder folder;
   WriteText(folder / "file", "abcd");
-  const auto read = fs::perms::owner_read | fs::perms::others_read;
-  fs::permissions(folder / "file", read);
-  fs::permissions(folder.Path(), fs::perms::owner_all | read | fs::perms::others_exec);
+  fs::permissions(folder / "file", fs::perms{0444});
+  fs::permissions(folder.Path(), fs::perms{0755});
   const OrdinaryUser user;
   EXPECT_THROW(RandomAccessFile(folder / "file", FileAccess::kCreate), HostError);
   RandomAccessFile file(folder / "file", FileAccess::kCreateOrFallBack);
