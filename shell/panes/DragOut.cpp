@@ -3,19 +3,12 @@
 #include <filesystem>
 
 #include "disc/exchange/HostExchange.h"
-#include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "shell/panes/RowExport.h"
 #include "shell/program/HostFolders.h"
 
 namespace sectorbox {
 namespace {
-
-void MakeHostFolder(const std::string& path) {
-  std::error_code failed;
-  std::filesystem::create_directory(path, failed);
-  if (failed) throw HostError(path, failed.message());
-}
 
 bool AnythingThere(const std::string& path) {
   std::error_code failed;
@@ -35,9 +28,9 @@ std::string DragOut::temp_root() {
 
 std::string DragOut::MakeFolder() {
   const std::string root = GetTempFolder() + "adfs_temp";
-  if (!HostFolderExists(root)) MakeHostFolder(root);
+  if (!HostFolderExists(root)) CreateHostFolder(root);
   std::string folder = temp_root();
-  MakeHostFolder(folder);
+  CreateHostFolder(folder);
   return folder;
 }
 
