@@ -80,6 +80,36 @@ TEST(Architecture, OnlyWindowsIncludeQt) {
   }
 }
 
+// True for a header of one operating system, which other systems don't have or fill differently.
+bool IsSystemHeader(const std::string& name) {
+  static const std::set<std::string> kHeaders = {
+      "unistd.h", "fcntl.h", "termios.h", "signal.h",  "csignal", "dirent.h", "spawn.h",
+      "poll.h",   "glob.h",  "pwd.h",     "pthread.h", "sched.h", "syslog.h", "windows.h"};
+  const auto slash = name.find('/');
+  const std::string folder = slash == std::string::npos ? "" : name.substr(0, slash);
+  return kHeaders.count(name) == 1 || folder == "sys" || folder == "linux";
+}
+
+bool IsForOneSystem(const fs::path& file) {
+  return file.parent_path().filename() == "linux";
+}
+
+TEST(Architecture, OnlyFilesInLinuxFoldersCallTheSystem) {
+  for (const Include& include : AllIncludes()) {
+    EXPECT_FALSE(IsSystemHeader(include.Name) && !IsForOneSystem(include.File))
+        << include.File << " includes " << include.Name;
+  }
+}
+
+// What a linux folder declares is for its own room's system files: everybody else includes the
+// header beside that folder.
+TEST(Architecture, NobodyElseIncludesWhatIsForOneSystem) {
+  for (const Include& include : AllIncludes()) {
+    EXPECT_FALSE(include.Quoted && IsForOneSystem(include.Name) && !IsForOneSystem(include.File))
+        << include.File << " includes " << include.Name;
+  }
+}
+
 TEST(Architecture, LogicIncludesNoWindow) {
   for (const Include& include : AllIncludes()) {
     if (!include.Quoted || include.InWindow()) continue;

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-// The block devices of this machine, as the kernel tells of them.
+// The block devices of this machine.
 namespace sectorbox {
 
 // What a drive is. The numbers are those that the drive table has always had; 1 is no drive.
@@ -19,23 +20,25 @@ enum DriveType : std::int32_t {
 };
 
 struct BlockDevice {
-  std::string Path;  // such as "/dev/sdb"
+  std::string Path;  // the name that RawDevice::Open takes, such as "/dev/sdb"
   DriveType Type = kUnknownDrive;
 };
 
-// Where the kernel's tables are read; tests bring their own.
-struct DeviceRoots {
-  std::string SysBlock = "/sys/block";
-  std::string Dev = "/dev";
+// The host's table of block devices. Tests bring one of their own.
+class BlockDevices {
+ public:
+  virtual ~BlockDevices() = default;
+  // Every whole disc that is attached at the moment of the call, in the order in which the host
+  // counts them (on Linux sda before sdb, and sdz before sdaa). Empty if the host won't tell.
+  //
+  // A device is removable if its medium can be taken out: a card reader, a stick, a floppy drive,
+  // an SD card in a slot of its own. Everything else that holds data is fixed, also a hard disc on
+  // USB and flash that is soldered to the board. Fixed devices are never touched, as nobody means
+  // to format one from here.
+  [[nodiscard]] virtual std::vector<BlockDevice> List() const = 0;
 };
 
-// Every whole disc, short names before long ones and then by name, so that sda comes before sdb,
-// and sdz before sdaa. Empty where the kernel's table can't be read.
-//
-// Removable is a device whose medium the kernel calls removable (a card reader, a stick, a floppy
-// drive), and an SD card in a slot of its own. Everything else that holds data is fixed, a hard
-// disc on USB and the flash soldered to the board included: those are never touched, as nobody
-// formats one by intent from here.
-std::vector<BlockDevice> ListBlockDevices(const DeviceRoots& roots);
+// The table of the machine that the program runs on.
+[[nodiscard]] std::unique_ptr<BlockDevices> MakeHostBlockDevices();
 
 }  // namespace sectorbox

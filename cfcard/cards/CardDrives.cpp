@@ -40,7 +40,7 @@ class CardDevice final : public RawDevice {
 
 void CardDrives::Refresh() {
   for (Drive& drive : drives_) drive.Present = false;
-  for (const BlockDevice& device : ListBlockDevices(roots_)) {
+  for (const BlockDevice& device : devices_->List()) {
     if (device.Type == kRemovableDrive) Take(device.Path);
   }
   for (const std::string& path : cardFiles_) Take(path);

@@ -1,7 +1,5 @@
 #include "cfcard/cards/CardMenu.h"
 
-#include <functional>
-
 #include "cfcard/cards/FormatCF.h"
 #include "cfcard/cards/OpenedCard.h"
 #include "disc/catalogue/Adfs.h"
@@ -31,9 +29,10 @@ bool OpenChosen(Disc& disc) {
   return CardIsOpen(disc);
 }
 
-// What every entry is: a dialog, and, if the user chose, work that says whether the partition is
-// open now. In all other cases the empty disc is.
-void RunEntry(Disc& disc, const std::function<void()>& dialog, const std::function<bool()>& work) {
+// What all entries have in common. dialog() lets the user choose. If the user chose, work() does
+// the entry's work and gives true if the partition is open now. Otherwise the empty disc is opened.
+template <typename Dialog, typename Work>
+void RunEntry(Disc& disc, const Dialog& dialog, const Work& work) {
   Begin(disc);
   dialog();
   try {
@@ -99,7 +98,7 @@ void RunCFCardRestore(Disc& disc, CardDialogs& dialogs) {
         const std::string name = ChooseImageFile(disc);
         if (name.empty() || !OpenChosen(disc)) return false;
         RestoreImage(disc, name);
-        // The map in memory is that of the disc before.
+        // The free map in memory is still that of the disc that was there before.
         return OpenChosen(disc);
       });
 }
@@ -122,7 +121,7 @@ void RunSizedFormat(Disc& disc, CardDialogs& dialogs, const SizedFormat& format)
   }
   const bool isChosen = disc.ProgressRunning;
   if (isChosen) FormatCFImage(disc, format.Sectors, format.Wipe);
-  // Also where the chosen partition couldn't be opened.
+  // The partition that the user chose may also have failed to open.
   if (!isChosen || !disc.TheDisc.DeviceIsOpen()) OpenBlankImage(disc);
   disc.Host.RebuildTree();
 }

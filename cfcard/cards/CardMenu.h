@@ -7,43 +7,45 @@
 #include "disc/store/Disc.h"
 
 // The commands of the CF Card menu. Each saves or drops the current image, lets the user choose a
-// partition, does its work, and leaves something open: where the user declines, an empty disc named
-// "NewDisc.adl", since the dialog's scan has closed the image that was there before.
+// partition, does its work, and leaves a disc open. If the user declines, that is an empty disc
+// named "NewDisc.adl", as the dialog's scan has closed the image that was open before.
 namespace sectorbox {
 
-// The two dialogs that choose a partition. Each runs to its end and leaves Disc::ProgressRunning
-// true with ImageName set, or false.
+// The two dialogs in which the user chooses a partition. Each call returns when the dialog has
+// closed. Disc::ProgressRunning is then true, with ImageName set, or false if the user declined.
 class CardDialogs {
  public:
   virtual ~CardDialogs() = default;
   virtual void ShowCF() = 0;
-  virtual void ShowFormatCF() = 0;  // formats, too
+  // Also formats the partition, before it returns.
+  virtual void ShowFormatCF() = 0;
 };
 
 void RunCFCardOpen(Disc& disc, CardDialogs& dialogs);
 void RunCFFormat(Disc& disc, CardDialogs& dialogs);
-// The used part of a partition, or the whole of it, into a .dat. A cancelled save dialog leaves the
-// partition open.
+// Copies the used part of a partition, or the whole of it, into a .dat. If the user cancels the
+// save dialog, the partition stays open.
 void RunCFCardBackup(Disc& disc, CardDialogs& dialogs, bool wholeCard);
-// A file onto a partition, from its first sector on. What the partition has no room for isn't
-// written, and the host is told. A cancelled file dialog leaves the empty disc.
+// Copies a file onto a partition, from its first sector on. What the partition has no room for
+// isn't written, and the host is told. If the user cancels the file dialog, the empty disc is
+// opened.
 void RunCFCardRestore(Disc& disc, CardDialogs& dialogs);
 
-// The twenty formats by size that no menu entry is bound to: each size with the wipe behind the
-// plain dialog, and without it behind the format dialog.
+// The twenty formats by size, which belong to no menu entry. Each size comes twice: with a wipe,
+// where the plain dialog asks for the partition, and without one, where the format dialog asks.
 struct SizedFormat {
-  std::int32_t Sectors;
-  bool Wipe;
+  std::int32_t Sectors;  // of the disc that is made
+  bool Wipe;             // whether every sector of it is zeroed first
 };
 inline constexpr std::size_t kSizedFormats = 20;
-std::array<SizedFormat, kSizedFormats> SizedFormats();
+[[nodiscard]] std::array<SizedFormat, kSizedFormats> SizedFormats();
 void RunSizedFormat(Disc& disc, CardDialogs& dialogs, const SizedFormat& format);
 
-// The save steps of the two backups, on the open partition.
+// The last step of the two backups: asks for the file and copies the open partition into it.
 void BackupPartition(Disc& disc, bool wholeCard);
-// "E:,0" gives "drive_E0.dat".
-std::string BackupFileName(const std::string& imageName);
-// An empty double-sided floppy in memory takes the place of whatever was open.
+// The name that a backup's save dialog proposes: "E:,0" gives "drive_E0.dat".
+[[nodiscard]] std::string BackupFileName(const std::string& imageName);
+// Opens an empty double-sided floppy in memory in place of what was open.
 void OpenBlankImage(Disc& disc);
 
 }  // namespace sectorbox

@@ -14,7 +14,7 @@
 namespace sectorbox {
 namespace {
 
-constexpr std::int32_t kWipeStep = 64;  // device sectors: the whole of the transfer buffer
+constexpr std::int32_t kWipeStep = 64;  // device sectors: as many as the transfer buffer holds
 constexpr std::int32_t kShowEvery = 256;
 constexpr std::int32_t kShowImageEvery = 1024;
 constexpr std::int64_t kSectorsAMegabyte = 1024 * 1024 / format::kSectorSize;
@@ -27,7 +27,7 @@ double Percent(std::int32_t sector, std::int32_t sectors) {
   return 100.0 * sector / (sectors - 1);
 }
 
-// The sectors that a row of capacities asks for, at most as many as the open partition has.
+// The sectors of a disc of that capacity ("8MB"), at most as many as the open partition has.
 std::int32_t SectorsFor(Disc& disc, const std::string& capacity) {
   const std::int64_t most = std::max(disc.TheDisc.DiscSize(), 0);
   const std::int64_t megabytes = std::strtoll(capacity.c_str(), nullptr, 10);
@@ -35,7 +35,7 @@ std::int32_t SectorsFor(Disc& disc, const std::string& capacity) {
       std::min(std::clamp<std::int64_t>(megabytes, 0, most) * kSectorsAMegabyte, most));
 }
 
-// One step of a wipe; false when it was aborted.
+// One step of a wipe. False if the user has aborted it.
 bool WipeStep(Disc& disc, FormatView& view, std::int32_t sector, std::int32_t count,
               std::int32_t sectors) {
   if (!disc.ProgressRunning) return false;
@@ -52,17 +52,17 @@ bool WipePartition(Disc& disc, FormatView& view, std::int32_t sectors) {
   for (std::int32_t i = 0; i <= sectors - kWipeStep - 1; i += kWipeStep) {
     if (!WipeStep(disc, view, i, kWipeStep, sectors)) return false;
   }
-  // The last 64 always go out one by one, also where the steps of 64 have been there: so the end of
-  // a card whose size is no multiple of 64 is reached, too.
+  // The last 64 sectors are always written one by one, also if a step of 64 has zeroed them
+  // already. So the wipe reaches the end of a card whose size is no multiple of 64.
   for (std::int32_t i = std::max(sectors - kWipeStep, 0); i < sectors; ++i) {
     if (!WipeStep(disc, view, i, 1, sectors)) return false;
   }
   return true;
 }
 
-// The map and the root, over zeroes that end with the root's last entries but short of its tail:
-// a quick format leaves bytes 1280 to 1791 as they were, and nothing reads them, since the first
-// entry is empty. That limit is old, and cards are compared by it.
+// Writes the map and the root over zeroes. The zeroes end within the root, before its tail: a quick
+// format leaves bytes 1280 to 1791 as they were. Nothing reads them, as the root's first entry is
+// empty. Formatted cards are compared byte by byte, so the limit stays where it always was.
 void WriteStructures(Disc& disc, std::int32_t sectors) {
   const std::vector<std::uint8_t> zeroes(format::kDirSize);
   disc.TheDisc.StoreBytes(0, zeroes);
@@ -70,7 +70,7 @@ void WriteStructures(Disc& disc, std::int32_t sectors) {
   ReadFreeMap(disc);
 }
 
-// Whether the open partition takes a disc of that many sectors; if not, the host is told.
+// True if the open partition takes a disc of that many sectors. If not, the host is told.
 bool TakesDisc(Disc& disc, std::int32_t sectors) {
   if (!CardIsOpen(disc)) return false;
   if (sectors >= format::kFirstFreeSector) return true;
@@ -86,7 +86,7 @@ bool FormatOpenPartition(Disc& disc, FormatView& view, const std::string& capaci
   return true;
 }
 
-// Every sector in turn, by the bytes of the disc.
+// Zeroes the sectors of the disc one by one. False if the user has aborted it.
 bool WipeImage(Disc& disc, std::int32_t sectors) {
   const std::vector<std::uint8_t> zeroes(format::kSectorSize);
   disc.Host.OpenProgress("Format CF Card");

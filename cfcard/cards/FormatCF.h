@@ -6,16 +6,16 @@
 
 #include "disc/store/Disc.h"
 
-// Formatting a partition of a card. Nobody is asked before: the choice of a row and Ok destroys
-// what is on that partition.
+// Formatting a partition of a card. The user isn't asked again: choosing a row and pressing Ok
+// destroys what is on that partition.
 namespace sectorbox {
 
 struct CardSize {
-  const char* Capacity;  // row of cmbCapacity
-  std::int32_t Sectors;  // of the disc that FormatCFImage makes
+  const char* Capacity;  // as the user reads it, a row of cmbCapacity
+  std::int32_t Sectors;  // sectors of the disc that FormatCFImage makes
 };
 
-// The last is a sector short of 512 MB, which is as many as a partition has.
+// The last is one sector smaller than 512 MB, as a partition has no more.
 inline constexpr std::array<CardSize, 10> kCardSizes = {{
     {"1MB", 4096},
     {"2MB", 8192},
@@ -33,25 +33,26 @@ inline constexpr std::array<CardSize, 10> kCardSizes = {{
 class FormatView {
  public:
   virtual ~FormatView() = default;
-  // Once, before anything is touched: from here on only Abort may be pressed.
+  // Comes once, before anything on the card is touched. From now on the user may press only Abort.
   virtual void FormatStarted() = 0;
-  // Every 256 sectors of the wipe, right before the event pump.
+  // Comes every 256 sectors of the wipe, right before the event pump. percent is 0 to 100. An Abort
+  // there ends the wipe; the sectors wiped so far stay wiped.
   virtual void ShowFormat(const std::string& line, double percent) = 0;
 };
 
-// Makes an empty disc on the partition ImageName. capacity's leading number is its size in
-// megabytes, an upper limit: the partition's own size counts if that is less. Unless quick, every
-// sector is zeroed first, odd bytes included; a quick format touches only the first seven sectors,
-// and leaves the tail of the root directory as it was.
+// Makes an empty disc on the partition ImageName. The number that capacity begins with is the size
+// of the disc in megabytes; a smaller partition gets a disc of its own size. Unless quick is set,
+// every sector is zeroed first, odd bytes included. A quick format touches only the first seven
+// sectors, and leaves the tail of the root directory as it was.
 //
-// Disc::ProgressRunning is the go-on flag: the caller sets it before, and whoever clears it while
-// events are pumped ends the wipe; the sectors wiped so far stay wiped and no disc is made. It is
-// also cleared when the partition can't be opened or has no room for a map and a root, and the host
-// is told. The store is closed in every case.
+// Disc::ProgressRunning says whether the format goes on. The caller sets it before. If a handler
+// clears it while events run, the wipe ends: the sectors wiped so far stay wiped, and no disc is
+// made. The flag is also cleared, and the host is told, if the partition can't be opened or has no
+// room for a map and a root. The store is closed in every case.
 void FormatCFDisc(Disc& disc, FormatView& view, const std::string& capacity, bool quick);
 
-// The same job with the host's progress dialog, in two differences: a wipe zeroes the bytes of the
-// disc and leaves the odd bytes of the card alone, and the partition stays open. Abort ends the
+// The same with the host's progress dialog, with two differences: a wipe zeroes the bytes of the
+// disc and doesn't touch the odd bytes of the card, and the partition stays open. Abort ends the
 // wipe as above.
 void FormatCFImage(Disc& disc, std::int32_t sectors, bool wipe);
 

@@ -4,13 +4,13 @@
 
 #include "disc/store/Disc.h"
 
-// Whether a card that was to be opened is there. The store itself says nothing: without a device it
-// reads as one of the largest size.
+// Tells whether opening a card has worked. The store itself doesn't tell: without a device it reads
+// as a card of the largest size.
 namespace sectorbox {
 
-// Whether the card that was opened last is there; if not, the host is told why.
-bool CardIsOpen(Disc& disc);
-// Tells the host why the last open failed; name is what the user knows the device by.
+// True if the device that the store was to open last is open. If not, the host is told why.
+[[nodiscard]] bool CardIsOpen(Disc& disc);
+// Tells the host why the last open failed. name is the device's name as the user knows it.
 void NoteNotOpened(Disc& disc, const std::string& name);
 
 }  // namespace sectorbox

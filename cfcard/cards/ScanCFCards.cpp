@@ -1,10 +1,9 @@
 #include "cfcard/cards/ScanCFCards.h"
 
-#include <cerrno>
-
 #include "cfcard/cards/OpenedCard.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/format/Format.h"
+#include "disc/host/RawDevice.h"
 
 namespace sectorbox {
 namespace {
@@ -14,8 +13,8 @@ constexpr std::int32_t kPartitions = 2;
 void ScanPartition(Disc& disc, const CardSource& source, char digit, bool includeNonADFS,
                    std::vector<std::string>& rows) {
   if (disc.TheDisc.DiscSize() <= 0) return;
-  // The first mark of the root directory decides, and nothing else: neither the map nor its
-  // checksums, so that a damaged card can still be picked and looked at.
+  // Only the first mark of the root directory decides. The map and its checksums aren't looked at,
+  // so that the user can still pick a damaged card and look at it.
   const bool isAdfs = IsDirectory(disc, format::kRootSector);
   if (isAdfs) {
     rows.push_back(source.Label + ": - Partition " + digit);
@@ -34,11 +33,11 @@ CardScan ScanCards(Disc& disc, const std::vector<CardSource>& sources, bool incl
       disc.TheDisc.OpenFile(source.Device + "," + digit, kCF, partition, 0, 0);
       if (disc.TheDisc.DeviceIsOpen()) {
         ScanPartition(disc, source, digit, includeNonADFS, scan.Rows);
-      } else if (partition == 0 && disc.TheDisc.DeviceError() != ENOMEDIUM) {
+      } else if (partition == 0 && !IsNoMedium(disc.TheDisc.DeviceError())) {
         scan.AllOpened = false;
         NoteNotOpened(disc, source.Path);
       }
-      // Closed for good: nobody has chosen this device, so nothing may reach it later.
+      // No byte access may open it again: the user hasn't chosen this device.
       disc.TheDisc.Abandon();
     }
   }

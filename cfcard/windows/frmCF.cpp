@@ -13,7 +13,7 @@ frmCF::frmCF(QWidget* parent, Disc& disc, CardDrives& drives)
     : frmCardChoice(parent, disc, drives) {
   setObjectName(QStringLiteral("frmCF"));
   setWindowTitle(QStringLiteral("Select CF Card"));
-  // Buttons, whatever their names say.
+  // These are buttons, although their names begin as those of menu entries do.
   auto* mnuOK = new QPushButton(QStringLiteral("Ok"), this);
   mnuOK->setObjectName(QStringLiteral("mnuOK"));
   mnuOK->setDefault(true);

@@ -4,8 +4,8 @@
 
 namespace sectorbox {
 
-// "Select CF Card". Its answer is Disc::ProgressRunning: true with ImageName set, or false, which
-// is also what its close box gives.
+// "Select CF Card". Its answer is Disc::ProgressRunning: true with ImageName set, or false. The
+// close box gives false, too.
 class frmCF : public frmCardChoice {
  public:
   frmCF(QWidget* parent, Disc& disc, CardDrives& drives);

@@ -45,7 +45,8 @@ void frmCardChoice::ScanCFCards() {
   ReadCardFiles(drives_);
   const CardScan scan = sectorbox::ScanCFCards(disc_, drives_, includeNonADFS_);
   for (const std::string& row : scan.Rows) cmbCFCard_->addItem(FromBbc(row));
-  // No row is chosen for the user: Ok on the first that happens to stand there could cost a card.
+  // No row is chosen for the user. Ok on a row that merely happens to be the first could destroy a
+  // card.
   cmbCFCard_->setCurrentIndex(-1);
   if (scan.Rows.empty()) return;
   cmbCFCard_->setEnabled(true);
@@ -75,7 +76,7 @@ void frmCardChoice::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void frmCardChoice::dropEvent(QDropEvent* event) {
-  // A format that runs has the store, which a scan would take away from it.
+  // While a format runs it uses the store, and a scan would take the store away from it.
   if (!acceptDrops()) return;
   event->acceptProposedAction();
   bool isAnyNew = false;
@@ -85,7 +86,7 @@ void frmCardChoice::dropEvent(QDropEvent* event) {
     isAnyNew |= taken == CardFileTaken::kAdded;
     if (taken == CardFileTaken::kNoPlainFile && refused.empty()) refused = path;
   }
-  // Without a new file the row that was chosen stays chosen.
+  // If no file is new, there is no scan, and the chosen row stays chosen.
   if (isAnyNew) ScanCFCards();
   if (!refused.empty()) disc_.Host.Note(refused + ": not a file that could hold a card");
 }

@@ -11,25 +11,26 @@ class QLabel;
 
 namespace sectorbox {
 
-// What the two card dialogs share: the list of partitions with its prompt, the box that takes in
-// what isn't of ADFS, the scan, and the place that both keep. Files dropped on the dialog are taken
-// for raw cards from then on (setting "CardFiles", a path a line).
+// What the two card dialogs share: the list of partitions with its prompt, the tick box for
+// partitions that aren't of ADFS, the scan, and the window place, which both keep. A file that the
+// user drops on the dialog counts as a raw card from then on (setting "CardFiles", a path a line).
 class frmCardChoice : public QDialog {
  protected:
-  // drives and disc outlive the dialog. scan fills the list.
+  // drives and disc outlive the dialog.
   frmCardChoice(QWidget* parent, Disc& disc, CardDrives& drives);
   ~frmCardChoice() override;
 
-  // To be called at the end of a dialog's constructor: fills the list and puts the finished dialog
-  // in its place.
+  // Fills the list and puts the finished dialog in its place. Each dialog calls it at the end of
+  // its constructor.
   void Load();
-  // Looks at every drive and fills the list; a row that was chosen before is lost.
+  // Looks at every drive and fills the list. The row that was chosen before isn't chosen any more.
   void ScanCFCards();
-  // Takes the chosen row: ImageName names it and ProgressRunning is set. Without any row in the
-  // list ProgressRunning is cleared. An enabled list in which no row is chosen gives a lone comma,
-  // which no open can use. True if the list had rows.
+  // Takes the chosen row: ImageName names it and ProgressRunning is set. If the list has no rows,
+  // ProgressRunning is cleared. If it has rows and none is chosen, ImageName becomes a lone comma,
+  // which no open can use. True if the list has rows.
   bool TakeChoice();
-  // For work that uses the store from here on: no row, tick or drop may start a scan any more.
+  // For work that uses the store from now on: the user can't start a scan any more, neither with a
+  // row or a tick nor with a drop.
   void DisableChoice();
 
   void dragEnterEvent(QDragEnterEvent* event) override;

@@ -2,7 +2,6 @@
 
 #include <QStringList>
 #include <algorithm>
-#include <filesystem>
 
 #include "disc/host/HostFile.h"
 #include "toolkit/SettingsStore.h"
@@ -12,7 +11,7 @@ namespace sectorbox {
 namespace {
 
 constexpr const char* kKey = "CardFiles";
-// What stands for itself, besides letters, digits and "-._~".
+// The characters that are written as they are, besides letters, digits and "-._~".
 constexpr const char* kPlain = " !\"#$&'()*+,/:;<=>?@[\\]^`{|}";
 
 std::vector<std::string> StoredPaths() {
@@ -33,8 +32,7 @@ void StorePaths(const std::vector<std::string>& paths) {
 }
 
 bool IsSameFile(const std::string& one, const std::string& other) {
-  std::error_code none;
-  return one == other || std::filesystem::equivalent(one, other, none);
+  return one == other || NameSameFile(one, other);
 }
 
 }  // namespace

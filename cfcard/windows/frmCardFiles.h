@@ -5,18 +5,19 @@
 
 #include "cfcard/cards/CardDrives.h"
 
-// The files that the user keeps raw cards in: setting "CardFiles", one path a line. A "%" and what
-// isn't printable ASCII stand there as "%" and two hex digits a byte, so that a path keeps its
-// bytes in any encoding, line ends included.
+// The files in which the user keeps raw cards: setting "CardFiles", one path a line. A "%", and
+// each byte that isn't printable ASCII, is written there as "%" and two hex digits. So a path keeps
+// its bytes in any encoding, also line ends.
 namespace sectorbox {
 
+// Gives the paths of the setting to drives.
 void ReadCardFiles(CardDrives& drives);
 
 enum class CardFileTaken { kAdded, kListedAlready, kNoPlainFile };
 
-// Adds a path to the setting. Only plain files are taken: a folder is no card, and a device is
-// found without this if it is one. A file that is listed already, under whatever path, stays the
-// one that it is.
-CardFileTaken AddCardFile(const std::string& path);
+// Adds a path to the setting. Only a plain file is taken: a folder is no card, and a device that is
+// a card is found without this. A file that is listed already, also by another path, keeps its
+// line.
+[[nodiscard]] CardFileTaken AddCardFile(const std::string& path);
 
 }  // namespace sectorbox

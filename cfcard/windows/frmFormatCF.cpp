@@ -36,7 +36,7 @@ void frmFormatCF::MakeControls() {
   btnCancel_->setObjectName(QStringLiteral("btnCancel"));
   btnAbort_->setObjectName(QStringLiteral("btnAbort"));
   btnAbort_->setEnabled(false);
-  // Return must not format by accident.
+  // The Return key must not start a format by accident.
   for (QPushButton* button : {btnOK_, btnAbort_}) button->setAutoDefault(false);
   btnCancel_->setDefault(true);
   lblFormat_->setObjectName(QStringLiteral("lblFormat"));
@@ -81,11 +81,11 @@ void frmFormatCF::btnAbort_Click() {
 }
 
 void frmFormatCF::reject() {
-  // The close box and Escape during a format do no more than Abort does.
+  // During a format the close box and Escape only do what Abort does.
   disc_.ProgressRunning = false;
   if (running_) return;
-  // Where no drive was there to look at, a floppy image may still be open; closing that would write
-  // it to its file, which a user who has just declined to save it doesn't want.
+  // If there was no drive to look at, a floppy image may still be open. Closing it would write it
+  // to its file, but the user may have just declined to save it.
   if (!disc_.TheDisc.InMemory()) disc_.TheDisc.CloseFile();
   frmCardChoice::reject();
 }
@@ -98,7 +98,7 @@ void frmFormatCF::FormatStarted() {
   btnOK_->setEnabled(false);
   btnCancel_->setEnabled(false);
   btnAbort_->setEnabled(true);
-  // The focus went with what was disabled; the one key that still does something is Abort's.
+  // The control that had the focus is disabled now. Abort is the one that can still be used.
   btnAbort_->setFocus();
 }
 

@@ -8,8 +8,8 @@ class QPushButton;
 
 namespace sectorbox {
 
-// "Format CF Card": the choice of frmCF, a size, and the format itself with its progress. While it
-// runs only Abort can be used. Its answer is that of frmCF, after the format.
+// "Format CF Card": the choice of frmCF, a size, and the format itself with its progress. While the
+// format runs, the user can only press Abort. The answer is that of frmCF, after the format.
 class frmFormatCF : public frmCardChoice, private FormatView {
  public:
   frmFormatCF(QWidget* parent, Disc& disc, CardDrives& drives);

@@ -7,9 +7,9 @@
 #include "cfcard/cards/ScanCFCards.h"
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
-#include "cli/program/Interrupt.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostFile.h"
+#include "disc/host/HostSignals.h"
 #include "disc/image/SaveImage.h"
 
 namespace sectorbox::cli {
@@ -59,7 +59,7 @@ int RunScan(const CommandLine& line) {
     sources.push_back(SourceOf(line.Arguments[i]));
   }
   if (sources.empty()) {
-    for (const BlockDevice& device : ListBlockDevices({})) {
+    for (const BlockDevice& device : MakeHostBlockDevices()->List()) {
       if (device.Type == kRemovableDrive) sources.push_back(SourceOf(device.Path));
     }
   }

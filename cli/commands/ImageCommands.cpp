@@ -5,8 +5,8 @@
 
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
-#include "cli/program/Interrupt.h"
 #include "disc/host/HostFile.h"
+#include "disc/host/HostSignals.h"
 #include "disc/image/NewDisc.h"
 #include "disc/image/SaveImage.h"
 

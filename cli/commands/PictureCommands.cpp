@@ -5,6 +5,7 @@
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
 #include "cli/program/ProgramFolder.h"
+#include "disc/host/HostPath.h"
 #include "viewers/picture/Colours.h"
 #include "viewers/picture/PictureFile.h"
 #include "viewers/picture/ScreenMode.h"
@@ -38,7 +39,7 @@ int RunTeletext(const CommandLine& line) {
   const std::int16_t phase = ZeroOrOne(line, "phase") ? 1 : 0;
   ImageSession session(line);
   const ListRow row = OpenFileRow(session.Open, line.Arguments[0], line.Arguments[1]);
-  const auto font = LoadTeletextFont(ProgramFolder() + "/" + kTeletextFontFile);
+  const auto font = LoadTeletextFont(JoinHostPath(ProgramFolder(), kTeletextFontFile));
   if (!font) throw Failure(kTeletextFontMissing);
   const auto codes = ReadTeletextPage(session.Open, row.StartSector(), row.Length());
   SavePicture(DrawTeletext(codes, *font, phase), out);

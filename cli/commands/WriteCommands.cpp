@@ -12,6 +12,7 @@
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/format/Text.h"
+#include "disc/host/HostPath.h"
 #include "disc/image/Resize.h"
 #include "disc/store/TrackedSector.h"
 
@@ -50,7 +51,7 @@ int RunAdd(const CommandLine& line) {
 
 void ExportOne(Disc& disc, const PathTarget& target, const std::string& folder) {
   const Entry entry = DirectoryAt(disc, target.DirSector).At(target.Slot);
-  ExportEntry(disc, folder + "/" + AdfsToHostName(entry.Name()), entry);
+  ExportEntry(disc, JoinHostPath(folder, AdfsToHostName(entry.Name())), entry);
 }
 
 int RunExport(const CommandLine& line) {

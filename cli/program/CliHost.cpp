@@ -1,8 +1,9 @@
 #include "cli/program/CliHost.h"
 
-#include <unistd.h>
+#include <cstdio>
 
-#include "cli/program/Interrupt.h"
+#include "disc/host/HostProcess.h"
+#include "disc/host/HostSignals.h"
 
 namespace sectorbox::cli {
 
@@ -12,7 +13,7 @@ CliHost::CliHost(const CommandLine& line)
       deleteLocked_(line.Switch("delete-locked", true)),
       overwriteLocked_(line.Switch("overwrite-locked", true)),
       deleteNonEmpty_(line.Switch("delete-non-empty", true)),
-      terminal_(::isatty(STDERR_FILENO) == 1) {}
+      terminal_(ErrorsGoToTerminal()) {}
 
 void CliHost::ShowMessage(const std::string& text) {
   MessageShown = true;

@@ -1,14 +1,14 @@
 #include "cli/program/CliLinkHost.h"
 
-#include <unistd.h>
-
 #include <array>
+#include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <thread>
 
-#include "cli/program/Interrupt.h"
 #include "cli/program/ProgramFolder.h"
+#include "disc/host/HostProcess.h"
+#include "disc/host/HostSignals.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Protocol.h"
 #include "link/wire/SerialDevices.h"
@@ -37,7 +37,8 @@ std::string PortOf(const CommandLine& line) {
   return devices.front();
 }
 
-// The BBC ends its texts with line ends of its own, in the middle of which a box would break.
+// The text with a blank for each line end, and without blanks around it. The BBC puts line ends
+// into its texts, which would spread a message over several lines.
 std::string OnOneLine(std::string text) {
   for (char& c : text) {
     if (c == '\r' || c == '\n') c = ' ';
@@ -50,7 +51,7 @@ std::string OnOneLine(std::string text) {
 }  // namespace
 
 CliLinkHost::CliLinkHost(const CommandLine& line)
-    : speed_(SpeedOf(line)), check_(line.Has("check")), terminal_(::isatty(STDERR_FILENO) == 1) {}
+    : speed_(SpeedOf(line)), check_(line.Has("check")), terminal_(ErrorsGoToTerminal()) {}
 
 std::int64_t CliLinkHost::Milliseconds() {
   using std::chrono::steady_clock;
@@ -71,16 +72,15 @@ void CliLinkHost::PumpEvents() {
 
 std::string CliLinkHost::DateAndTime() {
   const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
+  const std::tm local = *std::localtime(&now);  // this program has one thread
   std::array<char, 64> text{};
   const std::size_t length = std::strftime(text.data(), text.size(), "%x %X", &local);
   return {text.data(), length};
 }
 
 void CliLinkHost::ShowMessage(const std::string& text, const std::string&) {
-  // Ctrl-C makes the step that it meets fail as a silent BBC would. What such a step has to say
-  // is not the reason, and would send the user off to look for a fault in the cable.
+  // After a Ctrl-C the step that runs fails, as it does when the BBC is silent. Its message isn't
+  // the real reason then, and would make the user look for a fault in the cable.
   if (WasInterrupted && !transferring_) return;
   ShowWarning(text);
 }
@@ -105,7 +105,7 @@ std::string CliLinkHost::AskSaveFileName(const FileQuestion&) {
 
 void CliLinkHost::OpenTransfer(const std::string&) {
   transferring_ = true;
-  // Opening the dialog clears the flag; a Ctrl-C that came before still counts.
+  // The transfer has just cleared the flag. A Ctrl-C that came before still counts.
   if (WasInterrupted && AbortRequested != nullptr) *AbortRequested = true;
 }
 
@@ -150,7 +150,7 @@ void CliLinkHost::ShowProgressLine(const std::string& text) {
 
 CliLink::CliLink(const CommandLine& line) : Host(line) {
   Host.AbortRequested = &TheLink.AbortRequested;
-  Port.SelectDevice(PortOf(line));
+  Port->SelectDevice(PortOf(line));
   if (line.Has("trace")) TheLink.TraceFile.Open(line.Option("trace", ""));
   CatchInterrupt();
 }

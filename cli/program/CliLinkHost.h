@@ -1,27 +1,27 @@
 #pragma once
 
-#include <chrono>
+#include <memory>
 #include <string>
 
 #include "cli/program/CommandLine.h"
 #include "link/wire/Link.h"
-#include "link/wire/TermiosPort.h"
+#include "link/wire/SerialPort.h"
 
 namespace sectorbox::cli {
 
-// The link's host at the command line. Boxes are lines on standard error, the file dialogs answer
-// with the file that the call named, progress is one line on a terminal. The first Ctrl-C is Abort,
-// the second ends the program.
+// The link's host at the command line. A box is a line on standard error, a file dialog gives the
+// file that the command line has named, and progress is one line on a terminal. The first Ctrl-C is
+// Abort, the second ends the program.
 class CliLinkHost final : public LinkHost {
  public:
   explicit CliLinkHost(const CommandLine& line);
 
-  // Where Ctrl-C is taken up: pumps set this flag.
+  // The link's flag, which PumpEvents sets after a Ctrl-C. Null until the link exists.
   bool* AbortRequested = nullptr;
   std::string FileAnswer;
   bool MessageShown = false;
   bool Finished = false;        // a transfer ran to its end
-  bool WasInterrupted = false;  // Ctrl-C was taken up
+  bool WasInterrupted = false;  // PumpEvents has seen a Ctrl-C
   TransferCounters Counters;
 
   std::int64_t Milliseconds() override;
@@ -47,7 +47,7 @@ class CliLinkHost final : public LinkHost {
   bool PlayWave(const std::string&, bool) override { return false; }
   void ShowTrace(const std::string&) override {}
 
-  // The progress line, on a terminal; empty clears it.
+  // Shows the progress line if standard error is a terminal. An empty text clears it.
   void ShowProgressLine(const std::string& text);
 
  private:
@@ -59,8 +59,8 @@ class CliLinkHost final : public LinkHost {
   float percent_ = 0;
 };
 
-// One command's connection: the port that the call names, or the machine's first, and everything
-// above it. Ends with "Q" to the server on an open port, so that the next program can connect.
+// The link of one command, on the port that the command line names, or on the machine's first one.
+// The destructor sends "Q" to the server if the port is open, so that the next program can connect.
 class CliLink {
  public:
   explicit CliLink(const CommandLine& line);
@@ -69,8 +69,8 @@ class CliLink {
   CliLink& operator=(const CliLink&) = delete;
 
   CliLinkHost Host;
-  TermiosPort Port;
-  Link TheLink{Port, Host};
+  std::unique_ptr<SerialPort> Port = MakeSerialPort();
+  Link TheLink{*Port, Host};
 
  private:
   void Disconnect();

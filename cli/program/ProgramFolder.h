@@ -4,8 +4,8 @@
 
 namespace sectorbox::cli {
 
-// The folder that this program's file lies in, with the companion files and the window program
-// beside it. HostError when the system won't tell.
+// The folder that this program's file lies in. The companion files and the window program lie there
+// too. HostError if the host won't tell.
 std::string ProgramFolder();
 
 }  // namespace sectorbox::cli

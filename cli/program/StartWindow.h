@@ -4,8 +4,8 @@
 
 namespace sectorbox::cli {
 
-// Starts the window program, sectorbox, which lies beside sbx, on an image, and doesn't wait for
-// it. HostError when it can't be started.
+// Starts the window program on an image and doesn't wait for it. The window program is the file
+// "sectorbox" in the folder of sbx. HostError if it can't be started.
 void StartWindow(const std::string& image);
 
 }  // namespace sectorbox::cli

@@ -1,8 +1,6 @@
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <filesystem>
-#include <unordered_set>
+#include <vector>
 
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
@@ -10,7 +8,6 @@
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/Sidecar.h"
 #include "disc/format/Text.h"
-#include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 
 namespace sectorbox {
@@ -25,10 +22,7 @@ void WriteHostFile(const std::string& path, const std::string& text) {
 }
 
 void MakeFolder(const std::string& folder) {
-  std::error_code error;
-  if (!HostFolderExists(folder) && !std::filesystem::create_directory(folder, error)) {
-    ThrowHostError(folder, error ? error.value() : EEXIST);
-  }
+  if (!HostFolderExists(folder)) CreateHostFolder(folder);
 }
 
 // Writes each directory that the walk comes to into a folder of the host. On a damaged disc a
@@ -45,7 +39,8 @@ class Exporter : public DirectoryVisitor {
   }
 
   Walk Meet(const WalkStep&, std::int32_t, const Entry& entry) override {
-    const std::string path = folders_.back().Path + "/" + folders_.back().Names.Take(entry.Name());
+    const std::string path =
+        JoinHostPath(folders_.back().Path, folders_.back().Names.Take(entry.Name()));
     if (entry.IsDirectory()) {
       WriteDirectorySidecar(path, entry);
       next_ = path;

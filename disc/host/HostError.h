@@ -2,16 +2,18 @@
 
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace sectorbox {
 
-// The host failed: no such file, disc full, no rights. Thrown by everything that touches a host
-// file; never used for a refusal of the disc engine, which has return values and messages of its
-// own. Who catches it shows what() and leaves the disc as it is.
+// The host failed: there is no such file, the host's disc is full, or we have no rights. Everything
+// that touches a host file throws it. A refusal of the disc engine is never a HostError: it has
+// return values and messages of its own. The code that catches it shows what() and leaves the disc
+// as it is.
 class HostError : public std::runtime_error {
  public:
-  // path: the host file or device; systemText: what the operating system says of it.
+  // path: the host file or device. systemText: the operating system's words for the failure.
   HostError(std::string path, std::string systemText)
       : std::runtime_error(path + ": " + systemText),
         path_(std::move(path)),
@@ -25,7 +27,9 @@ class HostError : public std::runtime_error {
   std::string systemText_;
 };
 
-// Throws HostError for path with the text of the given errno value.
+// Throws HostError for path with the system's text for an error number (errno).
 [[noreturn]] void ThrowHostError(const std::string& path, int errorNumber);
+// Throws HostError for path with the text of error, as the standard library's calls give it.
+[[noreturn]] void ThrowHostError(const std::string& path, const std::error_code& error);
 
 }  // namespace sectorbox

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -9,50 +10,92 @@
 
 #include "disc/host/HostPath.h"
 
-// Host files. Every failure is a HostError with the path and the system's text.
+// Host files and folders. Every failure is a HostError with the path and the system's text.
 namespace sectorbox {
 
-bool HostFileExists(const std::string& path);   // a file of any kind that isn't a folder
-bool HostFileIsPlain(const std::string& path);  // a regular file, or a link to one
-bool HostFolderExists(const std::string& path);
-std::uint64_t HostFileLength(const std::string& path);
+// --- Whole files and folders -----------------------------------------------------------------
+
+enum class HostFileKind {
+  kPlain,   // a regular file
+  kFolder,  // a folder
+  kOther,   // a device, a pipe, a socket
+};
+
+// What path names; links are followed. HostError if the host can't tell, as where nothing is there.
+[[nodiscard]] HostFileKind KindOfHostFile(const std::string& path);
+// The three below give false where KindOfHostFile throws.
+[[nodiscard]] bool HostFileExists(const std::string& path);   // anything that isn't a folder
+[[nodiscard]] bool HostFileIsPlain(const std::string& path);  // a regular file
+[[nodiscard]] bool HostFolderExists(const std::string& path);
+
+// Bytes in a regular file; 0 for anything else. HostError if nothing is there.
+[[nodiscard]] std::uint64_t HostFileLength(const std::string& path);
 // Up to limit bytes from offset on; fewer at the end of the file.
-std::vector<std::uint8_t> ReadHostFile(const std::string& path, std::uint64_t offset = 0,
-                                       std::uint64_t limit = UINT64_MAX);
+[[nodiscard]] std::vector<std::uint8_t> ReadHostFile(const std::string& path,
+                                                     std::uint64_t offset = 0,
+                                                     std::uint64_t limit = UINT64_MAX);
 // Writes over bytes of a file that exists, from offset on; its other bytes stay.
 void OverwriteHostFile(const std::string& path, std::uint64_t offset,
                        std::span<const std::uint8_t> bytes);
-// The last part of a path.
-std::string HostBaseName(const std::string& path);
+// Deletes a file. HostError if that fails, also if the file doesn't exist.
+void DeleteHostFile(const std::string& path);
+
+// Makes a folder inside one that exists. A folder that is already there stays as it is.
+void CreateHostFolder(const std::string& path);
+// The names of all that is in a folder, hidden files included, in no order.
+[[nodiscard]] std::vector<std::string> ListHostFolder(const std::string& folder);
+
+// --- Open files --------------------------------------------------------------------------------
+
+// Owns the host's number of one open file, and closes it.
+class OpenFileNumber {
+ public:
+  // number is -1 if no file is open.
+  explicit OpenFileNumber(int number = -1) : number_(number) {}
+  // Closes the file if it is open; an error that the host reports then is lost.
+  ~OpenFileNumber() { (void)Close(); }
+  OpenFileNumber(OpenFileNumber&& other) noexcept : number_(other.Release()) {}
+  OpenFileNumber& operator=(OpenFileNumber&& other) noexcept;
+  OpenFileNumber(const OpenFileNumber&) = delete;
+  OpenFileNumber& operator=(const OpenFileNumber&) = delete;
+
+  [[nodiscard]] bool IsOpen() const { return number_ >= 0; }
+  [[nodiscard]] int Get() const { return number_; }
+  // Closes the file, which is closed in every case then. The host's error number (errno), or 0 if
+  // all went well or no file was open.
+  int Close();
+
+ private:
+  // Gives the number away without closing the file.
+  int Release();
+
+  int number_;
+};
 
 // How RandomAccessFile opens a file.
 enum class FileAccess {
   kRead,   // the file must exist
   kWrite,  // the file must exist; the host needs no right to read it, and ReadAt fails
-  // For reading and writing. A file that doesn't exist is created, empty. If the host lets us only
-  // read it, it is opened for reading, and WriteError tells why.
+  // The file is opened for reading and writing, and created, empty, if it doesn't exist.
+  kCreate,
+  // As kCreate. But if the host lets us only read the file, it is opened for reading, and
+  // WriteError tells why.
   kCreateOrFallBack,
 };
 
 // One open host file whose bytes are read and written in place, at offsets in bytes from its start.
 // There is no position and no buffer: each call goes to the host. The object owns the open file.
+// Its destructor closes it, but can't tell of an error that the host reports then; Close can.
 class RandomAccessFile {
  public:
   // No file is open. Only IsOpen, Open, Close and moves make sense then.
   RandomAccessFile() = default;
   RandomAccessFile(const std::string& path, FileAccess access) { Open(path, access); }
-  // Closes the file if it is open; an error that the host reports then is lost. Call Close to hear
-  // of it.
-  ~RandomAccessFile();
-  RandomAccessFile(RandomAccessFile&& other) noexcept;
-  RandomAccessFile& operator=(RandomAccessFile&& other) noexcept;
-  RandomAccessFile(const RandomAccessFile&) = delete;
-  RandomAccessFile& operator=(const RandomAccessFile&) = delete;
 
-  // Opens path, after closing what was open before (as the destructor does). HostError if the host
+  // Closes what was open before, as the destructor does, then opens path. HostError if the host
   // refuses; no file is open then.
   void Open(const std::string& path, FileAccess access);
-  [[nodiscard]] bool IsOpen() const { return file_ >= 0; }
+  [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
   // The path as it was given to Open.
   [[nodiscard]] const std::string& Path() const { return path_; }
   // Why the file could be opened only for reading: the host's error number (errno). 0 if it can be
@@ -78,20 +121,46 @@ class RandomAccessFile {
 
  private:
   std::string path_;
-  int file_ = -1;  // the host's number of the open file, -1 if none is open
+  OpenFileNumber file_;
   int writeError_ = 0;
 };
 
-// When the bytes of a replaced file have to be on the medium: before its name is, so that a power
-// cut too leaves a whole file; or whenever the host likes, for files that are copies of what a disc
-// holds anyway.
-enum class OnMedium { kAtOnce, kLater };
+// A host file that only grows: what is written goes behind what any program has written before.
+class AppendedFile {
+ public:
+  // No file is open. Only IsOpen, Open and Close make sense then.
+  AppendedFile() = default;
 
-// A whole host file that is written anew. The bytes go to a temporary name in the same folder;
+  // Closes what was open before, then opens path, or creates it. HostError if the host refuses; no
+  // file is open then.
+  void Open(const std::string& path);
+  [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
+  // Writes all of text, at once and without a buffer. HostError if the host doesn't take all of it.
+  void Append(const std::string& text);
+  // An error that the host reports now is lost.
+  void Close() { (void)file_.Close(); }
+
+ private:
+  std::string path_;
+  OpenFileNumber file_;
+};
+
+// --- Files that are written anew -------------------------------------------------------------
+
+// When the bytes of a replaced file have to be on the medium.
+enum class OnMedium {
+  kAtOnce,  // before the file gets its name, so that also a power cut leaves a whole file
+  kLater,   // whenever the host likes; for files that are copies of what a disc holds anyway
+};
+
+// A whole host file that is written anew. The bytes go to a temporary name in the same folder.
 // Close puts the file in place, so that a kill at any moment leaves the old file or the new one.
-// Destroyed without Close, it removes the temporary and leaves the old file.
+// Without Close, the destructor removes the temporary file and leaves the old one. Devices and
+// pipes can't be replaced: the bytes go straight to them.
 class OutputFile {
  public:
+  // Creates the temporary file. A link isn't replaced, but the file that it leads to. HostError if
+  // path is a folder, can't be written, or its folder can't.
   explicit OutputFile(const std::string& path, OnMedium onMedium = OnMedium::kAtOnce);
   ~OutputFile();
   OutputFile(OutputFile&& other) noexcept;
@@ -103,26 +172,30 @@ class OutputFile {
   void Write(const std::string& text);
   // Leaves a hole of that many bytes, which reads as zeros and takes no room on the medium.
   void Skip(std::uint64_t bytes);
-  // Puts the file in place; an older one goes only once the new one is on the medium (unless
-  // kLater). HostError if that fails; the old file stays.
+  // Puts the file in place. The older file goes only once the new one is on the medium (unless
+  // kLater). HostError if that fails; the older file stays then.
   void Close();
 
  private:
+  // Makes the temporary file; HostError names path.
+  void CreateTemporary(const std::string& path);
   // True if Close waits until every byte is on the medium.
-  bool IsAwaited() const;
-  // Bytes more have been written, which Close will have to wait for if it IsAwaited.
+  [[nodiscard]] bool IsAwaited() const;
+  // The caller has written that many bytes more. If Close will wait for them (IsAwaited), the host
+  // is asked from time to time to start sending them to the medium.
   void SendOn(std::size_t bytes);
 
   std::string path_;
-  std::string temporary_;
+  std::string temporary_;  // empty if the bytes go straight to path_
   OnMedium onMedium_;
-  int file_ = -1;
+  OpenFileNumber file_;
   std::size_t waiting_ = 0;  // bytes written since the host was last asked to send them on
   bool replaces_ = false;
   bool endsInHole_ = false;
 };
 
-// Replaces and creates a host file. All writers of whole host files use it.
-OutputFile CreateOutputFile(const std::string& path, OnMedium onMedium = OnMedium::kAtOnce);
+// Replaces or creates a host file. All code that writes a whole host file uses it.
+[[nodiscard]] OutputFile CreateOutputFile(const std::string& path,
+                                          OnMedium onMedium = OnMedium::kAtOnce);
 
 }  // namespace sectorbox

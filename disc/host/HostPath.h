@@ -4,9 +4,30 @@
 #include <optional>
 #include <string>
 
-// Paths of the host, as text, and what a path stands for. The text is in the encoding of the host's
-// file names; nothing here changes the process's current folder.
+// Paths of the host: taking them apart, putting them together, and what file they stand for. A path
+// is bytes in the encoding of the host's file names. Nothing here changes the process's current
+// folder.
 namespace sectorbox {
+
+// --- The text of a path; the host isn't asked ------------------------------------------------
+
+// The path of name inside folder. One separator stands between the two, also if folder ends with
+// one already.
+[[nodiscard]] std::string JoinHostPath(const std::string& folder, const std::string& name);
+// The last part of a path: "/a/b" and "/a/b/" give "b". Empty for an empty path and for a root.
+[[nodiscard]] std::string HostBaseName(const std::string& path);
+// The folder that a file's path lies in: "/a/b" gives "/a", a lone name gives ".".
+[[nodiscard]] std::string HostFolderOf(const std::string& path);
+
+// --- What a path stands for ------------------------------------------------------------------
+
+// The same path from the root on. HostError for an empty path, and for a relative one if the
+// current folder doesn't exist any more.
+[[nodiscard]] std::string AbsoluteHostPath(const std::string& path);
+// The path from the root on, without a separator, "." or ".." at its end, so that its last part is
+// the name that the file or folder has. HostError as for AbsoluteHostPath, and if "." or ".." at
+// the end can't be followed.
+[[nodiscard]] std::string ResolveHostPath(const std::string& path);
 
 // Which file an open file or a path is, whatever its name. Two are equal only if they are the same
 // file on the same file system. The numbers mean nothing outside this process.
@@ -17,8 +38,12 @@ struct FileIdentity {
   bool operator==(const FileIdentity&) const = default;
 };
 
-// The identity of the file or folder that path names; links are followed. Nothing if there is no
+// The identity of the file or folder that path names; links are followed. HostError if there is no
 // such file, or if the host doesn't let us look.
+[[nodiscard]] FileIdentity RequireIdentity(const std::string& path);
+// The same, but nothing where RequireIdentity throws.
 [[nodiscard]] std::optional<FileIdentity> IdentityOfPath(const std::string& path);
+// True if both paths name one file or folder that exists.
+[[nodiscard]] bool NameSameFile(const std::string& one, const std::string& other);
 
 }  // namespace sectorbox

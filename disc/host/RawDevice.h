@@ -15,27 +15,33 @@ class RawDevice {
  public:
   virtual ~RawDevice() = default;
 
-  // Opens an existing device for reading and writing, without buffering where the medium is a
-  // block device, and not while the system itself has it in use (a mounted file system). False when
-  // that fails; nothing is reported here. Closes what was open before.
+  // Closes what was open before, then opens an existing device for reading and writing. A block
+  // device is opened without buffering, and not while the system itself uses it (a mounted file
+  // system). False if that fails; LastError tells why, and nobody else is told.
   virtual bool Open(const std::string& path) = 0;
   virtual bool IsOpen() const = 0;
-  // Both give the count of bytes done, which is short at the end of the device or on a fault.
+  // Both give the count of bytes done. It is smaller than the buffer at the end of the device, on a
+  // fault, and while nothing is open (0). A device never grows.
   virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
   virtual std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) = 0;
-  // What was written is on the medium when this returns, unless LastError says otherwise.
+  // Closes the device. What was written is on the medium then, unless LastError says otherwise.
+  // Nothing happens if no device is open.
   virtual void Close() = 0;
-  // The system's error number of the last of these calls that failed, until another one succeeds;
-  // 0 when there is none, as after a transfer that merely ended at the end of the device.
+  // The system's error number (errno) of the last Open, Read, Write or Close; 0 if that went well.
+  // A transfer that ends at the end of the device has gone well.
   virtual int LastError() const { return 0; }
-  // True if path is the very device or file that is open, by whatever name.
+  // True if path names the device or file that is open, also by another of its names. False while
+  // nothing is open.
   virtual bool Is(const std::string& path) const {
     (void)path;
     return false;
   }
 };
 
-// The real thing, on the platform's own calls.
-std::unique_ptr<RawDevice> MakeHostDevice();
+// A device on the host's own calls.
+[[nodiscard]] std::unique_ptr<RawDevice> MakeHostDevice();
+
+// True for the error number (RawDevice::LastError) of a reader that has no card in it.
+[[nodiscard]] bool IsNoMedium(int errorNumber);
 
 }  // namespace sectorbox

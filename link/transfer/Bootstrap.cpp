@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "disc/host/HostFile.h"
-#include "link/transfer/TransferFile.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Protocol.h"
 
@@ -20,7 +19,7 @@ constexpr std::array<const char*, 4> kCompleteLines = {kStars, "REM File Transfe
 constexpr std::array<const char*, 2> kAbortedLines = {kStars, "REM File Transfer Aborted"};
 constexpr std::array<const char*, 2> kLastLines = {kStars, "*FX 2,0"};
 
-// The loader reads exactly &166A bytes and judges their sum by itself; the PC checks neither.
+// The loader reads exactly &166A bytes and checks their sum. The PC checks neither.
 constexpr std::array<const char*, 6> kLoader = {
     "10CLS:P.\"Please Wait ...\";:*DISC",
     "20T%=0:F.A%=0TO&1669:C%=GET:T%=(T%+C%)AND255:A%?&2FB3=C%",
@@ -31,8 +30,8 @@ constexpr std::array<const char*, 6> kLoader = {
 
 constexpr std::size_t kBytesBetweenPumps = 50;
 
-// The port at 1200 baud for the time of a bootstrap, closed and at 19200 afterwards however it
-// ends.
+// Sets the port to 1200 baud for the time of a bootstrap. However the bootstrap ends, the
+// destructor closes the port and sets it to 19200 baud.
 class BareLine {
  public:
   explicit BareLine(Link& link) : link_(link) {
@@ -46,7 +45,8 @@ class BareLine {
   BareLine(const BareLine&) = delete;
   BareLine& operator=(const BareLine&) = delete;
 
-  // Apart from the constructor, so that a port that can't be opened is left at 19200, too.
+  // This isn't part of the constructor, so that the destructor also runs for a port that can't be
+  // opened.
   void Open() {
     if (!link_.Port.PortOpen()) link_.Port.Open();
   }
@@ -56,8 +56,8 @@ class BareLine {
 };
 
 std::string ReadCompanionFile(Link& link, const char* name) {
-  const std::string path = link.Host.ProgramFolder() + "/" + name;
-  if (!HostFileExists(path)) TransferFile(path, TransferFile::Access::kReadWrite);
+  const std::string path = JoinHostPath(link.Host.ProgramFolder(), name);
+  if (!HostFileExists(path)) RandomAccessFile(path, FileAccess::kCreate).Close();
   const std::vector<std::uint8_t> bytes = ReadHostFile(path);
   return {bytes.begin(), bytes.end()};
 }
@@ -67,7 +67,8 @@ void TypeLines(Link& link, const Lines& lines) {
   for (const char* line : lines) SendCommand(link, std::string(line) + "\r", false);
 }
 
-// The line at the position, which moves past its end: a CR, an LF, or CR and LF.
+// The line that begins at position. position moves behind the line's end: a CR, an LF, or CR and
+// LF.
 std::string_view TakeLine(std::string_view text, std::size_t& position) {
   const std::size_t end = std::min(text.find_first_of("\r\n", position), text.size());
   const std::string_view line = text.substr(position, end - position);

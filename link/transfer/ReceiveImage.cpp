@@ -54,7 +54,7 @@ bool Receiver::ReadMap() {
   return true;
 }
 
-// The disc's size alone decides the kind of image: the three floppies, or a hard disc.
+// The disc's size alone decides the kind of image: one of the three floppies, or a hard disc.
 std::string Receiver::AskFile() {
   const char* filter = "ADFS (*.dat)|*.dat";
   if (map_.DiscSize == 640 || map_.DiscSize == 1280) filter = "ADFS (*.adf)|*.adf";
@@ -65,8 +65,9 @@ std::string Receiver::AskFile() {
   return link_.Host.AskSaveFileName({"Receive ADFS Image", filter, ""});
 }
 
-// Without a word to the server: it has finished its exchange or notices the silence. Only an Abort
-// during the compare says ESC, 2 first, since the server may still be computing.
+// Nothing is sent to the server: it has finished its exchange, or it notices the silence. Only
+// after an Abort during the compare the caller sends ESC, 2 first, as the server may still be
+// computing.
 Transfer::Progress Receiver::Abandon() {
   ResetLink(link_);
   link_.Host.CloseTransfer();
@@ -76,7 +77,7 @@ Transfer::Progress Receiver::Abandon() {
 Transfer::Compared Receiver::CompareFirst() {
   if (!link_.Host.CheckBeforeTransfer()) return Compared::kDifferent;
   file_->ReadChunk(layout_, current_, count_, map_.DiscSize, buffer_);
-  std::uint32_t crc = 0;  // of the plain data, unlike that of a stream
+  std::uint32_t crc = 0;  // of the plain data; the CRC of a stream is another one
   UpdateCRC(crc, buffer_);
   return CompareWithDrive(crc);
 }
@@ -116,8 +117,8 @@ Transfer::Progress Receiver::ReadChunk() {
   }
   CountFailure(status);
   if (status == SectorStatus::kReadError) GiveWay();
-  // The second reset after ReadSectors' own: a server that was still sending when the port was
-  // closed gets one more silence to come to rest in.
+  // ReadSectors has reset the link once already. A server that was still sending when the port was
+  // closed gets a second silence in which it comes to rest.
   ResetLink(link_);
   return Progress::kGoOn;
 }
@@ -143,7 +144,7 @@ bool ReceiveImage(Link& link, std::int32_t drive, bool dataOnly, std::string& fi
   try {
     return Receiver(link, drive).Run(dataOnly, fileName);
   } catch (const HostError& error) {
-    // A port that was pulled out or a full disc: the file is closed as far as it got.
+    // The user pulled the port out, or the host's disc is full. The file stays as far as it got.
     link.Host.CloseTransfer();
     link.Host.ShowWarning(error.what());
     return false;

@@ -21,8 +21,8 @@ class Sender final : public Transfer {
   Sender(Link& link, std::int32_t drive) : Transfer(link, drive, kWords) {}
 
   void Run(bool dataOnly) {
-    // The flag is cleared only after connecting, unlike in a receive: an Abort that is still set
-    // from before makes the connection fail.
+    // A receive clears the flag before it connects, a send only after that: an Abort that is still
+    // set from before makes the connection fail.
     if (!ConnectIfClosed()) return;
     link_.AbortRequested = false;
     if (!AskBufferSize() || !ChooseFile() || !SelectDrive() || !AskDriveSize()) return;
@@ -67,9 +67,9 @@ bool Sender::ChooseFile() {
   return upper.ends_with(".DAT") || Refuse("Unknown image type");
 }
 
-// *FREE prints the free sectors in hex at the start of its first line and the used ones at the
-// start of its second. The second number is looked for right behind the CR: the BBC ends a line
-// with LF and CR in that order.
+// *FREE prints the free sectors in hex at the start of its first line, and the used ones at the
+// start of its second line. The second number stands right behind the first CR, as the BBC ends a
+// line with LF and CR in that order.
 bool Sender::AskDriveSize() {
   constexpr std::size_t kDigits = 6;
   const std::string reply = SendCommand(link_, "*FREE\r", true);
@@ -82,15 +82,16 @@ bool Sender::AskDriveSize() {
 
 bool Sender::FitsDrive() {
   std::array<std::uint8_t, std::size_t{2} * wire::kSectorSize> sectors{};
-  file_->ReadAt(0, sectors);  // sectors 0 and 1 come first in every layout
+  file_->ReadAt(0, sectors);  // sectors 0 and 1 are the first in every layout
   map_ = ParseTransferMap(link_, sectors);
-  // A hard disc image is sent whatever its size: *FREE may know less of the drive than its user.
+  // A hard disc image is sent whatever its size: the user may know more of the drive than *FREE
+  // tells.
   if (kind_ == Kind::kDat || map_.DiscSize <= driveSectors_) return true;
   return Refuse("Drive " + std::to_string(drive_) + " is too small for the image");
 }
 
 Transfer::Progress Sender::Abandon() {
-  link_.AbortRequested = false;  // or the order to abandon would itself be refused
+  link_.AbortRequested = false;  // the flag would refuse the order to abandon, too
   SendCommand(link_, std::string(wire::kAbandon), false);
   ResetLink(link_);
   link_.Host.CloseTransfer();
@@ -123,8 +124,8 @@ Transfer::Progress Sender::RunChunk() {
   return WriteChunk();
 }
 
-// The write command and its acknowledge. Without one the server may be deep in a stream that it
-// believes unfinished, so it is told to abandon that before the chunk comes again.
+// Sends the write command and waits for its acknowledge. If none comes, the server may still wait
+// for the rest of a stream, so it is told to abandon that before the chunk is sent again.
 bool Sender::AnnounceChunk() {
   if (IsAcknowledge(SendCommand(link_, ChunkCommand('a'), true))) return true;
   TraceLine(link_, "Received no reply for disc " + std::to_string(drive_) + " sector " +
@@ -134,8 +135,8 @@ bool Sender::AnnounceChunk() {
   SendCommand(link_, std::string(wire::kAbandon), false);
   ResetLink(link_);
   CountRetry();
-  // An Abort that came while the acknowledge was awaited is taken up at the top of the next chunk.
-  // Its dialog is gone, so losing it here would leave nobody able to end the transfer.
+  // An Abort may have come while the acknowledge was awaited; the next chunk takes it up at its
+  // start. The dialog is gone, so if the Abort were lost here, nobody could end the transfer.
   if (abortWanted) link_.AbortRequested = true;
   return false;
 }
@@ -166,7 +167,7 @@ void Sender::JudgeReply(bool replied, const std::string& reply, std::uint32_t wi
     AccountForChunk();
     CountSingle();
   } else {
-    // The server has replied, so it is at rest: the chunk goes again at once, with no reset.
+    // The server has replied, so it is at rest: the chunk is sent again at once, without a reset.
     TraceLine(link_, "Mismatch in CRC\r");
     ++counters_.BadCRCs;
     ShowCounters();

@@ -12,7 +12,8 @@ constexpr char kErrorTitle[] = "* Command Error";
 constexpr char kNoAnswer[] = "Problem sending * Command";
 
 void ShowErrorText(Link& link) {
-  SendCommand(link, std::string(wire::kStarError), false);  // without a CR: it asks for the text
+  // The token without a CR asks the server for the text of the error.
+  SendCommand(link, std::string(wire::kStarError), false);
   std::string text;
   link.Host.ShowMessage(ReadReply(link, text) ? text : kNoAnswer, kErrorTitle);
 }
@@ -25,10 +26,10 @@ void CollectOutput(Link& link, std::string text,
     const std::string shown = ExpandCarriageReturns(text);
     if (shown.size() > 1) PumpEvents(link);
     show(shown);
-    // No button can set the flag while the console waits, but Ctrl-C at a prompt can: it is the
-    // way out of a command that never stops printing.
+    // No button can set the flag while the console waits, but Ctrl-C at a command line can. So the
+    // user can end a command that never stops printing.
     if (link.AbortRequested) return;
-    // The token doesn't end the loop, silence does: the BBC may print in bursts.
+    // Silence ends the loop, and not the token: the BBC may print in bursts.
     link.Host.Sleep(wire::kConsolePause);
     text.clear();
     if (link.Port.InBufferCount() > 0) ReadReply(link, text);

@@ -7,14 +7,14 @@
 
 namespace sectorbox {
 
-// Runs one command at the BBC's prompt; the star is put in front here. Its output goes piece by
-// piece to show, with every CR as CR LF, for as long as the BBC keeps sending: a piece ends with a
-// tenth of a second of silence, the command when nothing came in a further second.
+// Runs one command at the BBC's prompt; this call puts the star in front. show gets the output
+// piece by piece, with CR LF for every CR, as long as the BBC sends. A piece ends with a tenth of a
+// second of silence. The command ends if nothing comes in another second.
 //
-// True when the command ran. False when it failed; the BBC's own error text, or the words for no
-// answer, have then been shown. Doesn't connect: the port is opened at the settings that stand.
-// An AbortRequested that the last transfer left set makes every command fail at once; one that
-// comes while the output is collected ends that behind the piece at hand.
+// True if the command ran. False if it failed; a box has shown the BBC's own error text then, or
+// the words for no answer. This call doesn't connect: it opens a closed port with the settings that
+// it has. If the last transfer left AbortRequested set, every command fails at once. If
+// AbortRequested is set while the output comes in, the command ends behind the piece that has come.
 bool RunStarCommand(Link& link, const std::string& command,
                     const std::function<void(const std::string&)>& show);
 

@@ -4,6 +4,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
+#include "disc/host/HostPath.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"
 #include "link/wire/Protocol.h"
@@ -12,7 +13,7 @@
 namespace sectorbox {
 namespace {
 
-// No BBC has so large a buffer; a bound for what garbage on the line can make us allocate.
+// No BBC has so large a buffer. The bound keeps noise on the line from making us take much memory.
 constexpr std::int64_t kMostBufferSectors = 4096;
 
 }  // namespace
@@ -33,7 +34,7 @@ bool Transfer::ConnectIfClosed() {
 bool Transfer::AskBufferSize() {
   const std::string reply = SendCommand(link_, "B\r", true);
   const std::int64_t sectors = LeadingNumber(reply) / wire::kSectorSize;
-  // With no room for one sector no chunk could ever be made.
+  // A buffer without room for one sector can't take any chunk.
   if (sectors < 1) return Refuse("Error reading track buffer size");
   bufferSectors_ = static_cast<std::int32_t>(std::min(sectors, kMostBufferSectors));
   TraceLine(link_, "Transfer buffer is " + std::to_string(bufferSectors_) + " sectors\r");
@@ -88,7 +89,7 @@ Transfer::Progress Transfer::RunAreas(bool dataOnly) {
 
 void Transfer::Finish() {
   if (done_ != usedSectors_) {
-    // Only a map that contradicts itself gets here: runs that overlap or are out of order.
+    // Only a map that contradicts itself leads here: its runs overlap or are out of order.
     const std::string text = "Sector write mismatch - written = " + std::to_string(done_) +
                              " used = " + std::to_string(usedSectors_);
     TraceLine(link_, text + "\r");
@@ -96,7 +97,7 @@ void Transfer::Finish() {
   }
   link_.Host.FinishTransfer();
   if (!link_.Host.PlayWaveOnSuccess()) return;
-  link_.Host.PlayWave(link_.Host.ProgramFolder() + "/xfer.wav", false);
+  link_.Host.PlayWave(JoinHostPath(link_.Host.ProgramFolder(), "xfer.wav"), false);
 }
 
 void Transfer::BeginChunk() {

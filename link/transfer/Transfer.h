@@ -11,9 +11,9 @@
 
 namespace sectorbox {
 
-// What a receive and a send have in common: getting hold of the drive, the areas to go through, the
-// chunks within them, the dialog and the end. An area is a stretch of used sectors between two free
-// runs; a whole-disc transfer has one area. A chunk is what one exchange carries.
+// What a receive and a send have in common: the steps to the drive, the areas, their chunks, the
+// dialog and the end. An area is a stretch of used sectors between two free runs; a transfer of the
+// whole disc has one area. A chunk is the sectors that one exchange carries.
 class Transfer {
  public:
   Transfer(const Transfer&) = delete;
@@ -34,37 +34,41 @@ class Transfer {
   Transfer(Link& link, std::int32_t drive, const Words& words);
   virtual ~Transfer() = default;
 
-  // One exchange for the next chunk: sets the chunk's place, moves it, accounts for it. A chunk
-  // that failed is simply not accounted for, and so comes again.
+  // One exchange for the next chunk: it sets count_, moves the sectors, and accounts for them. A
+  // chunk that failed isn't accounted for, and so it comes again.
   virtual Progress RunChunk() = 0;
 
-  // Steps of the way to the first chunk. Each gives false when it has shown why not.
-  bool ConnectIfClosed();
-  bool AskBufferSize();
-  bool SelectDrive();
-  bool OpenFile(const std::string& fileName, TransferFile::Access access);
-  bool Refuse(const std::string& message);
+  // The steps up to the first chunk. Each gives false if it failed; a box has told the user why
+  // then.
+  [[nodiscard]] bool ConnectIfClosed();
+  [[nodiscard]] bool AskBufferSize();
+  [[nodiscard]] bool SelectDrive();
+  [[nodiscard]] bool OpenFile(const std::string& fileName, TransferFile::Access access);
+  // Shows the message; always false.
+  [[nodiscard]] bool Refuse(const std::string& message);
 
-  // The dialog, the list of areas, and all chunks of all areas.
+  // Opens the dialog, and clears AbortRequested.
   void OpenDialog();
-  Progress RunAreas(bool dataOnly);
-  // The count of sectors, OK in the dialog, and the sound.
+  // Goes through all chunks of all areas.
+  [[nodiscard]] Progress RunAreas(bool dataOnly);
+  // The end: checks the count of sectors, enables OK in the dialog, and plays the sound.
   void Finish();
 
   // --- Within a chunk --------------------------------------------------------------------------
-  // The next chunk's length; shown and traced.
+  // Shows and traces the chunk's sectors, and sizes buffer_ for them.
   void BeginChunk();
   // The command of one exchange: a letter, then drive, first sector and count.
-  std::string ChunkCommand(char letter) const;
-  // Asks for the CRC of the chunk's plain data as the drive holds it, and compares it with crc. A
-  // server that can't read its disc counts as different: the chunk is transferred then.
+  [[nodiscard]] std::string ChunkCommand(char letter) const;
+  // Asks for the CRC of the chunk's plain data on the drive, and compares it with crc. If the
+  // server can't read its disc, the result is kDifferent: the chunk is transferred then.
   enum class Compared { kEqual, kDifferent, kNoReply, kAborted };
-  Compared CompareWithDrive(std::uint32_t crc);
-  // The chunk is done: exchanged or found unchanged. Only an exchange counts singles down.
+  [[nodiscard]] Compared CompareWithDrive(std::uint32_t crc);
+  // The chunk is done, as it was exchanged or found unchanged. CountSingle is for an exchange only:
+  // it counts down the single sectors that GiveWay has asked for.
   void AccountForChunk();
   void CountSingle();
-  // A chunk that can't be read or written is gone through sector by sector; a single sector that
-  // can't is given up, traced, and full chunks resume at once.
+  // The chunk can't be read or written. Its sectors are tried one by one then. If the chunk is a
+  // single sector, that sector is given up and traced, and the next chunk is a full one again.
   void GiveWay();
   void CountRetry();
   void ShowCounters();
@@ -82,9 +86,9 @@ class Transfer {
   std::int32_t areaLeft_ = 0;       // sectors still to do in the current area
   std::int32_t current_ = 0;        // first sector of the chunk
   std::int32_t count_ = 0;          // sectors in the chunk
-  std::int32_t done_ = 0;           // sectors handled, skipped ones included
-  std::int32_t chunkLimit_ = 0;     // the most sectors per exchange
-  std::int32_t singlesLeft_ = 0;    // single exchanges before full chunks come back
+  std::int32_t done_ = 0;           // sectors handled, those given up included
+  std::int32_t chunkLimit_ = 0;     // the most sectors in an exchange
+  std::int32_t singlesLeft_ = 0;    // single sectors to come before full chunks come back
   std::vector<std::uint8_t> buffer_;
 
  private:

@@ -1,13 +1,8 @@
 #include "link/transfer/TransferFile.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 
 #include "disc/format/Format.h"
-#include "disc/host/HostError.h"
 
 namespace sectorbox {
 namespace {
@@ -29,36 +24,16 @@ std::int64_t TransferOffset(FileLayout layout, std::int32_t sector) {
   return (std::int64_t{stored} * kFloppySectors + sector % kFloppySectors) * kSectorSize;
 }
 
-TransferFile::TransferFile(const std::string& path, Access access) : path_(path) {
-  const int flags = access == Access::kRead ? O_RDONLY : O_RDWR | O_CREAT;
-  file_ = ::open(path.c_str(), flags | O_CLOEXEC, 0666);
-  if (file_ < 0) ThrowHostError(path_, errno);
-}
-
-TransferFile::~TransferFile() {
-  ::close(file_);
-}
+TransferFile::TransferFile(const std::string& path, Access access)
+    : file_(path, access == Access::kRead ? FileAccess::kRead : FileAccess::kCreate) {}
 
 void TransferFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) const {
-  std::fill(bytes.begin(), bytes.end(), std::uint8_t{0});
-  while (!bytes.empty()) {
-    const ssize_t got = ::pread(file_, bytes.data(), bytes.size(), offset);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) ThrowHostError(path_, errno);
-    if (got == 0) return;
-    bytes = bytes.subspan(static_cast<std::size_t>(got));
-    offset += got;
-  }
+  const std::size_t done = file_.ReadAt(static_cast<std::uint64_t>(offset), bytes);
+  std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(done), bytes.end(), std::uint8_t{0});
 }
 
 void TransferFile::WriteAt(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  while (!bytes.empty()) {
-    const ssize_t done = ::pwrite(file_, bytes.data(), bytes.size(), offset);
-    if (done < 0 && errno == EINTR) continue;
-    if (done <= 0) ThrowHostError(path_, done < 0 ? errno : ENOSPC);
-    bytes = bytes.subspan(static_cast<std::size_t>(done));
-    offset += done;
-  }
+  file_.WriteAt(static_cast<std::uint64_t>(offset), bytes);
 }
 
 void TransferFile::ReadChunk(FileLayout layout, std::int32_t first, std::int32_t count,

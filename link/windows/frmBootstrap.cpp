@@ -7,7 +7,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <array>
-#include <utility>
 
 #include "disc/host/HostError.h"
 #include "toolkit/Boxes.h"
@@ -24,20 +23,32 @@ constexpr std::array<const char*, 7> kInstructions = {
     "*FX 7,4",
     "*FX 8,4",
     "*FX 2,1"};
-constexpr int kFirstTyped = 2;  // from here on: what is typed at the BBC
+constexpr int kFirstTyped = 2;  // the user types the lines from here on at the BBC
 
 }  // namespace
 
-frmBootstrap::frmBootstrap(Link& link, const char* name, const char* caption, Send send,
-                           QWidget* parent)
+frmBootstrap::frmBootstrap(Link& link, const char* name, const char* caption, QWidget* parent)
     : QDialog(parent),
       link_(link),
-      send_(std::move(send)),
       pb_(new QProgressBar(this)),
-      cmdGo_(new QPushButton(QStringLiteral("Go"), this)) {
+      cmdGo_(new QPushButton(QStringLiteral("Go"), this)),
+      cmdCancel_(new QPushButton(QStringLiteral("Cancel"), this)) {
   setObjectName(QString::fromLatin1(name));
   setWindowTitle(QString::fromLatin1(caption));
   setModal(true);
+  pb_->setObjectName(QStringLiteral("pb"));
+  pb_->setRange(0, 100);
+  pb_->setValue(0);
+  cmdGo_->setObjectName(QStringLiteral("cmdGo"));
+  cmdCancel_->setObjectName(QStringLiteral("cmdCancel"));
+  Arrange();
+  link_.AbortRequested = true;
+  connect(cmdGo_, &QPushButton::clicked, this, [this] { cmdGo_Click(); });
+  connect(cmdCancel_, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
+}
+
+// One label for each line of the instructions, then the progress bar and the buttons.
+void frmBootstrap::Arrange() {
   auto* layout = new QVBoxLayout(this);
   for (int i = 0; i < static_cast<int>(kInstructions.size()); ++i) {
     auto* label = new QLabel(QString::fromLatin1(kInstructions[static_cast<std::size_t>(i)]), this);
@@ -46,28 +57,19 @@ frmBootstrap::frmBootstrap(Link& link, const char* name, const char* caption, Se
     if (i >= kFirstTyped) label->setIndent(24);
     layout->addWidget(label);
   }
-  pb_->setObjectName(QStringLiteral("pb"));
-  pb_->setRange(0, 100);
-  pb_->setValue(0);
   layout->addWidget(pb_);
-  cmdGo_->setObjectName(QStringLiteral("cmdGo"));
-  auto* cmdCancel = new QPushButton(QStringLiteral("Cancel"), this);
-  cmdCancel->setObjectName(QStringLiteral("cmdCancel"));
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
   buttons->addWidget(cmdGo_);
-  buttons->addWidget(cmdCancel);
+  buttons->addWidget(cmdCancel_);
   layout->addLayout(buttons);
-  link_.AbortRequested = true;
-  connect(cmdGo_, &QPushButton::clicked, this, [this] { cmdGo_Click(); });
-  connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
 }
 
 void frmBootstrap::cmdGo_Click() {
   sending_ = true;
   cmdGo_->setEnabled(false);
   try {
-    send_(link_, [this](double percent) { pb_->setValue(static_cast<int>(percent)); });
+    SendProgram(link_, [this](double percent) { pb_->setValue(static_cast<int>(percent)); });
   } catch (const HostError& error) {
     ShowBox(this, FromHost(error.what()), QStringLiteral("Sectorbox"), BoxIcon::kExclamation);
   }

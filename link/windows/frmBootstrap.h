@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
 
 #include "link/transfer/Bootstrap.h"
 #include "link/wire/Link.h"
@@ -12,28 +11,31 @@ class QPushButton;
 namespace sectorbox {
 
 // What the two bootstrap dialogs share: what to type at the BBC, Go and Cancel.
-// Link::AbortRequested is the dialog's state: set means idle. Loading the dialog sets it, so that
-// Cancel closes; Cancel during a send stops the send, and the dialog closes when that has ended.
-// link outlives it.
+// Link::AbortRequested is the dialog's state: set means idle. The constructor sets it, so that
+// Cancel closes the dialog. Cancel during a send stops the send, and the dialog closes when the
+// send has ended. link outlives the dialog.
 class frmBootstrap : public QDialog {
- public:
-  using Send = std::function<void(Link& link, const BootstrapProgress& progress)>;
-
  protected:
-  frmBootstrap(Link& link, const char* name, const char* caption, Send send, QWidget* parent);
+  // name is the dialog's object name, caption its title.
+  frmBootstrap(Link& link, const char* name, const char* caption, QWidget* parent);
+
+  // Sends the dialog's program. Called once, by Go; it runs events and returns when all has been
+  // sent, or after a Cancel. HostError if a file or the port fails.
+  virtual void SendProgram(Link& link, const BootstrapProgress& progress) = 0;
 
   void reject() override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void Arrange();
   void cmdGo_Click();
   void cmdCancel_Click();
 
   Link& link_;
-  Send send_;
   bool sending_ = false;
   QProgressBar* pb_;
   QPushButton* cmdGo_;
+  QPushButton* cmdCancel_;
 };
 
 }  // namespace sectorbox

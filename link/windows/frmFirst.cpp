@@ -3,6 +3,10 @@
 namespace sectorbox {
 
 frmFirst::frmFirst(Link& link, QWidget* parent)
-    : frmBootstrap(link, "frmFirst", "Send Basic Program", SendBasicProgram, parent) {}
+    : frmBootstrap(link, "frmFirst", "Send Basic Program", parent) {}
+
+void frmFirst::SendProgram(Link& link, const BootstrapProgress& progress) {
+  SendBasicProgram(link, progress);
+}
 
 }  // namespace sectorbox

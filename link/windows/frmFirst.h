@@ -8,6 +8,9 @@ namespace sectorbox {
 class frmFirst : public frmBootstrap {
  public:
   frmFirst(Link& link, QWidget* parent);
+
+ protected:
+  void SendProgram(Link& link, const BootstrapProgress& progress) override;
 };
 
 }  // namespace sectorbox

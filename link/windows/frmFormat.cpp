@@ -3,6 +3,10 @@
 namespace sectorbox {
 
 frmFormat::frmFormat(Link& link, QWidget* parent)
-    : frmBootstrap(link, "frmFormat", "Send Format Program", SendFormatProgram, parent) {}
+    : frmBootstrap(link, "frmFormat", "Send Format Program", parent) {}
+
+void frmFormat::SendProgram(Link& link, const BootstrapProgress& progress) {
+  SendFormatProgram(link, progress);
+}
 
 }  // namespace sectorbox

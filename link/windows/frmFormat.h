@@ -4,10 +4,13 @@
 
 namespace sectorbox {
 
-// "Send Format Program": sends the disc formatter, by way of a small loader.
+// "Send Format Program": sends the disc formatter with the help of a small loader.
 class frmFormat : public frmBootstrap {
  public:
   frmFormat(Link& link, QWidget* parent);
+
+ protected:
+  void SendProgram(Link& link, const BootstrapProgress& progress) override;
 };
 
 }  // namespace sectorbox

@@ -44,6 +44,18 @@ frmRX::frmRX(Link& link, const QString& caption, QWidget* parent)
   setObjectName(QStringLiteral("frmRX"));
   setWindowTitle(caption);
   setAttribute(Qt::WA_DeleteOnClose);
+  Arrange();
+  pb_->setRange(0, 100);
+  pb_->setValue(0);
+  cmdOK_->setEnabled(false);
+  cmdAbort_->setAutoDefault(false);
+  setFixedWidth(320);
+  RestorePlace(*this, kRXPlace);
+  connect(cmdAbort_, &QPushButton::clicked, this, [this] { Abort(); });
+  connect(cmdOK_, &QPushButton::clicked, this, [this] { Unload(); });
+}
+
+void frmRX::Arrange() {
   auto* counters = new QFormLayout;
   counters->addRow(Named(new QLabel(QStringLiteral("Retries"), this), "Label1"), txtRetry_);
   counters->addRow(Named(new QLabel(QStringLiteral("Bad CRC's"), this), "Label2"), txtCRC_);
@@ -58,14 +70,6 @@ frmRX::frmRX(Link& link, const QString& caption, QWidget* parent)
   layout->addWidget(pb_);
   layout->addLayout(counters);
   layout->addLayout(buttons);
-  pb_->setRange(0, 100);
-  pb_->setValue(0);
-  cmdOK_->setEnabled(false);
-  cmdAbort_->setAutoDefault(false);
-  setFixedWidth(320);
-  RestorePlace(*this, kRXPlace);
-  connect(cmdAbort_, &QPushButton::clicked, this, [this] { Abort(); });
-  connect(cmdOK_, &QPushButton::clicked, this, [this] { Unload(); });
 }
 
 void frmRX::ShowChunk(const QString& text) {

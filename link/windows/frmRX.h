@@ -12,8 +12,9 @@ class QPushButton;
 
 namespace sectorbox {
 
-// The progress of a transfer, in both directions. It keeps nobody from the other windows, stays up
-// after the end until OK is pressed, and deletes itself when it closes. link outlives it.
+// Shows the progress of a transfer, in both directions. The user can go on using the other windows.
+// The dialog stays after the transfer's end until the user presses OK, and deletes itself when it
+// closes. link outlives it.
 class frmRX : public QDialog {
  public:
   frmRX(Link& link, const QString& caption, QWidget* parent);
@@ -22,17 +23,19 @@ class frmRX : public QDialog {
   void ShowTotal(const QString& text);
   void ShowCounters(const TransferCounters& counters);
   void ShowPercent(float percent);
-  // The transfer is over: OK closes from now on.
+  // The transfer is over: OK is enabled, and closes the dialog.
   void Finish();
-  // Closes without a word to the transfer.
+  // Closes the dialog and leaves AbortRequested as it is.
   void Unload();
 
  protected:
-  // Escape and the close box are Abort while the transfer runs, so that none goes on unseen.
+  // While the transfer runs, Escape and the close box do what Abort does, so that no transfer goes
+  // on unseen.
   void reject() override;
   void closeEvent(QCloseEvent* event) override;
 
  private:
+  void Arrange();
   void Abort();
 
   Link& link_;

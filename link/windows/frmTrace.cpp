@@ -3,7 +3,6 @@
 #include <QCloseEvent>
 #include <QFont>
 #include <QTextCursor>
-#include <utility>
 
 #include "toolkit/WindowPlace.h"
 
@@ -13,7 +12,8 @@ namespace {
 constexpr qsizetype kMostCharacters = 32000;
 constexpr qsizetype kDroppedAtOnce = 4096;
 
-// The widget keeps one character for a line end; the trace has two.
+// Characters in the widget as the trace counts them: the widget keeps one for a line end, the trace
+// two.
 qsizetype LengthOf(const QPlainTextEdit& text) {
   return text.document()->characterCount() - 1 + text.blockCount() - 1;
 }
@@ -24,8 +24,8 @@ QString TextOf(const QPlainTextEdit& text) {
 
 }  // namespace
 
-frmTrace::frmTrace(QWidget* parent, std::function<void()> closed)
-    : QWidget(parent, Qt::Window), txtTrace_(new QPlainTextEdit(this)), closed_(std::move(closed)) {
+frmTrace::frmTrace(QWidget* parent)
+    : QWidget(parent, Qt::Window), txtTrace_(new QPlainTextEdit(this)) {
   setObjectName(QStringLiteral("frmTrace"));
   setWindowTitle(QStringLiteral("Trace"));
   setAttribute(Qt::WA_DeleteOnClose);
@@ -54,7 +54,7 @@ void frmTrace::resizeEvent(QResizeEvent*) {
 
 void frmTrace::closeEvent(QCloseEvent* event) {
   SavePlace(*this, kTracePlace);
-  closed_();
+  Q_EMIT Closed();
   event->accept();
 }
 

@@ -2,19 +2,23 @@
 
 #include <QPlainTextEdit>
 #include <QString>
-#include <functional>
 
 namespace sectorbox {
 
-// The trace in a window. It takes no typing, keeps about 32000 characters, and deletes itself when
-// it closes; the log file doesn't care.
+// The trace in a window. The user can't type into it. It keeps about 32000 characters, and deletes
+// itself when it closes; the log file goes on without it.
 class frmTrace : public QWidget {
- public:
-  // closed is called when the window goes, so that it can be opened again.
-  frmTrace(QWidget* parent, std::function<void()> closed);
+  Q_OBJECT
 
-  // text ends its lines with CR LF, which count as two characters.
+ public:
+  explicit frmTrace(QWidget* parent);
+
+  // Adds text at the end. Its lines end with CR LF, which count as two characters.
   void Append(const QString& text);
+
+ Q_SIGNALS:
+  // The user closes the window, which goes away behind this signal.
+  void Closed();
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
@@ -22,7 +26,6 @@ class frmTrace : public QWidget {
 
  private:
   QPlainTextEdit* txtTrace_;
-  std::function<void()> closed_;
 };
 
 }  // namespace sectorbox

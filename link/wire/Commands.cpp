@@ -7,7 +7,7 @@
 namespace sectorbox {
 namespace {
 
-// Longer than anything a BBC prints at once; noise on the line can't fill the memory.
+// More than any BBC prints at once. The bound keeps noise on the line from filling the memory.
 constexpr std::size_t kLongestReply = std::size_t{1} << 20;
 
 void OpenIfClosed(Link& link) {
@@ -37,8 +37,8 @@ std::string SendCommand(Link& link, const std::string& command, bool expectReply
     Poll(link);
     if (link.AbortRequested) break;
   }
-  // The flag refuses the write also when there was nothing to wait for. An aborted transfer leaves
-  // it set, so callers that must still be heard clear it first.
+  // The flag refuses the write also if there was nothing to wait for. An aborted transfer leaves
+  // the flag set, so a caller whose command must still go out clears it first.
   if (link.AbortRequested) return {};
   link.Port.Output(command);
   TraceHex(link, command, true);
@@ -53,7 +53,7 @@ void SendRaw(Link& link, std::string_view text) {
   if (!link.AbortRequested) link.Port.Output(text);
 }
 
-std::int32_t ReadByte(Link& link) {
+std::optional<std::uint8_t> ReadByte(Link& link) {
   link.TimedOut = false;
   EnableTimer(link);
   while (link.Port.InBufferCount() < 1) {
@@ -61,10 +61,10 @@ std::int32_t ReadByte(Link& link) {
     PumpEvents(link);
     if (link.TimedOut) {
       link.Timer4.Enabled = false;
-      return -1;
+      return std::nullopt;
     }
   }
-  const std::int32_t byte = link.Port.Input();
+  const std::uint8_t byte = link.Port.Input();
   link.Timer4.Enabled = false;
   return byte;
 }
@@ -72,14 +72,14 @@ std::int32_t ReadByte(Link& link) {
 bool ReadReply(Link& link, std::string& text) {
   text.clear();
   link.Timer4.Interval = wire::kFirstByteLimit;
-  std::int32_t byte = ReadByte(link);
-  if (byte < 0) {
+  std::optional<std::uint8_t> byte = ReadByte(link);
+  if (!byte) {
     TraceLine(link, "Timeout waiting for response\r");
     return false;
   }
   link.Timer4.Interval = wire::kReplySilence;
-  for (; byte >= 0 && text.size() < kLongestReply; byte = ReadByte(link)) {
-    text += static_cast<char>(byte);
+  for (; byte && text.size() < kLongestReply; byte = ReadByte(link)) {
+    text += static_cast<char>(*byte);
   }
   TraceHex(link, text, false);
   return true;
@@ -87,7 +87,7 @@ bool ReadReply(Link& link, std::string& text) {
 
 void ResetLink(Link& link) {
   link.Timer4.Interval = wire::kResetSilence;
-  while (ReadByte(link) >= 0) PumpEvents(link);
+  while (ReadByte(link)) PumpEvents(link);
   link.Port.Close();
   link.Host.Sleep(wire::kResetClosed);
   link.Port.Open();
@@ -98,7 +98,7 @@ std::string ConnectToBBC(Link& link) {
   const std::int32_t ticked = link.Host.TickedSpeed();
   const std::int32_t speed = ticked > 0 ? ticked : wire::kDefaultSpeed;
   SendCommand(link, "S" + std::to_string(speed) + "\r", false);
-  // The close comes right behind the write; the port lets the command out first.
+  // Close lets the command out before it closes the port.
   link.Port.Close();
   link.Port.Settings(wire::LineSettings(speed));
   link.Port.Open();
@@ -145,7 +145,7 @@ void Disconnect(Link& link) {
   try {
     link.Port.Output(wire::kQuit);
   } catch (const HostError&) {
-    // The line is gone; there is nobody to tell.
+    // The device is gone: there is nobody left to send to.
   }
   link.Port.Close();
 }

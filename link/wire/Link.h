@@ -8,17 +8,17 @@
 
 namespace sectorbox {
 
-// The one-shot time-out. It runs inside the event pump and does nothing but set Link::TimedOut.
+// The time-out of a wait. It fires once, inside the event pump, and only sets Link::TimedOut.
 struct LinkTimer {
-  std::int32_t Interval = 0;  // milliseconds; rewritten by each waiting operation
+  std::int32_t Interval = 0;  // milliseconds; each operation that waits sets its own
   bool Enabled = false;
-  std::int64_t Due = 0;
+  std::int64_t Due = 0;  // on the clock of LinkHost::Milliseconds
 };
 
-// The state that all operations of the link share. There is one in each program; a test makes its
-// own. port and host outlive it.
+// The state that all operations of the link share. Each program has one; a test makes its own. port
+// and host outlive it.
 //
-// Both flags are written by handlers inside the pump and read at fixed points by the loops, so a
+// Handlers inside the event pump write both flags, and the loops read them at fixed points. So a
 // change is seen at the next poll and never in the middle of a step.
 struct Link {
   Link(SerialPort& port, LinkHost& host) : Port(port), Host(host) {}
@@ -26,15 +26,15 @@ struct Link {
   SerialPort& Port;
   LinkHost& Host;
 
-  bool AbortRequested = false;  // set by Abort and Cancel; stays as the last transfer left it
-  bool TimedOut = false;
+  bool AbortRequested = false;  // Abort and Cancel set it; it stays as the last transfer left it
+  bool TimedOut = false;        // Timer4 has fired since the last ReadByte began
   LinkTimer Timer4;
   TraceLog TraceFile;
 };
 
-// Starts Timer4 with the interval that it holds, from now on.
+// Starts Timer4: it is due when its interval has passed from now on.
 void EnableTimer(Link& link);
-// The event pump of every wait: the host's, and Timer4 if its time has come.
+// The event pump of every wait. It runs the host's events, and fires Timer4 if its time has come.
 void PumpEvents(Link& link);
 
 }  // namespace sectorbox

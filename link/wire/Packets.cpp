@@ -14,8 +14,8 @@
 namespace sectorbox {
 namespace {
 
-// One stream on its way in. Bytes past the limit are counted, not stored, so that an overlong
-// stream ends as one of the wrong length.
+// Decodes one stream that comes in. Bytes past the limit are counted and not stored, so that a
+// stream that is too long ends with the status kWrongLength.
 class StreamDecoder {
  public:
   StreamDecoder(Link& link, std::span<std::uint8_t> buffer, std::uint32_t& crc, std::size_t limit)
@@ -40,10 +40,9 @@ class StreamDecoder {
   SectorStatus FailSilent() { return Fail("Timeout waiting for response", SectorStatus::kTimeOut); }
 
   std::optional<std::uint8_t> NextByte() {
-    const std::int32_t byte = ReadByte(link_);
-    if (byte < 0) return std::nullopt;
-    UpdateCRC(crc_, static_cast<std::uint32_t>(byte));
-    return static_cast<std::uint8_t>(byte);
+    const auto byte = ReadByte(link_);
+    if (byte) UpdateCRC(crc_, *byte);
+    return byte;
   }
 
   void Put(std::uint8_t byte) {
@@ -51,6 +50,7 @@ class StreamDecoder {
     ++position_;
   }
 
+  // Takes a byte, a run or an escape from the line. Nothing if all went well.
   std::optional<SectorStatus> TakeItem() {
     const auto byte = NextByte();
     if (!byte) return FailSilent();
@@ -78,7 +78,7 @@ class StreamDecoder {
     }
   }
 
-  // Count and value pass raw: a 27 in either is no escape.
+  // Count and value stand raw on the wire: a 27 in either is no escape.
   std::optional<SectorStatus> TakeRun() {
     const auto count = NextByte();
     const auto value = count ? NextByte() : std::nullopt;
@@ -117,8 +117,8 @@ bool TraceCRCs(Link& link, std::string_view reply, std::uint32_t crc) {
   const std::int64_t received = LeadingNumber(reply);
   TraceLine(link, "Received CRC of " + SignedDecimal(received) + "\r");
   TraceLine(link, "My CRC = " + SignedDecimal(crc) + "\r");
-  // The CRC of zeros is 0, and so is the number of a text without digits: noise in place of a
-  // checksum must not pass for a match, or the sectors of a new file would never be read.
+  // The CRC of zeros is 0, and a text without digits gives the number 0 too. Noise in place of a
+  // CRC must not count as a match, or the sectors of a new file would never be read.
   const bool isNumber = !reply.empty() && reply[0] >= '0' && reply[0] <= '9';
   return isNumber && received == std::int64_t{crc};
 }

@@ -5,13 +5,9 @@
 
 namespace sectorbox {
 
-// The machine's serial devices as paths, ports of USB adapters first (they were plugged in on
-// purpose), then the built-in ones that have hardware behind them; each kind in rising order of
-// its number. Empty when there are none.
-std::vector<std::string> ListSerialDevices();
-
-// The same over other folders than /sys/class/tty and /dev.
-std::vector<std::string> ListSerialDevices(const std::string& classFolder,
-                                           const std::string& deviceFolder);
+// The machine's serial devices, as names that SerialPort::SelectDevice takes. Ports of USB adapters
+// come first, as the user has plugged them in on purpose; then the built-in ones that have hardware
+// behind them. Each kind is in rising order of its number. Empty if there are none.
+[[nodiscard]] std::vector<std::string> ListSerialDevices();
 
 }  // namespace sectorbox

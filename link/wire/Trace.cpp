@@ -1,10 +1,5 @@
 #include "link/wire/Trace.h"
 
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
@@ -27,12 +22,8 @@ std::string DumpLine(std::string_view run, std::size_t offset, bool isTx) {
   return line + "\r";
 }
 
-void DeleteHostFile(const std::string& path) {
-  if (::unlink(path.c_str()) != 0) ThrowHostError(path, errno);
-}
-
-// The name of the log to open, or empty for none. Cancel at the second question asks the first
-// again, so that a slip of the hand costs nothing.
+// Asks for the name of the log to open. Empty for none. After Cancel at the second question the
+// first is asked again, so that a slip of the hand does no harm.
 std::string AskTraceFile(Link& link) {
   for (;;) {
     std::string name = link.Host.AskSaveFileName(

@@ -5,22 +5,24 @@
 
 #include "link/wire/Link.h"
 
-// The trace: the link's only log of what went over the wire and what was decided. It goes to the
-// trace window, to the log file, to both or to neither.
+// The trace tells what went over the wire and what the link decided; the link has no other log. It
+// goes to the trace window if that is open, and to the log file if the user has chosen one.
 namespace sectorbox {
 
-// text ends in CR. The line gets date, time and a blank in front, and every CR becomes CR LF.
+// Traces one line. text ends in CR. Date, time and a blank are put in front of it, and every CR
+// becomes CR LF.
 void TraceLine(Link& link, const std::string& text);
 
-// A dump of sixteen bytes a line: direction, offset in hex, the bytes, and the text with bit 7
-// ignored. No bytes give no line.
+// Traces a dump of bytes, sixteen a line: direction, offset in hex, the bytes in hex, and the bytes
+// as text with bit 7 ignored. No bytes give no line.
 void TraceHex(Link& link, std::string_view bytes, bool isTx);
 
-// The entry "To File...": asks for the log, asks about an existing one, and opens it. Until another
-// is chosen or the program ends there is no way to stop it. Failures are shown and end the choice.
+// The menu entry "To File...": asks for the log file, asks whether an existing one is to be
+// replaced, and opens it. The log goes on until the user chooses another file or the program ends.
+// A failure of the host is shown and ends the choice.
 void ChooseTraceFile(Link& link);
 
-// Every CR replaced by CR LF; an LF that is there already stays as it is.
-std::string ExpandCarriageReturns(std::string_view text);
+// The text with CR LF for every CR. An LF that is there already stays.
+[[nodiscard]] std::string ExpandCarriageReturns(std::string_view text);
 
 }  // namespace sectorbox

@@ -2,26 +2,25 @@
 
 #include <string>
 
+#include "disc/host/HostFile.h"
+
 namespace sectorbox {
 
-// The trace's log file. Lines go to its end, one write a line, so that a crash loses none of them.
+// The trace's log file. Each line is written at once, behind what the file holds already, so that a
+// crash of this program loses no line.
 class TraceLog {
  public:
-  TraceLog() = default;
-  ~TraceLog() { Close(); }
-  TraceLog(const TraceLog&) = delete;
-  TraceLog& operator=(const TraceLog&) = delete;
-
-  // Closes the current log, then opens or creates path for appending. HostError if that fails; no
-  // log is open then.
-  void Open(const std::string& path);
-  void Close();
-  bool IsOpen() const { return file_ >= 0; }
-  // A line that can't be written is lost without a word: the trace must never end a transfer.
+  // Closes the current log, then opens path, or creates it. HostError if that fails; no log is open
+  // then.
+  void Open(const std::string& path) { file_.Open(path); }
+  void Close() { file_.Close(); }
+  [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
+  // Writes text to the end of the log; does nothing while no log is open. If the host refuses, the
+  // text is lost and nobody is told: the trace must never end a transfer.
   void Append(const std::string& text);
 
  private:
-  int file_ = -1;
+  AppendedFile file_;
 };
 
 }  // namespace sectorbox

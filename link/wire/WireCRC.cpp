@@ -12,7 +12,8 @@ constexpr std::uint32_t ShiftEightTimes(std::uint32_t crc) {
   return crc & 0xFFFF;
 }
 
-// What a top byte of the register turns into; the bits below it only move up.
+// For each value of the register's top byte: what that byte becomes after eight shifts. The low
+// byte only moves up.
 constexpr std::array<std::uint16_t, 256> kTable = [] {
   std::array<std::uint16_t, 256> table{};
   for (std::uint32_t top = 0; top < table.size(); ++top) {

@@ -5,6 +5,7 @@
 #include "disc/change/Addresses.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
+#include "disc/host/HostPath.h"
 #include "disc/store/TrackedSector.h"
 #include "shell/dialogs/frmAddr.h"
 #include "shell/dialogs/frmAttr.h"
@@ -143,7 +144,7 @@ void FileCommands::mnuFileExport() {
   HostNamesOfFolder names;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     if (!list.IsSelected(static_cast<int>(row))) continue;
-    ExportRow(window_.TheDisc(), rows[row], folder + "/" + names.Take(rows[row].Name()));
+    ExportRow(window_.TheDisc(), rows[row], JoinHostPath(folder, names.Take(rows[row].Name())));
   }
 }
 

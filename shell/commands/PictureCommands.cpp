@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+#include "disc/host/HostPath.h"
 #include "shell/program/frmMain.h"
 #include "toolkit/Text.h"
 #include "viewers/windows/frmMode.h"
@@ -26,7 +27,7 @@ void PictureCommands::mnuFileViewTeletext() {
   if (window_.CurrentItem() == nullptr) return;
   const std::string folder =
       FontFolder.empty() ? ToHost(QCoreApplication::applicationDirPath()) : FontFolder;
-  const auto font = LoadTeletextFont(folder + "/" + kTeletextFontFile);
+  const auto font = LoadTeletextFont(JoinHostPath(folder, kTeletextFontFile));
   if (!font) {
     window_.Fail(QString::fromLatin1(kTeletextFontMissing),
                  QString::fromLatin1(kTeletextFontTitle));

@@ -90,7 +90,7 @@ std::function<void()> XferCommands::Exclusive(std::function<void()> command) {
   return [this, command = std::move(command)] {
     if (busy_) return;
     const Flagged busy(busy_);
-    if (!port_.PortOpen()) SelectDevice();
+    if (!port_->PortOpen()) SelectDevice();
     command();
   };
 }
@@ -109,7 +109,7 @@ std::optional<QString> XferCommands::AskFindText() {
 }
 
 void XferCommands::ChooseCom(std::int16_t number) {
-  port_.Close();
+  port_->Close();
   window_.SetComPort(number);
   for (std::int16_t n = 1; n <= kComEntries; ++n) {
     window_.Action(ComEntry(n).c_str())->setChecked(n == number);
@@ -123,7 +123,7 @@ void XferCommands::ChooseSpeed(std::int32_t speed) {
   for (const std::int32_t one : wire::kSpeeds) {
     window_.Action(SpeedEntry(one).c_str())->setChecked(one == speed);
   }
-  port_.Close();
+  port_->Close();
 }
 
 void XferCommands::ShowDevices() {
@@ -139,13 +139,13 @@ void XferCommands::ShowDevices() {
 // A port without a device still has a name that its failure can tell.
 void XferCommands::SelectDevice() {
   const std::string device = DeviceOfCom(window_.ComPort());
-  port_.SelectDevice(device.empty() ? "Com " + std::to_string(window_.ComPort()) : device);
+  port_->SelectDevice(device.empty() ? "Com " + std::to_string(window_.ComPort()) : device);
 }
 
 void XferCommands::SetUpPort() {
   SelectDevice();
   ShowDevices();
-  port_.Settings(wire::LineSettings(wire::kBootstrapSpeed));
+  port_->Settings(wire::LineSettings(wire::kBootstrapSpeed));
 }
 
 void XferCommands::ClosePort() {

@@ -4,10 +4,11 @@
 #include <QString>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "link/wire/Link.h"
-#include "link/wire/TermiosPort.h"
+#include "link/wire/SerialPort.h"
 #include "shell/program/LinkWindowHost.h"
 
 namespace sectorbox {
@@ -45,8 +46,8 @@ class XferCommands : public QObject {
 
   frmMain& window_;
   LinkWindowHost host_;
-  TermiosPort port_;
-  Link link_{port_, host_};
+  std::unique_ptr<SerialPort> port_ = MakeSerialPort();
+  Link link_{*port_, host_};
   bool busy_ = false;
 };
 

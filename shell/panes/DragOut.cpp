@@ -3,19 +3,12 @@
 #include <filesystem>
 
 #include "disc/exchange/HostExchange.h"
-#include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "shell/panes/RowExport.h"
 #include "shell/program/HostFolders.h"
 
 namespace sectorbox {
 namespace {
-
-void MakeHostFolder(const std::string& path) {
-  std::error_code failed;
-  std::filesystem::create_directory(path, failed);
-  if (failed) throw HostError(path, failed.message());
-}
 
 bool AnythingThere(const std::string& path) {
   std::error_code failed;
@@ -35,9 +28,9 @@ std::string DragOut::temp_root() {
 
 std::string DragOut::MakeFolder() {
   const std::string root = GetTempFolder() + "adfs_temp";
-  if (!HostFolderExists(root)) MakeHostFolder(root);
+  if (!HostFolderExists(root)) CreateHostFolder(root);
   std::string folder = temp_root();
-  MakeHostFolder(folder);
+  CreateHostFolder(folder);
   return folder;
 }
 
@@ -67,7 +60,7 @@ std::vector<std::string> DragOut::ExportRows(const std::vector<ListRow>& selecte
   const std::string folder = MakeFolder();
   HostNamesOfFolder names;
   for (const ListRow& row : selected) {
-    const std::string path = folder + "/" + names.Take(row.Name());
+    const std::string path = JoinHostPath(folder, names.Take(row.Name()));
     AddPath(path);
     AddPath(path + ".INF");
     ExportRow(disc_, row, path);
@@ -80,7 +73,7 @@ std::vector<std::string> DragOut::ExportRows(const std::vector<ListRow>& selecte
 
 std::vector<std::string> DragOut::ExportDirectory(const std::string& Name, std::int32_t Sector) {
   DragFileCount = 0;
-  const std::string path = MakeFolder() + "/" + AdfsToHostName(Name);
+  const std::string path = JoinHostPath(MakeFolder(), AdfsToHostName(Name));
   AddPath(path);
   DragDropExportFiles(disc_, path, Sector, this);
   WriteLog();

@@ -6,14 +6,13 @@ namespace sectorbox {
 
 std::string GetTempFolder() {
   std::error_code failed;
-  std::string folder = std::filesystem::temp_directory_path(failed).string();
+  const auto folder = std::filesystem::temp_directory_path(failed);
   if (failed) return {};
-  if (folder.empty() || folder.back() != '/') folder += '/';
-  return folder;
+  return (folder / "").string();  // an empty name at the end leaves a separator there
 }
 
 void RemoveHostTree(const std::string& Folder) {
-  // One that can't be removed doesn't keep its neighbours: each goes by itself.
+  // Each file is removed by itself, so that one that can't be removed doesn't keep the others.
   namespace fs = std::filesystem;
   std::error_code ignored;
   if (fs::symlink_status(Folder, ignored).type() == fs::file_type::directory) {

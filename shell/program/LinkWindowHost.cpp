@@ -129,7 +129,8 @@ bool LinkWindowHost::PlayWave(const std::string& path, bool wait) {
 void LinkWindowHost::OpenTraceWindow() {
   QAction* entry = window_.Action("mnuXferTracewindow");
   entry->setEnabled(false);
-  trace_ = new frmTrace(&window_, [this, entry] {
+  trace_ = new frmTrace(&window_);
+  QObject::connect(trace_, &frmTrace::Closed, entry, [this, entry] {
     entry->setEnabled(true);
     trace_ = nullptr;
   });

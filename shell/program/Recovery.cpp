@@ -21,7 +21,8 @@ std::string FreeName(const QString& extension) {
   }
 }
 
-// Not SaveAdfImage, which trims, and with Pad Disc Images writes nothing at all.
+// Writes the whole image. SaveAdfImage can't be used: it leaves out the unused end, and with Pad
+// Disc Images it writes nothing.
 void WriteFlat(Disc& disc, const std::string& path) {
   std::vector<std::uint8_t> bytes(disc.TheDisc.ImageBytes());
   disc.TheDisc.FetchBytes(0, bytes);

@@ -16,6 +16,7 @@
 #include "tests/support/DeviceShelf.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/MemoryDevice.h"
+#include "tests/support/NoBlockDevices.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TempFolder.h"
 
@@ -54,7 +55,7 @@ class CardTest : public ::testing::Test {
   TempFolder folder;
   ScriptedHost host;
   CardShelf shelf;
-  CardDrives drives{DeviceRoots{folder / "nothing", "/dev"}};
+  CardDrives drives{std::make_unique<NoBlockDevices>()};
   Disc disc;
 };
 

@@ -27,7 +27,7 @@ class CardMenuTest : public CardTest {
  protected:
   std::function<void()> Choose(const std::string& row) {
     return [this, row] {
-      ScanCFCards(disc, drives, true);
+      (void)ScanCFCards(disc, drives, true);
       disc.ImageName = ImageNameOfRow(row);
       disc.ProgressRunning = true;
     };
@@ -35,7 +35,7 @@ class CardMenuTest : public CardTest {
   std::function<void()> Cancel() {
     return [this] {
       EXPECT_FALSE(disc.ProgressRunning);
-      ScanCFCards(disc, drives, false);
+      (void)ScanCFCards(disc, drives, false);
       disc.ProgressRunning = false;
     };
   }

@@ -101,7 +101,7 @@ struct SizeCase {
 TEST_F(CardTest, ThePartitionsShareTheCard) {
   const std::vector<SizeCase> cases = {
       {1000, 1000, 1000 - 0x200000},
-      {kPartitionSectors, 0x200000 - 1, 0},  // 1 GiB: the limit takes one off, and no more is there
+      {kPartitionSectors, 0x200000 - 1, 0},  // 1 GiB: the limit takes one off
       {kPartitionSectors + 5, 0x1FFFFF, 5},
       {2 * kPartitionSectors, 0x1FFFFF, 0x1FFFFF},
   };
@@ -163,7 +163,7 @@ TEST_F(CardTest, AFailedReadZeroesTheFirst512BytesOfTheBlockAndIsTold) {
   card.ReadsLeft = 0;
   EXPECT_EQ(disc.TheDisc.Fetch(2048), 0);
   EXPECT_EQ(disc.TheDisc.Fetch(2048 + 255), 0);
-  // What stood in the slot before, as the header warns.
+  // These are the bytes that stood in the slot before, as the header warns.
   EXPECT_EQ(disc.TheDisc.Fetch(2048 + 256), 0x33);
   EXPECT_EQ(host.LogOf("note "),
             std::vector<std::string>(

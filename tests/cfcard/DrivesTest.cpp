@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "cfcard/cards/linux/SysBlockDevices.h"
 #include "tests/cfcard/CardFixture.h"
 
 namespace sectorbox::testing {
@@ -27,8 +28,12 @@ class DrivesTest : public ::testing::Test {
     return found;
   }
 
+  // The devices that the table in the folder tells of.
+  std::unique_ptr<BlockDevices> Devices() {
+    return std::make_unique<SysBlockDevices>(folder.Path(), "/dev");
+  }
+
   TempFolder folder;
-  DeviceRoots roots{folder.Path(), "/dev"};
 };
 
 TEST_F(DrivesTest, TheKernelsTableDecidesTheType) {
@@ -43,7 +48,7 @@ TEST_F(DrivesTest, TheKernelsTableDecidesTheType) {
   Add("nvme0n1", "0");
   fs::create_directories(fs::path(folder.Path()) / "odd");
   std::map<std::string, DriveType> types;
-  for (const BlockDevice& device : ListBlockDevices(roots)) types[device.Path] = device.Type;
+  for (const BlockDevice& device : Devices()->List()) types[device.Path] = device.Type;
   const std::map<std::string, DriveType> expected = {{"/dev/sda", kFixedDrive},
                                                      {"/dev/sdb", kRemovableDrive},
                                                      {"/dev/mmcblk0", kRemovableDrive},
@@ -62,7 +67,7 @@ TEST_F(DrivesTest, OnlyRemovableDrivesAndCardFilesGetLettersFromCOn) {
   Add("sdc", "1");
   Add("sdaa", "1");
   Add("sdb", "1");
-  CardDrives drives(roots);
+  CardDrives drives(Devices());
   drives.SetCardFiles({"/home/me/card.img"});
   drives.Refresh();
   EXPECT_EQ(Letters(drives), std::vector<std::string>({"C /dev/sdb", "D /dev/sdc", "E /dev/sdaa",
@@ -71,14 +76,14 @@ TEST_F(DrivesTest, OnlyRemovableDrivesAndCardFilesGetLettersFromCOn) {
 
 TEST_F(DrivesTest, AFloppyDriveIsALetterLikeAnyOther) {
   Add("fd0", "1");
-  CardDrives drives(roots);
+  CardDrives drives(Devices());
   drives.Refresh();
   EXPECT_EQ(Letters(drives), std::vector<std::string>({"C /dev/fd0"}));
 }
 
 TEST_F(DrivesTest, ALetterIsNeverGivenToAnotherDevice) {
   Add("sdb", "1");
-  CardDrives drives(roots);
+  CardDrives drives(Devices());
   drives.Refresh();
   fs::remove_all(fs::path(folder.Path()) / "sdb");
   Add("sdc", "1");
@@ -92,7 +97,7 @@ TEST_F(DrivesTest, ALetterIsNeverGivenToAnotherDevice) {
 TEST_F(DrivesTest, MoreDevicesThanLettersLeaveTheRestOut) {
   std::vector<std::string> files;
   for (int i = 0; i < 40; ++i) files.push_back("/card" + std::to_string(i));
-  CardDrives drives(roots);
+  CardDrives drives(Devices());
   drives.SetCardFiles(files);
   drives.Refresh();
   EXPECT_EQ(Letters(drives).size(), 24u);
@@ -101,7 +106,7 @@ TEST_F(DrivesTest, MoreDevicesThanLettersLeaveTheRestOut) {
 
 TEST_F(DrivesTest, DriveTypeTextNamesTheType) {
   Add("sdb", "1");
-  CardDrives drives(roots);
+  CardDrives drives(Devices());
   drives.Refresh();
   std::string text;
   EXPECT_EQ(drives.DriveTypeText("C", text), 2);
@@ -123,7 +128,7 @@ TEST_F(DrivesTest, EveryTypeHasItsText) {
 }
 
 TEST_F(DrivesTest, ATableThatCannotBeReadGivesNoDrives) {
-  EXPECT_TRUE(ListBlockDevices({folder / "absent", "/dev"}).empty());
+  EXPECT_TRUE(SysBlockDevices(folder / "absent", "/dev").List().empty());
 }
 
 TEST_F(DrivesTest, OnlyALetterAndAColonOpenADevice) {
@@ -131,7 +136,7 @@ TEST_F(DrivesTest, OnlyALetterAndAColonOpenADevice) {
   shelf.Put("/dev/sdb", 64);
   shelf.Put(",", 64);
   Add("sdb", "1");
-  CardDrives drives(roots);
+  CardDrives drives(Devices());
   drives.Refresh();
   const auto device = MakeCardDevice(drives, shelf.MakeDevice());
   EXPECT_TRUE(device->Open("C:"));

@@ -253,7 +253,7 @@ TEST(HostDevices, AReadThatTheSystemRefusesEndsWithItsError) {
 TEST(HostDevices, ADeviceThatTheSystemHasInUseIsNotOpened) {
   const LoopCard card;
   if (card.loop.empty()) GTEST_SKIP() << "this machine gives no loop device";
-  // As a mounted file system holds it.
+  // A mounted file system holds a device in this way.
   const int holder = ::open(card.loop.c_str(), O_RDONLY | O_EXCL);
   ASSERT_GE(holder, 0);
   const auto device = MakeHostDevice();

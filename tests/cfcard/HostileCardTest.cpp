@@ -53,7 +53,8 @@ class HostileCard : public CardTest {
       ASSERT_LE(transfer.Offset + transfer.Bytes, kStart + kSectors * 512);
     }
   }
-  // Runs job once undisturbed, and then with the card pulled after each number of transfers.
+  // Runs job once without a fault. Then runs it again and again, and pulls the card after one
+  // transfer, after two, and so on.
   void PullEverywhere(const std::function<void()>& job, bool writes) {
     MemoryDevice& whole = NewCard();
     job();
@@ -124,11 +125,11 @@ TEST_F(HostileCard, ACardThatShrinksUnderAJobIsTold) {
 TEST_F(HostileCard, OnlyTheChosenCardIsWritten) {
   MemoryDevice& card = NewCard();
   MemoryDevice& other = Insert("other", kPartitionSectors + kSectors);
-  ScanCFCards(disc, drives, true);
+  (void)ScanCFCards(disc, drives, true);
   Format();
   Restore();
   Backup();
-  ScanCFCards(disc, drives, true);
+  (void)ScanCFCards(disc, drives, true);
   EXPECT_EQ(Count(other, true), 0u);
   ExpectInside(card);
 }
@@ -161,7 +162,8 @@ TEST_F(HostileCard, OddSizesAreFormattedFilledAndCopiedToTheirLastByte) {
     SaveDatImage(disc, folder / "out.dat", true);
     const auto copy = ReadAll(folder / "out.dat");
     ASSERT_EQ(copy.size(), bytes.size());
-    // A last block that the card has only in part reads as a fault does: its first sector is zero.
+    // The card has only a part of its last block. That reads as a fault does: the first sector is
+    // zero.
     const std::size_t blocks = bytes.size() / 1024 * 1024;
     EXPECT_TRUE(
         std::equal(copy.begin(), copy.begin() + static_cast<std::ptrdiff_t>(blocks), bytes.begin()))

@@ -23,7 +23,7 @@ struct LinkRig {
 
   LinkRig() { TheLink.Port.Settings("1200,N,8,1"); }
 
-  // A port that is open and a server that has been connected at 19200 baud.
+  // Opens the port, and connects the server at 19200 baud.
   void Connect() {
     Bbc.Speed = 19200;
     Port.Settings("19200,N,8,1");

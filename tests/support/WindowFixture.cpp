@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "shell/program/Application.h"
+#include "tests/support/NoBlockDevices.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox::testing {
@@ -160,8 +161,7 @@ frmMain& WindowTest::Start(const std::string& commandLine) {
     device = std::move(memory);
   }
   host_ = std::make_unique<WindowHost>();
-  // No test looks at the drives of the machine it runs on.
-  host_->Drives = CardDrives({folder_ / "no-drives", "/dev"});
+  host_->Drives = CardDrives(std::make_unique<NoBlockDevices>());
   disc_ = std::make_unique<Disc>(*host_, MakeCardDevice(host_->Drives, std::move(device)));
   window_ = std::make_unique<frmMain>(*disc_, *host_);
   window_->EndProgram = [this](int status) { ends_.push_back(status); };

@@ -83,7 +83,7 @@ TEST_P(FaultsTest, AReceiveThatClaimsSuccessHasTheDrivesSectors) {
   rig.Bbc.Drives[0] = MixedDisc(random, static_cast<std::uint32_t>(GetParam()));
   rig.Host.Check = random() % 2 == 0;
   const bool dataOnly = random() % 2 == 0;
-  // The opening has no second try, so the line turns bad when the transfer is under way.
+  // The opening isn't tried a second time, so the line turns bad only after it.
   const BbcFaults faults = Draw(random);
   rig.Host.OnLog = [&](const std::string& line) {
     if (line.starts_with("dialog")) rig.Bbc.Faults = faults;

@@ -380,12 +380,12 @@ TEST_F(ReceiveImageTest, AMapOfNoiseEndsTheTransferAndHurtsNothing) {
     one.Bbc.Drives[0] = disc;
     one.Host.AcceptMessages = true;
     one.Host.FileAnswers.push_back(one.Folder / "x");
-    // Sectors past the end are refused one by one for as long as the user lets it go on.
+    // Sectors past the end are refused one by one, as long as the user lets the transfer go on.
     one.Host.OnLog = [&](const std::string&) {
       if (one.Host.Log.size() > 400) one.TheLink.AbortRequested = true;
     };
     std::string fileName;
-    ReceiveImage(one.TheLink, 0, seed % 2 == 0, fileName);
+    (void)ReceiveImage(one.TheLink, 0, seed % 2 == 0, fileName);
     EXPECT_LE(ReadAll(one.Folder / "x").size(), 16U * 256);
   }
 }

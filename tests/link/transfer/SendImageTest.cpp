@@ -171,7 +171,7 @@ TEST_F(SendImageTest, EachFailureOfTheOpeningHasItsWords) {
     one.Bbc.Drives[0] = Bytes(40 * 256);
     damage(one.Bbc);
     one.Host.ExpectedMessages = {message};
-    // The file isn't touched before the three commands have succeeded: there is none.
+    // There is no such file. It isn't touched before the three commands have succeeded.
     one.Host.FileAnswers.push_back(one.Folder / "none.adf");
     SendImage(one.TheLink, 0, false);
   }
@@ -201,7 +201,7 @@ TEST_F(SendImageTest, AWriteWithoutAnAcknowledgeCountsARetryAndNamesDriveAndSect
             (std::vector<std::string>{"trace Received no reply for disc 0 sector 16 from BBC",
                                       "trace Received no reply for disc 0 sector 32 from BBC"}));
   EXPECT_EQ(rig.Host.LogOf("counters").back(), "counters 2 0 0");
-  // The chunk comes again with nothing shown of the one that failed.
+  // The chunk is sent again, and nothing of the one that failed is shown.
   EXPECT_EQ(rig.Host.LogOf("total").size(), 4U);
   EXPECT_EQ(std::count(rig.Bbc.Heard.begin(), rig.Bbc.Heard.end(), "ESC2"), 2);
   EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(40, {}));

@@ -312,7 +312,7 @@ TEST(Commands, AResetThrowsAwayWhatComesInUntilTwoSecondsOfSilence) {
   SendCommand(rig.TheLink, "*X\r", false);
   ResetLink(rig.TheLink);
   EXPECT_EQ(rig.Port.InBufferCount(), 0U);
-  // The last of it has come in after 1.52 seconds.
+  // The last byte has come in after 1.52 seconds.
   EXPECT_NEAR(static_cast<double>(rig.Clock.Milliseconds()), 1520 + 2000 + 500, 30);
   EXPECT_EQ(rig.Host.LogOf("close").size(), 1U);
   EXPECT_EQ(SendCommand(rig.TheLink, "B\r", true), "4096\r");
@@ -404,7 +404,7 @@ TEST(StarCommand, ACommandThatPrintsNothingShowsNothingAndPausesASecond) {
   std::string shown;
   EXPECT_TRUE(RunStarCommand(rig.TheLink, "FADFS", [&](const std::string& p) { shown += p; }));
   EXPECT_EQ(shown, "");
-  // Behind the tenth of a second that ended the acknowledge.
+  // The text comes after the tenth of a second that ended the acknowledge.
   EXPECT_NEAR(static_cast<double>(rig.Clock.Milliseconds()), 1115, 30);
 }
 

@@ -1,4 +1,4 @@
-#include "link/wire/TermiosPort.h"
+#include "link/wire/linux/TermiosPort.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "disc/host/HostError.h"
-#include "link/wire/SerialDevices.h"
+#include "link/wire/linux/SerialClass.h"
 #include "tests/support/PtyBbc.h"
 #include "tests/support/TempFolder.h"
 
@@ -128,8 +128,8 @@ TEST(SerialDevices, UsbPortsComeFirstThenChipsAndNothingElse) {
   add("tty1", false, "");
   const std::vector<std::string> expected = {folder / "dev/ttyACM0", folder / "dev/ttyUSB2",
                                              folder / "dev/ttyUSB10", folder / "dev/ttyS0"};
-  EXPECT_EQ(ListSerialDevices(folder / "class", folder / "dev"), expected);
-  EXPECT_TRUE(ListSerialDevices(folder / "no", folder / "dev").empty());
+  EXPECT_EQ(ListSerialDevicesIn(folder / "class", folder / "dev"), expected);
+  EXPECT_TRUE(ListSerialDevicesIn(folder / "no", folder / "dev").empty());
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace sectorbox {
 
 // A serial device of the machine, or a pseudo-terminal, through the system's own terminal calls.
-// CTS and DSR are read where the device has modem lines and reported as up where it hasn't.
+// CTS and DSR are those of the device; if it has no modem lines, both are reported as up.
 class TermiosPort final : public SerialPort {
  public:
   TermiosPort() = default;
@@ -32,13 +32,16 @@ class TermiosPort final : public SerialPort {
   bool DSRHolding() override;
 
  private:
-  // The line is lost: forgets what was queued, closes, and throws.
+  // The line is lost: drops what was queued, closes the port, and throws HostError.
   [[noreturn]] void FailWith(int errorNumber);
+  // Sets the open device to the speed that stands, and to raw bytes with RTS/CTS.
   void Apply();
-  // Writes what the system takes of the queue without waiting.
+  // Writes as much of the queue as the system takes without waiting.
   void Flush();
+  // Waits until all that is queued has left, or until nothing has left for two seconds.
   void Drain();
   bool LineIsUp(int line);
+  // Closes the device and drops what is queued in both directions.
   void Drop();
 
   std::string device_;

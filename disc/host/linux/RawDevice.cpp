@@ -26,8 +26,8 @@ class HostDevice final : public RawDevice {
     lastError_ = 0;
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) return Fail(errno);
-    // A plain file holds a raw card for those who work with emulators and copies; the host's cache
-    // does it no harm. Anything else that isn't a block device is no card.
+    // A plain file holds a raw card for users who work with emulators and copies; the host's cache
+    // does no harm there. Anything else that isn't a block device is no card.
     isBlock_ = S_ISBLK(info.st_mode);
     if (!isBlock_ && !S_ISREG(info.st_mode)) return Fail(ENOTBLK);
     // On a block device O_EXCL refuses one that is mounted: a write past the file system's back
@@ -118,6 +118,10 @@ class HostDevice final : public RawDevice {
 
 std::unique_ptr<RawDevice> MakeHostDevice() {
   return std::make_unique<HostDevice>();
+}
+
+bool IsNoMedium(int errorNumber) {
+  return errorNumber == ENOMEDIUM;
 }
 
 }  // namespace sectorbox

@@ -1,4 +1,4 @@
-#include "cfcard/cards/BlockDevices.h"
+#include "cfcard/cards/linux/SysBlockDevices.h"
 
 #include <algorithm>
 #include <array>
@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string_view>
 #include <utility>
+
+#include "disc/host/HostPath.h"
 
 namespace sectorbox {
 namespace {
@@ -17,7 +19,7 @@ struct NamedKind {
   DriveType Type;
 };
 
-// Kinds that only their name tells.
+// The kernel tells nothing else of these kinds but their names.
 constexpr std::array<NamedKind, 6> kNamedKinds = {{
     {"sr", kCdRom},
     {"ram", kRamDisk},
@@ -41,24 +43,24 @@ DriveType TypeOf(const fs::path& entry) {
   }
   const std::string removable = FirstWord(entry / "removable");
   if (removable == "1") return kRemovableDrive;
-  // The slot of an SD card says that it is fixed although its card comes out. Soldered flash is of
-  // the type "MMC" instead.
+  // The kernel calls an SD card in a slot fixed, although the card comes out. Soldered flash is of
+  // the type "MMC", and so isn't meant here.
   if (FirstWord(entry / "device" / "type") == "SD") return kRemovableDrive;
   return removable.empty() ? kUnknownDrive : kFixedDrive;
 }
 
 }  // namespace
 
-std::vector<BlockDevice> ListBlockDevices(const DeviceRoots& roots) {
+std::vector<BlockDevice> SysBlockDevices::List() const {
   std::vector<std::pair<std::string, BlockDevice>> found;
   std::error_code error;
-  for (fs::directory_iterator entry(roots.SysBlock, error), end; !error && entry != end;
+  for (fs::directory_iterator entry(sysBlock_, error), end; !error && entry != end;
        entry.increment(error)) {
     const std::string name = entry->path().filename().string();
-    // A slash in a device's name stands there as "!".
+    // The table writes "!" for a slash in a device's name.
     std::string file = name;
     std::replace(file.begin(), file.end(), '!', '/');
-    found.push_back({name, {roots.Dev + "/" + file, TypeOf(entry->path())}});
+    found.push_back({name, {JoinHostPath(dev_, file), TypeOf(entry->path())}});
   }
   std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) {
     return std::pair(a.first.size(), a.first) < std::pair(b.first.size(), b.first);
@@ -67,6 +69,10 @@ std::vector<BlockDevice> ListBlockDevices(const DeviceRoots& roots) {
   devices.reserve(found.size());
   for (auto& device : found) devices.push_back(std::move(device.second));
   return devices;
+}
+
+std::unique_ptr<BlockDevices> MakeHostBlockDevices() {
+  return std::make_unique<SysBlockDevices>("/sys/block", "/dev");
 }
 
 }  // namespace sectorbox

@@ -1,3 +1,5 @@
+// The serial devices that the kernel's table tells of.
+
 #include "link/wire/SerialDevices.h"
 
 #include <algorithm>
@@ -8,6 +10,8 @@
 #include <string_view>
 #include <tuple>
 
+#include "link/wire/linux/SerialClass.h"
+
 namespace sectorbox {
 namespace {
 
@@ -15,15 +19,14 @@ namespace fs = std::filesystem;
 
 constexpr std::array<std::string_view, 3> kUsbNames = {"ttyUSB", "ttyACM", "ttyXR"};
 
-// The trailing number of a device's name; -1 when it has none.
+// The number at the end of a device's name; -1 if it has none.
 long NumberOf(const std::string& name) {
   const auto digits = name.find_last_not_of("0123456789") + 1;
   if (digits >= name.size() || name.size() - digits > 9) return -1;
   return std::stol(name.substr(digits));
 }
 
-// The system makes ttyS0 to ttyS3 whether or not there is a chip; its type is 0 where there is
-// none.
+// The kernel makes ttyS0 to ttyS3 also where there is no chip. The type of such a device is 0.
 bool HasChip(const fs::path& entry) {
   std::ifstream file(entry / "type");
   int type = 0;
@@ -32,8 +35,8 @@ bool HasChip(const fs::path& entry) {
 
 }  // namespace
 
-std::vector<std::string> ListSerialDevices(const std::string& classFolder,
-                                           const std::string& deviceFolder) {
+std::vector<std::string> ListSerialDevicesIn(const std::string& classFolder,
+                                             const std::string& deviceFolder) {
   std::vector<std::tuple<int, long, std::string>> found;
   std::error_code ignored;
   for (fs::directory_iterator at(classFolder, ignored), end; at != end; at.increment(ignored)) {
@@ -55,7 +58,7 @@ std::vector<std::string> ListSerialDevices(const std::string& classFolder,
 }
 
 std::vector<std::string> ListSerialDevices() {
-  return ListSerialDevices("/sys/class/tty", "/dev");
+  return ListSerialDevicesIn("/sys/class/tty", "/dev");
 }
 
 }  // namespace sectorbox

@@ -1,8 +1,8 @@
-#include "cli/program/Interrupt.h"
+#include "disc/host/HostSignals.h"
 
 #include <csignal>
 
-namespace sectorbox::cli {
+namespace sectorbox {
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
@@ -28,4 +28,8 @@ bool TakeInterrupt() {
   return true;
 }
 
-}  // namespace sectorbox::cli
+void MakeFileLimitAnError() {
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
+}  // namespace sectorbox

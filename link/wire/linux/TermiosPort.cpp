@@ -1,4 +1,4 @@
-#include "link/wire/TermiosPort.h"
+#include "link/wire/linux/TermiosPort.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -24,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::array<speed_t, wire::kSpeeds.size()> kSpeedCodes = {B19200, B9600, B4800, B2400,
                                                                    B1200};
 
-// How long Close waits for a queue that doesn't move.
+// How long Close waits while no byte of the queue goes out.
 constexpr std::chrono::milliseconds kDrainPatience{2000};
 
 speed_t SpeedCode(std::int32_t speed) {
@@ -33,7 +33,7 @@ speed_t SpeedCode(std::int32_t speed) {
   return kSpeedCodes[static_cast<std::size_t>(found - wire::kSpeeds.begin())];
 }
 
-// The speed of a text such as "1200,N,8,1"; 0 when it is none that a port can have.
+// The speed in a text such as "1200,N,8,1"; 0 if no port can have these settings.
 std::int32_t ParseSettings(const std::string& settings) {
   for (const std::int32_t speed : wire::kSpeeds) {
     if (settings == wire::LineSettings(speed)) return speed;
@@ -70,7 +70,8 @@ void TermiosPort::Settings(const std::string& settings) {
 
 void TermiosPort::Open() {
   if (PortOpen()) return;
-  // Non-blocking from the first moment: a device that waits for a carrier would hold the open.
+  // Non-blocking from the first moment: otherwise a device that waits for a carrier would make this
+  // call wait.
   file_ = ::open(device_.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (file_ < 0) ThrowHostError(device_, errno);
   Apply();
@@ -83,7 +84,8 @@ void TermiosPort::Apply() {
   mode.c_cflag |= static_cast<tcflag_t>(CREAD | CLOCAL | CRTSCTS | HUPCL);
   mode.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | PARENB);
   mode.c_iflag &= ~static_cast<tcflag_t>(IXOFF | IXANY);
-  // A read of nothing is then "try again", which tells it from the end that a hang-up gives.
+  // A read that finds no byte fails with "try again" then, while a hang-up gives the end of the
+  // file. So the two can be told apart.
   mode.c_cc[VMIN] = 1;
   mode.c_cc[VTIME] = 0;
   ::cfsetispeed(&mode, SpeedCode(speed_));
@@ -96,7 +98,7 @@ void TermiosPort::Close() {
   try {
     Drain();
   } catch (const HostError&) {
-    // The line is gone, and the port with it: there is nobody left to send to.
+    // The device is gone: there is nobody left to send to.
   }
   Drop();
 }
@@ -110,8 +112,8 @@ void TermiosPort::Drain() {
     if (now < left) lastMove = Clock::now();
     left = now;
   }
-  // The system's queue is empty; what is in the device's own registers goes out here. With bytes
-  // still queued this would wait for a line that may never rise again.
+  // The system's queue is empty. This call lets out what is still in the device's own registers. It
+  // isn't made while bytes are queued, as it would wait for a line that may never rise again.
   if (left == 0 && PortOpen()) ::tcdrain(file_);
 }
 
@@ -164,7 +166,8 @@ bool TermiosPort::LineIsUp(int line) {
   if (!PortOpen()) return true;
   int lines = 0;
   if (::ioctl(file_, TIOCMGET, &lines) == 0) return (lines & line) != 0;
-  // No modem lines, as on a pseudo-terminal: up, or the wait before a command would never end.
+  // The device has no modem lines, as a pseudo-terminal has none. They count as up, or the wait
+  // before a command would never end.
   if (errno == ENOTTY || errno == EINVAL || errno == ENOSYS) return true;
   FailWith(errno);
 }
@@ -175,6 +178,10 @@ bool TermiosPort::CTSHolding() {
 
 bool TermiosPort::DSRHolding() {
   return LineIsUp(TIOCM_DSR);
+}
+
+std::unique_ptr<SerialPort> MakeSerialPort() {
+  return std::make_unique<TermiosPort>();
 }
 
 }  // namespace sectorbox

@@ -1,0 +1,129 @@
+// Linux's part of HostFile.h: files that are open, and files that grow.
+
+#include "disc/host/HostFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "disc/host/HostError.h"
+
+namespace sectorbox {
+namespace {
+
+int FlagsOf(FileAccess access) {
+  switch (access) {
+    case FileAccess::kRead:
+      // Without waiting: a pipe that nobody writes to would never open. A pipe can't be read at an
+      // offset anyway, and to plain files the flag makes no difference.
+      return O_RDONLY | O_NONBLOCK;
+    case FileAccess::kWrite:
+      return O_WRONLY;
+    case FileAccess::kCreate:
+    case FileAccess::kCreateOrFallBack:
+      break;
+  }
+  return O_RDWR | O_CREAT;
+}
+
+// The number of the opened file, or -1 with errno.
+int OpenPath(const std::string& path, int flags) {
+  return ::open(path.c_str(), flags | O_CLOEXEC, 0666);
+}
+
+// True for the errors that the host gives when a file may be read but not written.
+bool MayStillRead(int errorNumber) {
+  return errorNumber == EACCES || errorNumber == EROFS || errorNumber == EPERM;
+}
+
+// How many bytes a write has taken. None, without an error, if a signal came in between. A host
+// that takes nothing and reports no error would be asked for ever: that counts as a full disc.
+std::size_t BytesTaken(ssize_t done, const std::string& path) {
+  if (done > 0) return static_cast<std::size_t>(done);
+  if (done == 0) ThrowHostError(path, ENOSPC);
+  if (errno != EINTR) ThrowHostError(path, errno);
+  return 0;
+}
+
+struct stat StatOf(const OpenFileNumber& file, const std::string& path) {
+  struct stat info {};
+  if (::fstat(file.Get(), &info) != 0) ThrowHostError(path, errno);
+  return info;
+}
+
+}  // namespace
+
+int OpenFileNumber::Close() {
+  if (!IsOpen()) return 0;
+  return ::close(Release()) == 0 ? 0 : errno;
+}
+
+void RandomAccessFile::Open(const std::string& path, FileAccess access) {
+  (void)file_.Close();
+  path_ = path;
+  writeError_ = 0;
+  int number = OpenPath(path, FlagsOf(access));
+  if (number < 0 && access == FileAccess::kCreateOrFallBack && MayStillRead(errno)) {
+    writeError_ = errno;
+    number = OpenPath(path, O_RDONLY);
+  }
+  if (number < 0) ThrowHostError(path, errno);
+  file_ = OpenFileNumber(number);
+}
+
+std::size_t RandomAccessFile::ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
+  std::size_t total = 0;
+  while (total < bytes.size()) {
+    const ssize_t done = ::pread(file_.Get(), bytes.data() + total, bytes.size() - total,
+                                 static_cast<off_t>(offset + total));
+    if (done < 0 && errno == EINTR) continue;
+    if (done < 0) ThrowHostError(path_, errno);
+    if (done == 0) break;
+    total += static_cast<std::size_t>(done);
+  }
+  return total;
+}
+
+void RandomAccessFile::WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
+  while (!bytes.empty()) {
+    const std::size_t done = BytesTaken(
+        ::pwrite(file_.Get(), bytes.data(), bytes.size(), static_cast<off_t>(offset)), path_);
+    offset += done;
+    bytes = bytes.subspan(done);
+  }
+}
+
+std::uint64_t RandomAccessFile::Length() const {
+  return static_cast<std::uint64_t>(StatOf(file_, path_).st_size);
+}
+
+void RandomAccessFile::Sync() {
+  if (::fsync(file_.Get()) != 0) ThrowHostError(path_, errno);
+}
+
+FileIdentity RandomAccessFile::Identity() const {
+  const struct stat info = StatOf(file_, path_);
+  return {info.st_dev, info.st_ino};
+}
+
+void RandomAccessFile::Close() {
+  if (const int error = file_.Close(); error != 0) ThrowHostError(path_, error);
+}
+
+void AppendedFile::Open(const std::string& path) {
+  (void)file_.Close();
+  path_ = path;
+  const int number = OpenPath(path, O_WRONLY | O_CREAT | O_APPEND);
+  if (number < 0) ThrowHostError(path, errno);
+  file_ = OpenFileNumber(number);
+}
+
+void AppendedFile::Append(const std::string& text) {
+  for (std::size_t done = 0; done < text.size();) {
+    done += BytesTaken(::write(file_.Get(), text.data() + done, text.size() - done), path_);
+  }
+}
+
+}  // namespace sectorbox
