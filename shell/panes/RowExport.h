@@ -7,12 +7,11 @@
 
 namespace sectorbox {
 
-// A file row as what an export takes: the row's own texts go into the sidecar. HostError, naming
-// hostPath, for a length that no file of the BBC's could have (above 0x7FFFFFFF).
-ExportedFile FileOfRow(const ListRow& row, const std::string& hostPath);
+// Gives what an export wants to know of a file row. The row's own texts go into the sidecar. Throws
+// a HostError that names hostPath for a length that no file of the BBC can have (above 0x7FFFFFFF).
+[[nodiscard]] ExportedFile FileOfRow(const ListRow& row, const std::string& hostPath);
 
-// Writes what the row names, with its sidecar, to hostPath: a file, or a directory with all that is
-// in it.
+// Writes the row's file, or its directory with everything in it, to hostPath, with its sidecar.
 void ExportRow(Disc& disc, const ListRow& row, const std::string& hostPath);
 
 }  // namespace sectorbox
