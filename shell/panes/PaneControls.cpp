@@ -25,21 +25,21 @@ bool Panes::eventFilter(QObject* watched, QEvent* event) {
 }
 
 bool Panes::SwallowInput(QEvent& event) {
-  const auto closed = [this] { return !window_.Guard().MayStart(CommandKind::kSmall); };
+  const auto refuses = [this](CommandKind kind) { return !window_.Guard().MayStart(kind); };
   switch (event.type()) {
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
-      pressSwallowed_ = closed();
+      pressSwallowed_ = refuses(CommandKind::kSmall);
       return pressSwallowed_;
     case QEvent::MouseButtonRelease:
       return std::exchange(pressSwallowed_, false);
     case QEvent::KeyPress:
     case QEvent::ContextMenu:
-      return closed();
+      return refuses(CommandKind::kSmall);
     case QEvent::DragEnter:
     case QEvent::DragMove:
     case QEvent::Drop:
-      if (!closed()) return false;
+      if (!refuses(CommandKind::kChange)) return false;
       event.ignore();
       return true;
     default:

@@ -71,7 +71,8 @@ class Panes : public PaneLayout {
 
  protected:
   // The keys of both panes. While the guard lets no small step start, the panes take no input at
-  // all: a click would change the selection that a command is working through.
+  // all: a click would change the selection that a command is working through. While it lets no
+  // change start they take no drops.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:

@@ -133,10 +133,10 @@ constexpr MenuEntry kEntries[] = {
     {"mnuXfer", "mnuXferCBW", "Check Before Transfer", kCheck},
 
     {"", "mnuHelp", "&Help", kMenu},
-    {"mnuHelp", "mnuHelpContents", "&Contents"},
-    {"mnuHelp", "mnuHelpSearch", "&Search For Help On..."},
+    {"mnuHelp", "mnuHelpContents", "&Contents", kCommand, false, kView},
+    {"mnuHelp", "mnuHelpSearch", "&Search For Help On...", kCommand, false, kView},
     {"mnuHelp", "mnuHelpBar1", "-", kSeparator},
-    {"mnuHelp", "mnuHelpAbout", "&About Sectorbox..."},
+    {"mnuHelp", "mnuHelpAbout", "&About Sectorbox...", kCommand, false, kView},
 };
 // clang-format on
 

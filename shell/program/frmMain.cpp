@@ -1,5 +1,6 @@
 #include "shell/program/frmMain.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QMenu>
 #include <QMenuBar>
@@ -111,6 +112,7 @@ QAction* frmMain::Action(const char* name) const {
 void frmMain::RunEntry(QAction& entry, const std::function<void()>& command) {
   const auto kind = static_cast<CommandKind>(entry.data().toInt());
   if (Start(kind, command) == StartResult::kRan) return;
+  QApplication::beep();
   if (entry.isCheckable()) entry.toggle();
   if (kind == CommandKind::kExit) exitWanted_ = true;
 }

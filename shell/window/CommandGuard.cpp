@@ -6,8 +6,9 @@ bool CommandGuard::MayStart(CommandKind kind) const {
   for (const auto one : {CommandKind::kChange, CommandKind::kSmall, CommandKind::kExit}) {
     if (IsRunning(one)) return false;
   }
-  if (!IsRunning(CommandKind::kTransfer)) return true;
-  return kind == CommandKind::kSmall || kind == CommandKind::kExit;
+  if (kind == CommandKind::kSmall || kind == CommandKind::kExit) return true;
+  if (IsRunning(CommandKind::kTransfer)) return false;
+  return kind == CommandKind::kView || !IsRunning(CommandKind::kView);
 }
 
 }  // namespace sectorbox

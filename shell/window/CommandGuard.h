@@ -8,7 +8,7 @@ namespace sectorbox {
 enum class CommandKind {
   kChange,    // changes the disc, opens another one, or keeps the user in a dialog
   kTransfer,  // talks to the BBC; leaves the disc alone
-  kView,      // reads the disc and shows it in a window of its own
+  kView,      // reads the disc and shows it in a window of its own; the help
   kSmall,     // a short step that changes no disc: a move in the panes, the trace
   kExit,      // the end of the program
 };
@@ -21,11 +21,11 @@ inline constexpr int kCommandKinds = 5;
 //   inside kChange, kSmall, kExit   nothing starts
 //   inside kTransfer                kSmall and kExit start: a transfer may take an hour, and a look
 //                                   at the disc doesn't touch the line
-//   inside kView                    everything starts: a view only reads, it holds nothing of the
-//                                   disc, and the user may go on while a long one is written
+//   inside kView                    kView, kSmall and kExit start: several views may be written at
+//                                   once, and none of them changes what the others read
 //
-// A view inside a transfer doesn't start, because the transfer would have to wait for its end. A
-// command that runs inside a view counts like any other.
+// A view doesn't start inside a transfer, nor a transfer inside a view: the outer one would have to
+// wait for the end of the inner one.
 class CommandGuard {
  public:
   // Marks a command of that kind as running for as long as it lives. It asks nobody: whoever starts

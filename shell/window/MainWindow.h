@@ -33,8 +33,8 @@ class MainWindow : public QMainWindow {
   virtual QAction* Action(const char* name) const = 0;
   // The check mark of an option, its only home while the program runs.
   bool Checked(const char* name) const { return Action(name)->isChecked(); }
-  // Runs the command each time the entry is chosen, as Start does with the entry's kind. An entry
-  // with a check mark that is refused keeps the mark that it had.
+  // Runs the command each time the entry is chosen, as Start does with the entry's kind. A refusal
+  // is a beep, and an entry with a check mark keeps the mark that it had.
   template <typename Command>
   void OnCommand(const char* name, Command command) {
     QAction* entry = Action(name);

@@ -15,6 +15,8 @@
 namespace sectorbox::testing {
 namespace {
 
+const QString kProgress = QStringLiteral("frmSave");
+
 class GuardTest : public WindowTest {
  protected:
   GuardTest() {
@@ -24,16 +26,14 @@ class GuardTest : public WindowTest {
     image_.AddDirectory(2, "OTHER");
   }
 
-  // Runs action once, from the events that a running command lets run: under its progress dialog,
-  // or while it has none.
-  enum class Moment { kBusy, kProgress };
-  void DuringACommand(std::function<void()> action, Moment moment = Moment::kBusy) {
+  // Runs action once, from the events that a running command lets run, when the moment has come:
+  // for one that the test doesn't name, when a command or a view runs and no dialog is up.
+  using Moment = std::function<bool()>;
+  void DuringACommand(std::function<void()> action, Moment hasCome = {}) {
+    if (!hasCome) hasCome = [this] { return IsBusy() || !Views().empty(); };
     auto* during = new QTimer(window_.get());
     QObject::connect(during, &QTimer::timeout, during, [=, this] {
-      const QWidget* modal = QApplication::activeModalWidget();
-      const bool progress = modal != nullptr && modal->objectName() == QStringLiteral("frmSave");
-      const bool busy = modal == nullptr && (IsBusy() || !Views().empty());
-      if (moment == Moment::kProgress ? !progress : !busy) return;
+      if ((Dialog() != nullptr && Dialog()->objectName() != kProgress) || !hasCome()) return;
       during->stop();
       during->deleteLater();
       action();
@@ -41,6 +41,8 @@ class GuardTest : public WindowTest {
     });
     during->start(0);
   }
+  static QWidget* Dialog() { return QApplication::activeModalWidget(); }
+  static bool ProgressShows() { return Dialog() != nullptr && Dialog()->objectName() == kProgress; }
   // Whether a command runs that lets no other one start.
   bool IsBusy() { return !window_->Guard().MayStart(CommandKind::kChange); }
   static std::vector<QWidget*> Views() {
@@ -114,10 +116,8 @@ class GuardTest : public WindowTest {
 
 TEST_F(GuardTest, NothingStartsWhileANewDiscIsMade) {
   StartWith(image_);
-  DuringACommand([this] {
-    EXPECT_EQ(disc_->ImageName, folder_ / "new.dat");
-    TryEverything();
-  });
+  DuringACommand([this] { TryEverything(); },
+                 [this] { return IsBusy() && disc_->ImageName == folder_ / "new.dat"; });
   player_.ExpectFileDialog(folder_ / "new.dat");
   Choose("mnuDiscNew4M");
   EXPECT_TRUE(done_);
@@ -145,7 +145,7 @@ TEST_F(GuardTest, NothingStartsWhileADiscIsSavedWithProgress) {
   image.AddDirectory(2, "OTHER");
   StartWith(image, "test.dat");
   player_.PassOverProgress = true;
-  DuringACommand([this] { TryEverything(); }, Moment::kProgress);
+  DuringACommand([this] { TryEverything(); }, ProgressShows);
   player_.ExpectYesNo(QStringLiteral("Are You Sure ?"), true);
   player_.ExpectFileDialog(folder_ / "copy.dat");
   Choose("mnuOptionsPad");
@@ -159,8 +159,7 @@ TEST_F(GuardTest, AbortEndsASaveWhileItRuns) {
   ImageBuilder image(8448);
   StartWith(image, "test.dat");
   player_.PassOverProgress = true;
-  DuringACommand([] { In<QPushButton>(*QApplication::activeModalWidget(), "cmdAbort").click(); },
-                 Moment::kProgress);
+  DuringACommand([] { In<QPushButton>(*Dialog(), "cmdAbort").click(); }, ProgressShows);
   player_.ExpectYesNo(QStringLiteral("Are You Sure ?"), true);
   player_.ExpectFileDialog(folder_ / "copy.dat");
   Choose("mnuOptionsPad");
@@ -228,56 +227,64 @@ INSTANTIATE_TEST_SUITE_P(By, GuardExitTest, ::testing::Bool(), [](const auto& te
   return std::string(test.param ? "Menu" : "CloseBox");
 });
 
-// A view only reads, and a long one doesn't hold the user up.
-TEST_F(GuardTest, CommandsRunInsideAViewAndTheViewComesToItsEnd) {
-  image_.AddFile(2, {"LONG", std::vector<std::uint8_t>(100000, 'x')});
-  ImageBuilder other(1280);
-  other.AddFile(2, {"ELSE", {1}});
-  other.WriteTo(folder_ / "other.adf");
-  StartWith(image_);
-  ClickRow(QStringLiteral("LONG"));
+class GuardViewTest : public GuardTest {
+ protected:
+  void StartWithALongFile() {
+    image_.AddFile(2, {"LONG", std::vector<std::uint8_t>(100000, 'x')});
+    StartWith(image_);
+    ClickRow(QStringLiteral("LONG"));
+  }
+};
+
+TEST_F(GuardViewTest, WhileAViewRunsTheUserLooksAroundAndOpensMoreViews) {
+  StartWithALongFile();
   DuringACommand([this] {
     ClickNode(QStringLiteral("DIR"));
+    EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
     EXPECT_EQ(Names().size(), 5);
-    Choose("mnuDirectoryDelete");
-    EXPECT_FALSE(OnDisc("DIR"));
-    disc_->ImageChanged = false;
-    player_.ExpectFileDialog(folder_ / "other.adf");
-    Choose("mnuDiscOpen");
-    EXPECT_EQ(Names(), QStringList{QStringLiteral("ELSE")});
+    Choose("mnuDirectoryCat");
+    EXPECT_EQ(Views().size(), 2U);
+    player_.Expect([](QWidget& dialog) { dialog.close(); });
+    Choose("mnuHelpAbout");
   });
   Choose("mnuFileViewHex");
   EXPECT_TRUE(done_);
-  ASSERT_EQ(Views().size(), 1U);
-  Views().front()->close();
-  EXPECT_EQ(Names(), QStringList{QStringLiteral("ELSE")});
+  EXPECT_EQ(Views().size(), 2U);
+  for (QWidget* view : Views()) view->close();
   ExpectAlive();
 }
 
-// The command that runs inside a view lets nothing start either.
-TEST_F(GuardTest, ACommandInsideAViewIsGuardedToo) {
-  image_.AddFile(2, {"LONG", std::vector<std::uint8_t>(100000, 'x')});
-  StartWith(image_);
-  ClickRow(QStringLiteral("LONG"));
-  bool tried = false;
+TEST_F(GuardViewTest, WhileAViewRunsNothingChangesTheDiscUnderIt) {
+  StartWithALongFile();
+  const QStringList nodes = Nodes();
   DuringACommand([&] {
-    ClickNode(QStringLiteral("DIR"));
-    QTimer::singleShot(0, [&] {
-      tried = true;
-      Choose("mnuDiscOpen");
-      Choose("mnuDirectoryDelete");
-      ClickNode(QStringLiteral("OTHER"));
-      EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
-    });
-    window_->Action("mnuDirectoryDelete")->trigger();
-    EXPECT_TRUE(tried);
-    EXPECT_FALSE(OnDisc("DIR"));
-    EXPECT_TRUE(OnDisc("OTHER"));
+    for (const char* entry : {"mnuDiscOpen", "mnuDiscNew80DSD", "mnuDiscCompact", "mnuDirectoryNew",
+                              "mnuDirectoryDelete", "mnuFileDelete", "mnuFileRename",
+                              "mnuCFCardOpen", "mnuXferRX0", "mnuXferSerialReconnect"}) {
+      Choose(entry);
+    }
+    WriteText(folder_ / "DROPPED", "x");
+    window_->ThePanes().List().Dropped(*FileListData({folder_ / "DROPPED"}));
+    QTest::keyClick(&window_->ThePanes().List(), Qt::Key_Delete);
   });
   Choose("mnuFileViewHex");
   EXPECT_TRUE(done_);
+  EXPECT_EQ(disc_->ImageName, folder_ / "test.adl");
+  EXPECT_FALSE(disc_->ImageChanged);
+  EXPECT_EQ(Nodes(), nodes);
   for (QWidget* view : Views()) view->close();
   ExpectAlive();
+}
+
+TEST_F(GuardViewTest, TheExitEntryEndsTheProgramWhileAViewRuns) {
+  StartWithALongFile();
+  DuringACommand([this] {
+    Choose("mnuDiscClose");
+    EXPECT_EQ(ends_, std::vector<int>{0});
+  });
+  Choose("mnuFileViewHex");
+  EXPECT_TRUE(done_);
+  EXPECT_EQ(ends_, std::vector<int>{0});
 }
 
 }  // namespace
