@@ -82,7 +82,10 @@ void XferCommands::ConnectSerialMenu() {
 void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
   std::string fileName;
   if (!ReceiveImage(link_, drive, dataOnly, fileName)) return;
-  if (window_.Checked("mnuOptionsAutoLoad")) OpenImage(window_.OpenDisc(), fileName);
+  if (!window_.Checked("mnuOptionsAutoLoad")) return;
+  // From here on the transfer changes the disc.
+  const CommandGuard::Running opening(window_.Guard(), CommandKind::kChange);
+  OpenImage(window_.OpenDisc(), fileName);
 }
 
 std::optional<QString> XferCommands::AskFindText() {
