@@ -25,7 +25,7 @@ QMessageBox::Icon IconOf(BoxIcon icon) {
 
 void ShowBox(QWidget* parent, const QString& text, const QString& title, BoxIcon icon) {
   QMessageBox box(IconOf(icon), title, text, QMessageBox::Ok, parent);
-  // The texts may hold names from a disc, which must not be taken for markup.
+  // The texts may hold names from a disc. Plain text keeps Qt from reading them as markup.
   box.setTextFormat(Qt::PlainText);
   MakeRoomForCaption(box);
   box.exec();

@@ -9,7 +9,7 @@ namespace sectorbox {
 namespace {
 
 // An icon, three buttons and the gaps between them, each about as wide as the bar is high. How a
-// bar really looks is the window manager's affair and can't be asked.
+// bar really looks is up to the window manager, and no call gives it.
 constexpr int kTitleBarPieces = 5;
 
 }  // namespace
@@ -21,8 +21,8 @@ int CaptionWidth(const QWidget& window) {
          kTitleBarPieces * window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window);
 }
 
-// The width is held by the layout: the dialogs' sizes are fixed to what their layouts ask for,
-// which overrules a minimum size of the window.
+// An item in the layout holds the width: the dialogs are exactly as large as their layouts ask for,
+// and that overrules a minimum size of the window.
 void MakeRoomForCaption(QDialog& dialog) {
   const QMargins margins = dialog.layout()->contentsMargins();
   const int width = CaptionWidth(dialog) - margins.left() - margins.right();

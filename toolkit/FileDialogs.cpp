@@ -9,7 +9,7 @@
 namespace sectorbox {
 namespace {
 
-// "ADFS Disc (*.adl;*.adf)" without the patterns, which Qt wants in its own form.
+// Cuts the patterns off "ADFS Disc (*.adl;*.adf)": Qt wants them in its own form.
 QString WithoutPatterns(const QString& label) {
   const auto bracket = label.lastIndexOf(u'(');
   return (bracket < 0 ? label : label.left(bracket)).trimmed();
@@ -34,7 +34,7 @@ std::string Ask(QWidget* parent, const FileQuestion& question, QFileDialog::Acce
   dialog.setNameFilters(FiltersOf(question.Filter));
   if (!question.FileName.empty()) {
     const QString name = FromHost(question.FileName);
-    // A folder that isn't there would make the dialog fall back to a place of its own choice.
+    // With a folder that doesn't exist, the dialog would begin at a place of its own choice.
     const QFileInfo info(name);
     dialog.selectFile(info.isAbsolute() && !info.dir().exists() ? info.fileName() : name);
   }

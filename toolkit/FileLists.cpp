@@ -5,7 +5,7 @@
 namespace sectorbox {
 namespace {
 
-// Escapes are made from the path's own bytes, so that a name in an old encoding comes back whole.
+// The escapes stand for the path's own bytes, so that a name in an old encoding comes back whole.
 QUrl UrlOf(const std::string& path) {
   const QByteArray escaped = QByteArray::fromStdString(path).toPercentEncoding("/");
   return QUrl::fromEncoded("file://" + escaped);

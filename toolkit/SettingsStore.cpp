@@ -17,7 +17,7 @@ QString Path(const char* key) {
                           .toStdString());
 }
 
-// 16 significant digits at most and no exponent for any place on a screen.
+// At most 16 significant digits, and no exponent for any place on a screen.
 QString PlainDecimal(double value) {
   return QString::number(value, 'g', 15);
 }
@@ -33,7 +33,7 @@ SettingsStore::SettingsStore()
 QString SettingsStore::GetString(const char* key, const QString& byDefault) const {
   const QVariant value = settings_.value(Path(key));
   if (!value.isValid()) return byDefault;
-  // A hand-written line with a comma in it comes as a list.
+  // QSettings gives a line with a comma, which a user may have written by hand, as a list.
   if (value.typeId() == QMetaType::QStringList) {
     return value.toStringList().join(QStringLiteral(", "));
   }

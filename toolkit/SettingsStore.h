@@ -7,17 +7,17 @@
 
 namespace sectorbox {
 
-// A setting that can't be read as what it should be. The program ends on it, since going on would
-// overwrite at exit what a user or an administrator has put there.
+// The text of a setting isn't of the setting's type. The program ends on it: if it went on, it
+// would overwrite at its exit what a user or an administrator has put there.
 class SettingsError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
 // The user's settings: named strings in the section "Settings" of one file in the user's own place.
-// Numbers are plain decimal, flags "True" or "False". A key that isn't there gives the default; one
-// that doesn't parse is a SettingsError that names key and text.
-// Stores are cheap to make: all of them in a program look at the same strings.
+// Numbers are plain decimal, flags "True" or "False". A key that doesn't exist gives the default. A
+// text that doesn't parse is a SettingsError that names key and text.
+// A store is cheap to make: all stores of a program look at the same strings.
 class SettingsStore {
  public:
   SettingsStore();
@@ -35,9 +35,9 @@ class SettingsStore {
   void PutFlag(const char* key, bool value);
 
   bool Has(const char* key) const;
-  // Puts everything on the medium now.
+  // Writes everything to the settings file now.
   void Sync();
-  // The folder that the settings file lies in; also the home of a recovered disc.
+  // The folder of the settings file. A recovered disc lies there too.
   QString Folder() const;
 
  private:

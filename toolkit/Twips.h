@@ -8,7 +8,7 @@ namespace sectorbox {
 
 inline constexpr double kTwipsPerPixel = 15.0;
 
-// Nearest pixel. What lies outside every possible screen is held at its edge.
+// The nearest pixel. A value far outside every screen becomes 100000 pixels, with its sign.
 inline int PixelsFromTwips(double twips) {
   constexpr double kFarAway = 100000.0;
   const double pixels = std::round(twips / kTwipsPerPixel);

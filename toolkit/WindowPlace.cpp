@@ -19,9 +19,10 @@ void RestorePlace(QWidget& window, const WindowPlace& place) {
   const double top = settings.GetTwips(Key(place, "Top").constData(), place.Top);
   window.move(PixelsFromTwips(left), PixelsFromTwips(top));
   if (place.Width == 0) {
-    // Sized only when shown, the window would be sized between its creation and its frame's, and a
-    // place that then counts for the inside would put the frame too far up by its own height, each
-    // time anew.
+    // The window gets its size now and not when it is shown. When it is shown, Qt would size it
+    // after the window exists and before its frame does. The stored place would then count for the
+    // window without its frame, and the window would come up higher each time, by the frame's
+    // height.
     if (!window.testAttribute(Qt::WA_Resized)) window.adjustSize();
     return;
   }

@@ -4,8 +4,8 @@
 
 #include "toolkit/SettingsStore.h"
 
-// Windows come back where they were: every window restores its place when it loads and saves it
-// when it unloads.
+// Every window restores its place when it loads and saves it when it unloads, so that windows come
+// back to where they were.
 namespace sectorbox {
 
 // Keys are the prefix followed by Left, Top, Width and Height; the defaults are in twips. A window
@@ -29,10 +29,10 @@ inline constexpr WindowPlace kCFPlace{"CF", 9660, 4080};
 inline constexpr WindowPlace kTeletextPlace{"Teletext", 84, 84};
 inline constexpr WindowPlace kModePlace{"Mode", 84, 84};
 
-// Moves (and sizes) the window, whose layout must be complete by then. Throws SettingsError for a
-// value that is no number.
+// Moves the window, and sizes it where its size isn't fixed. The window's layout must be complete
+// before. Throws SettingsError for a value that is no number.
 void RestorePlace(QWidget& window, const WindowPlace& place);
-// Stores where the window is; a minimised window stores nothing and so keeps its earlier place.
+// Stores where the window is. A minimised window stores nothing, so its earlier place stays stored.
 void SavePlace(const QWidget& window, const WindowPlace& place);
 
 }  // namespace sectorbox

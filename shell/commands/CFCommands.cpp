@@ -2,12 +2,11 @@
 
 #include "cfcard/windows/frmCF.h"
 #include "cfcard/windows/frmFormatCF.h"
-#include "shell/program/WindowHost.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 
 namespace sectorbox {
 
-CFCommands::CFCommands(frmMain& window) : window_(window) {
+CFCommands::CFCommands(MainWindow& window, CardDrives& drives) : window_(window), drives_(drives) {
   OnCommand("mnuCFCardOpen", RunCFCardOpen);
   OnCommand("mnuCFFormat", RunCFFormat);
   OnCommand("mnuCFCardBackup",
@@ -18,20 +17,20 @@ CFCommands::CFCommands(frmMain& window) : window_(window) {
 }
 
 void CFCommands::OnCommand(const char* name, void (*run)(Disc& disc, CardDialogs& dialogs)) {
-  window_.OnCommand(name, [this, run] { run(window_.TheDisc(), *this); });
+  window_.OnCommand(name, [this, run] { run(window_.OpenDisc(), *this); });
 }
 
 void CFCommands::FormatBySize(const SizedFormat& format) {
-  window_.Guarded([&] { RunSizedFormat(window_.TheDisc(), *this, format); });
+  window_.Start(CommandKind::kChange, [&] { RunSizedFormat(window_.OpenDisc(), *this, format); });
 }
 
 void CFCommands::ShowCF() {
-  frmCF dialog(&window_, window_.TheDisc(), window_.Host().Drives);
+  frmCF dialog(&window_, window_.OpenDisc(), drives_);
   dialog.exec();
 }
 
 void CFCommands::ShowFormatCF() {
-  frmFormatCF dialog(&window_, window_.TheDisc(), window_.Host().Drives);
+  frmFormatCF dialog(&window_, window_.OpenDisc(), drives_);
   dialog.exec();
 }
 

@@ -6,14 +6,15 @@
 
 namespace sectorbox {
 
-class frmMain;
+class CardDrives;
+class MainWindow;
 
-// The CF Card menu.
+// The CF Card menu. drives outlives it.
 class CFCommands : public QObject, private CardDialogs {
  public:
-  explicit CFCommands(frmMain& window);
+  CFCommands(MainWindow& window, CardDrives& drives);
 
-  // The formats by size, to which no entry is bound.
+  // The formats by size. No menu entry runs them.
   void FormatBySize(const SizedFormat& format);
 
  private:
@@ -21,7 +22,8 @@ class CFCommands : public QObject, private CardDialogs {
   void ShowCF() override;
   void ShowFormatCF() override;
 
-  frmMain& window_;
+  MainWindow& window_;
+  CardDrives& drives_;
 };
 
 }  // namespace sectorbox

@@ -1,71 +1,64 @@
 #include "shell/commands/DirectoryCommands.h"
 
-#include <QPersistentModelIndex>
-
 #include "disc/catalogue/Adfs.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
 #include "shell/commands/StoredName.h"
 #include "shell/dialogs/frmTitle.h"
 #include "shell/panes/Panes.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
 namespace {
 
-// The name under which a new directory comes into being, until the user has typed another.
+// A new directory has this name until the user has typed another.
 constexpr const char* kNewName = "NewFolder";
 
 }  // namespace
 
-DirectoryCommands::DirectoryCommands(frmMain& window) : window_(window) {
+DirectoryCommands::DirectoryCommands(MainWindow& window, Panes& panes)
+    : window_(window), panes_(panes) {
   window.OnCommand("mnuDirectoryNew", [this] { mnuDirectoryNew(); });
   window.OnCommand("mnuDirectoryDelete", [this] { mnuDirectoryDelete(); });
   window.OnCommand("mnuDirectoryRename", [this] { mnuDirectoryRename(); });
   window.OnCommand("mnuDirectoryExport", [this] { mnuDirectoryExport(); });
   window.OnCommand("mnuDirectoryTitle", [this] { mnuDirectoryTitle(); });
-  window.ThePanes().Tree().NameEdited = [this](DirNode& node, const QString& text) {
-    window_.Guarded([&] { tvwDB_AfterLabelEdit(node, text); });
-  };
+  connect(&panes.Tree(), &DirTree::NameEdited, this, [this](DirNode* node, const QString& text) {
+    window_.Start(CommandKind::kChange, [&] { tvwDB_AfterLabelEdit(*node, text); });
+  });
 }
 
 void DirectoryCommands::mnuDirectoryNew() {
-  Panes& panes = window_.ThePanes();
-  if (panes.CurrentDirNode() == nullptr) return;
-  const auto sector = NewDirectory(window_.TheDisc(), panes.CurrentSector(), kNewName);
+  if (panes_.CurrentDirNode() == nullptr) return;
+  const auto sector = NewDirectory(window_.OpenDisc(), panes_.CurrentSector(), kNewName);
   if (!sector) return;
-  DirNode* node = panes.AddNode(kNewName, *sector);
-  panes.GetRootTitles();
-  panes.Tree().setFocus();
-  panes.Tree().editItem(node, 0);
+  DirNode* node = panes_.AddNode(kNewName, *sector);
+  panes_.GetRootTitles();
+  panes_.Tree().setFocus();
+  panes_.Tree().editItem(node, 0);
 }
 
-// The node goes whatever the engine decided: after a refusal, F5 on the tree brings it back. The
-// events that run during a long delete may make another directory current, which then stays so, or
-// rebuild the tree half-way, which then is done once more.
+// The node is removed also where the engine has refused; then F5 on the tree brings it back. After
+// an attempt on the root the whole tree is read again.
 void DirectoryCommands::mnuDirectoryDelete() {
-  Panes& panes = window_.ThePanes();
-  const DirNode* node = panes.CurrentDirNode();
+  DirNode* node = panes_.CurrentDirNode();
   if (node == nullptr) return;
-  const QPersistentModelIndex held = panes.Tree().indexFromItem(node);
   const bool root = node->Tag == format::kRootSector || node->Parent() == nullptr;
   const std::int32_t parent = root ? -1 : node->Parent()->Tag;
-  (void)DeleteTree(window_.TheDisc(), parent, node->Tag, node->Text(),
+  (void)DeleteTree(window_.OpenDisc(), parent, node->Tag, node->Text(),
                    window_.Checked("mnuOptionsDelete"), window_.Checked("mnuOptionsEmpty"));
-  const bool stands = held.isValid();
-  if (stands) panes.RemoveNode(static_cast<DirNode&>(*panes.Tree().itemFromIndex(held)));
-  if (root || !stands) panes.RebuildTree();
-  panes.GetRootTitles();
+  panes_.RemoveNode(*node);
+  if (root) panes_.RebuildTree();
+  panes_.GetRootTitles();
 }
 
 void DirectoryCommands::mnuDirectoryRename() {
-  Panes& panes = window_.ThePanes();
-  DirNode* node = panes.CurrentDirNode();
+  DirNode* node = panes_.CurrentDirNode();
   if (node == nullptr || node->Tag == format::kRootSector) return;
-  panes.Tree().setFocus();
-  panes.Tree().editItem(node, 0);
+  panes_.Tree().setFocus();
+  panes_.Tree().editItem(node, 0);
 }
 
 void DirectoryCommands::mnuDirectoryExport() {
@@ -73,19 +66,20 @@ void DirectoryCommands::mnuDirectoryExport() {
   if (!node) return;
   const std::string folder = AskFolder(&window_, QStringLiteral("Browse For Folder"),
                                        QStringLiteral("Select destination for export"));
-  if (!folder.empty()) ExportDisc(window_.TheDisc(), folder, node->Tag);
+  if (!folder.empty()) ExportDisc(window_.OpenDisc(), folder, node->Tag);
 }
 
 void DirectoryCommands::mnuDirectoryTitle() {
   const auto node = window_.CurrentNode();
   if (!node) return;
-  frmTitle dialog(&window_, window_.TheDisc(), node->Tag);
-  dialog.exec();
+  Disc& disc = window_.OpenDisc();
+  frmTitle dialog(&window_, GetDirTitle(disc, node->Tag));
+  if (dialog.exec() == QDialog::Accepted) (void)SetDirTitle(disc, node->Tag, dialog.Title());
 }
 
 void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text) {
-  Disc& disc = window_.TheDisc();
-  if (text.isEmpty() || window_.ThePanes().CurrentDirNode() == nullptr) return;
+  Disc& disc = window_.OpenDisc();
+  if (text.isEmpty() || panes_.CurrentDirNode() == nullptr) return;
   if (node.Parent() == nullptr) return;
   const std::string name = TypedToBbc(text);
   if (RenameEntry(disc, name, node.Text(), node.Parent()->Tag,

@@ -6,12 +6,13 @@
 namespace sectorbox {
 
 class DirNode;
-class frmMain;
+class MainWindow;
+class Panes;
 
-// The Directory menu, but for its views. All commands act on the current node.
+// The Directory menu without its views. All commands act on the current node.
 class DirectoryCommands : public QObject {
  public:
-  explicit DirectoryCommands(frmMain& window);
+  DirectoryCommands(MainWindow& window, Panes& panes);
 
  private:
   void mnuDirectoryNew();
@@ -21,7 +22,8 @@ class DirectoryCommands : public QObject {
   void mnuDirectoryTitle();
   void tvwDB_AfterLabelEdit(DirNode& node, const QString& text);
 
-  frmMain& window_;
+  MainWindow& window_;
+  Panes& panes_;
 };
 
 }  // namespace sectorbox

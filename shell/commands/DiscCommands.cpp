@@ -1,11 +1,11 @@
 #include "shell/commands/DiscCommands.h"
 
 #include <QInputDialog>
-#include <QLineEdit>
 #include <array>
-#include <cmath>
 
 #include "disc/change/Compaction.h"
+#include "disc/change/Mutation.h"
+#include "disc/format/Format.h"
 #include "disc/image/NewDisc.h"
 #include "disc/image/OpenImage.h"
 #include "disc/image/Resize.h"
@@ -14,17 +14,40 @@
 #include "shell/commands/ResizeAnswer.h"
 #include "shell/dialogs/frmBoot.h"
 #include "shell/panes/Panes.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/Boxes.h"
 
 namespace sectorbox {
 namespace {
 
-// The menu entries of the sizes, in the order of kNewDiscs.
-constexpr std::array<const char*, kNewDiscs.size()> kNewDiscEntries = {
-    "mnuDiscNew40SSD", "mnuDiscNew80SSD", "mnuDiscNew80DSD", "mnuDiscNew1M",  "mnuDiscNew2M",
-    "mnuDiscNew4M",    "mnuDiscNew8M",    "mnuDiscNew16M",   "mnuDiscNew32M", "mnuDiscNew64M",
-    "mnuDiscNew128M",  "mnuDiscNew256M",  "mnuDiscNew512M"};
+// Which of kNewDiscs an entry creates. No two of them have the same tracks and heads.
+struct NewDiscEntry {
+  const char* Name;
+  const NewDiscSize* Size;
+};
+
+consteval const NewDiscSize* NewDiscOf(std::int32_t tracks, std::int32_t heads) {
+  for (const NewDiscSize& size : kNewDiscs) {
+    if (size.Tracks == tracks && size.Heads == heads) return &size;
+  }
+  throw "no such disc";  // doesn't compile
+}
+
+constexpr std::array<NewDiscEntry, 13> kNewDiscEntries = {
+    {{"mnuDiscNew40SSD", NewDiscOf(40, 1)},
+     {"mnuDiscNew80SSD", NewDiscOf(80, 1)},
+     {"mnuDiscNew80DSD", NewDiscOf(80, 2)},
+     {"mnuDiscNew1M", NewDiscOf(32, 4)},
+     {"mnuDiscNew2M", NewDiscOf(64, 4)},
+     {"mnuDiscNew4M", NewDiscOf(128, 4)},
+     {"mnuDiscNew8M", NewDiscOf(256, 4)},
+     {"mnuDiscNew16M", NewDiscOf(512, 4)},
+     {"mnuDiscNew32M", NewDiscOf(1024, 4)},
+     {"mnuDiscNew64M", NewDiscOf(2048, 4)},
+     {"mnuDiscNew128M", NewDiscOf(4096, 4)},
+     {"mnuDiscNew256M", NewDiscOf(8192, 4)},
+     {"mnuDiscNew512M", NewDiscOf(16384, 4)}}};
+static_assert(kNewDiscEntries.size() == kNewDiscs.size());
 
 // The geometry that all resized images get.
 constexpr std::int32_t kResizeHeads = 4;
@@ -41,14 +64,14 @@ constexpr std::array<ResizeEntry, 4> kResizes = {{{"mnuDiscResize32M", 1024},
 
 }  // namespace
 
-DiscCommands::DiscCommands(frmMain& window) : window_(window) {
-  Disc& disc = window.TheDisc();
+DiscCommands::DiscCommands(MainWindow& window, Panes& panes) : window_(window), panes_(panes) {
+  Disc& disc = window.OpenDisc();
   window.OnCommand("mnuDiscOpen", [&disc] {
     const std::string name = ChooseImageFile(disc);
     if (!name.empty()) OpenImage(disc, name);
   });
-  for (std::size_t i = 0; i < kNewDiscs.size(); ++i) {
-    window.OnCommand(kNewDiscEntries[i], [&disc, i] { RunNewDisc(disc, kNewDiscs[i]); });
+  for (const NewDiscEntry& entry : kNewDiscEntries) {
+    window.OnCommand(entry.Name, [&disc, &entry] { RunNewDisc(disc, *entry.Size); });
   }
   window.OnCommand("mnuDiscSave", [&disc] { RunSaveCommand(disc); });
   for (const ResizeEntry& entry : kResizes) {
@@ -57,24 +80,21 @@ DiscCommands::DiscCommands(frmMain& window) : window_(window) {
   window.OnCommand("mnuDiscResizeUser", [this] { mnuDiscResizeUser(); });
   window.OnCommand("mnuDiscBoot", [this] { mnuDiscBoot(); });
   window.OnCommand("mnuDiscCompact", [this] { mnuDiscCompact(); });
-  window.OnCommand("mnuDiscClose", [this] {
-    window_.QuerySaveAtExit();
-    window_.close();
-  });
 }
 
 void DiscCommands::mnuDiscBoot() {
-  frmBoot dialog(&window_, window_.TheDisc());
-  dialog.exec();
+  Disc& disc = window_.OpenDisc();
+  frmBoot dialog(&window_, disc.TheDisc.Fetch(format::kMapBootOption));
+  if (dialog.exec() == QDialog::Accepted) SetBootOption(disc, dialog.Option());
 }
 
 void DiscCommands::mnuDiscCompact() {
-  CompactDisc(window_.TheDisc());
-  window_.ThePanes().RebuildTree();
+  CompactDisc(window_.OpenDisc());
+  panes_.RebuildTree();
 }
 
 void DiscCommands::Resize(std::int32_t tracks) {
-  ResizeImage(window_.TheDisc(), tracks, kResizeHeads, kResizeSectors);
+  ResizeImage(window_.OpenDisc(), tracks, kResizeHeads, kResizeSectors);
 }
 
 void DiscCommands::mnuDiscResizeUser() {

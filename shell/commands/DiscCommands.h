@@ -1,15 +1,17 @@
 #pragma once
 
 #include <QObject>
+#include <cstdint>
 
 namespace sectorbox {
 
-class frmMain;
+class MainWindow;
+class Panes;
 
-// The Disc menu, but for the free space map, which is a view.
+// The Disc menu without the free space map, which is a view, and without the program's end.
 class DiscCommands : public QObject {
  public:
-  explicit DiscCommands(frmMain& window);
+  DiscCommands(MainWindow& window, Panes& panes);
 
  private:
   void mnuDiscBoot();
@@ -17,7 +19,8 @@ class DiscCommands : public QObject {
   void mnuDiscResizeUser();
   void Resize(std::int32_t tracks);
 
-  frmMain& window_;
+  MainWindow& window_;
+  Panes& panes_;
 };
 
 }  // namespace sectorbox

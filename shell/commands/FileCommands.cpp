@@ -11,28 +11,26 @@
 #include "shell/dialogs/frmAttr.h"
 #include "shell/panes/Panes.h"
 #include "shell/panes/RowExport.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
 
-FileCommands::FileCommands(frmMain& window) : window_(window) {
-  window.OnCommand("mnuFileSelectAll", [this] { window_.ThePanes().SelectAll(); });
+FileCommands::FileCommands(MainWindow& window, Panes& panes) : window_(window), panes_(panes) {
+  window.OnCommand("mnuFileSelectAll", [this] { panes_.SelectAll(); });
   window.OnCommand("mnuFileAttributes", [this] { mnuFileAttributes(); });
   window.OnCommand("mnuFileAddresses", [this] { mnuFileAddresses(); });
   window.OnCommand("mnuFileDelete", [this] { mnuFileDelete(); });
   window.OnCommand("mnuFileRename", [this] { mnuFileRename(); });
   window.OnCommand("mnuFileExport", [this] { mnuFileExport(); });
-  window.ThePanes().List().NameEdited = [this](int row, const QString& text) {
-    window_.Guarded([&] { lvwDB_AfterLabelEdit(row, text); });
-  };
+  connect(&panes_.List(), &FileList::NameEdited, this, [this](int row, const QString& text) {
+    window_.Start(CommandKind::kChange, [&] { lvwDB_AfterLabelEdit(row, text); });
+  });
 }
 
-FileCommands::~FileCommands() = default;
-
-// The dialog opens with the state of one row and its result goes to every selected row, whatever
-// they held before.
+// The dialog opens with the state of one row. Its result goes to every selected row and replaces
+// what the row had.
 void FileCommands::mnuFileAttributes() {
   const ListRow* item = window_.CurrentItem();
   if (item == nullptr) return;
@@ -43,26 +41,24 @@ void FileCommands::mnuFileAttributes() {
   attr_->AttrLocked = has('L');
   attr_->exec();
   if (attr_->DialogAccepted) {
-    FileList& list = window_.ThePanes().List();
+    FileList& list = panes_.List();
     for (int row = 0; row < list.Model().rowCount(); ++row) {
-      if (list.IsSelected(row) && !ApplyAttributes(row)) return;
+      if (list.IsSelected(row) && ApplyAttributes(row) == Applied::kNoEntry) return;
     }
   }
-  ShowFreeSpace(window_.TheDisc());
+  ShowFreeSpace(window_.OpenDisc());
 }
 
-// False if the row has no entry any more.
-bool FileCommands::ApplyAttributes(int row) {
-  Disc& disc = window_.TheDisc();
-  Panes& panes = window_.ThePanes();
-  FileListModel& model = panes.List().Model();
-  const std::int32_t sector = panes.CurrentSector();
+FileCommands::Applied FileCommands::ApplyAttributes(int row) {
+  Disc& disc = window_.OpenDisc();
+  FileListModel& model = panes_.List().Model();
+  const std::int32_t sector = panes_.CurrentSector();
   const std::string name = model.Rows()[static_cast<std::size_t>(row)].Name();
   SetEntryAttributes(disc, sector, name, attr_->AttrRead, attr_->AttrWrite, attr_->AttrLocked);
   const std::int32_t slot = FindEntry(disc, sector, name);
-  if (slot == -1) return false;
+  if (slot == -1) return Applied::kNoEntry;
   model.SetRow(row, ReadRow(disc, sector, slot));
-  return true;
+  return Applied::kDone;
 }
 
 void FileCommands::mnuFileAddresses() {
@@ -71,19 +67,18 @@ void FileCommands::mnuFileAddresses() {
   if (addr_ == nullptr) addr_ = new frmAddr(&window_);
   addr_->LoadText = item->Columns[kColLoad];
   addr_->ExecText = item->Columns[kColExec];
-  const int row = window_.ThePanes().CurrentRow();
+  const int row = panes_.CurrentRow();
   addr_->exec();
   if (addr_->DialogAccepted) ApplyAddresses(row);
 }
 
 void FileCommands::ApplyAddresses(int row) {
-  Disc& disc = window_.TheDisc();
-  Panes& panes = window_.ThePanes();
-  FileListModel& model = panes.List().Model();
-  const std::int32_t sector = panes.CurrentSector();
+  Disc& disc = window_.OpenDisc();
+  FileListModel& model = panes_.List().Model();
+  const std::int32_t sector = panes_.CurrentSector();
   const std::string name = model.Rows()[static_cast<std::size_t>(row)].Name();
-  // A dialog that was closed by its close box after a refused OK counts as accepted; its texts may
-  // be no addresses then, and nothing is written.
+  // After a refused OK the close box counts as accepted. The texts may be no addresses then, and
+  // nothing is written.
   if (!CheckAddresses(addr_->LoadText, addr_->ExecText).empty()) return;
   SetEntryAddresses(disc, sector, name, addr_->LoadText, addr_->ExecText);
   const std::int32_t slot = FindEntry(disc, sector, name);
@@ -92,23 +87,17 @@ void FileCommands::ApplyAddresses(int row) {
   ShowFreeSpace(disc);
 }
 
-// A release may compact the disc; the directory and the rows follow it, so each step reads its
-// sectors anew. The rows don't shift meanwhile, since the list is only filled again at the end. The
-// events that run between rows may bring another directory on the screen, or another disc: then the
-// loop ends.
+// A delete may compact the disc. The directory and the rows then take their new sectors, so each
+// turn of the loop reads its sectors again. The rows keep their places, since the list is only
+// filled at the end.
 void FileCommands::mnuFileDelete() {
-  Panes& panes = window_.ThePanes();
-  Disc& disc = window_.TheDisc();
-  if (panes.CurrentItem() == nullptr) return;
-  const TrackedSector directory(disc, panes.CurrentSector());
-  const FileListModel& model = panes.List().Model();
-  const int count = model.rowCount();
-  const std::string opened = disc.TheDisc.FileName();
+  if (panes_.CurrentItem() == nullptr) return;
+  Disc& disc = window_.OpenDisc();
+  const TrackedSector directory(disc, panes_.CurrentSector());
+  const FileListModel& model = panes_.List().Model();
   bool directoryWent = false;
-  for (int row = 0; row < count; ++row) {
-    if (disc.TheDisc.FileName() != opened) break;
-    if (panes.CurrentSector() != directory || row >= model.rowCount()) break;
-    if (!panes.List().IsSelected(row)) continue;
+  for (int row = 0; row < model.rowCount(); ++row) {
+    if (!panes_.List().IsSelected(row)) continue;
     const ListRow entry = model.Rows()[static_cast<std::size_t>(row)];
     const bool ignoreLock = window_.Checked("mnuOptionsDelete");
     if (!entry.IsDirectory()) {
@@ -122,47 +111,46 @@ void FileCommands::mnuFileDelete() {
       directoryWent = true;
     }
   }
-  if (directoryWent) panes.RebuildTree();
-  panes.GetRootTitles();
+  if (directoryWent) panes_.RebuildTree();
+  panes_.GetRootTitles();
 }
 
 void FileCommands::mnuFileRename() {
-  Panes& panes = window_.ThePanes();
-  if (panes.CurrentItem() == nullptr) return;
-  panes.List().setFocus();
-  panes.List().EditName(panes.CurrentRow());
+  if (panes_.CurrentItem() == nullptr) return;
+  panes_.List().setFocus();
+  panes_.List().EditName(panes_.CurrentRow());
 }
 
 void FileCommands::mnuFileExport() {
-  const FileList& list = window_.ThePanes().List();
+  const FileList& list = panes_.List();
   if (!list.selectionModel()->hasSelection()) return;
   const std::string folder = AskFolder(&window_, QStringLiteral("Browse For Folder"),
                                        QStringLiteral("Select destination for file"));
   if (folder.empty()) return;
-  const BusyPointer busy(window_.TheDisc().Host);
-  const auto& rows = window_.ThePanes().List().Model().Rows();
+  const BusyPointer busy(window_.OpenDisc().Host);
+  const auto& rows = panes_.List().Model().Rows();
   HostNamesOfFolder names;
   for (std::size_t row = 0; row < rows.size(); ++row) {
     if (!list.IsSelected(static_cast<int>(row))) continue;
-    ExportRow(window_.TheDisc(), rows[row], JoinHostPath(folder, names.Take(rows[row].Name())));
+    ExportRow(window_.OpenDisc(), rows[row], JoinHostPath(folder, names.Take(rows[row].Name())));
   }
 }
 
-// The tree isn't told: a directory that was renamed here keeps its old text there until a rebuild.
+// This doesn't change the tree: a directory that is renamed in the list keeps its old text in the
+// tree until a rebuild.
 void FileCommands::lvwDB_AfterLabelEdit(int row, const QString& text) {
-  Panes& panes = window_.ThePanes();
-  if (text.isEmpty() || panes.CurrentItem() == nullptr) return;
-  FileListModel& model = panes.List().Model();
+  if (text.isEmpty() || panes_.CurrentItem() == nullptr) return;
+  FileListModel& model = panes_.List().Model();
   const std::string former = model.Rows()[static_cast<std::size_t>(row)].Name();
   const std::string name = TypedToBbc(text);
-  if (RenameEntry(window_.TheDisc(), name, former, panes.CurrentSector(),
+  if (RenameEntry(window_.OpenDisc(), name, former, panes_.CurrentSector(),
                   window_.Checked("mnuOptionsDelete")) == Outcome::kDone) {
     // The row keeps its old sequence number until the list is filled again.
     Entry renamed = model.Rows()[static_cast<std::size_t>(row)].Item;
     renamed.Rename(name);
     model.SetRow(row, MakeRow(renamed));
   }
-  panes.ShowRowPath(row);
+  panes_.ShowRowPath(row);
 }
 
 }  // namespace sectorbox

@@ -2,20 +2,18 @@
 
 #include <QObject>
 #include <QString>
-#include <cstdint>
-#include <memory>
 
 namespace sectorbox {
 
 class frmAddr;
 class frmAttr;
-class frmMain;
+class MainWindow;
+class Panes;
 
-// The File menu, but for its views.
+// The File menu without its views.
 class FileCommands : public QObject {
  public:
-  explicit FileCommands(frmMain& window);
-  ~FileCommands() override;
+  FileCommands(MainWindow& window, Panes& panes);
 
  private:
   void mnuFileAttributes();
@@ -24,10 +22,12 @@ class FileCommands : public QObject {
   void mnuFileRename();
   void mnuFileExport();
   void lvwDB_AfterLabelEdit(int row, const QString& text);
-  bool ApplyAttributes(int row);
+  enum class Applied { kDone, kNoEntry };
+  [[nodiscard]] Applied ApplyAttributes(int row);
   void ApplyAddresses(int row);
 
-  frmMain& window_;
+  MainWindow& window_;
+  Panes& panes_;
   // Made at the first use and used again.
   frmAttr* attr_ = nullptr;
   frmAddr* addr_ = nullptr;

@@ -1,12 +1,12 @@
 #include "shell/commands/HelpCommands.h"
 
 #include "shell/dialogs/frmAbout.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/Boxes.h"
 
 namespace sectorbox {
 
-HelpCommands::HelpCommands(frmMain& window) : window_(window) {
+HelpCommands::HelpCommands(MainWindow& window) : window_(window) {
   for (const char* name : {"mnuHelpContents", "mnuHelpSearch"}) {
     window.OnCommand(name, [this] {
       ShowBox(&window_,

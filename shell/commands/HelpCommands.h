@@ -5,15 +5,15 @@
 namespace sectorbox {
 
 class frmAbout;
-class frmMain;
+class MainWindow;
 
 // The Help menu. The program ships without a help file, which both help entries say.
 class HelpCommands : public QObject {
  public:
-  explicit HelpCommands(frmMain& window);
+  explicit HelpCommands(MainWindow& window);
 
  private:
-  frmMain& window_;
+  MainWindow& window_;
   frmAbout* about_ = nullptr;  // made at the first use and used again
 };
 

@@ -3,14 +3,14 @@
 #include <QCoreApplication>
 
 #include "disc/host/HostPath.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/Text.h"
 #include "viewers/windows/frmMode.h"
 #include "viewers/windows/frmTeletext.h"
 
 namespace sectorbox {
 
-PictureCommands::PictureCommands(frmMain& window) : window_(window) {
+PictureCommands::PictureCommands(MainWindow& window) : window_(window) {
   window.OnCommand("mnuFileViewTeletext", [this] { mnuFileViewTeletext(); });
   for (const ScreenMode& mode : kScreenModes) {
     const std::string entry = "mnuFileViewMode" + std::to_string(mode.Mode);
@@ -34,14 +34,14 @@ void PictureCommands::mnuFileViewTeletext() {
     return;
   }
   frmTeletext view(
-      &window_, window_.TheDisc(), [this] { return window_.CurrentItem(); }, *font);
+      &window_, window_.OpenDisc(), [this] { return window_.CurrentItem(); }, *font);
   view.exec();
 }
 
 void PictureCommands::mnuFileViewMode(int mode) {
   if (window_.CurrentItem() == nullptr) return;
   std::erase_if(screens_, [](const QPointer<frmMode>& screen) { return screen.isNull(); });
-  auto* view = new frmMode(window_.TheDisc(), [this] { return window_.CurrentItem(); });
+  auto* view = new frmMode(window_.OpenDisc(), [this] { return window_.CurrentItem(); });
   screens_.emplace_back(view);
   view->Tag = mode;
   view->show();

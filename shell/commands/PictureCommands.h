@@ -7,13 +7,13 @@
 
 namespace sectorbox {
 
-class frmMain;
+class MainWindow;
 class frmMode;
 
 // The teletext and screen mode views of the File menu.
 class PictureCommands : public QObject {
  public:
-  explicit PictureCommands(frmMain& window);
+  explicit PictureCommands(MainWindow& window);
   // Closes the screens that are still open.
   ~PictureCommands() override;
 
@@ -24,7 +24,7 @@ class PictureCommands : public QObject {
   void mnuFileViewTeletext();
   void mnuFileViewMode(int mode);
 
-  frmMain& window_;
+  MainWindow& window_;
   std::vector<QPointer<frmMode>> screens_;
 };
 

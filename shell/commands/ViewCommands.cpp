@@ -1,10 +1,10 @@
 #include "shell/commands/ViewCommands.h"
 
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 
 namespace sectorbox {
 
-ViewCommands::ViewCommands(frmMain& window) : window_(window) {
+ViewCommands::ViewCommands(MainWindow& window) : window_(window) {
   OnFileView("mnuFileViewText", kViewText);
   OnFileView("mnuFileViewHex", kViewHex);
   OnFileView("mnuFileViewBasic", kViewBasic);
@@ -51,7 +51,7 @@ void ViewCommands::OnDirectoryView(const char* entry, ViewNumber number) {
 void ViewCommands::Launch(ViewNumber number, ViewTarget target) {
   target.ViewAs = window_.Checked("mnuOptionsViewAs");
   std::erase_if(views_, [](const QPointer<frmView>& view) { return view.isNull(); });
-  auto* view = new frmView(window_.TheDisc(), shared_);
+  auto* view = new frmView(window_.OpenDisc(), shared_);
   view->Tag = QString::number(number);
   views_.push_back(view);
   view->Show_File(target);

@@ -8,14 +8,14 @@
 
 namespace sectorbox {
 
-class frmMain;
+class MainWindow;
 
 // The text views of the Disc, Directory and File menus. Each use makes a new window; earlier ones
 // stay open. They go by the current row and the current node, not by the selection, and show any
 // file in any way.
 class ViewCommands : public QObject {
  public:
-  explicit ViewCommands(frmMain& window);
+  explicit ViewCommands(MainWindow& window);
   ~ViewCommands() override;
 
   // The program's one search text, for the other windows that search.
@@ -26,7 +26,7 @@ class ViewCommands : public QObject {
   void OnDirectoryView(const char* entry, ViewNumber number);
   void Launch(ViewNumber number, ViewTarget target);
 
-  frmMain& window_;
+  MainWindow& window_;
   ViewShared shared_;
   std::vector<QPointer<frmView>> views_;
 };

@@ -2,8 +2,6 @@
 
 #include <QApplication>
 #include <QMenu>
-#include <string>
-#include <utility>
 
 #include "disc/image/OpenImage.h"
 #include "link/transfer/ReceiveImage.h"
@@ -15,8 +13,7 @@
 #include "link/wire/Protocol.h"
 #include "link/wire/Trace.h"
 #include "shell/commands/ViewCommands.h"
-#include "shell/program/SerialPorts.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/Text.h"
 #include "viewers/windows/frmFind.h"
 
@@ -33,34 +30,38 @@ std::string SpeedEntry(std::int32_t speed) {
   return "mnuXferSerial" + std::to_string(speed);
 }
 
-// Sets a flag for as long as it lives, however that ends.
-class Flagged {
- public:
-  explicit Flagged(bool& flag) : flag_(flag) { flag_ = true; }
-  ~Flagged() { flag_ = false; }
-  Flagged(const Flagged&) = delete;
-  Flagged& operator=(const Flagged&) = delete;
-
- private:
-  bool& flag_;
-};
-
 }  // namespace
 
-XferCommands::XferCommands(frmMain& window) : window_(window), host_(window) {
+template <typename Command>
+void XferCommands::OnTransfer(const std::string& name, Command command) {
+  window_.OnCommand(name.c_str(), [this, command] {
+    if (!port_->PortOpen()) SelectDevice();
+    command();
+  });
+}
+
+template <typename Command>
+void XferCommands::OnDrives(const std::string& stem, Command command) {
+  for (const std::int32_t drive : {0, 1, 4, 5}) {
+    OnTransfer(stem + std::to_string(drive), [command, drive] { command(drive); });
+  }
+}
+
+XferCommands::XferCommands(MainWindow& window, ViewCommands& views, DeviceOfPort deviceOfPort)
+    : window_(window), views_(views), deviceOfPort_(deviceOfPort), host_(window) {
   host_.Attach(link_);
   ConnectSerialMenu();
-  ConnectTransfers("mnuXferRX", [this](std::int32_t drive) { Receive(drive, false); });
-  ConnectTransfers("mnuXferDRX", [this](std::int32_t drive) { Receive(drive, true); });
-  ConnectTransfers("mnuXferTX", [this](std::int32_t drive) { SendImage(link_, drive, false); });
-  ConnectTransfers("mnuXferDTX", [this](std::int32_t drive) { SendImage(link_, drive, true); });
-  window.OnCommand("mnuXferBasic", Exclusive([this] { frmFirst(link_, &window_).exec(); }));
-  window.OnCommand("mnuXferFormat", Exclusive([this] { frmFormat(link_, &window_).exec(); }));
-  window.OnCommand("mnuXferCli", Exclusive([this] {
-                     frmCLI(
-                         link_, [this] { return AskFindText(); }, &window_)
-                         .exec();
-                   }));
+  OnDrives("mnuXferRX", [this](std::int32_t drive) { Receive(drive, false); });
+  OnDrives("mnuXferDRX", [this](std::int32_t drive) { Receive(drive, true); });
+  OnDrives("mnuXferTX", [this](std::int32_t drive) { SendImage(link_, drive, false); });
+  OnDrives("mnuXferDTX", [this](std::int32_t drive) { SendImage(link_, drive, true); });
+  OnTransfer("mnuXferBasic", [this] { frmFirst(link_, &window_).exec(); });
+  OnTransfer("mnuXferFormat", [this] { frmFormat(link_, &window_).exec(); });
+  OnTransfer("mnuXferCli", [this] {
+    frmCLI(
+        link_, [this] { return AskFindText(); }, &window_)
+        .exec();
+  });
   window.OnCommand("mnuXferTracewindow", [this] { host_.OpenTraceWindow(); });
   window.OnCommand("mnuXferTraceFile", [this] { ChooseTraceFile(link_); });
 }
@@ -72,37 +73,23 @@ void XferCommands::ConnectSerialMenu() {
   for (const std::int32_t speed : wire::kSpeeds) {
     window_.OnCommand(SpeedEntry(speed).c_str(), [this, speed] { ChooseSpeed(speed); });
   }
-  window_.OnCommand("mnuXferSerialReconnect", Exclusive([this] { Reconnect(link_); }));
-  // Adapters come and go while the program runs.
+  OnTransfer("mnuXferSerialReconnect", [this] { Reconnect(link_); });
+  // Users plug adapters in and out while the program runs.
   connect(window_.Action("mnuXferSerial")->menu(), &QMenu::aboutToShow, this,
           [this] { ShowDevices(); });
-}
-
-void XferCommands::ConnectTransfers(const char* stem,
-                                    const std::function<void(std::int32_t drive)>& run) {
-  for (const std::int32_t drive : {0, 1, 4, 5}) {
-    window_.OnCommand((stem + std::to_string(drive)).c_str(),
-                      Exclusive([run, drive] { run(drive); }));
-  }
-}
-
-std::function<void()> XferCommands::Exclusive(std::function<void()> command) {
-  return [this, command = std::move(command)] {
-    if (busy_) return;
-    const Flagged busy(busy_);
-    if (!port_->PortOpen()) SelectDevice();
-    command();
-  };
 }
 
 void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
   std::string fileName;
   if (!ReceiveImage(link_, drive, dataOnly, fileName)) return;
-  if (window_.Checked("mnuOptionsAutoLoad")) OpenImage(window_.TheDisc(), fileName);
+  if (!window_.Checked("mnuOptionsAutoLoad")) return;
+  // From here on the transfer changes the disc.
+  const CommandGuard::Running opening(window_.Guard(), CommandKind::kChange);
+  OpenImage(window_.OpenDisc(), fileName);
 }
 
 std::optional<QString> XferCommands::AskFindText() {
-  TextSearch& search = window_.Views().Search();
+  TextSearch& search = views_.Search();
   frmFind(QApplication::activeModalWidget(), search).exec();
   if (!search.FindOK) return std::nullopt;
   return search.FindText;
@@ -110,15 +97,15 @@ std::optional<QString> XferCommands::AskFindText() {
 
 void XferCommands::ChooseCom(std::int16_t number) {
   port_->Close();
-  window_.SetComPort(number);
+  comPort_ = number;
   for (std::int16_t n = 1; n <= kComEntries; ++n) {
     window_.Action(ComEntry(n).c_str())->setChecked(n == number);
   }
   SelectDevice();
 }
 
-// The settings stay as they are: a closed port makes the next transfer connect, and that reads the
-// tick.
+// The port's settings stay as they are: a closed port makes the next transfer connect, and
+// connecting reads the tick.
 void XferCommands::ChooseSpeed(std::int32_t speed) {
   for (const std::int32_t one : wire::kSpeeds) {
     window_.Action(SpeedEntry(one).c_str())->setChecked(one == speed);
@@ -128,7 +115,7 @@ void XferCommands::ChooseSpeed(std::int32_t speed) {
 
 void XferCommands::ShowDevices() {
   for (std::int16_t n = 1; n <= kComEntries; ++n) {
-    const std::string device = DeviceOfCom(n);
+    const std::string device = deviceOfPort_(n);
     window_.Action(ComEntry(n).c_str())
         ->setStatusTip(device.empty()
                            ? QStringLiteral("No serial device (setting Com%1Device)").arg(n)
@@ -136,10 +123,10 @@ void XferCommands::ShowDevices() {
   }
 }
 
-// A port without a device still has a name that its failure can tell.
+// A port without a device gets a name all the same, so that the message of its failure has one.
 void XferCommands::SelectDevice() {
-  const std::string device = DeviceOfCom(window_.ComPort());
-  port_->SelectDevice(device.empty() ? "Com " + std::to_string(window_.ComPort()) : device);
+  const std::string device = deviceOfPort_(comPort_);
+  port_->SelectDevice(device.empty() ? "Com " + std::to_string(comPort_) : device);
 }
 
 void XferCommands::SetUpPort() {

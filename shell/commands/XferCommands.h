@@ -6,24 +6,33 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "link/wire/Link.h"
 #include "link/wire/SerialPort.h"
-#include "shell/program/LinkWindowHost.h"
+#include "shell/commands/LinkWindowHost.h"
 
 namespace sectorbox {
 
-class frmMain;
+class MainWindow;
+class ViewCommands;
 
-// The ADFS Xfer menu, and with it the program's one serial port and the state of its link.
+// The ADFS Xfer menu. It owns the program's one serial port and the state of its link.
 class XferCommands : public QObject {
  public:
-  explicit XferCommands(frmMain& window);
+  // The path of the device that "Com 1" to "Com 4" stand for now, empty where there is none.
+  using DeviceOfPort = std::string (*)(std::int16_t number);
 
-  // At the start of the program, after the port's number was read: line settings "1200,N,8,1" and
-  // RTS handshaking. The port stays closed.
+  // views holds the program's one search text; it outlives this.
+  XferCommands(MainWindow& window, ViewCommands& views, DeviceOfPort deviceOfPort);
+
+  // The number of the serial port: setting "ComPort".
+  std::int16_t ComPort() const { return comPort_; }
+  void SetComPort(std::int16_t port) { comPort_ = port; }
+  // For the start of the program, after the port's number was read: sets the line to "1200,N,8,1"
+  // and RTS handshaking. The port stays closed.
   void SetUpPort();
-  // At its end: "Q" goes out on an open port, which is then closed.
+  // For the end of the program: sends "Q" on an open port and closes it.
   void ClosePort();
   // Closes the trace log, if one is open.
   void CloseTrace();
@@ -32,23 +41,27 @@ class XferCommands : public QObject {
 
  private:
   void ConnectSerialMenu();
-  void ConnectTransfers(const char* stem, const std::function<void(std::int32_t drive)>& run);
+  // Connects an entry that talks to the BBC. The command runs on the device that the ticked port
+  // stands for at that moment.
+  template <typename Command>
+  void OnTransfer(const std::string& name, Command command);
+  // The entries of the drives: the stem of their names, followed by the drive's number.
+  template <typename Command>
+  void OnDrives(const std::string& stem, Command command);
   void Receive(std::int32_t drive, bool dataOnly);
   std::optional<QString> AskFindText();
   void ChooseCom(std::int16_t number);
   void ChooseSpeed(std::int32_t speed);
   void ShowDevices();
   void SelectDevice();
-  // Runs what talks to the BBC, on the device that the ticked port stands for now. While one such
-  // command runs, its waits let the menus live, but another one would take its replies away from
-  // it: choosing one then does nothing.
-  std::function<void()> Exclusive(std::function<void()> command);
 
-  frmMain& window_;
+  MainWindow& window_;
+  ViewCommands& views_;
+  DeviceOfPort deviceOfPort_;
   LinkWindowHost host_;
   std::unique_ptr<SerialPort> port_ = MakeSerialPort();
   Link link_{*port_, host_};
-  bool busy_ = false;
+  std::int16_t comPort_ = 1;
 };
 
 }  // namespace sectorbox

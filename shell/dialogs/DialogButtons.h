@@ -5,8 +5,8 @@
 
 namespace sectorbox {
 
-// The buttons that every small dialog ends with: cmdOK, which is the default, and cmdCancel, which
-// is what Escape presses.
+// The buttons at the end of every small dialog: cmdOK, which is the default, and cmdCancel, which
+// Escape presses.
 struct OKCancel {
   explicit OKCancel(QWidget* parent)
       : Box(new QDialogButtonBox(parent)),

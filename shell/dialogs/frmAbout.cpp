@@ -1,10 +1,11 @@
 #include "shell/dialogs/frmAbout.h"
-#include "shell/program/Icons.h"
 
 #include <QGridLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
+
+#include "shell/icons/Icons.h"
 
 namespace sectorbox {
 

@@ -5,7 +5,7 @@
 namespace sectorbox {
 
 // The version of the program as its windows show it: "Version 1.0.0".
-QString VersionLine();
+[[nodiscard]] QString VersionLine();
 
 // The about box.
 class frmAbout : public QDialog {

@@ -43,7 +43,7 @@ frmAddr::frmAddr(QWidget* parent)
 
 void frmAddr::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  // Coming back from an icon isn't a new use: what the user has typed so far stays.
+  // A window that comes back from an icon isn't used anew: what the user has typed so far stays.
   if (event->spontaneous()) return;
   txtLoad_->setText(FromBbc(LoadText));
   txtExec_->setText(FromBbc(ExecText));

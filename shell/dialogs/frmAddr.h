@@ -14,8 +14,8 @@ class frmAddr : public QDialog {
 
   std::string LoadText;
   std::string ExecText;
-  // Set at the start of OK, before the texts are tested, and cleared by Cancel alone: a refused OK
-  // leaves it set for as long as the dialog stays open.
+  // OK sets it before it tests the texts, and only Cancel clears it. So a refused OK leaves it set
+  // for as long as the dialog stays open.
   bool DialogAccepted = false;
 
   void cmdOK_Click();

@@ -33,7 +33,7 @@ frmAttr::frmAttr(QWidget* parent)
 
 void frmAttr::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  // Coming back from an icon isn't a new use: what the user has ticked so far stays.
+  // A window that comes back from an icon isn't used anew: what the user has ticked so far stays.
   if (event->spontaneous()) return;
   chkRead_->setChecked(AttrRead);
   chkWrite_->setChecked(AttrWrite);
@@ -41,8 +41,8 @@ void frmAttr::showEvent(QShowEvent* event) {
   chkRead_->setFocus();
 }
 
-// A box in its third state, if a style had one, would count for Locked and for the others not:
-// rather one lock too many than one too few.
+// A box in its third state, if a style has one, counts as ticked for Locked and as not ticked for
+// the others: one lock too many is better than one too few.
 void frmAttr::cmdOK_Click() {
   AttrRead = chkRead_->checkState() == Qt::Checked;
   AttrWrite = chkWrite_->checkState() == Qt::Checked;

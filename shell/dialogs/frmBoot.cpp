@@ -2,9 +2,7 @@
 
 #include <QVBoxLayout>
 
-#include "disc/change/Mutation.h"
 #include "shell/dialogs/DialogButtons.h"
-#include "shell/program/frmMain.h"
 #include "toolkit/Captions.h"
 
 namespace sectorbox {
@@ -16,7 +14,7 @@ constexpr std::uint8_t kOptionBits = 3;
 
 }  // namespace
 
-frmBoot::frmBoot(QWidget* parent, Disc& disc) : QDialog(parent), disc_(disc) {
+frmBoot::frmBoot(QWidget* parent, std::uint8_t bootByte) : QDialog(parent) {
   setObjectName(QStringLiteral("frmBoot"));
   setWindowTitle(QStringLiteral("Set Boot Attributes"));
   auto* layout = new QVBoxLayout(this);
@@ -25,12 +23,11 @@ frmBoot::frmBoot(QWidget* parent, Disc& disc) : QDialog(parent), disc_(disc) {
     options_[i]->setObjectName(QString::fromLatin1(kNames[i]));
     layout->addWidget(options_[i]);
   }
-  const std::size_t now = disc_.TheDisc.Fetch(format::kMapBootOption) & kOptionBits;
+  const std::size_t now = bootByte & kOptionBits;
   options_[now]->setChecked(true);
   options_[now]->setFocus();
   const OKCancel buttons(this);
-  connect(buttons.OK, &QPushButton::clicked, this,
-          [this] { frmMain::MainWindow->Guarded([this] { cmdOK_Click(); }); });
+  connect(buttons.OK, &QPushButton::clicked, this, [this] { accept(); });
   connect(buttons.Cancel, &QPushButton::clicked, this, [this] { reject(); });
   layout->addSpacing(6);
   layout->addWidget(buttons.Box);
@@ -38,11 +35,10 @@ frmBoot::frmBoot(QWidget* parent, Disc& disc) : QDialog(parent), disc_(disc) {
   MakeRoomForCaption(*this);
 }
 
-void frmBoot::cmdOK_Click() {
-  for (std::size_t i = 0; i < options_.size(); ++i) {
-    if (options_[i]->isChecked()) SetBootOption(disc_, static_cast<std::uint8_t>(i));
-  }
-  accept();
+std::uint8_t frmBoot::Option() const {
+  std::uint8_t option = 0;
+  while (!options_.at(option)->isChecked()) ++option;
+  return option;
 }
 
 }  // namespace sectorbox

@@ -3,22 +3,21 @@
 #include <QDialog>
 #include <QRadioButton>
 #include <array>
-
-#include "disc/store/Disc.h"
+#include <cstdint>
 
 namespace sectorbox {
 
-// "Set Boot Attributes": shows the low two bits of the map's boot byte; OK writes the choice over
-// the whole byte. Only that byte changes: neither the map's checksum nor the dirty flag follow, so
-// the caption shows no "*" and exit asks nothing.
+// "Set Boot Attributes": shows the low two bits of the map's boot byte. After OK the caller reads
+// the choice and writes it over the whole byte.
 class frmBoot : public QDialog {
  public:
-  frmBoot(QWidget* parent, Disc& disc);
+  // bootByte is the map's boot byte as it stands.
+  frmBoot(QWidget* parent, std::uint8_t bootByte);
+
+  // The choice: 0 to 3.
+  [[nodiscard]] std::uint8_t Option() const;
 
  private:
-  void cmdOK_Click();
-
-  Disc& disc_;
   std::array<QRadioButton*, 4> options_{};
 };
 

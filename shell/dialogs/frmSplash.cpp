@@ -7,7 +7,7 @@
 #include <QScreen>
 
 #include "shell/dialogs/frmAbout.h"
-#include "shell/program/Icons.h"
+#include "shell/icons/Icons.h"
 
 namespace sectorbox {
 namespace {

@@ -5,7 +5,7 @@
 
 namespace sectorbox {
 
-// The window that is on the screen before there is a main window.
+// The window that is on the screen before the main window exists.
 class frmSplash : public QWidget {
  public:
   frmSplash();
@@ -14,8 +14,8 @@ class frmSplash : public QWidget {
   void paintEvent(QPaintEvent* event) override;
 };
 
-// Shows the splash for four seconds of the given clock (seconds of any origin), running pump over
-// and over meanwhile. Nothing the user does shortens it. The splash still shows when this returns.
+// Shows the splash for four seconds of the given clock (seconds of any origin), and runs pump over
+// and over meanwhile. The user can't shorten it. The splash still shows when this returns.
 inline constexpr double kSplashSeconds = 4.0;
 void ShowSplash(frmSplash& splash, const std::function<double()>& clock,
                 const std::function<void()>& pump);

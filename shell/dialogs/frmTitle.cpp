@@ -2,27 +2,23 @@
 
 #include <QVBoxLayout>
 
-#include "disc/catalogue/Adfs.h"
-#include "disc/change/Mutation.h"
 #include "shell/dialogs/DialogButtons.h"
-#include "shell/program/frmMain.h"
 #include "toolkit/Captions.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
 
-frmTitle::frmTitle(QWidget* parent, Disc& disc, std::int32_t DirSector)
-    : QDialog(parent), disc_(disc), sector_(DirSector), txtTitle_(new QLineEdit(this)) {
+frmTitle::frmTitle(QWidget* parent, const std::string& title)
+    : QDialog(parent), txtTitle_(new QLineEdit(this)) {
   setObjectName(QStringLiteral("frmTitle"));
   setWindowTitle(QStringLiteral("Set Directory Title"));
   txtTitle_->setObjectName(QStringLiteral("txtTitle"));
-  txtTitle_->setText(FromBbc(GetDirTitle(disc_, sector_)));
+  txtTitle_->setText(FromBbc(title));
   txtTitle_->selectAll();
   txtTitle_->setFocus();
   txtTitle_->setMinimumWidth(240);
   const OKCancel buttons(this);
-  connect(buttons.OK, &QPushButton::clicked, this,
-          [this] { frmMain::MainWindow->Guarded([this] { cmdOK_Click(); }); });
+  connect(buttons.OK, &QPushButton::clicked, this, [this] { accept(); });
   connect(buttons.Cancel, &QPushButton::clicked, this, [this] { reject(); });
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(txtTitle_);
@@ -32,9 +28,8 @@ frmTitle::frmTitle(QWidget* parent, Disc& disc, std::int32_t DirSector)
   MakeRoomForCaption(*this);
 }
 
-void frmTitle::cmdOK_Click() {
-  (void)SetDirTitle(disc_, sector_, TypedToBbc(txtTitle_->text()));
-  accept();
+std::string frmTitle::Title() const {
+  return TypedToBbc(txtTitle_->text());
 }
 
 }  // namespace sectorbox

@@ -2,21 +2,20 @@
 
 #include <QDialog>
 #include <QLineEdit>
-
-#include "disc/store/Disc.h"
+#include <string>
 
 namespace sectorbox {
 
 // "Set Directory Title" of one directory. Any text goes; the disc cuts what it can't hold.
 class frmTitle : public QDialog {
  public:
-  frmTitle(QWidget* parent, Disc& disc, std::int32_t DirSector);
+  // title is the directory's title as it stands, in the BBC's bytes.
+  frmTitle(QWidget* parent, const std::string& title);
+
+  // What the user has typed, in the BBC's bytes.
+  [[nodiscard]] std::string Title() const;
 
  private:
-  void cmdOK_Click();
-
-  Disc& disc_;
-  std::int32_t sector_;
   QLineEdit* txtTitle_;
 };
 

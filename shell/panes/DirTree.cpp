@@ -4,12 +4,11 @@
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QIcon>
-#include <QMimeData>
 #include <QPainter>
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/format/Format.h"
-#include "shell/program/Icons.h"
+#include "shell/icons/Icons.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -29,7 +28,7 @@ DirNode::DirNode(const std::string& text, std::int32_t tag) : Tag(tag) {
   QTreeWidgetItem::setIcon(0, NodeIcon(false));
   Qt::ItemFlags all =
       Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
-  // The root has no entry anywhere that could be renamed.
+  // No directory has an entry for the root that could be renamed.
   if (tag != format::kRootSector) all |= Qt::ItemIsEditable;
   setFlags(all);
 }
@@ -69,23 +68,24 @@ DirTree::DirTree(QWidget* parent) : QTreeWidget(parent) {
   setAcceptDrops(true);
   setDropIndicatorShown(false);
   auto* editor = new NameEditor(this);
-  editor->Edited = [this](const QModelIndex& index, const QString& name) {
+  connect(editor, &NameEditor::Edited, this, [this](const QModelIndex& index, const QString& name) {
     auto* node = static_cast<DirNode*>(itemFromIndex(index));
-    if (node != nullptr && NameEdited) NameEdited(*node, name);
-  };
+    if (node != nullptr) Q_EMIT NameEdited(node, name);
+  });
   setItemDelegate(editor);
-  connect(this, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* item) {
-    if (NodeClicked) NodeClicked(*static_cast<DirNode*>(item));
-  });
-  // Moving with the keys makes a node current as a click does.
+  ConnectItems();
+}
+
+void DirTree::ConnectItems() {
+  connect(this, &QTreeWidget::itemClicked, this,
+          [this](QTreeWidgetItem* item) { Q_EMIT NodeClicked(static_cast<DirNode*>(item)); });
   connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
-    if (item != nullptr && !quiet_ && NodeClicked) NodeClicked(*static_cast<DirNode*>(item));
+    if (item != nullptr && !quiet_) Q_EMIT NodeClicked(static_cast<DirNode*>(item));
   });
-  connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {
-    if (NodeToggled) NodeToggled(*static_cast<DirNode*>(item), true);
-  });
+  connect(this, &QTreeWidget::itemExpanded, this,
+          [this](QTreeWidgetItem* item) { Q_EMIT NodeToggled(static_cast<DirNode*>(item), true); });
   connect(this, &QTreeWidget::itemCollapsed, this, [this](QTreeWidgetItem* item) {
-    if (NodeToggled) NodeToggled(*static_cast<DirNode*>(item), false);
+    Q_EMIT NodeToggled(static_cast<DirNode*>(item), false);
   });
 }
 
@@ -103,7 +103,7 @@ void DirTree::SetDropHighlight(DirNode* node) {
 }
 
 void DirTree::startDrag(Qt::DropActions) {
-  if (DragWanted) DragWanted();
+  Q_EMIT DragWanted();
 }
 
 void DirTree::dragEnterEvent(QDragEnterEvent* event) {
@@ -127,20 +127,20 @@ void DirTree::dragLeaveEvent(QDragLeaveEvent* event) {
 void DirTree::dropEvent(QDropEvent* event) {
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  if (Dropped) Dropped(*event->mimeData());
+  Q_EMIT Dropped(*event->mimeData());
   SetDropHighlight(nullptr);
 }
 
 // The right button pops up the menu for what is current. It selects nothing. A press with the left
-// one doesn't change the current directory yet; the click does, at its release, so that a drag that
-// begins on another node still takes the current directory.
+// button doesn't change the current directory yet: the click changes it when the button is
+// released, so that a drag that begins on another node still takes the current directory.
 void DirTree::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) {
     event->accept();
-    if (MenuWanted) MenuWanted(event->globalPosition().toPoint());
+    Q_EMIT MenuWanted(event->globalPosition().toPoint());
     return;
   }
-  // A press beside all nodes keeps the mark on the current one.
+  // A press beside all nodes doesn't take the mark off the current node.
   if (itemAt(event->position().toPoint()) == nullptr) {
     event->accept();
     return;
@@ -164,20 +164,12 @@ void DirTree::mouseReleaseEvent(QMouseEvent* event) {
   QTreeWidget::mouseReleaseEvent(event);
 }
 
-// The mouse is served at its press; what comes here is the keyboard's menu key.
+// mousePressEvent serves the mouse; this serves the menu key of the keyboard.
 void DirTree::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() != QContextMenuEvent::Mouse && MenuWanted) {
-    MenuWanted(viewport()->mapToGlobal(visualItemRect(currentItem()).bottomLeft()));
+  if (event->reason() != QContextMenuEvent::Mouse) {
+    Q_EMIT MenuWanted(viewport()->mapToGlobal(visualItemRect(currentItem()).bottomLeft()));
   }
-}
-
-void DirTree::keyPressEvent(QKeyEvent* event) {
-  if (KeyPressed && KeyPressed(*event)) {
-    event->accept();
-    return;
-  }
-  QTreeWidget::keyPressEvent(event);
 }
 
 // The column is as wide as its longest path of names, so that deep trees scroll, but never narrower

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <QMimeData>
 #include <QTreeWidget>
-#include <functional>
+#include <cstdint>
+#include <string>
 
 #include "shell/panes/NameEditor.h"
 
@@ -14,7 +16,7 @@ class DirNode : public QTreeWidgetItem {
 
   std::int32_t Tag = 0;
 
-  std::string Text() const;
+  [[nodiscard]] std::string Text() const;
   void SetText(const std::string& text);
   void SetOpen(bool open);  // the image: "open" or "closed"
   bool IsOpen() const { return open_; }
@@ -36,20 +38,19 @@ class DirTree : public QTreeWidget {
   explicit DirTree(QWidget* parent);
 
   DirNode* Selected() const { return static_cast<DirNode*>(currentItem()); }
-  // Makes the node the selected one without telling anybody.
+  // Makes the node the selected one and emits nothing.
   void Select(DirNode* node);
   DirNode* DropHighlight() const { return highlight_; }
   void SetDropHighlight(DirNode* node);
 
-  // What happens on this pane; set by its owner.
-  std::function<void(DirNode& node)> NodeClicked;
-  std::function<void(DirNode& node, bool expanded)> NodeToggled;
-  std::function<void(const QPoint& global)> MenuWanted;
-  std::function<void()> DragWanted;
-  std::function<void(const QMimeData& data)> Dropped;
-  std::function<void(DirNode& node, const QString& name)> NameEdited;
-  // True if the pane took the key.
-  std::function<bool(QKeyEvent& event)> KeyPressed;
+  // What the user does on this pane.
+ Q_SIGNALS:
+  void NodeClicked(DirNode* node);  // with the mouse or by moving with the keys
+  void NodeToggled(DirNode* node, bool expanded);
+  void MenuWanted(const QPoint& global);
+  void DragWanted();
+  void Dropped(const QMimeData& data);
+  void NameEdited(DirNode* node, const QString& name);
 
  protected:
   void startDrag(Qt::DropActions actions) override;
@@ -61,14 +62,15 @@ class DirTree : public QTreeWidget {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
 
  private:
+  void ConnectItems();
+
   DirNode* highlight_ = nullptr;
-  bool quiet_ = false;
+  bool quiet_ = false;  // a change of the current node isn't the user's move with the keys
 };
 
 }  // namespace sectorbox

@@ -5,7 +5,6 @@
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostFile.h"
 #include "shell/panes/RowExport.h"
-#include "shell/program/HostFolders.h"
 
 namespace sectorbox {
 namespace {
@@ -20,14 +19,14 @@ bool AnythingThere(const std::string& path) {
 std::string DragOut::temp_root() {
   std::string folder;
   do {
-    folder = GetTempFolder() + "adfs_temp/temp_" + std::to_string(DragFolderCount);
+    folder = tempFolder_ + "adfs_temp/temp_" + std::to_string(DragFolderCount);
     ++DragFolderCount;
   } while (AnythingThere(folder));
   return folder;
 }
 
 std::string DragOut::MakeFolder() {
-  const std::string root = GetTempFolder() + "adfs_temp";
+  const std::string root = tempFolder_ + "adfs_temp";
   if (!HostFolderExists(root)) CreateHostFolder(root);
   std::string folder = temp_root();
   CreateHostFolder(folder);
@@ -39,10 +38,10 @@ void DragOut::AddPath(const std::string& path) {
   ++DragFileCount;
 }
 
-// The temporary folder is everybody's: a link that somebody put where the log goes is replaced, not
-// written through.
+// All users of the host share the temporary folder. Where somebody has put a symbolic link in the
+// log's place, the log replaces the link and isn't written through it.
 void DragOut::WriteLog() const {
-  const std::string path = GetTempFolder() + "drag.log";
+  const std::string path = tempFolder_ + "drag.log";
   std::error_code ignored;
   if (std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored))) {
     std::filesystem::remove(path, ignored);
@@ -71,11 +70,11 @@ std::vector<std::string> DragOut::ExportRows(const std::vector<ListRow>& selecte
   return offered;
 }
 
-std::vector<std::string> DragOut::ExportDirectory(const std::string& Name, std::int32_t Sector) {
+std::vector<std::string> DragOut::ExportDirectory(const std::string& name, std::int32_t sector) {
   DragFileCount = 0;
-  const std::string path = JoinHostPath(MakeFolder(), AdfsToHostName(Name));
+  const std::string path = JoinHostPath(MakeFolder(), AdfsToHostName(name));
   AddPath(path);
-  DragDropExportFiles(disc_, path, Sector, this);
+  DragDropExportFiles(disc_, path, sector, this);
   WriteLog();
   return {path};
 }

@@ -3,34 +3,37 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "disc/catalogue/Catalogue.h"
 #include "disc/store/Disc.h"
 
-// Dragging things out of the panes. Nothing on a disc is a host file, so a drag writes what it
-// takes to a new folder of the host, with sidecars, before any path is offered to anybody.
+// Dragging things out of the panes. What is on a disc is no host file, so a drag first writes what
+// it takes to a new folder of the host, with sidecars, and then offers the paths.
 namespace sectorbox {
 
-// Below the temporary folder T: T + "adfs_temp/temp_N", one folder a drag, removed at the next
-// start of the program and not before; and T + "drag.log", a line for each path of the last drag,
-// which stays for whoever wonders what a drag did.
+// Below the temporary folder T each drag makes one folder, T + "adfs_temp/temp_N". The next start
+// of the program removes these folders, and nothing does before. T + "drag.log" has a line for each
+// path of the last drag. It stays, so that a user can look up what a drag did.
 class DragOut {
  public:
-  explicit DragOut(Disc& disc) : disc_(disc) {}
+  // tempFolder ends with a separator.
+  DragOut(Disc& disc, std::string tempFolder) : disc_(disc), tempFolder_(std::move(tempFolder)) {}
 
   std::array<std::string, 1001> DragFiles;  // the top-level paths of the current drag
   std::int16_t DragFileCount = 0;
   std::int16_t DragFolderCount = 0;  // next number of a drag folder
 
-  // A folder path that nothing has yet. Doesn't make the folder.
-  std::string temp_root();
+  // A path for a folder, at which there is nothing yet. Doesn't make the folder.
+  [[nodiscard]] std::string temp_root();
 
-  // Each writes its part below a folder of its own and the log, and gives the paths to offer, none
-  // if there is nothing to drag. HostError if the host can't take the files.
-  std::vector<std::string> ExportRows(const std::vector<ListRow>& selected);
-  // The directory at Sector, without a sidecar of its own: its attributes don't travel.
-  std::vector<std::string> ExportDirectory(const std::string& Name, std::int32_t Sector);
+  // Each writes its part below a folder of its own, writes the log, and gives the paths to offer,
+  // none if there is nothing to drag. HostError if the host can't take the files.
+  [[nodiscard]] std::vector<std::string> ExportRows(const std::vector<ListRow>& selected);
+  // The directory at that sector. It gets no sidecar of its own: its attributes aren't taken along.
+  [[nodiscard]] std::vector<std::string> ExportDirectory(const std::string& name,
+                                                         std::int32_t sector);
 
  private:
   std::string MakeFolder();
@@ -38,6 +41,7 @@ class DragOut {
   void WriteLog() const;
 
   Disc& disc_;
+  std::string tempFolder_;
 };
 
 }  // namespace sectorbox

@@ -3,7 +3,6 @@
 #include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QHeaderView>
-#include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -16,7 +15,7 @@ constexpr int kSmallIcon = 16;
 constexpr int kLargeIcon = 32;
 constexpr int kCellMargin = 4;
 
-// Cells as wide as the longest name in capitals, so that the icons stand in columns.
+// The cells are as wide as the longest name in capitals, so that the icons stand in columns.
 QSize GridOf(ListLook look, const QFontMetrics& metrics) {
   const int name = metrics.horizontalAdvance(QStringLiteral("MMMMMMMMMM"));
   const int line = metrics.height() + 6;
@@ -25,7 +24,7 @@ QSize GridOf(ListLook look, const QFontMetrics& metrics) {
   return {};
 }
 
-// Paints a whole row in the report mode; in the other modes the plain item.
+// Paints a whole row in the report mode, and Qt's own item in the other modes.
 class RowPainter : public NameEditor {
  public:
   explicit RowPainter(FileList* list) : NameEditor(list), list_(*list) {}
@@ -81,17 +80,12 @@ FileList::FileList(QWidget* parent)
     : QListView(parent), model_(new FileListModel(this)), header_(nullptr) {
   setObjectName(QStringLiteral("lvwDB"));
   setModel(model_);
-  header_ = new QHeaderView(Qt::Horizontal, this);
-  header_->setObjectName(QStringLiteral("lvwDBHeader"));
-  header_->setModel(model_);
-  header_->setSectionsClickable(true);
-  header_->setSortIndicatorShown(true);
-  header_->setHighlightSections(false);
-  header_->setMinimumSectionSize(16);
+  MakeHeader();
   auto* painter = new RowPainter(this);
-  painter->Edited = [this](const QModelIndex& index, const QString& name) {
-    if (NameEdited) NameEdited(index.row(), name);
-  };
+  connect(painter, &NameEditor::Edited, this,
+          [this](const QModelIndex& index, const QString& name) {
+            Q_EMIT NameEdited(index.row(), name);
+          });
   setItemDelegate(painter);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
   setEditTriggers(QAbstractItemView::SelectedClicked);
@@ -101,15 +95,23 @@ FileList::FileList(QWidget* parent)
   setUniformItemSizes(false);
   setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-  connect(header_, &QHeaderView::sectionClicked, this, [this](int column) {
-    if (HeadingClicked) HeadingClicked(column);
-  });
+  SetMode(ListLook::kReport);
+}
+
+void FileList::MakeHeader() {
+  header_ = new QHeaderView(Qt::Horizontal, this);
+  header_->setObjectName(QStringLiteral("lvwDBHeader"));
+  header_->setModel(model_);
+  header_->setSectionsClickable(true);
+  header_->setSortIndicatorShown(true);
+  header_->setHighlightSections(false);
+  header_->setMinimumSectionSize(16);
+  connect(header_, &QHeaderView::sectionClicked, this, &FileList::HeadingClicked);
   connect(header_, &QHeaderView::sectionResized, this, [this](int column) {
     if (!sizing_) dragged_[static_cast<std::size_t>(column)] = true;
     scheduleDelayedItemsLayout();
   });
   connect(horizontalScrollBar(), &QScrollBar::valueChanged, header_, &QHeaderView::setOffset);
-  SetMode(ListLook::kReport);
 }
 
 void FileList::SetMode(ListLook mode) {
@@ -190,10 +192,11 @@ void FileList::EditName(int row) {
 }
 
 void FileList::startDrag(Qt::DropActions) {
-  if (DragWanted) DragWanted();
+  Q_EMIT DragWanted();
 }
 
-// Every file list is taken, wherever the pointer is: a drop goes to the directory that is shown.
+// The pane takes every list of files, wherever the pointer is: a drop goes to the directory that is
+// shown.
 void FileList::dragEnterEvent(QDragEnterEvent* event) {
   if (!event->mimeData()->hasUrls()) return;
   event->setDropAction(Qt::CopyAction);
@@ -209,24 +212,24 @@ void FileList::dragMoveEvent(QDragMoveEvent* event) {
 void FileList::dropEvent(QDropEvent* event) {
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  if (Dropped) Dropped(*event->mimeData());
+  Q_EMIT Dropped(*event->mimeData());
 }
 
 // The right button pops up the menu for what is current. It selects nothing.
 void FileList::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) {
     event->accept();
-    if (MenuWanted) MenuWanted(event->globalPosition().toPoint());
+    Q_EMIT MenuWanted(event->globalPosition().toPoint());
     return;
   }
   quiet_ = true;
   QListView::mousePressEvent(event);
   quiet_ = false;
   const QModelIndex index = indexAt(event->position().toPoint());
-  if (event->button() == Qt::LeftButton && index.isValid() && RowClicked) RowClicked(index.row());
+  if (event->button() == Qt::LeftButton && index.isValid()) Q_EMIT RowClicked(index.row());
 }
 
-// The view itself would clear the selection when a right button is let go beside all rows.
+// Without this, Qt clears the selection when the right button is released beside all rows.
 void FileList::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) {
     event->accept();
@@ -235,35 +238,26 @@ void FileList::mouseReleaseEvent(QMouseEvent* event) {
   QListView::mouseReleaseEvent(event);
 }
 
-// The view has its turn first: it calls off the in-place edit that the first click on a selected
+// Qt's own handling comes first: it calls off the in-place edit that the first click on a selected
 // row has set going.
 void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
   quiet_ = true;
   QListView::mouseDoubleClickEvent(event);
   quiet_ = false;
   const QModelIndex index = indexAt(event->position().toPoint());
-  if (event->button() == Qt::LeftButton && index.isValid() && RowDoubleClicked) {
-    RowDoubleClicked(index.row());
-  }
+  if (event->button() == Qt::LeftButton && index.isValid()) Q_EMIT RowDoubleClicked(index.row());
 }
 
-// The mouse is served at its press; what comes here is the keyboard's menu key.
+// mousePressEvent serves the mouse; this serves the menu key of the keyboard.
 void FileList::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() != QContextMenuEvent::Mouse && MenuWanted) {
-    MenuWanted(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
+  if (event->reason() != QContextMenuEvent::Mouse) {
+    Q_EMIT MenuWanted(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
   }
 }
 
-void FileList::keyPressEvent(QKeyEvent* event) {
-  if (KeyPressed && KeyPressed(*event)) {
-    event->accept();
-    return;
-  }
-  QListView::keyPressEvent(event);
-}
-
-// A view that gets the focus without a current row takes its first, which nobody has chosen.
+// A view that gets the focus without a current row makes its first row current. The user hasn't
+// chosen that row, so nothing is emitted.
 void FileList::focusInEvent(QFocusEvent* event) {
   quiet_ = true;
   QListView::focusInEvent(event);
@@ -273,7 +267,7 @@ void FileList::focusInEvent(QFocusEvent* event) {
 // Moving with the keys makes a row current as a click does.
 void FileList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QListView::currentChanged(current, previous);
-  if (!quiet_ && current.isValid() && RowClicked) RowClicked(current.row());
+  if (!quiet_ && current.isValid()) Q_EMIT RowClicked(current.row());
 }
 
 }  // namespace sectorbox

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QListView>
+#include <QMimeData>
 #include <array>
-#include <functional>
 
 #include "shell/panes/FileListModel.h"
 #include "shell/panes/NameEditor.h"
@@ -28,26 +28,25 @@ class FileList : public QListView {
   void SetMode(ListLook mode);
   // The width of a column in twips; forgets what the user dragged it to.
   void SetColumnWidth(int column, double twips);
-  // Widens the columns whose texts would be cut, but for those that the user dragged.
+  // Widens the columns whose texts would be cut. A column that the user dragged stays as it is.
   void FitColumns();
-  bool IsSelected(int row) const;
+  [[nodiscard]] bool IsSelected(int row) const;
   void SetSelected(int row, bool selected);
   // Starts the in-place edit of a row's name.
   void EditName(int row);
 
-  // What happens on this pane; set by its owner.
-  std::function<void(int row)> RowClicked;
-  std::function<void(int row)> RowDoubleClicked;
-  std::function<void(int column)> HeadingClicked;
-  std::function<void(const QPoint& global)> MenuWanted;
-  std::function<void()> DragWanted;
-  std::function<void(const QMimeData& data)> Dropped;
-  std::function<void(int row, const QString& name)> NameEdited;
-  // True if the pane took the key.
-  std::function<bool(QKeyEvent& event)> KeyPressed;
-
   // For the delegate: where column's cell lies in a row painted at rowRect.
-  QRect CellRect(const QRect& rowRect, int column) const;
+  [[nodiscard]] QRect CellRect(const QRect& rowRect, int column) const;
+
+  // What the user does on this pane.
+ Q_SIGNALS:
+  void RowClicked(int row);  // with the mouse or by moving with the keys
+  void RowDoubleClicked(int row);
+  void HeadingClicked(int column);
+  void MenuWanted(const QPoint& global);
+  void DragWanted();
+  void Dropped(const QMimeData& data);
+  void NameEdited(int row, const QString& name);
 
  protected:
   void startDrag(Qt::DropActions actions) override;
@@ -57,13 +56,13 @@ class FileList : public QListView {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
-  void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   void updateGeometries() override;
 
  private:
+  void MakeHeader();
   void PlaceHeader();
 
   FileListModel* model_;

@@ -4,13 +4,13 @@
 #include <numeric>
 
 #include "disc/catalogue/Adfs.h"
-#include "shell/program/Icons.h"
+#include "shell/icons/Icons.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
 namespace {
 
-// One more than the columns that a heading can name: a row's own place in the old order.
+// A column after all that a heading can name: the place of a row in the old order.
 std::vector<std::size_t> SortedOrder(const std::vector<ListRow>& rows, int column,
                                      Qt::SortOrder order) {
   std::vector<std::size_t> places(rows.size());

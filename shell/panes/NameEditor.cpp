@@ -13,14 +13,14 @@ QWidget* NameEditor::createEditor(QWidget* parent, const QStyleOptionViewItem&,
   return editor;
 }
 
-// Handed over from the event loop and not from here: the view is still in the middle of closing the
-// editor, and the disc may answer with a box that runs events.
+// The signal comes from the event loop and not from here: the view is still in the middle of
+// closing the editor, and the disc may answer with a box that runs events.
 void NameEditor::setModelData(QWidget* editor, QAbstractItemModel*,
                               const QModelIndex& index) const {
   const QString text = qobject_cast<QLineEdit*>(editor)->text();
-  if (text == index.data(Qt::EditRole).toString() || !Edited) return;
+  if (text == index.data(Qt::EditRole).toString()) return;
   QTimer::singleShot(0, this, [this, held = QPersistentModelIndex(index), text] {
-    if (held.isValid()) Edited(held, text);
+    if (held.isValid()) Q_EMIT Edited(held, text);
   });
 }
 

@@ -1,11 +1,12 @@
-// The panes' keys, pop-up menus and toolbar: each leads to a menu entry or to one of their
-// operations.
+// The keys, pop-up menus and toolbar of the panes: each leads to a menu entry or to an operation of
+// the panes.
 
 #include <QKeyEvent>
 #include <QMenu>
+#include <utility>
 
+#include "shell/icons/Icons.h"
 #include "shell/panes/Panes.h"
-#include "shell/program/Icons.h"
 
 namespace sectorbox {
 
@@ -13,8 +14,40 @@ void Panes::PopUp(const char* menu, const QPoint& global) {
   window_.Action(menu)->menu()->popup(global);
 }
 
-bool Panes::TreeKey(QKeyEvent& event) {
-  const bool control = (event.modifiers() & Qt::ControlModifier) != 0;
+bool Panes::eventFilter(QObject* watched, QEvent* event) {
+  if (SwallowInput(*event)) return true;
+  if (event->type() == QEvent::KeyPress) {
+    const auto& key = static_cast<QKeyEvent&>(*event);
+    if (watched == &Tree()) return TreeKey(key);
+    if (watched == &List()) return ListKey(key);
+  }
+  return PaneLayout::eventFilter(watched, event);
+}
+
+bool Panes::SwallowInput(QEvent& event) {
+  const auto refuses = [this](CommandKind kind) { return !window_.Guard().MayStart(kind); };
+  switch (event.type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+      pressSwallowed_ = refuses(CommandKind::kSmall);
+      return pressSwallowed_;
+    case QEvent::MouseButtonRelease:
+      return std::exchange(pressSwallowed_, false);
+    case QEvent::KeyPress:
+    case QEvent::ContextMenu:
+      return refuses(CommandKind::kSmall);
+    case QEvent::DragEnter:
+    case QEvent::DragMove:
+    case QEvent::Drop:
+      if (!refuses(CommandKind::kChange)) return false;
+      event.ignore();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Panes::TreeKey(const QKeyEvent& event) {
   switch (event.key()) {
     case Qt::Key_Delete:
       window_.Action("mnuDirectoryDelete")->trigger();
@@ -23,18 +56,14 @@ bool Panes::TreeKey(QKeyEvent& event) {
       window_.Action("mnuDirectoryRename")->trigger();
       return true;
     case Qt::Key_F5:
-      window_.Guarded([this] { RebuildTree(); });
+      window_.Start(CommandKind::kSmall, [this] { RebuildTree(); });
       return true;
-    case Qt::Key_A:
-      if (control) window_.Action("mnuFileSelectAll")->trigger();
-      return control;
     default:
-      return false;
+      return CommonKey(event);
   }
 }
 
-bool Panes::ListKey(QKeyEvent& event) {
-  const bool control = (event.modifiers() & Qt::ControlModifier) != 0;
+bool Panes::ListKey(const QKeyEvent& event) {
   switch (event.key()) {
     case Qt::Key_Delete:
       window_.Action("mnuFileDelete")->trigger();
@@ -43,52 +72,53 @@ bool Panes::ListKey(QKeyEvent& event) {
       window_.Action("mnuFileRename")->trigger();
       return true;
     case Qt::Key_F5:
-      window_.Guarded([this] { GetRootTitles(); });
+      window_.Start(CommandKind::kSmall, [this] { GetRootTitles(); });
       return true;
-    case Qt::Key_A:
-      if (control) window_.Action("mnuFileSelectAll")->trigger();
-      return control;
     default:
-      return false;
+      return CommonKey(event);
   }
 }
 
+bool Panes::CommonKey(const QKeyEvent& event) {
+  const bool all = event.key() == Qt::Key_A && (event.modifiers() & Qt::ControlModifier) != 0;
+  if (all) window_.Action("mnuFileSelectAll")->trigger();
+  return all;
+}
+
+void Panes::GoUp() {
+  if (CurrentNode_ == nullptr || CurrentNode_->Parent() == nullptr) return;
+  window_.Start(CommandKind::kSmall, [this] { tvwDB_NodeClick(*CurrentNode_->Parent()); });
+}
+
+template <typename Run>
+void Panes::AddTool(const char* key, const char* icon, Run run) {
+  const QString name = QString::fromLatin1(key);
+  QAction* action = Bar().addAction(LoadIcon(icon), name, this, run);
+  action->setObjectName(name);
+  action->setToolTip(name);
+  action->setStatusTip({});
+}
+
+void Panes::AddEntryTool(const char* key, const char* icon, const char* entry) {
+  AddTool(key, icon, [this, entry] {
+    if (window_.Action(entry)->isEnabled()) window_.Action(entry)->trigger();
+  });
+}
+
+void Panes::AddLookTool(const char* key, const char* icon, ListLook look) {
+  AddTool(key, icon, [this, look] { List().SetMode(look); });
+}
+
 void Panes::MakeToolBar() {
-  struct Button {
-    const char* Key;
-    const char* Icon;
-    std::function<void()> Run;
-  };
-  const auto trigger = [this](const char* name) {
-    return [this, name] {
-      if (window_.Action(name)->isEnabled()) window_.Action(name)->trigger();
-    };
-  };
-  const auto mode = [this](ListLook wanted) { return [this, wanted] { List().SetMode(wanted); }; };
-  const auto up = [this] {
-    if (CurrentNode_ == nullptr || CurrentNode_->Parent() == nullptr) return;
-    window_.Guarded([this] { tvwDB_NodeClick(*CurrentNode_->Parent()); });
-  };
-  const Button buttons[] = {{"New", "new", trigger("mnuDiscNew80DSD")},
-                            {"Open", "opendisc", trigger("mnuDiscOpen")},
-                            {"Save", "save", trigger("mnuDiscSave")},
-                            {nullptr, nullptr, {}},
-                            {"Up One Level", "up", up},
-                            {"View Details", "details", mode(ListLook::kReport)},
-                            {"View Large Icons", "largeicons", mode(ListLook::kLargeIcons)},
-                            {"View List", "list", mode(ListLook::kList)},
-                            {"View Small Icons", "smallicons", mode(ListLook::kSmallIcons)}};
-  for (const Button& button : buttons) {
-    if (button.Key == nullptr) {
-      Bar().addSeparator();
-      continue;
-    }
-    const QString key = QString::fromLatin1(button.Key);
-    QAction* action = Bar().addAction(LoadIcon(button.Icon), key, this, button.Run);
-    action->setObjectName(key);
-    action->setToolTip(key);
-    action->setStatusTip({});
-  }
+  AddEntryTool("New", "new", "mnuDiscNew80DSD");
+  AddEntryTool("Open", "opendisc", "mnuDiscOpen");
+  AddEntryTool("Save", "save", "mnuDiscSave");
+  Bar().addSeparator();
+  AddTool("Up One Level", "up", [this] { GoUp(); });
+  AddLookTool("View Details", "details", ListLook::kReport);
+  AddLookTool("View Large Icons", "largeicons", ListLook::kLargeIcons);
+  AddLookTool("View List", "list", ListLook::kList);
+  AddLookTool("View Small Icons", "smallicons", ListLook::kSmallIcons);
 }
 
 }  // namespace sectorbox

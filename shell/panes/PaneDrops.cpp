@@ -7,14 +7,14 @@
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/store/TrackedSector.h"
+#include "shell/icons/Icons.h"
 #include "shell/panes/Panes.h"
-#include "shell/program/Icons.h"
 #include "toolkit/FileLists.h"
 
 namespace sectorbox {
 namespace {
 
-// What hangs at the pointer: a file or a folder, as the first path is.
+// The pointer carries the picture of a file or of a folder, as the first path is.
 void ShowDragged(QDrag& drag, const std::string& first) {
   constexpr int kSide = 32;
   const QIcon icon = LoadIcon(HostFolderExists(first) ? "closed" : "leaf");
@@ -22,15 +22,8 @@ void ShowDragged(QDrag& drag, const std::string& first) {
   drag.setHotSpot({kSide / 4, kSide / 4});
 }
 
-void RunDrag(QWidget& source, const std::vector<std::string>& paths) {
-  if (paths.empty()) return;
-  auto* drag = new QDrag(&source);
-  drag->setMimeData(FileListData(paths).release());
-  ShowDragged(*drag, paths.front());
-  drag->exec(Qt::CopyAction, Qt::CopyAction);
-}
-
-// folder becomes true if there is one among what was added, also when the host then refuses a path.
+// Adds the paths one by one until one is refused. folder becomes true once a folder was among them,
+// also where the host then refuses it.
 void AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths, bool& folder) {
   const TrackedSector target(disc, sector);
   for (const auto& path : paths) {
@@ -48,7 +41,7 @@ std::vector<ListRow> SelectedRows(Panes& panes) {
   return rows;
 }
 
-// Every row marked, and none afterwards, however that ends.
+// Selects every row while it lives, and no row afterwards.
 class AllRowsSelected {
  public:
   explicit AllRowsSelected(FileList& list) : list_(list) { list_.selectAll(); }
@@ -60,7 +53,7 @@ class AllRowsSelected {
   FileList& list_;
 };
 
-// The drop highlight goes when the drop is over, however it ends.
+// Clears the drop highlight at its own end.
 class HighlightUntilEnd {
  public:
   explicit HighlightUntilEnd(DirTree& tree) : tree_(tree) {}
@@ -86,12 +79,12 @@ std::vector<std::string> ExportForTreeDrag(Panes& panes) {
   return ExportForListDrag(panes);
 }
 
-void DragList(Panes& panes) {
-  RunDrag(panes.List(), panes.Busily([&] { return ExportForListDrag(panes); }));
-}
-
-void DragTree(Panes& panes) {
-  RunDrag(panes.Tree(), panes.Busily([&] { return ExportForTreeDrag(panes); }));
+void RunDrag(QWidget& source, const std::vector<std::string>& paths) {
+  if (paths.empty()) return;
+  auto* drag = new QDrag(&source);
+  drag->setMimeData(FileListData(paths).release());
+  ShowDragged(*drag, paths.front());
+  drag->exec(Qt::CopyAction, Qt::CopyAction);
 }
 
 void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
@@ -104,7 +97,7 @@ void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
   try {
     AddAll(disc, panes.CurrentSector(), PathsOf(data), folder);
   } catch (const HostError&) {
-    // What came before the path that the host refused is on the disc, and is shown.
+    // What came before the path that the host refused is on the disc: the panes show it.
     follow();
     throw;
   }
@@ -113,16 +106,15 @@ void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
 
 void DropOnTree(Panes& panes, Disc& disc, const QMimeData& data) {
   const HighlightUntilEnd highlight(panes.Tree());
-  if (panes.Tree().DropHighlight() == nullptr || !data.hasUrls()) return;
+  DirNode* target = panes.Tree().DropHighlight();
+  if (target == nullptr || !data.hasUrls()) return;
   bool folder = false;
   const auto follow = [&] {
-    // The message of a refusal runs events, in which a rebuild may have taken the node away.
-    DirNode* target = panes.Tree().DropHighlight();
-    if (target != nullptr) panes.AppendSubdirectories(*target);
+    panes.AppendSubdirectories(*target);
     ShowFreeSpace(disc);
   };
   try {
-    AddAll(disc, panes.Tree().DropHighlight()->Tag, PathsOf(data), folder);
+    AddAll(disc, target->Tag, PathsOf(data), folder);
   } catch (const HostError&) {
     follow();
     throw;

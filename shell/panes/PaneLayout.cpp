@@ -24,15 +24,15 @@ SplitterStrip::SplitterStrip(QWidget* parent) : QWidget(parent) {
 }
 
 void SplitterStrip::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton && Pressed) Pressed();
+  if (event->button() == Qt::LeftButton) Q_EMIT Pressed();
 }
 
 void SplitterStrip::mouseMoveEvent(QMouseEvent* event) {
-  if (Moved) Moved(event->position().x() * kTwipsPerPixel);
+  Q_EMIT Moved(event->position().x() * kTwipsPerPixel);
 }
 
 void SplitterStrip::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton && Released) Released();
+  if (event->button() == Qt::LeftButton) Q_EMIT Released();
 }
 
 PaneLayout::PaneLayout(QWidget* parent)
@@ -49,9 +49,9 @@ PaneLayout::PaneLayout(QWidget* parent)
   picSplitter_->setAutoFillBackground(true);
   picSplitter_->setBackgroundRole(QPalette::Dark);
   picSplitter_->hide();
-  imgSplitter_->Pressed = [this] { StartMoving(); };
-  imgSplitter_->Moved = [this](double x) { MoveTo(x); };
-  imgSplitter_->Released = [this] { StopMoving(); };
+  connect(imgSplitter_, &SplitterStrip::Pressed, this, &PaneLayout::StartMoving);
+  connect(imgSplitter_, &SplitterStrip::Moved, this, &PaneLayout::MoveTo);
+  connect(imgSplitter_, &SplitterStrip::Released, this, &PaneLayout::StopMoving);
   setTabOrder(tvwDB_, lvwDB_);
 }
 
@@ -92,8 +92,8 @@ void PaneLayout::StartMoving() {
   SplitterMoving = true;
 }
 
-// The bar goes nearer to the edges than the layout allows: let go there, the border snaps back to
-// the layout's limit.
+// The bar goes nearer to the edges than the layout allows. When the user releases it there, the
+// border snaps back to the layout's limit.
 void PaneLayout::MoveTo(double pointerX) {
   if (!SplitterMoving) return;
   const double wanted = splitterLeft_ + pointerX;

@@ -3,7 +3,6 @@
 #include <QFrame>
 #include <QToolBar>
 #include <QWidget>
-#include <functional>
 
 #include "shell/panes/DirTree.h"
 #include "shell/panes/FileList.h"
@@ -13,12 +12,15 @@ namespace sectorbox {
 // imgSplitter: the invisible strip between the panes by which their border is dragged. Positions
 // are twips from the strip's own left edge.
 class SplitterStrip : public QWidget {
+  Q_OBJECT
+
  public:
   explicit SplitterStrip(QWidget* parent);
 
-  std::function<void()> Pressed;
-  std::function<void(double x)> Moved;
-  std::function<void()> Released;
+ Q_SIGNALS:
+  void Pressed();
+  void Moved(double x);
+  void Released();
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;

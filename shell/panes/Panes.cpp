@@ -3,10 +3,10 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <array>
+#include <utility>
 
 #include "disc/catalogue/Adfs.h"
 #include "shell/panes/PaneDrops.h"
-#include "shell/program/WindowHost.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -14,9 +14,9 @@ namespace {
 
 constexpr std::array<double, kColumns> kColumnTwips = {1200, 700, 500, 1000, 1000, 1000, 1000};
 
-// A tree that isn't shown doesn't lay itself out for each node, and tells nobody of its clicks. It
-// gets the focus back where it had it, or was to have it once the window is active: at the start
-// the window may become so at any time.
+// Hides the tree and blocks its signals: a hidden tree doesn't lay itself out for each node. At the
+// end the tree gets the focus back if it had the focus of its window, also where the window isn't
+// active yet: at the start of the program the window may become active at any time.
 class HiddenTree {
  public:
   explicit HiddenTree(DirTree& tree) : tree_(tree), focus_(tree.window()->focusWidget() == &tree) {
@@ -51,8 +51,11 @@ DirNode* NeighbourOf(DirNode& node) {
 
 }  // namespace
 
-Panes::Panes(frmMain& window)
-    : PaneLayout(&window), window_(window), disc_(window.TheDisc()), drags_(disc_) {
+Panes::Panes(MainWindow& window, std::string tempFolder)
+    : PaneLayout(&window),
+      window_(window),
+      disc_(window.OpenDisc()),
+      drags_(disc_, std::move(tempFolder)) {
   ConnectTree();
   ConnectList();
   MakeToolBar();
@@ -61,38 +64,56 @@ Panes::Panes(frmMain& window)
 
 void Panes::ConnectTree() {
   DirTree& tree = Tree();
-  tree.NodeClicked = [this](DirNode& node) { window_.Guarded([&] { tvwDB_NodeClick(node); }); };
-  tree.NodeToggled = [this](DirNode& node, bool expanded) {
-    window_.Guarded([&] { NodeToggled(node, expanded); });
-  };
-  tree.MenuWanted = [this](const QPoint& global) {
+  connect(&tree, &DirTree::NodeClicked, this, [this](DirNode* node) {
+    window_.Start(CommandKind::kSmall, [this, node] { tvwDB_NodeClick(*node); });
+  });
+  connect(&tree, &DirTree::NodeToggled, this, [this](DirNode* node, bool expanded) {
+    window_.Start(CommandKind::kSmall, [=, this] { NodeToggled(*node, expanded); });
+  });
+  connect(&tree, &DirTree::MenuWanted, this, [this](const QPoint& global) {
     if (CurrentNode_ != nullptr) PopUp("mnuDirectory", global);
-  };
-  tree.KeyPressed = [this](QKeyEvent& event) { return TreeKey(event); };
-  tree.DragWanted = [this] {
-    window_.Guarded([this] { DragTree(*this); });
+  });
+  connect(&tree, &DirTree::DragWanted, this, [this] {
+    Drag(Tree(), ExportForTreeDrag);
     Tree().Select(CurrentNode_);
-  };
-  tree.Dropped = [this](const QMimeData& dropped) {
-    window_.Guarded([&] { DropOnTree(*this, disc_, dropped); });
-  };
+  });
+  connect(&tree, &DirTree::Dropped, this, [this](const QMimeData& dropped) {
+    window_.Start(CommandKind::kChange, [&] { DropOnTree(*this, disc_, dropped); });
+  });
+  tree.installEventFilter(this);
+  tree.viewport()->installEventFilter(this);
 }
 
 void Panes::ConnectList() {
   FileList& list = List();
-  list.RowClicked = [this](int row) {
-    if (!filling_) window_.Guarded([&] { lvwDB_ItemClick(row); });
-  };
-  list.RowDoubleClicked = [this](int row) { window_.Guarded([&] { lvwDB_DblClick(row); }); };
-  list.HeadingClicked = [this](int column) { lvwDB_ColumnClick(column); };
-  list.MenuWanted = [this](const QPoint& global) {
+  connect(&list, &FileList::RowClicked, this, [this](int row) {
+    if (!filling_) window_.Start(CommandKind::kSmall, [this, row] { lvwDB_ItemClick(row); });
+  });
+  connect(&list, &FileList::RowDoubleClicked, this, [this](int row) {
+    window_.Start(CommandKind::kSmall, [this, row] { lvwDB_DblClick(row); });
+  });
+  connect(&list, &FileList::HeadingClicked, this, [this](int column) {
+    window_.Start(CommandKind::kSmall, [this, column] { lvwDB_ColumnClick(column); });
+  });
+  connect(&list, &FileList::MenuWanted, this, [this](const QPoint& global) {
     if (CurrentItem() != nullptr) PopUp("mnuFile", global);
-  };
-  list.KeyPressed = [this](QKeyEvent& event) { return ListKey(event); };
-  list.DragWanted = [this] { window_.Guarded([this] { DragList(*this); }); };
-  list.Dropped = [this](const QMimeData& dropped) {
-    window_.Guarded([&] { DropOnList(*this, disc_, dropped); });
-  };
+  });
+  connect(&list, &FileList::DragWanted, this, [this] { Drag(List(), ExportForListDrag); });
+  connect(&list, &FileList::Dropped, this, [this](const QMimeData& dropped) {
+    window_.Start(CommandKind::kChange, [&] { DropOnList(*this, disc_, dropped); });
+  });
+  list.installEventFilter(this);
+  list.viewport()->installEventFilter(this);
+}
+
+// The drag itself is no command: a drop on a pane of this window arrives while the drag runs.
+void Panes::Drag(QWidget& source, std::vector<std::string> (*exportFiles)(Panes& panes)) {
+  std::vector<std::string> paths;
+  window_.Start(CommandKind::kChange, [&] {
+    const BusyPointer busy(disc_.Host);
+    paths = exportFiles(*this);
+  });
+  RunDrag(source, paths);
 }
 
 void Panes::MakeRootColumns() {
@@ -104,6 +125,7 @@ void Panes::MakeRootColumns() {
 }
 
 void Panes::RebuildTree() {
+  const CommandGuard::Running rebuild(window_.Guard(), CommandKind::kSmall);
   TreeReady = false;
   MakeRootColumns();
   window_.RefreshCaption();
@@ -111,33 +133,29 @@ void Panes::RebuildTree() {
   CurrentNode_ = nullptr;
   DirNode* root = nullptr;
   try {
-    root = FillTree();
+    root = &FillTree();
   } catch (...) {
     EmptyPanes();
     throw;
   }
-  if (root == nullptr) return;
   TreeReady = true;
   tvwDB_NodeClick(*root);
 }
 
-// The root; null if events that ran during the walk have rebuilt the tree already, perhaps for
-// another disc.
-DirNode* Panes::FillTree() {
-  const int turn = ++rebuilds_;
+// Reads the disc into the tree and gives the root.
+DirNode& Panes::FillTree() {
   const BusyPointer busy(disc_.Host);
   const HiddenTree hidden(Tree());
   Tree().clear();
   const std::vector<TreeNode> nodes = WalkTree(disc_);
-  if (turn != rebuilds_) return nullptr;
   auto* root = new DirNode(nodes.front().Text, nodes.front().Tag);
   AddNodes(*root, nodes);
   Tree().addTopLevelItem(root);
   Tree().expandAll();
-  return root;
+  return *root;
 }
 
-// Rows of the former disc must not be taken for the new one's.
+// Leaves no row of the former disc, which a command would take for one of the new disc.
 void Panes::EmptyPanes() {
   CurrentItem_ = QPersistentModelIndex();
   List().Model().SetRows({});
@@ -162,10 +180,7 @@ void Panes::AddNodes(DirNode& root, const std::vector<TreeNode>& nodes) {
 void Panes::AppendSubdirectories(DirNode& target) {
   std::vector<TreeNode> nodes(1);
   WalkCounts counts;
-  const QPersistentModelIndex held = Tree().indexFromItem(&target);
   FindFiles(disc_, nodes, 0, target.Tag, counts);
-  // Below the root events run during the walk, and may have rebuilt the tree.
-  if (!held.isValid()) return;
   Tree().blockSignals(true);
   AddNodes(target, nodes);
   target.setExpanded(true);
@@ -288,8 +303,8 @@ void Panes::ShowRowPath(int row) {
   window_.SetPanel2(FromBbc(CurrentDirPath() + "." + item.Name()));
 }
 
-// A double click opens directories and nothing else: viewing a file is a choice among many views,
-// so it stays a menu command. The row finds its node by name.
+// A double click opens directories and nothing else: there are many views of a file, so a view
+// stays a menu command. This finds the row's node by its name.
 void Panes::lvwDB_DblClick(int row) {
   lvwDB_ItemClick(row);
   if (CurrentNode_ == nullptr) return;

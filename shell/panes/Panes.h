@@ -8,7 +8,7 @@
 #include "disc/catalogue/Catalogue.h"
 #include "shell/panes/DragOut.h"
 #include "shell/panes/PaneLayout.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 
 namespace sectorbox {
 
@@ -19,13 +19,14 @@ class Panes : public PaneLayout {
   Q_OBJECT
 
  public:
-  explicit Panes(frmMain& window);
+  // Drags put what they take below tempFolder, which ends with a separator.
+  Panes(MainWindow& window, std::string tempFolder);
 
   // --- Following the disc ----------------------------------------------------------------------
   // Sets the seven headings and their widths, and sorts by name again.
   void MakeRootColumns();
-  // Fills tree and list anew; the root is current afterwards. A disc that can't be read (HostError)
-  // leaves both empty.
+  // Fills tree and list anew; the root is current afterwards. Events run meanwhile, but the guard
+  // lets no command start in them. A disc that can't be read (HostError) leaves both panes empty.
   void RebuildTree();
   // Fills the list from the current directory and makes its first row current. A directory that
   // can't be read (HostError) leaves the list empty.
@@ -36,8 +37,8 @@ class Panes : public PaneLayout {
   // Adds the node of a directory that has just come into being below the current one, and makes it
   // current.
   DirNode* AddNode(const std::string& name, std::int32_t sector);
-  // Adds a node below the target for each subdirectory that it has, without a look at those that
-  // are already there.
+  // Adds a node below the target for each subdirectory that it has, whether or not the tree shows
+  // that subdirectory already.
   void AppendSubdirectories(DirNode& target);
 
   // --- What is current -------------------------------------------------------------------------
@@ -50,52 +51,62 @@ class Panes : public PaneLayout {
   // Dotted path of the current directory, from the names on the disc, such as "$.GAMES.ARCADE".
   std::string CurrentDirPath();
 
-  // Makes a node current; while a rebuild is running it is only sorted.
+  // Makes a node current. While a rebuild is running it only sorts the node's children.
   void tvwDB_NodeClick(DirNode& node);
   void lvwDB_ItemClick(int row);
   void lvwDB_DblClick(int row);
   void lvwDB_ColumnClick(int column);
-  // The view entries of the File menu, by what the current row is.
+  // Enables the view entries of the File menu that fit the current row.
   void UpdateFileMenu();
   // Panel 2: the path of the current row.
   void ShowRowPath(int row);
-  // Takes a node out of the tree; the tree's selected node becomes current. Where that was the node
-  // itself or one below it, it is the next one beside it, else the one before, else its parent.
+  // Takes a node out of the tree; the tree's selected node becomes current. Where the selected node
+  // goes with it, the next node beside it is selected, else the one before, else its parent.
   void RemoveNode(DirNode& node);
   void SelectAll();
 
   // --- Drag and drop ---------------------------------------------------------------------------
-  // Does the work with the busy pointer showing.
-  template <typename Work>
-  auto Busily(const Work& work) {
-    const BusyPointer busy(disc_.Host);
-    return work();
-  }
   void ResetDragFolders() { drags_.DragFolderCount = 0; }
   DragOut& Drags() { return drags_; }
+
+ protected:
+  // The keys of both panes. While the guard lets no small step start, the panes take no input at
+  // all: a click would change the selection that a command is working through. While it lets no
+  // change start they take no drops.
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void ConnectTree();
   void ConnectList();
   void MakeToolBar();
-  DirNode* FillTree();
+  template <typename Run>
+  void AddTool(const char* key, const char* icon, Run run);
+  void AddEntryTool(const char* key, const char* icon, const char* entry);
+  void AddLookTool(const char* key, const char* icon, ListLook look);
+  DirNode& FillTree();
   void EmptyPanes();
   void NodeToggled(DirNode& node, bool expanded);
-  bool TreeKey(QKeyEvent& event);
-  bool ListKey(QKeyEvent& event);
+  void GoUp();
+  // Exports with exportFiles, and then drags what it gives from the source, until the user lets go.
+  void Drag(QWidget& source, std::vector<std::string> (*exportFiles)(Panes& panes));
+  bool SwallowInput(QEvent& event);
+  // Each is true if the pane took the key.
+  bool TreeKey(const QKeyEvent& event);
+  bool ListKey(const QKeyEvent& event);
+  bool CommonKey(const QKeyEvent& event);
   void AddNodes(DirNode& root, const std::vector<TreeNode>& nodes);
   void PopUp(const char* menu, const QPoint& global);
 
-  frmMain& window_;
+  MainWindow& window_;
   Disc& disc_;
   DragOut drags_;
   DirNode* CurrentNode_ = nullptr;
   QPersistentModelIndex CurrentItem_;
   bool TreeReady = false;
   bool filling_ = false;
-  int rebuilds_ = 0;
-  // The list's own Tag: " 0" or " 1" once a heading was clicked. It remembers the last order for
-  // all columns together, so that the order flips at every click, whichever heading it was on.
+  bool pressSwallowed_ = false;  // the release of that button is to be swallowed, too
+  // The list's own Tag: " 0" or " 1" once a heading was clicked. There is one for all columns, so
+  // the order flips at every click, also when the click is on another heading than the last one.
   QString listTag_;
 };
 

@@ -7,8 +7,8 @@
 
 namespace sectorbox {
 
-// Writes what the row names, with its sidecar, to hostPath: a file, or a directory with all that is
-// in it. HostError, naming hostPath, for a length that no file of the BBC's could have (above
+// Writes the row's file, or its directory with everything in it, to hostPath, with its sidecar.
+// Throws a HostError that names hostPath for a length that no file of the BBC can have (above
 // 0x7FFFFFFF).
 void ExportRow(Disc& disc, const ListRow& row, const std::string& hostPath);
 

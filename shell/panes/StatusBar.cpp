@@ -23,7 +23,7 @@ QString ShortTime(const QTime& time) {
   return QLocale().toString(time, pattern);
 }
 
-// Names on a disc may look like markup, which a tool tip would follow.
+// Names on a disc may look like markup, which a tool tip would take for markup.
 QString AsToolTip(const QString& text) {
   return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
@@ -37,7 +37,7 @@ Panel::Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent)
 }
 
 QSize Panel::sizeHint() const {
-  // One pixel more: widths of text are fractions.
+  // One pixel more, because the width of a text is a fraction.
   return {fontMetrics().horizontalAdvance(text()) + 1 + 2 * kMargin, fontMetrics().height() + 4};
 }
 
@@ -94,7 +94,7 @@ void StatusBar::SetPath(const QString& text) {
 }
 
 void StatusBar::SetNote(const QString& text) {
-  // Both ends count: what it is about, and why.
+  // Both ends of the line are worth reading: the first names the thing, the last the reason.
   ShowInPanel2(text, Qt::ElideMiddle, true);
 }
 

@@ -28,8 +28,8 @@ class StatusBar : public QStatusBar {
 
   void SetText(const QString& text);  // panel 1
   void SetPath(const QString& text);  // panel 2, which takes up the spare width
-  // A line of what happened, in panel 2 too. Until the next path it has the whole bar to itself: in
-  // a small window the other panels would leave it room for a word.
+  // A line about what happened, also in panel 2. The other panels are hidden until the next path:
+  // in a small window they would leave the line room for a word or two.
   void SetNote(const QString& text);
 
  private:

@@ -50,11 +50,11 @@ void CheckSpeed(const frmMain& window, std::int16_t speed) {
 
 void LoadSettings(frmMain& window) {
   const SettingsStore store;
-  window.SetComPort(store.GetInt16("ComPort", 1));
+  window.Xfer().SetComPort(store.GetInt16("ComPort", 1));
   const std::int16_t speed = store.GetInt16("BaudRate", wire::kDefaultSpeed);
-  CheckPort(window, window.ComPort());
-  // The line itself starts at 1200 whatever was chosen: the speed is only a check mark until a
-  // transfer raises it.
+  CheckPort(window, window.Xfer().ComPort());
+  // The line itself starts at 1200 whatever the setting says: the speed is only a check mark until
+  // a transfer raises the line to it.
   window.Xfer().SetUpPort();
   CheckSpeed(window, speed);
   for (const auto& flag : kFlags) {
@@ -65,7 +65,7 @@ void LoadSettings(frmMain& window) {
 void SaveSettings(const frmMain& window) {
   SettingsStore store;
   for (const auto& flag : kFlags) store.PutFlag(flag.Key, window.Checked(flag.Entry));
-  store.PutInt16("ComPort", window.ComPort());
+  store.PutInt16("ComPort", window.Xfer().ComPort());
   for (const auto speed : wire::kSpeeds) {
     if (!NumberedEntry(window, "mnuXferSerial", speed)->isChecked()) continue;
     store.PutInt16("BaudRate", static_cast<std::int16_t>(speed));

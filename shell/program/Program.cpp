@@ -10,31 +10,30 @@
 
 namespace sectorbox {
 
-StartHooks SystemHooks() {
-  StartHooks hooks;
-  hooks.Clock = [] {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-  };
-  // A turn of the events with a rest, so that waiting for the splash doesn't keep a processor busy.
-  hooks.Pump = [] {
-    QEventLoop loop;
-    QTimer::singleShot(20, &loop, &QEventLoop::quit);
-    loop.exec();
-  };
-  hooks.EndProgram = [](int status) { std::_Exit(status); };
-  return hooks;
+double SystemHooks::Seconds() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-std::unique_ptr<frmMain> StartProgram(Disc& disc, WindowHost& host, const StartHooks& hooks,
+// A turn of the events with a rest, so that waiting for the splash doesn't keep a processor busy.
+void SystemHooks::Pump() {
+  QEventLoop loop;
+  QTimer::singleShot(20, &loop, &QEventLoop::quit);
+  loop.exec();
+}
+
+void SystemHooks::EndProgram(int status) {
+  std::_Exit(status);
+}
+
+std::unique_ptr<frmMain> StartProgram(Disc& disc, WindowHost& host, StartHooks& hooks,
                                       const std::string& commandLine) {
   std::unique_ptr<frmMain> window;
   {
     frmSplash splash;
-    ShowSplash(splash, hooks.Clock, hooks.Pump);
-    window = std::make_unique<frmMain>(disc, host);
-    window->EndProgram = hooks.EndProgram;
-    if (hooks.Created) hooks.Created(*window);
+    ShowSplash(
+        splash, [&hooks] { return hooks.Seconds(); }, [&hooks] { hooks.Pump(); });
+    window = std::make_unique<frmMain>(disc, host, hooks);
+    hooks.Created(*window);
   }
   try {
     window->Load(commandLine);

@@ -91,7 +91,7 @@ void WindowHost::PumpEvents() {
 
 void WindowHost::OpenProgress(const std::string& caption) {
   if (window_ == nullptr) return;
-  progress_ = std::make_unique<frmSave>(window_, window_->TheDisc());
+  progress_ = std::make_unique<frmSave>(window_, window_->OpenDisc());
   if (!caption.empty()) progress_->setWindowTitle(FromBbc(caption));
   progress_->show();
 }

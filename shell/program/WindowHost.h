@@ -12,23 +12,26 @@ namespace sectorbox {
 class frmMain;
 class frmSave;
 
-// What the disc engine wants from outside, given by the main window. It is made before the disc and
-// the window, and does nothing but answer harmlessly while no window is attached.
+// Gives the disc engine what it wants from outside, by way of the main window. It is made before
+// the disc and the window. While no window is attached its answers are harmless and it shows
+// nothing.
 class WindowHost : public DiscHost {
  public:
   WindowHost();
   ~WindowHost() override;
 
-  // The window from now on; null when it goes.
+  // Sets the window; null when the window goes.
   void Attach(frmMain* window);
 
-  // The drives that may hold a card; the disc's device finds its letters here.
+  // The drives that may hold a card. The disc's device looks its drive letters up here.
   CardDrives Drives;
 
-  // The last Note that wasn't taken, once more, after something else has stood in its place.
+  // The host keeps the last Note until somebody takes it. This shows it once more, after something
+  // else has stood in its place; it does nothing if there is none.
   void ShowNoteAgain();
-  // That note for who wants to keep it meanwhile, and back; taken, it is forgotten here.
-  std::string TakeNote() { return std::exchange(note_, {}); }
+  // Gives the kept note, empty if there is none, and forgets it.
+  [[nodiscard]] std::string TakeNote() { return std::exchange(note_, {}); }
+  // Keeps a note that was taken before.
   void KeepNote(const std::string& line) { note_ = line; }
 
   void ShowMessage(const std::string& text) override;

@@ -21,11 +21,13 @@
 #include "shell/commands/XferCommands.h"
 #include "shell/panes/Panes.h"
 #include "shell/panes/StatusBar.h"
+#include "shell/program/Application.h"
 #include "shell/program/HostFolders.h"
-#include "shell/program/Icons.h"
 #include "shell/program/MainSettings.h"
 #include "shell/program/MenuTable.h"
+#include "shell/program/ProgramEnd.h"
 #include "shell/program/Recovery.h"
+#include "shell/program/SerialPorts.h"
 #include "shell/program/WindowHost.h"
 #include "toolkit/Boxes.h"
 #include "toolkit/Text.h"
@@ -40,22 +42,24 @@ constexpr int kMostRefusals = 2;
 
 }  // namespace
 
-frmMain::frmMain(Disc& disc, WindowHost& host) : disc_(disc), host_(host) {
+frmMain::frmMain(Disc& disc, WindowHost& host, ProgramEnd& end)
+    : disc_(disc), host_(host), end_(end) {
   setObjectName(QStringLiteral("frmMain"));
   MakeMenus();
   status_ = new StatusBar(this);
   setStatusBar(status_);
-  panes_ = new Panes(*this);
+  panes_ = new Panes(*this, GetTempFolder());
   setCentralWidget(panes_);
   setMinimumSize(PixelsFromTwips(kLeastWidth), 1);
   host_.Attach(this);
-  MainWindow = this;
+  if (auto* application = qobject_cast<Application*>(QCoreApplication::instance())) {
+    connect(application, &Application::Failed, this, &frmMain::TellFailure);
+  }
   MakeCommands();
 }
 
 frmMain::~frmMain() {
   host_.Attach(nullptr);
-  MainWindow = nullptr;
 }
 
 void frmMain::MakeMenus() {
@@ -71,10 +75,11 @@ void frmMain::MakeMenus() {
       menus.insert(name, menu);
       action = menu->menuAction();
     } else {
-      // A line with a caption would be drawn as the heading of a section.
+      // Qt would draw a line with a caption as the heading of a section.
       action = new QAction(entry.Kind == kSeparator ? QString() : caption, this);
       action->setCheckable(entry.Kind == kCheck);
       action->setSeparator(entry.Kind == kSeparator);
+      action->setData(static_cast<int>(entry.Runs));
       parent->addAction(action);
     }
     action->setObjectName(name);
@@ -84,14 +89,18 @@ void frmMain::MakeMenus() {
 }
 
 void frmMain::MakeCommands() {
-  discCommands_ = std::make_unique<DiscCommands>(*this);
-  directory_ = std::make_unique<DirectoryCommands>(*this);
-  file_ = std::make_unique<FileCommands>(*this);
+  discCommands_ = std::make_unique<DiscCommands>(*this, *panes_);
+  directory_ = std::make_unique<DirectoryCommands>(*this, *panes_);
+  file_ = std::make_unique<FileCommands>(*this, *panes_);
   help_ = std::make_unique<HelpCommands>(*this);
   views_ = std::make_unique<ViewCommands>(*this);
   pictures_ = std::make_unique<PictureCommands>(*this);
-  xfer_ = std::make_unique<XferCommands>(*this);
-  cards_ = std::make_unique<CFCommands>(*this);
+  xfer_ = std::make_unique<XferCommands>(*this, *views_, DeviceOfCom);
+  cards_ = std::make_unique<CFCommands>(*this, host_.Drives);
+  OnCommand("mnuDiscClose", [this] {
+    QuerySaveAtExit();
+    exitWanted_ = true;
+  });
 }
 
 QAction* frmMain::Action(const char* name) const {
@@ -100,21 +109,35 @@ QAction* frmMain::Action(const char* name) const {
   return action;
 }
 
-void frmMain::OnCommand(const char* name, std::function<void()> command) {
-  connect(Action(name), &QAction::triggered, this,
-          [this, command = std::move(command)] { Guarded(command); });
+void frmMain::RunEntry(QAction& entry, const std::function<void()>& command) {
+  const auto kind = static_cast<CommandKind>(entry.data().toInt());
+  if (Start(kind, command) == StartResult::kRan) return;
+  QApplication::beep();
+  if (entry.isCheckable()) entry.toggle();
+  if (kind == CommandKind::kExit) exitWanted_ = true;
+}
+
+StartResult frmMain::Start(CommandKind kind, const std::function<void()>& work) {
+  if (!guard_.MayStart(kind)) return StartResult::kRefused;
+  {
+    const CommandGuard::Running running(guard_, kind);
+    Guarded(work);
+  }
+  if (exitWanted_ && guard_.MayStart(CommandKind::kExit)) close();
+  return StartResult::kRan;
 }
 
 void frmMain::Guarded(const std::function<void()>& work) {
-  // Inside another guarded piece, whose events brought us here, its note comes back behind ours.
+  // Where an event has brought us here from inside another guarded piece, the note of that piece
+  // comes back after ours.
   const std::string outer = host_.TakeNote();
-  ++guards_;
+  ++pieces_;
   RunGuarded(work);
-  --guards_;
-  // Once the window is closing a note goes to standard error, and has done so.
+  --pieces_;
+  // Once the window is closing, ShowNote has put the note on standard error already.
   if (!unloaded_) host_.ShowNoteAgain();
   const bool noted = !host_.TakeNote().empty();
-  if (guards_ > 0 && !noted) host_.KeepNote(outer);
+  if (pieces_ > 0 && !noted) host_.KeepNote(outer);
 }
 
 void frmMain::RunGuarded(const std::function<void()>& work) {
@@ -129,6 +152,10 @@ void frmMain::RunGuarded(const std::function<void()>& work) {
   }
 }
 
+void frmMain::TellFailure(const std::exception_ptr& failure) {
+  Guarded([&failure] { std::rethrow_exception(failure); });
+}
+
 void frmMain::Fail(const QString& reason, const QString& title) {
   host_.SetBusyPointer(false);
   QString text = reason;
@@ -136,7 +163,7 @@ void frmMain::Fail(const QString& reason, const QString& title) {
   if (!kept.isEmpty()) text += QStringLiteral("\n\n") + kept;
   hide();
   ShowBox(nullptr, text, title, BoxIcon::kCritical);
-  EndProgram(1);
+  end_.EndProgram(1);
 }
 
 std::optional<CurrentDirectory> frmMain::CurrentNode() const {
@@ -179,7 +206,7 @@ void frmMain::Load(const std::string& commandLine) {
   panes_->Tree().setFocus();
   show();
   LoadSettings(*this);
-  Guarded([&] {
+  Start(CommandKind::kChange, [&] {
     disc_.ImageName = "NewDisc.adl";
     CreateDisc(disc_, disc_.ImageName, 80, 2, 16, kAdl);
     panes_->RebuildTree();
@@ -189,8 +216,8 @@ void frmMain::Load(const std::string& commandLine) {
   });
 }
 
-// Whoever starts the program puts quotes around the path; they are cut off without a look, so a
-// path that comes without them loses its own first and last character and isn't found.
+// The desktop puts quotes around the path. This cuts the first and the last character off without
+// looking at them, so a path without quotes loses two characters of its own and isn't found.
 void frmMain::OpenFromCommandLine(const std::string& commandLine) {
   if (commandLine.size() < 3) return;
   const std::string path = commandLine.substr(1, commandLine.size() - 2);
@@ -200,6 +227,12 @@ void frmMain::OpenFromCommandLine(const std::string& commandLine) {
 void frmMain::closeEvent(QCloseEvent* event) {
   event->accept();
   if (unloaded_) return;
+  if (!guard_.MayStart(CommandKind::kExit)) {
+    exitWanted_ = true;
+    event->ignore();
+    return;
+  }
+  const CommandGuard::Running running(guard_, CommandKind::kExit);
   unloaded_ = true;
   Form_QueryUnload();
   Form_Unload();
@@ -216,9 +249,9 @@ void frmMain::QuerySaveAtExit() {
   if (disc_.ImageChanged) ++refusedSaves_;
 }
 
-// The user wanted the changes saved and the host took them nowhere: they go to the recovery file.
-// A .dat or a card is written through, but its last blocks only when it is closed; the boot option
-// changes them without ImageChanged.
+// Where the user wanted to save and the host took the changes nowhere, they go to the recovery
+// file. The changes of a .dat or a card are on the medium already, but for its last blocks, which
+// are written when it is closed. The boot option changes such a block without setting ImageChanged.
 void frmMain::KeepOrCloseDisc() {
   if (disc_.TheDisc.InMemory()) {
     const QString kept = KeepUnsavedDisc(disc_);
@@ -235,7 +268,7 @@ void frmMain::Form_Unload() {
   SavePlace(*this, kMainPlace);
   SaveSettings(*this);
   Guarded([this] { xfer_->CloseTrace(); });
-  EndProgram(0);
+  end_.EndProgram(0);
 }
 
 }  // namespace sectorbox

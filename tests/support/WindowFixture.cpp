@@ -56,7 +56,7 @@ DialogPlayer::~DialogPlayer() {
   if (!AllPlayed()) ADD_FAILURE() << answers_.size() << " expected dialog(s) never came up";
 }
 
-// Some dialogs are made once and used again: closed, one may come up as the next.
+// The window makes some dialogs once and uses them again: one that was closed may be the next.
 void DialogPlayer::ForgetClosed() {
   std::erase_if(answered_, [](const QPointer<QWidget>& dialog) {
     return dialog.isNull() || !dialog->isVisible();
@@ -132,7 +132,8 @@ void DialogPlayer::ExpectFileDialog(const std::string& path, std::function<void(
     look(*files);
     if (path.empty()) return files->reject();
     auto* name = files->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    // Typing takes the mark off the file that the dialog began with; without the focus it stays.
+    // When a user types, the dialog takes the mark off the file that it began with. Without the
+    // focus it doesn't.
     files->findChild<QListView*>(QStringLiteral("listView"))->clearSelection();
     name->setText(FromHost(path));
     QMetaObject::invokeMethod(files, "accept");
@@ -163,8 +164,7 @@ frmMain& WindowTest::Start(const std::string& commandLine) {
   host_ = std::make_unique<WindowHost>();
   host_->Drives = CardDrives(std::make_unique<NoBlockDevices>());
   disc_ = std::make_unique<Disc>(*host_, MakeCardDevice(host_->Drives, std::move(device)));
-  window_ = std::make_unique<frmMain>(*disc_, *host_);
-  window_->EndProgram = [this](int status) { ends_.push_back(status); };
+  window_ = std::make_unique<frmMain>(*disc_, *host_, end_);
   window_->Load(commandLine);
   Settle();
   return *window_;

@@ -16,6 +16,7 @@
 
 #include "disc/store/Disc.h"
 #include "shell/panes/Panes.h"
+#include "shell/program/ProgramEnd.h"
 #include "shell/program/WindowHost.h"
 #include "shell/program/frmMain.h"
 #include "tests/support/ImageBuilder.h"
@@ -33,16 +34,16 @@ T& In(QWidget& dialog, const char* name) {
   return *found;
 }
 
-// Plays the user at modal dialogs. Answers are queued before what opens the dialogs is triggered,
-// and taken in order, each by the next dialog that comes up. A dialog that nobody expected fails
-// the test and is closed, and one that an answer left open for too long as well, so that no test
-// hangs. An answer that was never used fails the test too.
+// Plays the user at modal dialogs. A test queues its answers before it triggers what opens the
+// dialogs. Each dialog that comes up takes the next answer. A dialog without an answer fails the
+// test and is closed. So does a dialog that its answer leaves open for too long, so that no test
+// hangs. An answer that no dialog has taken fails the test too.
 class DialogPlayer {
  public:
   DialogPlayer();
   ~DialogPlayer();
 
-  // The next modal window, whatever it is, is given to the answer, which must end by closing it.
+  // Gives the next modal window, of any kind, to the answer, which must close it at its end.
   void Expect(std::function<void(QWidget& dialog)> answer);
   // The next one must be a message box with that text (and title, unless empty): OK.
   void ExpectBox(const QString& text, const QString& title = {});
@@ -50,7 +51,7 @@ class DialogPlayer {
   void ExpectYesNo(const QString& text, bool yes);
   // A file or folder dialog: chooses the path; an empty one cancels.
   void ExpectFileDialog(const std::string& path);
-  // Accepted file dialogs' properties are looked at by who passes a look.
+  // The same; look sees the dialog before it is answered.
   void ExpectFileDialog(const std::string& path, std::function<void(QWidget&)> look);
 
   // Progress dialogs come and go by themselves; how long one stands depends on the machine.
@@ -66,6 +67,16 @@ class DialogPlayer {
   std::deque<std::function<void(QWidget&)>> answers_;
   std::vector<QPointer<QWidget>> answered_;  // those that still stand
   int ticksOpen_ = 0;
+};
+
+// Notes the end of the program and lets the program go on.
+class NotedEnd : public ProgramEnd {
+ public:
+  explicit NotedEnd(std::vector<int>& ends) : ends_(ends) {}
+  void EndProgram(int status) override { ends_.push_back(status); }
+
+ private:
+  std::vector<int>& ends_;
 };
 
 // A main window of the test's own: settings, temporary folder, disc and host of its own, no splash,
@@ -105,11 +116,12 @@ class WindowTest : public ::testing::Test {
   // Set before Start: cards are files (and devices) of this machine, and device_ is nullptr.
   bool useHostCards_ = false;
   MemoryDevice* device_ = nullptr;  // the card behind the disc
+  std::vector<int> ends_;           // each end of the program, with its status
+  NotedEnd end_{ends_};
   std::unique_ptr<WindowHost> host_;
   std::unique_ptr<Disc> disc_;
   std::unique_ptr<frmMain> window_;
   DialogPlayer player_;
-  std::vector<int> ends_;  // each end of the program, with its status
 };
 
 }  // namespace sectorbox::testing

@@ -64,22 +64,43 @@ TEST_F(FileCommandsTest, ARefusedDirectoryEndsTheLoopAndTheListShowsWhatIsLeft) 
   EXPECT_TRUE(Nodes().contains(QStringLiteral("DIR")));
 }
 
-TEST_F(FileCommandsTest, ADiscThatIsOpenedDuringADeleteKeepsItsFiles) {
+TEST_F(FileCommandsTest, NoDiscIsOpenedDuringADelete) {
   image_.WriteInterleavedTo(folder_ / "other.adl");
   StartWith(image_);
   Choose("mnuFileSelectAll");
-  bool opened = false;
+  bool chosen = false;
   QTimer::singleShot(0, [&] {
-    disc_->ImageChanged = false;
-    OpenImage(*disc_, folder_ / "other.adl");
-    window_->ThePanes().SelectAll();
-    opened = true;
+    Choose("mnuDiscOpen");
+    chosen = true;
   });
   window_->Action("mnuFileDelete")->trigger();
-  ASSERT_TRUE(opened);
+  ASSERT_TRUE(chosen);
+  EXPECT_EQ(disc_->ImageName, folder_ / "test.adl");
+  EXPECT_TRUE(Names().isEmpty());
+  disc_->ImageChanged = false;
+  player_.ExpectFileDialog(folder_ / "other.adl");
+  Choose("mnuDiscOpen");
   EXPECT_EQ(disc_->ImageName, folder_ / "other.adl");
   EXPECT_EQ(Names().size(), 4);
-  EXPECT_FALSE(disc_->ImageChanged);
+}
+
+// The command works through the selection, which a click would change.
+TEST_F(FileCommandsTest, ARowThatIsClickedDuringADeleteIsKept) {
+  StartWith(image_);
+  Select({"ALPHA", "DIR"});
+  bool clicked = false;
+  QTimer::singleShot(0, [&] {
+    ClickRow(QStringLiteral("GAMMA"), Qt::ControlModifier);
+    QTest::keyClick(&window_->ThePanes().List(), Qt::Key_A, Qt::ControlModifier);
+    Choose("mnuFileSelectAll");
+    window_->ThePanes().List().HeadingClicked(kColSize);
+    clicked = true;
+  });
+  Choose("mnuFileDelete");
+  EXPECT_TRUE(clicked);
+  EXPECT_EQ(Names(), QStringList({QStringLiteral("BETA"), QStringLiteral("GAMMA")}));
+  ClickRow(QStringLiteral("GAMMA"));
+  EXPECT_EQ(window_->CurrentItem()->Name(), "GAMMA");
 }
 
 TEST_F(FileCommandsTest, NothingSelectedDeletesNothing) {
@@ -148,7 +169,7 @@ TEST_F(FileCommandsTest, AForbiddenCharacterGivesTheMessageAndTheOldNameStays) {
   EXPECT_TRUE(OnDisc("ALPHA"));
 }
 
-// As "?" it would be a name like any other.
+// As "?" the disc would take the name.
 TEST_F(FileCommandsTest, ACharacterThatTheBbcDoesNotHaveIsRefused) {
   StartWith(image_);
   Select({"ALPHA"});

@@ -86,7 +86,7 @@ TEST_F(LinkWindowsTest, EscapeAndTheCloseBoxAreAbortWhileATransferRuns) {
     }
     EXPECT_TRUE(TheLink().AbortRequested);
     EXPECT_EQ(Dialog(), nullptr);
-    // What is still told to it is dropped.
+    // Calls for the closed window do nothing.
     TheLink().Host.ShowChunk("x");
     TheLink().Host.ShowTotal("x");
     TheLink().Host.ShowCounters({});
@@ -109,7 +109,7 @@ TEST_F(LinkWindowsTest, AClosedTraceWindowStopsNeitherTheLogNorTheTransfer) {
     TraceWindow()->close();
     EXPECT_EQ(TraceWindow(), nullptr);
     EXPECT_TRUE(window_->Action("mnuXferTracewindow")->isEnabled());
-    // Opened again it has what comes from now on, and no more.
+    // When it is opened again it shows what comes from then on, and no more.
     QTimer::singleShot(300, window_.get(), [&] { Choose("mnuXferTracewindow"); });
   });
   player_.ExpectFileDialog(folder_ / "x.adf");

@@ -103,7 +103,7 @@ TEST_F(StarConsoleTest, AnErrorShowsTheBbcsTextAndLeavesTheCommand) {
     Type("WHAT");
     EXPECT_EQ(Command()->text(), QStringLiteral("WHAT"));
     EXPECT_EQ(Output()->toPlainText(), QString());
-    // Mended, it runs.
+    // Once it is mended, it runs.
     Command()->setText(QStringLiteral("FADFS"));
     QTest::keyClick(Command(), Qt::Key_Enter);
     EXPECT_EQ(Command()->text(), QString());
@@ -180,7 +180,7 @@ TEST_F(StarConsoleTest, FindMarksTheFirstMatchAndFindNextGoesOnBehindIt) {
       Entry("mnuEditNext")->trigger();
       EXPECT_EQ(Marked(), (std::pair<int, std::string>{at, "x"}));
     }
-    // Past the last one it stops without a word, and stays stopped.
+    // After the last match it finds nothing, says nothing, and goes on finding nothing.
     Entry("mnuEditNext")->trigger();
     Entry("mnuEditNext")->trigger();
     EXPECT_EQ(Marked(), (std::pair<int, std::string>{9, "x"}));
@@ -234,7 +234,7 @@ TEST_F(StarConsoleTest, ComesBackWhereItWas) {
   });
 }
 
-// The wait goes on behind the closed window and has its say.
+// The wait goes on after the window was closed, and shows its message at its end.
 TEST_F(StarConsoleTest, ClosingItInTheMiddleOfAWaitLeavesTheMainWindowInOrder) {
   line.Bbc.Faults.Mute = true;
   StartWired();

@@ -4,7 +4,7 @@
 namespace sectorbox::testing {
 namespace {
 
-// What goes wrong on the way of one disc, and the counter that shows it: 1 retries, 2 CRCs.
+// The faults during one disc, and the counter that shows them: 1 is for retries, 2 for CRCs.
 struct Trouble {
   DiscKind Kind;
   BbcFaults Receive;
@@ -16,7 +16,7 @@ struct Trouble {
 std::vector<Trouble> Troubles() {
   std::vector<Trouble> all;
   for (const DiscKind& kind : kDiscKinds) all.push_back({kind, {}, "txtCRC", {}, "txtCRC"});
-  // A disc is about sixteen chunks. What costs a reset, and so seconds, comes once.
+  // A disc is about sixteen chunks. A fault that costs a reset, which takes seconds, comes once.
   all[0].Receive.WrongCrcEvery = 12;
   all[0].Send.WrongCrcEvery = 4;
   all[1].Receive.WrongEscapeEvery = 12;
@@ -33,7 +33,7 @@ std::vector<Trouble> Troubles() {
 
 class WholeDiscTest : public XferTest, public ::testing::WithParamInterface<Trouble> {
  protected:
-  // Room for the disc, and noise where it isn't.
+  // Room for the disc, with noise in it.
   void Prepare(const BbcFaults& faults, std::int32_t buffer) {
     line.Bbc.SetBuffer(buffer);
     line.Bbc.Faults = faults;

@@ -1,12 +1,12 @@
-// The end before the end: Abort at each kind of moment, a cable that is pulled, a window that is
-// closed. Whatever happens, the menu serves the next transfer.
+// Transfers that end early: Abort at each kind of moment, a cable that is pulled, a window that is
+// closed. After each of them the menu serves the next transfer.
 #include "tests/shell/commands/XferFixture.h"
 
 namespace sectorbox::testing {
 namespace {
 
-// Abort is pressed when the trace has shown the text so many times; the server has last heard Last
-// then.
+// The test presses Abort when the trace has shown the text so many times. Last is what the server
+// has heard last by then.
 struct Moment {
   const char* Name;
   const char* Entry;
@@ -24,7 +24,7 @@ BbcFaults Fault(int BbcFaults::*fault, int every) {
 }
 
 const std::vector<Moment>& Moments() {
-  // The read of the map, a receive's first, has no dialog yet and counts for the faults.
+  // A receive first reads the map. That read has no dialog yet, and the faults count it.
   static const std::vector<Moment> all = {
       {"ReceiveInAStream", "mnuXferRX0", "Receiving Sectors 4 to 7", 1, false,
        Fault(&BbcFaults::BurstEvery, 3), "A0|4|4|"},
@@ -77,7 +77,7 @@ TEST_P(XferAbortTest, EndsTheTransferAndTheNextOneRuns) {
 
   line.Stop();
   EXPECT_EQ(line.Bbc.Heard.back(), moment.Last);
-  // Whole sectors only, on whichever side was written.
+  // The side that was written holds whole sectors only.
   const Bytes got = sending ? line.Bbc.Drives[0] : ReadAll(file);
   for (std::size_t at = 0; at < got.size(); at += 256) {
     const auto same = [&](const Bytes& disc) {
@@ -172,7 +172,7 @@ TEST_F(XferTest, ClosingTheMainWindowInATransferSaysQAndEndsTheProgram) {
     window_->close();
     EXPECT_EQ(ends_, std::vector<int>{0});
     EXPECT_FALSE(TheLink().Port.PortOpen());
-    // The program is over here; the test's goes on, and would wait for a byte that can't come.
+    // The real program has ended here. This one goes on, and would wait for a byte that can't come.
     TheLink().AbortRequested = true;
     TheLink().Timer4.Due = 0;
   });

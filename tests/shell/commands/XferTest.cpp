@@ -1,5 +1,6 @@
 #include <QMenu>
 
+#include "disc/change/Mutation.h"
 #include "tests/shell/commands/XferFixture.h"
 
 namespace sectorbox::testing {
@@ -14,7 +15,7 @@ TEST_F(XferTest, EachPortEntryTellsItsDevice) {
 
 TEST_F(XferTest, OnePortAndOneSpeedAreTickedAndKeptAtTheEnd) {
   Start();
-  // Twice: what is ticked stays so when it is chosen again.
+  // Twice: a tick stays when its entry is chosen again.
   for (int i = 0; i < 2; ++i) {
     Choose("mnuXferSerialCom3");
     Choose("mnuXferSerial4800");
@@ -81,7 +82,7 @@ TEST_F(XferTest, ASpeedOrPortThatIsChosenClosesThePortAndCountsAtTheNextTransfer
   EXPECT_EQ(speeds, (std::vector<std::string>{"S19200|", "S9600|", "S9600|"}));
 }
 
-// Its replies would be taken for those of the transfer that runs.
+// The transfer that runs would take the replies of the other command for its own.
 TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
   line.Bbc.Drives[0] = NoiseDisc(64, {});
   line.Bbc.SetBuffer(4);
@@ -95,7 +96,7 @@ TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
   player_.ExpectFileDialog(folder_ / "x.dat");
   Choose("mnuXferRX0");
   EXPECT_EQ(ReadAll(folder_ / "x.dat"), line.Bbc.Drives[0]);
-  // The dialog of a transfer whose OK nobody pressed makes room for the next.
+  // Where nobody has pressed OK, the dialog of the last transfer closes before the next one opens.
   QDialog* first = Dialog();
   player_.ExpectFileDialog(folder_ / "x.dat");
   Choose("mnuXferTX0");
@@ -105,6 +106,42 @@ TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
   line.Stop();
   EXPECT_EQ(line.Bbc.Heard[0], "S19200|");
   EXPECT_EQ(std::count(line.Bbc.Heard.begin(), line.Bbc.Heard.end(), "S19200|"), 1);
+}
+
+// No command starts that would hold up the transfer, or that changes its port or the disc. To look
+// into another directory takes no time.
+TEST_F(XferTest, WhileATransferRunsTheUserCanLookAroundButStartNoOtherCommand) {
+  line.Bbc.Drives[0] = NoiseDisc(64, {});
+  line.Bbc.SetBuffer(4);
+  StartWired();
+  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  disc_->ImageChanged = false;
+  Press(window_->ThePanes().Tree(), Qt::Key_F5);
+  bool done = false;
+  WhenTraced(QStringLiteral("Read 8 of 64"), [&] {
+    for (const char* entry : {"mnuDiscOpen", "mnuDiscNew80DSD", "mnuDiscMap", "mnuDirectoryNew",
+                              "mnuDirectoryDelete", "mnuFileDelete", "mnuCFCardOpen",
+                              "mnuHelpAbout", "mnuXferSerialCom3", "mnuXferSerial1200"}) {
+      Choose(entry);
+    }
+    EXPECT_TRUE(window_->Checked("mnuXferSerialCom2"));
+    EXPECT_FALSE(window_->Checked("mnuXferSerialCom3"));
+    EXPECT_TRUE(window_->Checked("mnuXferSerial19200"));
+    EXPECT_FALSE(window_->Checked("mnuXferSerial1200"));
+    EXPECT_TRUE(TheLink().Port.PortOpen());
+    ClickNode(QStringLiteral("DIR"));
+    EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
+    done = true;
+  });
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  Choose("mnuXferRX0");
+  EXPECT_TRUE(done);
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), line.Bbc.Drives[0]);
+  line.Stop();
+  EXPECT_EQ(Nodes(), QStringList({QStringLiteral("$"), QStringLiteral("DIR")}));
+  EXPECT_EQ(disc_->ImageName, "NewDisc.adl");
+  Choose("mnuXferSerialCom3");
+  EXPECT_TRUE(window_->Checked("mnuXferSerialCom3"));
 }
 
 TEST_F(XferTest, ASilentBbcIsSaidSo) {
@@ -143,7 +180,7 @@ TEST_F(XferTest, CancelOnAnIdleBootstrapClosesItAndLeavesTheAbortFlagSet) {
   EXPECT_TRUE(TheLink().AbortRequested);
 }
 
-// Each line end of the trace is two characters, whatever the text box makes of it.
+// Each line end of the trace counts as two characters. The text box keeps only one.
 TEST_F(XferTest, TheTraceWindowCountsItsLineEndsAsTheTwoCharactersThatTheyAre) {
   StartWired();
   Choose("mnuXferTracewindow");

@@ -1,4 +1,4 @@
-// Files dropped on the card dialogs: raw cards from then on.
+// Files that are dropped on the card dialogs are listed as raw cards from then on.
 
 #include <QApplication>
 #include <QCheckBox>
@@ -24,8 +24,8 @@ std::vector<std::string> Rows(QWidget& dialog) {
 
 using Lines = std::vector<std::string>;
 
-// What a drag over the dialog and letting go there are. False where the dialog shows that it takes
-// nothing of the kind, and then gets nothing.
+// Drags the files over the dialog and drops them there. False where the dialog shows during the
+// drag that it doesn't take them; then they aren't dropped.
 bool Drop(QWidget& dialog, const QMimeData& data) {
   const QPoint place = dialog.rect().center();
   QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

@@ -112,7 +112,8 @@ TEST_F(PaneControlsTest, F5ReadsTheDiscAgain) {
   EXPECT_EQ(window_->windowTitle().right(1), QStringLiteral("*"));
 }
 
-// Nobody chose the row on which a view without one sets its mark as it gets the focus.
+// A view that gets the focus without a current row marks its first row, which the user didn't
+// choose.
 TEST_F(PaneControlsTest, TheFocusAloneMakesNoRowCurrent) {
   StartWith(image_);
   ClickNode(QStringLiteral("DIR"));

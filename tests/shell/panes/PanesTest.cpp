@@ -132,7 +132,7 @@ TEST_F(PanesTest, AChosenOrderSurvivesAChangeOfDirectoryButNotARebuild) {
   EXPECT_EQ(Names(), List({"INNER", "FILE"}));
   window_->ThePanes().RebuildTree();
   EXPECT_EQ(Names(), List({"ALPHA", "DIR", "EMPTY", "ZED"}));
-  // The flag that flips was left alone by the rebuild: it last stood at descending.
+  // The rebuild has left the flag alone that flips: its last value was descending.
   ClickHeading(kColName);
   EXPECT_EQ(window_->ThePanes().List().Model().SortOrder(), Qt::AscendingOrder);
 }

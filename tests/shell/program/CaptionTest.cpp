@@ -7,7 +7,7 @@
 #include "toolkit/Boxes.h"
 #include "viewers/windows/frmView.h"
 
-// What a title bar shows: no caption is cut, no window is without its icon.
+// Title bars: no caption is cut, and every window has its icon.
 namespace sectorbox::testing {
 namespace {
 

@@ -1,7 +1,10 @@
 #include <QFile>
+#include <QTimer>
+#include <stdexcept>
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/change/Mutation.h"
+#include "disc/host/HostError.h"
 #include "tests/support/WindowFixture.h"
 #include "toolkit/Text.h"
 
@@ -171,6 +174,24 @@ TEST_F(ExitTest, FailingWithNothingUnsavedWritesNothing) {
   player_.ExpectBox(QStringLiteral("No more memory"));
   window_->Fail(QStringLiteral("No more memory"));
   EXPECT_FALSE(QFile::exists(SettingsStore().Folder() + QStringLiteral("/Recovered1.adl")));
+}
+
+// From a timer, a view or a dialog: nobody between it and the event loop has caught it.
+TEST_F(ExitTest, AHostFailureThatReachesTheEventLoopIsABoxAndTheProgramGoesOn) {
+  Start();
+  QTimer::singleShot(0, [] { throw HostError("/some/file", "went away"); });
+  player_.ExpectBox(QStringLiteral("/some/file: went away"), QStringLiteral("Sectorbox"));
+  Settle();
+  EXPECT_TRUE(window_->isVisible());
+  EXPECT_TRUE(ends_.empty());
+}
+
+TEST_F(ExitTest, AnyOtherFailureThatReachesTheEventLoopEndsTheProgram) {
+  Start();
+  QTimer::singleShot(0, [] { throw std::runtime_error("No more memory"); });
+  player_.ExpectBox(QStringLiteral("No more memory"));
+  Settle();
+  EXPECT_EQ(ends_, std::vector<int>{1});
 }
 
 TEST_F(ExitTest, TheBootOptionOfAHardDiscReachesItsFile) {

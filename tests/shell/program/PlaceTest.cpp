@@ -9,10 +9,10 @@
 #include "tests/support/WindowFixture.h"
 #include "toolkit/WindowPlace.h"
 
-// A window that keeps its place must have its size before it is shown. Where it gets it only then,
-// a window manager that draws frames puts the inside where the frame was, and the window creeps up
-// the screen from one use to the next. The offscreen platform draws no such frames, so what is
-// looked at is the cause: whether showing changes the size.
+// A window that keeps its place must have its size before it is shown. If it gets its size only
+// when it is shown, a window manager that draws frames puts the inside where the frame was, and the
+// window creeps up the screen from one use to the next. The offscreen platform draws no frames, so
+// these tests look at the cause: whether showing a window changes its size.
 namespace sectorbox::testing {
 namespace {
 

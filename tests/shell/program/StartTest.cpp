@@ -115,46 +115,55 @@ TEST_F(StartTest, ALinkAmongTheLeftoversIsRemovedAndNotFollowed) {
 }
 
 // The hooks of a start in a test: a clock that a pump of 10 ms moves on.
-struct FakeTime {
-  double Now = 100.0;
+class FakeHooks : public StartHooks {
+ public:
+  explicit FakeHooks(std::vector<int>& ends) : ends_(ends) {}
+
+  double Seconds() override { return now_; }
+  void Pump() override {
+    now_ += 0.01;
+    ++Pumps;
+  }
+  void EndProgram(int status) override { ends_.push_back(status); }
+
   int Pumps = 0;
+
+ private:
+  std::vector<int>& ends_;
+  double now_ = 100.0;
 };
 
-StartHooks HooksOf(FakeTime& time, std::vector<int>& ends) {
-  StartHooks hooks;
-  hooks.Clock = [&time] { return time.Now; };
-  hooks.Pump = [&time] {
-    time.Now += 0.01;
-    ++time.Pumps;
-  };
-  hooks.EndProgram = [&ends](int status) { ends.push_back(status); };
-  return hooks;
-}
+// Looks for the splash at each pump.
+class WatchingHooks : public FakeHooks {
+ public:
+  using FakeHooks::FakeHooks;
 
-TEST_F(StartTest, TheSplashStandsForFourSecondsAndIsGoneBeforeTheWindowShows) {
-  FakeTime time;
-  bool splashSeen = false;
-  StartHooks hooks = HooksOf(time, ends_);
-  const auto pump = hooks.Pump;
-  hooks.Pump = [&] {
+  void Pump() override {
     for (QWidget* top : QApplication::topLevelWidgets()) {
-      if (top->objectName() == QLatin1String("frmSplash")) splashSeen = top->isVisible();
+      if (top->objectName() == QLatin1String("frmSplash")) SplashSeen = top->isVisible();
       EXPECT_NE(top->objectName(), QStringLiteral("frmMain"));
     }
-    pump();
-  };
-  hooks.Created = [](frmMain& window) { EXPECT_FALSE(window.isVisible()); };
+    FakeHooks::Pump();
+  }
+  void Created(frmMain& window) override { EXPECT_FALSE(window.isVisible()); }
+
+  bool SplashSeen = false;
+};
+
+TEST_F(StartTest, TheSplashStandsForFourSecondsAndIsGoneBeforeTheWindowShows) {
+  WatchingHooks hooks(ends_);
   host_ = std::make_unique<WindowHost>();
   disc_ = std::make_unique<Disc>(*host_);
   window_ = StartProgram(*disc_, *host_, hooks, "");
   ASSERT_NE(window_, nullptr);
-  EXPECT_TRUE(splashSeen);
-  EXPECT_GE(time.Pumps, 399);
-  EXPECT_LE(time.Pumps, 401);
+  EXPECT_TRUE(hooks.SplashSeen);
+  EXPECT_GE(hooks.Pumps, 399);
+  EXPECT_LE(hooks.Pumps, 401);
   EXPECT_TRUE(window_->isVisible());
   for (QWidget* top : QApplication::topLevelWidgets()) {
     EXPECT_NE(top->objectName(), QStringLiteral("frmSplash"));
   }
+  window_.reset();  // before its hooks
 }
 
 class BadSettingTest : public StartTest,
@@ -163,7 +172,7 @@ class BadSettingTest : public StartTest,
 TEST_P(BadSettingTest, EndsTheProgramWithAMessageAndKeepsTheSetting) {
   const auto [key, text] = GetParam();
   SettingsStore().PutString(key, QString::fromLatin1(text));
-  FakeTime time;
+  FakeHooks hooks(ends_);
   player_.Expect([key = key](QWidget& dialog) {
     auto& box = dynamic_cast<QMessageBox&>(dialog);
     EXPECT_TRUE(box.text().contains(QLatin1String(key))) << box.text().toStdString();
@@ -171,7 +180,7 @@ TEST_P(BadSettingTest, EndsTheProgramWithAMessageAndKeepsTheSetting) {
   });
   host_ = std::make_unique<WindowHost>();
   disc_ = std::make_unique<Disc>(*host_);
-  window_ = StartProgram(*disc_, *host_, HooksOf(time, ends_), "");
+  window_ = StartProgram(*disc_, *host_, hooks, "");
   EXPECT_EQ(window_, nullptr);
   EXPECT_EQ(ends_, std::vector<int>{1});
   EXPECT_EQ(SettingsStore().GetString(key), QString::fromLatin1(text));

@@ -1,8 +1,9 @@
-#include "shell/program/Icons.h"
+#include "shell/icons/Icons.h"
 
 #include <QString>
 
-// Drawings in a static library are only found after this, which must stand outside of namespaces.
+// Qt finds the drawings of a static library only after this, which must stand outside of
+// namespaces.
 static void RegisterDrawings() {
   Q_INIT_RESOURCE(icons);
 }

@@ -1,4 +1,4 @@
-#include "shell/program/LinkWindowHost.h"
+#include "shell/commands/LinkWindowHost.h"
 
 #include <QApplication>
 #include <QDateTime>
@@ -7,17 +7,18 @@
 #include <QThread>
 
 #include "link/wire/Protocol.h"
-#include "shell/program/frmMain.h"
+#include "shell/window/MainWindow.h"
 #include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
-LinkWindowHost::LinkWindowHost(frmMain& window) : window_(window) {
+LinkWindowHost::LinkWindowHost(MainWindow& window) : window_(window) {
   clock_.start();
 }
 
-// A box that comes up over a modal dialog belongs to that dialog, or nobody could press its button.
+// Where a modal dialog is up, a box belongs to that dialog: otherwise nobody could press its
+// button.
 QWidget* LinkWindowHost::BoxParent() const {
   QWidget* modal = QApplication::activeModalWidget();
   return modal != nullptr ? modal : static_cast<QWidget*>(&window_);
@@ -42,7 +43,7 @@ std::string LinkWindowHost::DateAndTime() {
 }
 
 void LinkWindowHost::ShowMessage(const std::string& text, const std::string& title) {
-  // Error texts of the BBC come this way: bytes, and the window's own words are plain ASCII.
+  // Error texts of the BBC come this way, which are bytes. Our own words are plain ASCII.
   ShowBox(BoxParent(), FromBbc(text), FromHost(title));
 }
 
@@ -73,7 +74,7 @@ std::string LinkWindowHost::AskSaveFileName(const FileQuestion& question) {
 }
 
 void LinkWindowHost::OpenTransfer(const std::string& caption) {
-  CloseTransfer();  // the dialog of the last transfer, if its OK was never pressed
+  CloseTransfer();  // closes the dialog of the last transfer, if its OK was never pressed
   transfer_ = new frmRX(*link_, FromHost(caption), &window_);
   transfer_->show();
 }

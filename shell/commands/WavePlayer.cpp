@@ -1,4 +1,4 @@
-#include "shell/program/WavePlayer.h"
+#include "shell/commands/WavePlayer.h"
 
 #include <QAudioDevice>
 #include <QEventLoop>

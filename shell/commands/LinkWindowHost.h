@@ -6,20 +6,20 @@
 #include "link/windows/frmRX.h"
 #include "link/windows/frmTrace.h"
 #include "link/wire/Link.h"
-#include "shell/program/WavePlayer.h"
+#include "shell/commands/WavePlayer.h"
 
 namespace sectorbox {
 
-class frmMain;
+class MainWindow;
 
 // What the link wants from outside, given by the main window: ticks, boxes, frmRX and frmTrace.
 class LinkWindowHost final : public LinkHost {
  public:
-  explicit LinkWindowHost(frmMain& window);
+  explicit LinkWindowHost(MainWindow& window);
 
-  // Before any use; link outlives this.
+  // Call this before any other operation. link outlives this.
   void Attach(Link& link) { link_ = &link; }
-  // The entry "Window": opens frmTrace, and disables itself while that is open.
+  // The entry "Window": opens frmTrace. The entry is disabled while frmTrace is open.
   void OpenTraceWindow();
 
   std::int64_t Milliseconds() override;
@@ -48,10 +48,10 @@ class LinkWindowHost final : public LinkHost {
  private:
   QWidget* BoxParent() const;
 
-  frmMain& window_;
+  MainWindow& window_;
   Link* link_ = nullptr;
   QElapsedTimer clock_;
-  // Null once the user has closed them; what is told to a closed window is dropped.
+  // Each is null once the user has closed the window. Calls for a closed window do nothing.
   QPointer<frmRX> transfer_;
   QPointer<frmTrace> trace_;
   WavePlayer wave_;

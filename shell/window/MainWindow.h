@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QAction>
+#include <QMainWindow>
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "disc/catalogue/Catalogue.h"
+#include "disc/store/Disc.h"
+#include "shell/window/CommandGuard.h"
+
+namespace sectorbox {
+
+// The directory whose entries the list shows.
+struct CurrentDirectory {
+  std::int32_t Tag = 0;  // its start sector
+  std::string Text;      // the node's text
+};
+
+enum class StartResult { kRan, kRefused };
+
+// What the panes and the commands know of the main window.
+class MainWindow : public QMainWindow {
+ public:
+  // The disc that the window shows. It outlives the window.
+  virtual Disc& OpenDisc() = 0;
+
+  // --- Menus -----------------------------------------------------------------------------------
+  // The entry of that name; for a menu, the action that opens it. The name must exist.
+  virtual QAction* Action(const char* name) const = 0;
+  // The check mark of an option, its only home while the program runs.
+  bool Checked(const char* name) const { return Action(name)->isChecked(); }
+  // Runs the command each time the entry is chosen, as Start does with the entry's kind. A refusal
+  // is a beep, and an entry with a check mark keeps the mark that it had.
+  template <typename Command>
+  void OnCommand(const char* name, Command command) {
+    QAction* entry = Action(name);
+    connect(entry, &QAction::triggered, this,
+            [this, entry, command] { RunEntry(*entry, command); });
+  }
+
+  // --- Commands --------------------------------------------------------------------------------
+  // Who is at work; see CommandGuard. What the user does goes through Start.
+  virtual CommandGuard& Guard() = 0;
+  // Runs what the user has chosen, to its end, guarded as Guarded does. Does nothing (kRefused)
+  // where the guard says that it must not start now.
+  virtual StartResult Start(CommandKind kind, const std::function<void()>& work) = 0;
+  // Runs a piece of a command: a HostError becomes a box with its text and leaves the window alive;
+  // any other failure ends the program by way of Fail. What the engine noted meanwhile (DiscHost::
+  // Note) stands in panel 2 afterwards, also where the refilled panes have put their path there.
+  virtual void Guarded(const std::function<void()>& work) = 0;
+  // The program can't go on: an unsaved disc in memory goes to a recovery file, the user is told
+  // the reason and where, and the program ends.
+  virtual void Fail(const QString& reason, const QString& title = QStringLiteral("Sectorbox")) = 0;
+
+  // --- What is current -------------------------------------------------------------------------
+  // Empty only while no tree exists.
+  virtual std::optional<CurrentDirectory> CurrentNode() const = 0;
+  // The row that commands on one row act on; null after the list was cleared and in an empty
+  // directory. Valid until the list is filled again.
+  virtual const ListRow* CurrentItem() const = 0;
+
+  // --- Status bar and caption ------------------------------------------------------------------
+  virtual void SetPanel2(const QString& text) = 0;
+  virtual void RefreshCaption() = 0;
+
+ private:
+  virtual void RunEntry(QAction& entry, const std::function<void()>& command) = 0;
+};
+
+}  // namespace sectorbox
