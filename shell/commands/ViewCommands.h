@@ -2,8 +2,11 @@
 
 #include <QObject>
 #include <QPointer>
+#include <functional>
+#include <string>
 #include <vector>
 
+#include "viewers/table/TextViews.h"
 #include "viewers/windows/frmView.h"
 
 namespace sectorbox {
@@ -22,9 +25,11 @@ class ViewCommands : public QObject {
   TextSearch& Search() { return shared_.Search; }
 
  private:
-  void OnFileView(const char* entry, ViewNumber number);
-  void OnDirectoryView(const char* entry, ViewNumber number);
-  void Launch(ViewNumber number, ViewTarget target);
+  void ConnectEntries(const TextViewKind& kind);
+  void OnEntry(const std::string& entry, const std::function<void()>& launch);
+  void LaunchOnRow(int number);
+  void LaunchOnNode(int number);
+  void Launch(int number, const ViewTarget& target);
 
   frmMain& window_;
   ViewShared shared_;

@@ -19,21 +19,12 @@
 #include "toolkit/Text.h"
 #include "toolkit/Twips.h"
 #include "toolkit/WindowPlace.h"
-#include "viewers/text/BasicLister.h"
-#include "viewers/text/CatalogueViews.h"
-#include "viewers/text/Disassembler.h"
-#include "viewers/text/TextAndHexViews.h"
-#include "viewers/wordwise/Wordwise.h"
 
 namespace sectorbox {
 namespace {
 
 FileQuestion SaveQuestion(const std::string& name) {
   return {"Save File As", "Save File (*.TXT)|*.txt|All Files (*.*)|*.*", name};
-}
-
-std::int32_t DirectoryOf(const ListRow& row) {
-  return static_cast<std::int32_t>(ParseHex(row.Columns[kColLoad]));
 }
 
 }  // namespace
@@ -82,7 +73,7 @@ void frmView::MakeMenus() {
 
 void frmView::Show_File(const ViewTarget& target) {
   ToFile = false;
-  if (target.ViewAs) {
+  if (ViewAs) {
     if (!OpenOutput()) return;
     ToFile = true;
   } else {
@@ -116,49 +107,16 @@ bool frmView::OpenOutput() {
 void frmView::RunGenerator(const ViewTarget& target) {
   try {
     const BusyPointer busy(disc_.Host);
-    Generate(Tag.toInt(), target);
+    bool isNumber = false;
+    const int number = Tag.toInt(&isNumber);
+    const TextViewKind* kind = isNumber ? FindTextView(number) : nullptr;
+    if (kind != nullptr) ShowTextView(*kind, disc_, target, *this);
   } catch (const HostError& error) {
     file_.reset();
     rtbView_->Flush();
     ShowError(error);
   }
   Finished = true;
-}
-
-void frmView::Generate(int number, const ViewTarget& target) {
-  const ListRow& row = target.CurrentItem;
-  const bool ofFile = number <= kViewFileExAll;
-  const std::int32_t sector = ofFile ? DirectoryOf(row) : target.CurrentNodeTag;
-  switch (number) {
-    case kViewText:
-      return ShowText(disc_, row, *this);
-    case kViewHex:
-      return ShowHex(disc_, row, *this);
-    case kViewBasic:
-      return Show_Basic(disc_, row, *this);
-    case kViewMap:
-      return ShowMap(disc_, *this);
-    case kViewDis:
-      return ShowDis(disc_, row, *this);
-    case kViewWordwise:
-      return ShowWordwise(disc_, row, *this);
-    case kViewFileCat:
-    case kViewDirectoryCat:
-      return ShowCat(disc_, sector, *this);
-    case kViewFileEx:
-    case kViewDirectoryEx:
-      return ShowEx(disc_, sector, *this);
-    case kViewFileCatAll:
-    case kViewDirectoryCatAll:
-      ShowCatAll(disc_, sector, GetDirName(disc_, sector), *this);
-      return EndView(*this);
-    case kViewFileExAll:
-    case kViewDirectoryExAll:
-      ShowExAll(disc_, sector, GetDirName(disc_, sector), *this);
-      return EndView(*this);
-    default:
-      return;
-  }
 }
 
 void frmView::SetCaption(const std::string& caption) {

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "disc/catalogue/Catalogue.h"
 #include "disc/store/Disc.h"
+#include "viewers/table/TextViews.h"
 #include "viewers/text/TextFile.h"
 #include "viewers/text/TextView.h"
 #include "viewers/windows/frmFind.h"
@@ -25,32 +25,6 @@ struct ViewShared {
   TextSearch Search;
 };
 
-// The numbers that a launcher writes into a view's Tag. There is no 13.
-enum ViewNumber {
-  kViewText = 0,
-  kViewHex = 1,
-  kViewBasic = 2,
-  kViewMap = 3,
-  kViewFileCat = 4,
-  kViewFileCatAll = 5,
-  kViewFileEx = 6,
-  kViewFileExAll = 7,
-  kViewDirectoryCat = 8,
-  kViewDirectoryCatAll = 9,
-  kViewDirectoryEx = 10,
-  kViewDirectoryExAll = 11,
-  kViewDis = 12,
-  kViewWordwise = 14,
-};
-
-// What a view shows, taken from the main window when the view starts: the panes may change while
-// it runs.
-struct ViewTarget {
-  ListRow CurrentItem;               // for the views of the File menu
-  std::int32_t CurrentNodeTag = -1;  // for those of the Directory menu: a directory's sector
-  bool ViewAs = false;               // to a host file instead of the window
-};
-
 // The one text window of the views. A launcher makes it, sets Tag and calls Show_File; from then on
 // it looks after itself, its destruction included. Any number can be open, and several may be
 // running, one inside the event loop of the other.
@@ -61,15 +35,18 @@ class frmView : public QMainWindow, public TextView {
   // disc and shared outlive the window.
   frmView(Disc& disc, ViewShared& shared);
 
-  // Decimal text of a ViewNumber; anything else shows nothing.
+  // Decimal text of a view's number; anything else shows nothing.
   QString Tag;
+  // The view is to go to a host file, whose name the user is asked for, instead of the window.
+  bool ViewAs = false;
   // Position from which Find Next goes on; -1 when there is nothing to go on with.
   int FindPos = 0;
   // The output goes to a host file, and the window stays hidden.
   bool ToFile = false;
   std::string OutputName;
 
-  // Runs the view named by Tag, to its end or to a close request, and comes back then.
+  // Runs the view named by Tag, to its end or to a close request, and comes back then. The launcher
+  // takes target from the main window when the view starts: the panes may change while it runs.
   void Show_File(const ViewTarget& target);
 
   // The whole text as plain text, in one piece. Apart from the choice of the printer this is what
@@ -90,7 +67,6 @@ class frmView : public QMainWindow, public TextView {
   void MakeMenus();
   bool OpenOutput();
   void RunGenerator(const ViewTarget& target);
-  void Generate(int number, const ViewTarget& target);
   void Form_Unload();
   void mnuFileSave_Click();
   void mnuFilePrint_Click();
