@@ -1,6 +1,5 @@
 #include "shell/commands/XferCommands.h"
 
-#include <QApplication>
 #include <QMenu>
 #include <string>
 #include <utility>
@@ -18,7 +17,6 @@
 #include "shell/program/SerialPorts.h"
 #include "shell/program/frmMain.h"
 #include "toolkit/Text.h"
-#include "viewers/windows/frmFind.h"
 
 namespace sectorbox {
 namespace {
@@ -56,11 +54,8 @@ XferCommands::XferCommands(frmMain& window) : window_(window), host_(window) {
   ConnectTransfers("mnuXferDTX", [this](std::int32_t drive) { SendImage(link_, drive, true); });
   window.OnCommand("mnuXferBasic", Exclusive([this] { frmFirst(link_, &window_).exec(); }));
   window.OnCommand("mnuXferFormat", Exclusive([this] { frmFormat(link_, &window_).exec(); }));
-  window.OnCommand("mnuXferCli", Exclusive([this] {
-                     frmCLI(
-                         link_, [this] { return AskFindText(); }, &window_)
-                         .exec();
-                   }));
+  window.OnCommand("mnuXferCli",
+                   Exclusive([this] { frmCLI(link_, window_.Views().Search(), &window_).exec(); }));
   window.OnCommand("mnuXferTracewindow", [this] { host_.OpenTraceWindow(); });
   window.OnCommand("mnuXferTraceFile", [this] { ChooseTraceFile(link_); });
 }
@@ -99,13 +94,6 @@ void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
   std::string fileName;
   if (!ReceiveImage(link_, drive, dataOnly, fileName)) return;
   if (window_.Checked("mnuOptionsAutoLoad")) OpenImage(window_.TheDisc(), fileName);
-}
-
-std::optional<QString> XferCommands::AskFindText() {
-  TextSearch& search = window_.Views().Search();
-  frmFind(QApplication::activeModalWidget(), search).exec();
-  if (!search.FindOK) return std::nullopt;
-  return search.FindText;
 }
 
 void XferCommands::ChooseCom(std::int16_t number) {

@@ -1,10 +1,8 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
 #include <cstdint>
 #include <functional>
-#include <optional>
 
 #include "link/wire/Link.h"
 #include "link/wire/TermiosPort.h"
@@ -33,7 +31,6 @@ class XferCommands : public QObject {
   void ConnectSerialMenu();
   void ConnectTransfers(const char* stem, const std::function<void(std::int32_t drive)>& run);
   void Receive(std::int32_t drive, bool dataOnly);
-  std::optional<QString> AskFindText();
   void ChooseCom(std::int16_t number);
   void ChooseSpeed(std::int32_t speed);
   void ShowDevices();

@@ -87,7 +87,7 @@ TEST_F(ViewWindowTest, AFreshWindowIsCalledViewFileAndBeginsToFindAtItsTop) {
 
 TEST_F(ViewWindowTest, TheTextAreaIsInCourierNewNeverWrapsAndHasBothScrollBars) {
   StartWithFiles();
-  const ViewText& area = TextOf(ViewRow("Alpha", "mnuFileViewText"));
+  const TextArea& area = TextOf(ViewRow("Alpha", "mnuFileViewText"));
   EXPECT_EQ(area.font().family(), QStringLiteral("Courier New"));
   EXPECT_EQ(area.font().pointSizeF(), 9.75);
   EXPECT_EQ(area.lineWrapMode(), QPlainTextEdit::NoWrap);
