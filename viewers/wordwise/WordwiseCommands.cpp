@@ -1,6 +1,4 @@
 // Finding embedded commands and their arguments, and running them now or later.
-#include "viewers/wordwise/WordwiseCommands.h"
-
 #include <algorithm>
 
 #include "disc/catalogue/Adfs.h"
@@ -21,7 +19,7 @@ bool IsDigit(std::uint8_t c) {
 }  // namespace
 
 void WordwiseFormatter::DoCommand() {
-  const WordwiseCommand* command = ParseCommand();
+  const Command* command = ParseCommand();
   if (command != nullptr) return ExecCommand(*command);
   ++Pos;
   SkipArgs();
@@ -29,15 +27,15 @@ void WordwiseFormatter::DoCommand() {
 
 // The command whose start Pos stands on, or none with EndFlag set. A control character where the
 // first letter should be is passed over in silence.
-const WordwiseCommand* WordwiseFormatter::ParseCommand() {
+const WordwiseFormatter::Command* WordwiseFormatter::ParseCommand() {
   EndFlag = true;
   const std::uint8_t first = ByteOrZero(std::int64_t{Pos} + 1);
   if (first < 32) return nullptr;
   const std::uint8_t second = ByteOrZero(std::int64_t{Pos} + 2);
   const std::string letters =
       UpperCase(std::string{static_cast<char>(first), static_cast<char>(second)});
-  for (const WordwiseCommand& command : kWordwiseCommands) {
-    if (std::string_view(letters).substr(0, command.Name.size()) != command.Name) continue;
+  for (const Command& command : kCommands) {
+    if (std::string_view(letters).substr(0, command.Letters.size()) != command.Letters) continue;
     EndFlag = false;
     return &command;
   }
@@ -49,17 +47,17 @@ const WordwiseCommand* WordwiseFormatter::ParseCommand() {
   return nullptr;
 }
 
-void WordwiseFormatter::ExecCommand(const WordwiseCommand& command) {
+void WordwiseFormatter::ExecCommand(const Command& command) {
   switch (command.Class) {
     case WordwiseClass::kAtOnce:
       Pos += kCommandLength;
-      DoDirective(command.Directive);
+      command.Run(*this);
       SkipArgs();
       return;
     case WordwiseClass::kAtLineStart:
       if (LineIsEmpty()) {
         Pos += kCommandLength;
-        DoDirective(command.Directive);
+        command.Run(*this);
         return;
       }
       // Pos stands on the command's start, so nothing is skipped and Pos ends one before it: the
@@ -76,12 +74,12 @@ void WordwiseFormatter::ExecCommand(const WordwiseCommand& command) {
 
 // Notes the command for the moment when the cell at LinePos has been printed.
 void WordwiseFormatter::Defer() {
-  std::uint8_t& cell = CellAt(LinePos);
+  std::uint8_t& cell = CellAt(line_.LinePos);
   const bool newGroup = (cell & format::kTopBit) == 0;
-  if (newGroup && DeferredIndex != 0) ++DeferredIndex;
-  SetDeferred(DeferredIndex, Pos);
-  SetDeferred(DeferredIndex + 1, 0);
-  ++DeferredIndex;
+  if (newGroup && deferred_.DeferredIndex != 0) ++deferred_.DeferredIndex;
+  SetDeferred(deferred_.DeferredIndex, Pos);
+  SetDeferred(deferred_.DeferredIndex + 1, 0);
+  ++deferred_.DeferredIndex;
   ++Pos;
   SkipArgs();
   cell |= format::kTopBit;
@@ -95,24 +93,24 @@ void WordwiseFormatter::Defer() {
 void WordwiseFormatter::RunDeferred() {
   const SavedPos saved = SavePos();
   do {
-    Pos = DeferredAt(DeferredIndex);
-    if (const WordwiseCommand* command = ParseCommand()) {
+    Pos = DeferredAt(deferred_.DeferredIndex);
+    if (const Command* command = ParseCommand()) {
       Pos += kCommandLength;
-      DoDirective(command->Directive);
+      command->Run(*this);
       SkipArgs();
     }
-    ++DeferredIndex;
-  } while (DeferredAt(DeferredIndex) != 0);
+    ++deferred_.DeferredIndex;
+  } while (DeferredAt(deferred_.DeferredIndex) != 0);
   RestorePos(saved);
 }
 
 std::int32_t WordwiseFormatter::DeferredAt(std::size_t index) const {
-  return index < Deferred.size() ? Deferred[index] : 0;
+  return index < deferred_.Deferred.size() ? deferred_.Deferred[index] : 0;
 }
 
 void WordwiseFormatter::SetDeferred(std::size_t index, std::int32_t pos) {
-  if (index >= Deferred.size()) Deferred.resize(index + 1);
-  Deferred[index] = pos;
+  if (index >= deferred_.Deferred.size()) deferred_.Deferred.resize(index + 1);
+  deferred_.Deferred[index] = pos;
 }
 
 void WordwiseFormatter::SkipArgs() {

@@ -46,12 +46,12 @@ void WordwiseFormatter::BeginPage() {
   const std::int32_t pos = Pos;
   ReadLine();
   Pos = pos;
-  LineCount = 1;
+  page_.LineCount = 1;
 }
 
 // One line without its line ends, whose number it leaves in Count. False at the document's end.
 bool WordwiseFormatter::FormatLine() {
-  if (Paged && LineCount == 1) PageHead();
+  if (page_.Paged && page_.LineCount == 1) PageHead();
   ReadLine();
   if (EndFlag && Ch == wordwise::kSkip) {
     Count = SkipCount;
@@ -64,8 +64,8 @@ bool WordwiseFormatter::FormatLine() {
   const bool last = EndFlag && Ch == wordwise::kDocumentEnd;
   OutputLine();
   if (last) return false;
-  if (Centring && --CentreLines == 0) Centring = false;
-  Count = LineSpacing;
+  if (align_.Centring && --align_.CentreLines == 0) align_.Centring = false;
+  Count = margins_.LineSpacing;
   return true;
 }
 
@@ -76,7 +76,7 @@ void WordwiseFormatter::EmitLineEnds() {
     NewLine();
     if (!EndFlag) {
       PageFoot();
-      ++PageNumber;
+      ++page_.PageNumber;
       BeginPage();
       return;
     }
@@ -85,17 +85,17 @@ void WordwiseFormatter::EmitLineEnds() {
 
 void WordwiseFormatter::NewLine() {
   EmitChar(wordwise::kParagraphEnd);
-  ++LineCount;
-  EndFlag = PageLength - BottomSpace >= LineCount;
+  ++page_.LineCount;
+  EndFlag = page_.PageLength - page_.BottomSpace >= page_.LineCount;
 }
 
 void WordwiseFormatter::PageHead() {
-  PageEdge(TopSpace, HeaderLine, HeaderPos);
+  PageEdge(page_.TopSpace, page_.HeaderLine, page_.HeaderPos);
 }
 
 // Not a matter of Paged: a continuous document has its bottom space and footer too, though no head.
 void WordwiseFormatter::PageFoot() {
-  PageEdge(BottomSpace, FooterLine, FooterPos);
+  PageEdge(page_.BottomSpace, page_.FooterLine, page_.FooterPos);
 }
 
 // Both textLine and textPos are looked at line by line: the text's own commands may move it, and so
@@ -112,8 +112,8 @@ void WordwiseFormatter::PageEdge(std::int16_t lines, const std::int16_t& textLin
         OutputLine();
       }
       RestorePos(saved);
-      Centring = false;
-      FlushRight = false;
+      align_.Centring = false;
+      align_.FlushRight = false;
     }
     NewLine();
   }
