@@ -58,6 +58,7 @@ class frmMain : public QMainWindow {
   WindowHost& Host() { return host_; }
   Panes& ThePanes() { return *panes_; }
   ViewCommands& Views() { return *views_; }
+  PictureCommands& Pictures() { return *pictures_; }
   XferCommands& Xfer() { return *xfer_; }
   CFCommands& Cards() { return *cards_; }
 

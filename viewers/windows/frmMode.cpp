@@ -23,7 +23,7 @@ constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Gree
 
 }  // namespace
 
-frmMode::frmMode(Disc& disc, CurrentRow row) : disc_(disc), row_(std::move(row)) {
+frmMode::frmMode(Disc& disc, const CurrentRow& row) : disc_(disc), row_(row) {
   setObjectName(QStringLiteral("frmMode"));
   setAttribute(Qt::WA_DeleteOnClose);
   auto* layout = new QVBoxLayout(this);
@@ -60,7 +60,8 @@ QLayout* frmMode::MakeControls() {
   inFrame->addWidget(reset);
   auto* modes = new QHBoxLayout;
   modes->setSpacing(4);
-  // The frame's title is above its buttons; as much above these puts all of them on one line.
+  // The frame's title is above its buttons. As much room above these buttons puts all of them on
+  // one line.
   modes->setContentsMargins(0, frame->contentsMargins().top(), 0,
                             frame->contentsMargins().bottom());
   for (const ScreenMode& mode : kScreenModes) {
@@ -81,10 +82,8 @@ QLayout* frmMode::MakeControls() {
 }
 
 void frmMode::MakeMenus(QLayout& layout) {
-  menu_ = std::make_unique<PictureMenu>(*this, layout);
-  menu_->Save = [this] { SavePictureAs(*this, Picture1_->Shown(), DefaultName); };
-  menu_->Print = [this] { PrintPictureOnDefault(*this, Picture1_->Shown(), SetUpPrinter); };
-  QMenu* colours = menu_->Bar(QStringLiteral("mnuColour"), QStringLiteral("Colours"));
+  const auto* menu = new PictureMenu(*this, layout, *Picture1_, DefaultName);
+  QMenu* colours = menu->Bar(QStringLiteral("mnuColour"), QStringLiteral("Colours"));
   for (const char* name : kColourEntries) {
     const QString caption = QString::fromLatin1(name);
     colours->addAction(caption)->setObjectName(QStringLiteral("mnuColour") + caption);
@@ -104,7 +103,7 @@ void frmMode::Show_File() {
 void frmMode::Render() {
   const ScreenMode* mode = FindScreenMode(Tag);
   if (mode == nullptr) return;
-  const ListRow* row = row_();
+  const ListRow* row = row_.CurrentItem();
   if (row == nullptr) {
     close();
     return;
@@ -135,8 +134,8 @@ void frmMode::cmdPalet_Click(int index) {
   frmPalette dialog(this);
   dialog.exec();
   const ScreenMode* mode = FindScreenMode(Tag);
-  if (SelectedColour == -1 || mode == nullptr) return;
-  palette_.Set(*mode, index, static_cast<Colour>(SelectedColour));
+  if (!dialog.SelectedColour || mode == nullptr) return;
+  palette_.Set(*mode, index, *dialog.SelectedColour);
   Show_File();
 }
 
@@ -145,11 +144,12 @@ void frmMode::cmdReset_Click() {
   Show_File();
 }
 
-// Draws directly: Show_File would begin the flashing anew.
+// This draws directly, since Show_File would begin the flashing anew.
 void frmMode::Timer1_Timer() {
   FlashOn = !FlashOn;
-  // Without a row Render closes the window, and would take away a dialog that is still being asked.
-  if (row_() == nullptr && QApplication::activeModalWidget() != nullptr) return;
+  // Without a row Render closes the window. That would take away a dialog which still waits for the
+  // user.
+  if (row_.CurrentItem() == nullptr && QApplication::activeModalWidget() != nullptr) return;
   Render();
 }
 

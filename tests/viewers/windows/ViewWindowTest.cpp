@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -195,6 +196,14 @@ TEST_F(ViewWindowTest, PrintSendsTheWholeText) {
   printer.setOutputFileName(QString::fromStdString(folder_ / "print.pdf"));
   view.PrintTo(printer);
   EXPECT_GT(HostFileLength(folder_ / "print.pdf"), 1000U);
+}
+
+TEST_F(ViewWindowTest, WithoutAPrinterPrintingIsTold) {
+  if (!QPrinterInfo::defaultPrinter().isNull()) GTEST_SKIP() << "this machine has a printer";
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  player_.ExpectBox(QStringLiteral("No printer is set up."), QStringLiteral("Sectorbox"));
+  ChooseIn(view, "mnuFilePrint");
 }
 
 TEST_F(ViewWindowTest, AFileOfOneLongLineKeepsItsLayoutAndShortLinesDoNot) {
