@@ -12,8 +12,8 @@
 namespace sectorbox::cli {
 namespace {
 
-// A view without a window. The file of -o gets the text as a window's file does, CR LF included; on
-// standard output a line ends in LF.
+// A view without a window. The file of -o gets the text as the file of a window does, with its CR
+// LF; on standard output a line ends in LF.
 class PrintedView : public TextView {
  public:
   PrintedView(const CommandLine& line, CliHost& host, TextStyle& style)
@@ -60,16 +60,11 @@ ListRow RowOf(Disc& disc, const PathTarget& target) {
   return row;
 }
 
-ListRow FileRow(Disc& disc, const std::string& path) {
-  const PathTarget file = RequireFile(disc, path);
-  return ReadRow(disc, file.DirSector, file.Slot);
-}
-
 ViewTarget FindTarget(Disc& disc, const CommandLine& line, ViewSubject subject) {
   ViewTarget target;
   switch (subject) {
     case ViewSubject::kFile:
-      target.Row = FileRow(disc, line.Arguments[1]);
+      target.Row = RequireFileRow(disc, line.Arguments[1]);
       break;
     case ViewSubject::kEntry:
       target.Row = RowOf(disc, RequirePath(disc, line.Arguments[1]));

@@ -86,6 +86,21 @@ TEST_F(ViewWindowTest, AFreshWindowIsCalledViewFileAndBeginsToFindAtItsTop) {
   EXPECT_FALSE(view.Finished);
 }
 
+TEST_F(ViewWindowTest, ATagThatIsNoNumberOfAViewShowsNothing) {
+  StartWithFiles();
+  ViewShared shared;
+  for (const char* tag : {"", "13", "99", "-1", "Text"}) {
+    auto* view = new frmView(*disc_, shared);
+    view->Tag = QLatin1String(tag);
+    view->Show_File({});
+    EXPECT_EQ(Shown(*view), "") << tag;
+    EXPECT_EQ(view->windowTitle(), QStringLiteral("View File")) << tag;
+    EXPECT_TRUE(view->Finished) << tag;
+    view->close();
+    Settle();
+  }
+}
+
 TEST_F(ViewWindowTest, TheTextAreaIsInCourierNewNeverWrapsAndHasBothScrollBars) {
   StartWithFiles();
   const TextArea& area = TextOf(ViewRow("Alpha", "mnuFileViewText"));
