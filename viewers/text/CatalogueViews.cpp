@@ -25,8 +25,8 @@ std::string BootOptionName(std::uint8_t option) {
   return option < kNames.size() ? kNames[option] : "    ";
 }
 
-// The 20 columns of an entry that all four views begin with. E, D and L with others are more
-// letters than the column holds; the last ones are lost.
+// The 20 columns with which all four views begin an entry. The column of the attributes holds three
+// letters; the last ones of a longer combination are lost.
 std::string Cell(Disc& disc, std::int64_t entry, const std::string& name) {
   return Padded(name, kNameColumns) + " " + Padded(GetEntryAttributes(disc, entry), kAttrColumns) +
          "(" + HexByte(disc, entry + kEntrySequence) + ")  ";
@@ -51,8 +51,8 @@ bool ShowUnlessDirectory(Disc& disc, std::int32_t sector, TextView& view) {
   return true;
 }
 
-// The entries, and for the four-column layout the end of its last line and an empty one. False if
-// a close request stopped it.
+// Shows the entries, and in the four-column layout the end of the last line and an empty line.
+// False if a close request has stopped it.
 bool ShowEntries(Disc& disc, std::int32_t sector, Layout layout, StopTest test, TextView& view) {
   bool lineOpen = true;
   for (std::int32_t n = 0; n < kEntryCount; ++n) {
@@ -106,12 +106,12 @@ void WholeTree::ShowDirectory(std::int32_t sector, const std::string& path) {
   if (!ShowEntries(disc_, sector, layout_, StopTest::kBeforeEachEntry, view_)) return;
   if (layout_ == Layout::kEx) view_.ShowData("\r");
   if (!ShowSubdirectories(sector, path)) return;
-  // Every level sets it, so that the outermost one's name is what stays.
+  // Every level sets it behind its subdirectories, so the name of the outermost one stays.
   view_.DefaultName = GetDirName(disc_, sector);
 }
 
-// Unlike the list of entries this looks at all 47, past an empty one too. A subdirectory goes by
-// the name in its own tail, not the one in the entry.
+// The list of entries ends at the first empty one, but this looks at all 47. A subdirectory is
+// called by the name in its own tail, and not by the name in its entry.
 bool WholeTree::ShowSubdirectories(std::int32_t sector, const std::string& path) {
   for (std::int32_t n = 0; n < kEntryCount; ++n) {
     if (view_.Finished) return false;
@@ -131,7 +131,7 @@ void ShowHeader(Disc& disc, std::int32_t sector, TextView& view) {
   const std::uint8_t option = disc.TheDisc.Fetch(kMapBootOption);
   view.ShowData(Padded(GetDirTitle(disc, sector), kHeaderColumns) + " (" +
                 HexByte(disc, SectorOffset(sector)) + ")\r");
-  // There is no current drive and no library here; the BBC's places for them hold fixed words.
+  // An image has no current drive and no library: fixed words stand where the BBC shows them.
   view.ShowData(Padded("Drive:0", kHeaderColumns) + " Option " + HexByte(disc, kMapBootOption) +
                 " (" + BootOptionName(option) + ")\r");
   view.ShowData(Padded("Dir. " + GetDirName(disc, sector), kHeaderColumns) + " Lib. \"Unset\"\r\r");

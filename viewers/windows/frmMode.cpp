@@ -17,7 +17,7 @@ namespace {
 constexpr int kFlashingMode = 2;
 constexpr QSize kWindowSize{680, 662};
 
-// Entries without an action: the palette is changed by its buttons.
+// These entries have no action: the user changes the palette with its buttons.
 constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Green", "Yellow",
                                                        "Blue",  "Magenta", "Cyan",  "White"};
 
@@ -44,26 +44,40 @@ frmMode::frmMode(Disc& disc, const CurrentRow& row) : disc_(disc), row_(row) {
 }
 
 QLayout* frmMode::MakeControls() {
+  QWidget* frame = MakePaletteFrame();
+  QLayout* modes = MakeModeButtons();
+  // The frame's title is above its buttons. As much room above these buttons puts all of them on
+  // one line.
+  const QMargins inFrame = frame->contentsMargins();
+  modes->setContentsMargins(0, inFrame.top(), 0, inFrame.bottom());
+  auto* controls = new QHBoxLayout;
+  controls->addLayout(modes);
+  controls->addStretch();
+  controls->addWidget(frame);
+  return controls;
+}
+
+QWidget* frmMode::MakePaletteFrame() {
   auto* frame = new QGroupBox(QStringLiteral("Colour Palette"), this);
   frame->setObjectName(QStringLiteral("Frame1"));
-  auto* inFrame = new QHBoxLayout(frame);
+  auto* buttons = new QHBoxLayout(frame);
   for (std::size_t i = 0; i < cmdPalet_.size(); ++i) {
     cmdPalet_[i] = new ColourButton(frame, QStringLiteral("cmdPalet%1").arg(i));
     cmdPalet_[i]->SetSpokenName(QStringLiteral("Colour %1").arg(i));
     connect(cmdPalet_[i], &QPushButton::clicked, this,
             [this, i] { cmdPalet_Click(static_cast<int>(i)); });
-    inFrame->addWidget(cmdPalet_[i]);
+    buttons->addWidget(cmdPalet_[i]);
   }
   auto* reset = new QPushButton(QStringLiteral("Reset"), frame);
   reset->setObjectName(QStringLiteral("cmdReset"));
   connect(reset, &QPushButton::clicked, this, [this] { cmdReset_Click(); });
-  inFrame->addWidget(reset);
+  buttons->addWidget(reset);
+  return frame;
+}
+
+QLayout* frmMode::MakeModeButtons() {
   auto* modes = new QHBoxLayout;
   modes->setSpacing(4);
-  // The frame's title is above its buttons. As much room above these buttons puts all of them on
-  // one line.
-  modes->setContentsMargins(0, frame->contentsMargins().top(), 0,
-                            frame->contentsMargins().bottom());
   for (const ScreenMode& mode : kScreenModes) {
     auto* button = new QPushButton(QStringLiteral("Mode %1").arg(mode.Mode), this);
     button->setObjectName(QStringLiteral("cmdMode%1").arg(mode.Mode));
@@ -74,11 +88,7 @@ QLayout* frmMode::MakeControls() {
     });
     modes->addWidget(button);
   }
-  auto* controls = new QHBoxLayout;
-  controls->addLayout(modes);
-  controls->addStretch();
-  controls->addWidget(frame);
-  return controls;
+  return modes;
 }
 
 void frmMode::MakeMenus(QLayout& layout) {

@@ -35,6 +35,8 @@ class frmMode : public QWidget {
 
  private:
   QLayout* MakeControls();
+  QWidget* MakePaletteFrame();
+  QLayout* MakeModeButtons();
   void MakeMenus(QLayout& layout);
   void Render();
   void SetPaletteButtons(const ScreenMode& mode, const CurrentColours& colours);

@@ -20,7 +20,7 @@ namespace {
 constexpr int kBorder = 2;
 constexpr int kPixelsPerInch = 96;
 
-// The pixels themselves, not a copy: the picture must outlive the image.
+// The image uses the picture's own pixels and no copy, so the picture must outlive it.
 QImage ImageOf(const Picture& picture) {
   const qsizetype bytesPerLine = qsizetype{picture.Width} * qsizetype{sizeof(Colour)};
   return {reinterpret_cast<const uchar*>(picture.Pixels.data()), picture.Width, picture.Height,
@@ -64,11 +64,11 @@ void PictureBox::paintEvent(QPaintEvent*) {
 }
 
 PictureMenu::PictureMenu(QWidget& window, QLayout& layout, const PictureBox& box,
-                         const std::string& DefaultName)
+                         const std::string& defaultName)
     : QObject(&window),
       window_(window),
       box_(box),
-      DefaultName_(DefaultName),
+      defaultName_(defaultName),
       bar_(new QMenuBar(&window)) {
   layout.setMenuBar(bar_);
   QMenu* file = Bar(QStringLiteral("mnuFile"), QStringLiteral("&File"));
@@ -91,7 +91,7 @@ QMenu* PictureMenu::Bar(const QString& name, const QString& caption) const {
 void PictureMenu::mnuFileSave_Click() {
   const std::string path =
       AskSaveFile(&window_, {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*",
-                             AdfsToHostName(DefaultName_) + ".bmp"});
+                             AdfsToHostName(defaultName_) + ".bmp"});
   if (!path.empty()) SaveBmp(box_.Shown(), path);
 }
 

@@ -17,7 +17,7 @@ namespace sectorbox {
 
 // Teletext's flashing characters and MODE 2's flashing colours change twice a second.
 inline constexpr int kFlashMilliseconds = 500;
-// Picture1 stands as many pixels from the window's left edge and from its menu.
+// Picture1 stands this many pixels from the window's left edge and from its menu.
 inline constexpr int kPictureMargin = 10;
 
 // Where a picture window learns which row of the list is current. The window asks at each drawing.
@@ -42,7 +42,7 @@ class PictureBox : public QWidget {
 
  public:
   explicit PictureBox(QWidget* parent);
-  // Makes the box as large as the picture and its border want it.
+  // Shows the picture and makes the box as large as the picture and its border.
   void Show(Picture picture);
   // The height of the box around that many rows of pixels.
   static int HeightFor(int rows);
@@ -57,17 +57,17 @@ class PictureBox : public QWidget {
 
 // The menu bar of a picture window with its File menu, and what the entries do.
 //
-// mnuFileSave asks for a file name, offering DefaultName with ".bmp", and writes the picture there
+// mnuFileSave asks for a file name, offering defaultName with ".bmp", and writes the picture there
 // as a Windows bitmap; a cancelled dialog does nothing. mnuFilePrint prints the picture on the
 // system's default printer, and tells the user when there is none. mnuFileClose closes the window.
 class PictureMenu : public QObject {
   Q_OBJECT
 
  public:
-  // Puts the menu bar into the window's layout. The menu is a child of window. box and DefaultName
-  // belong to the window too: what they hold when an entry is chosen is what counts.
+  // Puts the menu bar into the window's layout. The menu is a child of window. box and defaultName
+  // belong to the window too: the entries use what they hold when the user chooses one.
   PictureMenu(QWidget& window, QLayout& layout, const PictureBox& box,
-              const std::string& DefaultName);
+              const std::string& defaultName);
   QMenu* Bar(const QString& name, const QString& caption) const;
 
  Q_SIGNALS:
@@ -80,7 +80,7 @@ class PictureMenu : public QObject {
 
   QWidget& window_;
   const PictureBox& box_;
-  const std::string& DefaultName_;
+  const std::string& defaultName_;
   QMenuBar* bar_;
 };
 

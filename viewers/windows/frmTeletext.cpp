@@ -46,7 +46,7 @@ void frmTeletext::Show_File() {
   const auto codes = ReadTeletextPage(disc_, sector, ParseHex(row->Columns[kColSize]));
   const int height = static_cast<int>(codes.size()) / kTeletextColumns * TeletextFont::kCellHeight;
   Picture1_->Show(DrawTeletext(codes, font_, FlashPhase));
-  // The picture of no rows is as high as the border alone and fills it.
+  // A page without rows has a picture of some black rows. The box is as high as its border alone.
   Picture1_->setFixedHeight(PictureBox::HeightFor(height));
   setFixedSize(kWidth, height + kExtraHeight);
 }

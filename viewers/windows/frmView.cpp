@@ -33,7 +33,7 @@ frmView::frmView(Disc& disc, ViewShared& shared)
   RestorePlace(*this, kViewPlace);
 }
 
-// Lines are as long as they are: they aren't wrapped.
+// The area doesn't wrap lines.
 void frmView::SetUpArea() {
   TextArea& area = Area();
   area.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -91,8 +91,8 @@ bool frmView::OpenOutput() {
   return true;
 }
 
-// What fails here is told here: the window has to come to its end either way. A file that is
-// incomplete doesn't replace the old one.
+// This function tells the user itself what the host refuses, since Show_File has to come to its end
+// either way. An incomplete file doesn't replace the old one.
 void frmView::RunGenerator(const ViewTarget& target) {
   try {
     const BusyPointer busy(disc_.Host);
@@ -112,9 +112,9 @@ void frmView::SetCaption(const std::string& caption) {
   setWindowTitle(FromBbc(caption));
 }
 
-// The box doesn't hold up other windows, this one least of all: a document may hold thousands of
-// what it complains about, and closing the window is the way out. Where there is no window to
-// close, because the view goes to a file, closing the box instead of pressing OK is.
+// The box isn't modal. A document may show thousands of boxes, and then the user closes the window
+// to get out of them. A view that goes to a file has no window to close: there the user closes the
+// box instead of pressing OK.
 void frmView::ShowMessage(const std::string& text) {
   Area().Flush();
   QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Sectorbox"), FromBbc(text), QMessageBox::Ok,
@@ -145,8 +145,8 @@ void frmView::Append(const std::string& text) {
   Area().AppendText(text, {Style.UnderlineOn, Style.BoldOn});
 }
 
-// While a generator runs, the first request only asks it to stop, and a second one closes the
-// window under it: its text then goes nowhere.
+// While a generator runs, the first close request only asks it to stop. A second one closes the
+// window under the generator, whose text then goes nowhere.
 void frmView::closeEvent(QCloseEvent* event) {
   if (!Finished) {
     Finished = true;
@@ -173,7 +173,7 @@ void frmView::Form_Unload() {
   if (!running_) deleteLater();
 }
 
-// "READ/ME" would be taken for a file in a folder.
+// The host would take "READ/ME" for a file in a folder.
 std::string frmView::SaveName() const {
   return ToHost(FromBbc(AdfsToHostName(DefaultName))) + ".txt";
 }

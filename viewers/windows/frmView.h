@@ -21,9 +21,9 @@ struct ViewShared {
   TextSearch Search;
 };
 
-// The one text window of the views. A launcher makes it, sets Tag and calls Show_File; from then on
-// it looks after itself, its destruction included. Any number can be open, and several may be
-// running, one inside the event loop of the other.
+// The text window of all views. A launcher makes it, sets Tag and calls Show_File; from then on the
+// window looks after itself and deletes itself in the end. Any number of windows can be open, and
+// several may be running, one inside the event loop of the other.
 class frmView : public QMainWindow, public TextView, public TextWindow {
   Q_OBJECT
 
@@ -33,7 +33,7 @@ class frmView : public QMainWindow, public TextView, public TextWindow {
 
   // Decimal text of a view's number; anything else shows nothing.
   QString Tag;
-  // The view is to go to a host file, whose name the user is asked for, instead of the window.
+  // Set by the launcher: Show_File asks the user for a host file and writes the view to it.
   bool ViewAs = false;
   // The output goes to a host file, and the window stays hidden.
   bool ToFile = false;
@@ -57,7 +57,7 @@ class frmView : public QMainWindow, public TextView, public TextWindow {
  private:
   void SetUpArea();
   void MakeMenus();
-  bool OpenOutput();
+  [[nodiscard]] bool OpenOutput();
   void RunGenerator(const ViewTarget& target);
   void Form_Unload();
 

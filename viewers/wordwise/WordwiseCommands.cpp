@@ -25,8 +25,9 @@ void WordwiseFormatter::DoCommand() {
   SkipArgs();
 }
 
-// The command whose start Pos stands on, or none with EndFlag set. A control character where the
-// first letter should be is passed over in silence.
+// Gives the command on whose start Pos stands. Where there is none the result is null and EndFlag
+// is set; a box names the two letters, but a control character in place of the first one is passed
+// over in silence.
 const WordwiseFormatter::Command* WordwiseFormatter::ParseCommand() {
   EndFlag = true;
   const std::uint8_t first = ByteOrZero(std::int64_t{Pos} + 1);
@@ -39,7 +40,7 @@ const WordwiseFormatter::Command* WordwiseFormatter::ParseCommand() {
     EndFlag = false;
     return &command;
   }
-  // Once the window is to be closed, no more boxes stand in its way.
+  // After a close request no more boxes stand in the way.
   if (!view_.Finished) {
     view_.ShowMessage("Unrecognised Command " + letters);
     reader_.Forget();
@@ -60,8 +61,8 @@ void WordwiseFormatter::ExecCommand(const Command& command) {
         command.Run(*this);
         return;
       }
-      // Pos stands on the command's start, so nothing is skipped and Pos ends one before it: the
-      // line ends here, and the next one begins with the same command.
+      // Pos stands on the command's start, so SkipArgs skips nothing and leaves Pos one before it.
+      // The line ends here, and the next line begins with the same command.
       SkipArgs();
       Ch = kLineBroken;
       EndFlag = true;
@@ -86,10 +87,10 @@ void WordwiseFormatter::Defer() {
   EndFlag = false;
 }
 
-// Runs one group. A group ends with DeferredIndex on its closing zero, and nothing steps past that:
-// the second group of a line first runs the zero as if it were a command at the document's start,
-// and reads the bytes at offsets 1 and 2 as its letters. Where they are none, a box appears, as it
-// always has on lines with, say, US and UE at two places.
+// Runs one group of deferred commands. It ends with DeferredIndex on the group's closing zero, and
+// no step passes that zero. The second group of a line therefore first runs the zero as if it were
+// a command at the document's start, and takes the bytes at offsets 1 and 2 for its letters. Where
+// they are no command, a box appears. A line with US and UE at two places has always shown it.
 void WordwiseFormatter::RunDeferred() {
   const SavedPos saved = SavePos();
   do {
@@ -119,8 +120,8 @@ void WordwiseFormatter::SkipArgs() {
   } while (EndFlag);
 }
 
-// To the end of the argument: onto the byte that ends the command, one before the start of another
-// command, or behind a comma, which alone sets EndFlag.
+// Moves Pos to the end of the argument. That is the byte that ends the command, or one before the
+// start of another command, or the byte behind a comma. Only the comma sets EndFlag.
 void WordwiseFormatter::SkipArg() {
   EndFlag = false;
   if (Pos >= DocLen) return;
@@ -138,8 +139,8 @@ void WordwiseFormatter::SkipArg() {
   EndFlag = true;
 }
 
-// Up to three digits at Pos, which stays; Count is their number. EndFlag is set where there is
-// none.
+// Gives the number of up to three digits at Pos. Pos stays, and Count is the number of digits.
+// EndFlag is set where there is no digit.
 std::int16_t WordwiseFormatter::ReadNumber() {
   std::int16_t number = 0;
   for (Count = 0; Count < 3; ++Count) {

@@ -19,9 +19,9 @@ constexpr std::int16_t kMaxNumber = 1000;  // no number has more than three digi
 
 }  // namespace
 
-// ExecCommand and RunDeferred skip the arguments of the commands that act at once and of the
-// deferred ones. The others do it themselves: TI, CE and FI go on with the line, while SP, BP and
-// CP end it and leave EndFlag as their answer.
+// ExecCommand skips the arguments of the commands that act at once, and RunDeferred those of the
+// deferred ones. The commands at the start of a line skip their arguments themselves: TI, CE and FI
+// go on with the line, while SP, BP and CP end it and leave EndFlag as their answer.
 using Me = WordwiseFormatter;
 const std::array<WordwiseFormatter::Command, 39> WordwiseFormatter::kCommands = {{
     {"IN", kAtOnce, [](Me& f) { f.DoIN(); }},       // number: indent
@@ -80,8 +80,8 @@ std::int16_t WordwiseFormatter::EdgeLines(std::int16_t fallback) {
   return NumberWithin(0, kMostEdgeLines, fallback);
 }
 
-// On an empty line the number is taken as it was read, without the test of its size; the test only
-// guards an indent that is to begin with the next line.
+// On an empty line the number is taken as it is. Only an indent that begins with the next line has
+// its size tested.
 void WordwiseFormatter::DoIN() {
   const std::int16_t number = ReadNumber();
   if (LineIsEmpty()) {
@@ -177,8 +177,8 @@ void WordwiseFormatter::DoCP() {
   }
 }
 
-// The text of a header or footer is the rest of the line. What is kept is the place of the byte
-// that ended the command: NextChar steps over it when the text is read.
+// The text of a header or footer is the rest of the line. textPos is the place of the byte that
+// ended the command: NextChar steps over that byte when it reads the text.
 void WordwiseFormatter::DefineText(std::int32_t& textPos) {
   SkipArgs();
   textPos = Pos;
@@ -187,7 +187,8 @@ void WordwiseFormatter::DefineText(std::int32_t& textPos) {
   EndFlag = false;
 }
 
-// A list ends at its end. A hole in it, or no number at all, gives the stops of the start back.
+// The list may hold fewer numbers than there are stops: the other stops stay as they are. A missing
+// number behind a comma, or no number at all, gives all stops their first values back.
 void WordwiseFormatter::DoDT() {
   for (std::int16_t& stop : margins_.TabStops) {
     const std::int16_t number = ReadNumber();
@@ -201,9 +202,9 @@ void WordwiseFormatter::DoDT() {
   }
 }
 
-// "Get file" on the BBC puts the named file in place of the name. Here nothing is fetched: the name
-// is closed with a carriage return, as for a call of the filing system, and put right again, so the
-// byte ends as it was.
+// "Get file" on the BBC puts the named file in place of the name. Here no file is fetched. DoGF
+// puts a carriage return behind the name, as for a call of the filing system, and then the quote
+// again, so that the byte ends as it was.
 void WordwiseFormatter::DoGF() {
   ++Pos;
   const std::int64_t from = start_ + Pos;
@@ -229,7 +230,7 @@ void WordwiseFormatter::DoOC() {
   } while (EndFlag);
 }
 
-// The number has a blank for its sign, and isn't kept within the line.
+// The number begins with a blank for its sign. It may reach beyond the line's length.
 void WordwiseFormatter::DoPP() {
   const std::string digits = (page_.PageNumber < 0 ? "" : " ") + std::to_string(page_.PageNumber);
   for (const char digit : digits) CellAt(++line_.LinePos) = static_cast<std::uint8_t>(digit);
@@ -241,8 +242,9 @@ void WordwiseFormatter::DoPC() {
   output_.PadChar = c >= 32 && c <= 126 ? c : std::uint8_t{'|'};
 }
 
-// Blanks in the n cells behind LinePos, and the text begins behind column n. The count runs in
-// eight bits and ends when it meets n, so n = 0 clears the 255 cells that aren't LinePos's own.
+// Puts blanks into the n cells behind LinePos; the text then begins behind column n. The count of
+// the cells has eight bits and ends when it equals n. So n = 0 clears all 255 cells but that at
+// LinePos.
 void WordwiseFormatter::FillIndent(std::int16_t n) {
   const std::int16_t usable = UsableIndent(n);
   const std::int32_t cells = usable == 0 ? 255 : usable;

@@ -5,8 +5,9 @@ namespace sectorbox {
 
 using namespace wordwise;
 
-// Only a line that a paragraph's end has ended is set right or centred, and only one that was
-// broken by wrapping is justified: a centred line that wraps is justified where that is on.
+// A line is set right or centred only where the end of a paragraph has ended it. A line is
+// justified only where wrapping has broken it. So a centred line that wraps is justified, where
+// justification is on.
 void WordwiseFormatter::AdjustLine() {
   const bool paragraphEnded = EndFlag && Ch == kParagraphEnd;
   if (align_.FlushRight && paragraphEnded) {
@@ -29,16 +30,17 @@ void WordwiseFormatter::CentreLine() {
   for (std::int32_t k = 0; k < n; ++k) InsertSpace(k);
 }
 
-// A blank into the cell behind k; the rest of the line moves up.
+// Puts a blank into the cell behind k; the rest of the line moves up by one cell.
 void WordwiseFormatter::InsertSpace(std::int32_t k) {
   for (std::int32_t cell = line_.LinePos; cell > k; --cell) CellAt(cell + 1) = CellAt(cell);
   CellAt(k + 1) = kBlank;
   ++line_.LinePos;
 }
 
-// Stretches the line's gaps, one blank a gap in each sweep, until it is full. The sweeps begin at
-// the left on one line and at the right on the next, so that no side of the text looks thinner. A
-// blank that carries a mark isn't taken for a blank, and a hard blank never stretches.
+// Stretches the gaps of the line until it is full. Each sweep adds one blank to each gap. The
+// sweeps of one line begin at its left and those of the next at its right, so that no side of the
+// text looks thinner. A blank that carries a mark doesn't count as a blank, and a hard blank never
+// stretches.
 void WordwiseFormatter::JustifyLine() {
   if (LineIsEmpty()) return;
   while (CellAt(line_.LinePos) == kBlank) {
@@ -50,7 +52,7 @@ void WordwiseFormatter::JustifyLine() {
   }
 }
 
-// True if it found a gap and the line isn't full yet.
+// One sweep. True if it has found a gap and the line isn't full yet.
 bool WordwiseFormatter::Sweep() {
   const std::int32_t step = align_.JustifySide ? 1 : -1;
   std::int32_t position = align_.JustifySide ? line_.LineStart : line_.LinePos;
@@ -69,7 +71,7 @@ bool WordwiseFormatter::Sweep() {
   return inserted;
 }
 
-// The number of cells is taken before the first is printed: a deferred command may move LinePos.
+// The last cell is fixed before the first one is printed: a deferred command may move LinePos.
 void WordwiseFormatter::OutputLine() {
   for (std::int16_t i = 0; i < margins_.LeftMargin; ++i) EmitChar(kBlank);
   deferred_.DeferredIndex = 0;
