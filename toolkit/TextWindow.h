@@ -19,8 +19,8 @@ namespace sectorbox {
 // Qt class, makes its menus in its constructor, and adds what it alone has, such as shortcuts.
 //
 // mnuFileSave asks for a file, offering SaveName, and writes the whole text and one line end.
-// mnuFilePrint prints on the system's default printer without a dialog. A file that can't be
-// written and a missing printer are told in a box.
+// mnuFilePrint prints on the system's default printer without a dialog. A box tells the user when
+// the file can't be written and when there is no printer.
 class TextWindow {
  public:
   TextWindow(const TextWindow&) = delete;
