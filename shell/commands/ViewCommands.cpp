@@ -1,8 +1,5 @@
 #include "shell/commands/ViewCommands.h"
 
-#include <algorithm>
-
-#include "shell/program/MenuTable.h"
 #include "shell/program/frmMain.h"
 
 namespace sectorbox {
@@ -14,6 +11,12 @@ ViewCommands::ViewCommands(frmMain& window) : window_(window) {
 // The views use what this owns. While the program runs they are all gone, or about to go with it.
 ViewCommands::~ViewCommands() {
   for (const QPointer<frmView>& view : views_) delete view;
+}
+
+template <typename Command>
+void ViewCommands::OnEntry(const std::string& entry, Command command) {
+  const bool exists = window_.findChild<QAction*>(QString::fromStdString(entry)) != nullptr;
+  if (exists) window_.OnCommand(entry.c_str(), command);
 }
 
 // The object names of a view's entries are the menu's stem and the view's name: mnuDiscMap,
@@ -28,13 +31,6 @@ void ViewCommands::ConnectEntries(const TextViewKind& kind) {
   OnEntry("mnuFileView" + name, [this, &kind] { LaunchOnRow(kind.Number); });
   if (kind.Subject != ViewSubject::kDirectory) return;
   OnEntry("mnuDirectory" + name, [this, &kind] { LaunchOnNode(kind.DirectoryNumber); });
-}
-
-void ViewCommands::OnEntry(const std::string& entry, const std::function<void()>& launch) {
-  const auto menu = MenuTable();
-  const bool exists = std::any_of(menu.begin(), menu.end(),
-                                  [&](const MenuEntry& one) { return entry == one.Name; });
-  if (exists) window_.OnCommand(entry.c_str(), launch);
 }
 
 void ViewCommands::LaunchOnRow(int number) {

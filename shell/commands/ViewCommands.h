@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QPointer>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,7 +25,9 @@ class ViewCommands : public QObject {
 
  private:
   void ConnectEntries(const TextViewKind& kind);
-  void OnEntry(const std::string& entry, const std::function<void()>& launch);
+  // Runs the command at each choice of the entry, if the menu tree has one of that name.
+  template <typename Command>
+  void OnEntry(const std::string& entry, Command command);
   void LaunchOnRow(int number);
   void LaunchOnNode(int number);
   void Launch(int number, const ViewTarget& target);
