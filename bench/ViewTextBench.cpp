@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "viewers/windows/frmViewText.h"
+#include "toolkit/TextArea.h"
 
 namespace {
 
@@ -34,7 +34,8 @@ int main(int argc, char** argv) {
   std::string line;
   for (int i = 0; i < characters; ++i) line += static_cast<char>(' ' + i * 7LL % kPrintable);
 
-  ViewText area(nullptr);
+  TextArea area(nullptr, 9.75);
+  area.setLineWrapMode(QPlainTextEdit::NoWrap);
   area.resize(720, 420);
   area.show();
   QCoreApplication::processEvents();

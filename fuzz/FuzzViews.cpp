@@ -9,11 +9,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "tests/support/QuietHost.h"
-#include "viewers/text/BasicLister.h"
-#include "viewers/text/CatalogueViews.h"
-#include "viewers/text/Disassembler.h"
-#include "viewers/text/TextAndHexViews.h"
-#include "viewers/wordwise/Wordwise.h"
+#include "viewers/table/TextViews.h"
 
 namespace {
 
@@ -41,31 +37,13 @@ class CountingView final : public TextView {
   int boxes_ = 0;
 };
 
-void Show(Disc& disc, int view, const ListRow& row) {
+// The number may be any; it chooses one of all views in the table.
+void Show(Disc& disc, std::size_t number, const ListRow& row) {
   CountingView sink;
-  switch (view) {
-    case 0:
-      return ShowText(disc, row, sink);
-    case 1:
-      return ShowHex(disc, row, sink);
-    case 2:
-      return Show_Basic(disc, row, sink);
-    case 3:
-      return ShowDis(disc, row, sink);
-    case 4:
-      return ShowCat(disc, kStart, sink);
-    case 5:
-      return ShowEx(disc, kStart, sink);
-    case 6:
-      return ShowCatAll(disc, kStart, "$", sink);
-    case 7:
-      return ShowExAll(disc, kStart, "$", sink);
-    case 8:
-      ReadFreeMap(disc);
-      return ShowMap(disc, sink);
-    default:
-      return ShowWordwise(disc, row, sink);
-  }
+  const auto views = TextViews();
+  const TextViewKind& kind = views[number % views.size()];
+  if (kind.Subject == ViewSubject::kDisc) ReadFreeMap(disc);
+  ShowTextView(kind, disc, {row, kStart}, sink);
 }
 
 }  // namespace
@@ -82,6 +60,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   row.Columns = {"F",           "WR",       "(00)",
                  "FFFFFFFF",    "FFFFFFFF", data[1] == 254 ? "FFFFFFFF" : Hex(length, 8),
                  Hex(kStart, 6)};
-  Show(disc, data[0] % 16, row);
+  Show(disc, data[0], row);
   return 0;
 }

@@ -20,17 +20,11 @@ std::string RequireOut(const CommandLine& line) {
   return out;
 }
 
-// An option that is 0 or 1; 0 when it isn't given.
+// Whether an option is 1. It is 0 or 1, and 0 when the call doesn't have it.
 bool ZeroOrOne(const CommandLine& line, const std::string& option) {
   const std::string value = line.Option(option, "0");
   if (value != "0" && value != "1") throw UsageError("--" + option + " takes 0 or 1");
   return value == "1";
-}
-
-ListRow OpenFileRow(Disc& disc, const std::string& image, const std::string& path) {
-  OpenForReading(disc, image);
-  const PathTarget file = RequireFile(disc, path);
-  return ReadRow(disc, file.DirSector, file.Slot);
 }
 
 int RunTeletext(const CommandLine& line) {
@@ -38,7 +32,8 @@ int RunTeletext(const CommandLine& line) {
   const std::string out = RequireOut(line);
   const std::int16_t phase = ZeroOrOne(line, "phase") ? 1 : 0;
   ImageSession session(line);
-  const ListRow row = OpenFileRow(session.Open, line.Arguments[0], line.Arguments[1]);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const ListRow row = RequireFileRow(session.Open, line.Arguments[1]);
   const auto font = LoadTeletextFont(JoinHostPath(ProgramFolder(), kTeletextFontFile));
   if (!font) throw Failure(kTeletextFontMissing);
   const auto codes = ReadTeletextPage(session.Open, row.StartSector(), row.Length());
@@ -84,7 +79,8 @@ int RunMode(const CommandLine& line) {
   const CurrentColours colours =
       FindCurrentColours(mode, PaletteOf(line, mode), ZeroOrOne(line, "flash"));
   ImageSession session(line);
-  const ListRow row = OpenFileRow(session.Open, line.Arguments[1], line.Arguments[2]);
+  OpenForReading(session.Open, line.Arguments[1]);
+  const ListRow row = RequireFileRow(session.Open, line.Arguments[2]);
   const auto bytes = ReadScreen(session.Open, mode, row.StartSector(), row.Length());
   SavePicture(DrawScreen(mode, bytes, colours), out);
   return StatusOf(session.Open);

@@ -6,18 +6,14 @@
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
 #include "disc/catalogue/Adfs.h"
-#include "viewers/text/BasicLister.h"
-#include "viewers/text/CatalogueViews.h"
-#include "viewers/text/Disassembler.h"
-#include "viewers/text/TextAndHexViews.h"
+#include "viewers/table/TextViews.h"
 #include "viewers/text/TextFile.h"
-#include "viewers/wordwise/Wordwise.h"
 
 namespace sectorbox::cli {
 namespace {
 
-// A view without a window. The file of -o gets the text as a window's file does, CR LF included; on
-// standard output a line ends in LF.
+// A view without a window. The file of -o gets the text as the file of a window does, with its CR
+// LF; on standard output a line ends in LF.
 class PrintedView : public TextView {
  public:
   PrintedView(const CommandLine& line, CliHost& host, TextStyle& style)
@@ -54,33 +50,6 @@ class PrintedView : public TextView {
   std::optional<TextFile> output_;
 };
 
-using Generator = void (*)(Disc& disc, const ListRow& row, TextView& view);
-
-// find is made before the view, so that a path that isn't there leaves the file of -o as it was.
-template <typename Find, typename Show>
-int RunView(const CommandLine& line, std::size_t least, std::size_t most, Find find, Show show) {
-  line.Expect(least, most);
-  ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
-  const auto target = find(session.Open);
-  TextStyle style;
-  PrintedView view(line, session.Host, style);
-  show(session.Open, target, view);
-  view.Close();
-  return StatusOf(session.Open);
-}
-
-template <Generator generator>
-int RunFileView(const CommandLine& line) {
-  return RunView(
-      line, 2, 2,
-      [&](Disc& disc) {
-        const PathTarget file = RequireFile(disc, line.Arguments[1]);
-        return ReadRow(disc, file.DirSector, file.Slot);
-      },
-      generator);
-}
-
 ListRow RowOf(Disc& disc, const PathTarget& target) {
   if (target.Slot >= 0) return ReadRow(disc, target.DirSector, target.Slot);
   // The root has no entry; its row is made up.
@@ -91,64 +60,69 @@ ListRow RowOf(Disc& disc, const PathTarget& target) {
   return MakeRow(root);
 }
 
-int RunHex(const CommandLine& line) {
-  return RunView(
-      line, 2, 2, [&](Disc& disc) { return RowOf(disc, RequirePath(disc, line.Arguments[1])); },
-      ShowHex);
+ViewTarget FindTarget(Disc& disc, const CommandLine& line, ViewSubject subject) {
+  ViewTarget target;
+  switch (subject) {
+    case ViewSubject::kFile:
+      target.Row = RequireFileRow(disc, line.Arguments[1]);
+      break;
+    case ViewSubject::kEntry:
+      target.Row = RowOf(disc, RequirePath(disc, line.Arguments[1]));
+      break;
+    case ViewSubject::kDirectory:
+      target.Sector =
+          RequireDirectory(disc, line.Arguments.size() > 1 ? line.Arguments[1] : "$").Sector;
+      break;
+    case ViewSubject::kDisc:
+      break;
+  }
+  return target;
 }
 
-template <typename Show>
-int RunDirectoryView(const CommandLine& line, Show show) {
-  return RunView(
-      line, 1, 2,
-      [&](Disc& disc) {
-        return RequireDirectory(disc, line.Arguments.size() > 1 ? line.Arguments[1] : "$").Sector;
-      },
-      show);
+// The words after the command, as the help shows them, and how many there may be.
+struct Usage {
+  const char* Arguments;
+  std::size_t Least;
+  std::size_t Most;
+};
+
+Usage UsageOf(ViewSubject subject) {
+  switch (subject) {
+    case ViewSubject::kDirectory:
+      return {"IMAGE [DIR] [-o FILE]", 1, 2};
+    case ViewSubject::kDisc:
+      return {"IMAGE [-o FILE]", 1, 1};
+    default:
+      return {"IMAGE PATH [-o FILE]", 2, 2};
+  }
 }
 
-int RunCat(const CommandLine& line) {
-  return RunDirectoryView(line, ShowCat);
-}
-
-int RunEx(const CommandLine& line) {
-  return RunDirectoryView(line, ShowEx);
-}
-
-int RunCatAll(const CommandLine& line) {
-  return RunDirectoryView(line, [](Disc& disc, std::int32_t sector, TextView& view) {
-    ShowCatAll(disc, sector, GetDirName(disc, sector), view);
-  });
-}
-
-int RunExAll(const CommandLine& line) {
-  return RunDirectoryView(line, [](Disc& disc, std::int32_t sector, TextView& view) {
-    ShowExAll(disc, sector, GetDirName(disc, sector), view);
-  });
-}
-
-int RunMap(const CommandLine& line) {
-  return RunView(
-      line, 1, 1, [](Disc&) { return 0; },
-      [](Disc& disc, int, TextView& view) { ShowMap(disc, view); });
+// The target is found before the view is made, so that a path that isn't there leaves the file of
+// -o as it was.
+int RunTextView(const CommandLine& line) {
+  const TextViewKind& kind = *FindTextView(line.Command);
+  const Usage usage = UsageOf(kind.Subject);
+  line.Expect(usage.Least, usage.Most);
+  ImageSession session(line);
+  OpenForReading(session.Open, line.Arguments[0]);
+  const ViewTarget target = FindTarget(session.Open, line, kind.Subject);
+  TextStyle style;
+  PrintedView view(line, session.Host, style);
+  ShowTextView(kind, session.Open, target, view);
+  view.Close();
+  return StatusOf(session.Open);
 }
 
 }  // namespace
 
+// A view's word is its name in small letters.
 std::vector<Command> ViewCommands() {
-  return {
-      {"map", "IMAGE [-o FILE]", "the free space map", RunMap},
-      {"cat", "IMAGE [DIR] [-o FILE]", "a directory, as *CAT shows it", RunCat},
-      {"ex", "IMAGE [DIR] [-o FILE]", "a directory, as *EX shows it", RunEx},
-      {"catall", "IMAGE [DIR] [-o FILE]", "a directory and all below it, as *CAT", RunCatAll},
-      {"exall", "IMAGE [DIR] [-o FILE]", "a directory and all below it, as *EX", RunExAll},
-      {"text", "IMAGE PATH [-o FILE]", "a file as text", RunFileView<ShowText>},
-      {"hex", "IMAGE PATH [-o FILE]", "a file or directory in hexadecimal", RunHex},
-      {"basic", "IMAGE PATH [-o FILE]", "a BASIC program as a listing", RunFileView<Show_Basic>},
-      {"dis", "IMAGE PATH [-o FILE]", "machine code, disassembled", RunFileView<ShowDis>},
-      {"wordwise", "IMAGE PATH [-o FILE]", "a Wordwise document, formatted",
-       RunFileView<ShowWordwise>},
-  };
+  std::vector<Command> commands;
+  for (const TextViewKind& kind : TextViews()) {
+    commands.push_back({SmallNameOf(kind), UsageOf(kind.Subject).Arguments,
+                        std::string(kind.Description), RunTextView});
+  }
+  return commands;
 }
 
 }  // namespace sectorbox::cli

@@ -16,7 +16,8 @@ void PrintHelp(const std::vector<Command>& commands) {
   std::puts("sbx: ADFS discs of the BBC Micro at the command line");
   std::puts("Usage: sbx [OPTIONS] COMMAND ARGUMENTS...\n");
   for (const Command& command : commands) {
-    std::printf("  %-10s %-36s %s\n", command.Name, command.Arguments, command.Help);
+    std::printf("  %-10s %-36s %s\n", command.Name.c_str(), command.Arguments.c_str(),
+                command.Help.c_str());
   }
   std::puts(
       "\nOptions: --pad on|off, --interleave on|off, --delete-locked on|off,\n"
@@ -40,7 +41,7 @@ void ExpectOptions(const CommandLine& line, const Command& command) {
                                                                   "delete-locked",
                                                                   "overwrite-locked",
                                                                   "delete-non-empty"};
-  const std::string told = std::string(command.Arguments) + command.Help;
+  const std::string told = command.Arguments + command.Help;
   for (const auto& [name, value] : line.Options) {
     if (std::find(kEverywhere.begin(), kEverywhere.end(), name) != kEverywhere.end()) continue;
     const std::string option = (name.size() == 1 ? "-" : "--") + name;
@@ -66,7 +67,8 @@ int Run(const std::vector<std::string>& words) {
                                     [&](const Command& c) { return line.Command == c.Name; });
   if (command == commands.end()) throw UsageError("unknown command: " + line.Command);
   if (line.Has("help")) {
-    std::printf("Usage: sbx %s %s\n%s\n", command->Name, command->Arguments, command->Help);
+    std::printf("Usage: sbx %s %s\n%s\n", command->Name.c_str(), command->Arguments.c_str(),
+                command->Help.c_str());
     return kDone;
   }
   ExpectOptions(line, *command);

@@ -14,9 +14,9 @@ inline constexpr int kBadUsage = 2;
 // One command of sbx. Run gives the exit status; HostError and Failure end it with status 1,
 // UsageError with status 2, each with its line on standard error.
 struct Command {
-  const char* Name;
-  const char* Arguments;  // as in the help, such as "IMAGE [DIR]"
-  const char* Help;       // one line; an option that neither of the two names is refused
+  std::string Name;
+  std::string Arguments;  // as in the help, such as "IMAGE [DIR]"
+  std::string Help;       // one line; an option that neither of the two names is refused
   int (*Run)(const CommandLine& line);
 };
 

@@ -72,4 +72,9 @@ PathTarget RequireDirectory(Disc& disc, const std::string& path) {
   return target;
 }
 
+ListRow RequireFileRow(Disc& disc, const std::string& path) {
+  const PathTarget file = RequireFile(disc, path);
+  return ReadRow(disc, file.DirSector, file.Slot);
+}
+
 }  // namespace sectorbox::cli

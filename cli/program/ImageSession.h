@@ -43,5 +43,7 @@ int RunWriting(const CommandLine& line, const std::string& image,
 PathTarget RequirePath(Disc& disc, const std::string& path);
 PathTarget RequireFile(Disc& disc, const std::string& path);
 PathTarget RequireDirectory(Disc& disc, const std::string& path);
+// The row of the file at PATH. The same failures as RequireFile.
+ListRow RequireFileRow(Disc& disc, const std::string& path);
 
 }  // namespace sectorbox::cli

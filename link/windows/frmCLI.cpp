@@ -1,21 +1,11 @@
 #include "link/windows/frmCLI.h"
 
-#include <QApplication>
-#include <QFont>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QMenu>
 #include <QMenuBar>
-#include <QPrinter>
-#include <QPrinterInfo>
 #include <QTextCursor>
-#include <utility>
 
-#include "disc/host/HostError.h"
-#include "disc/host/HostFile.h"
 #include "link/transfer/StarCommand.h"
-#include "toolkit/Boxes.h"
-#include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 #include "toolkit/Twips.h"
 #include "toolkit/WindowPlace.h"
@@ -24,26 +14,21 @@ namespace sectorbox {
 namespace {
 
 constexpr double kCommandHeight = 375;  // twips
+constexpr double kPointSize = 10;
 
 }  // namespace
 
-frmCLI::frmCLI(Link& link, AskFindText find, QWidget* parent)
+frmCLI::frmCLI(Link& link, TextSearch& search, QWidget* parent)
     : QDialog(parent),
+      TextWindow(*this, "rtbCLI", kPointSize, search, -1),
       link_(link),
-      find_(std::move(find)),
       txtCmd_(new QLineEdit(this)),
-      rtbCLI_(new QPlainTextEdit(this)),
       menuBar_(new QMenuBar(this)) {
   setObjectName(QStringLiteral("frmCLI"));
   setWindowTitle(QStringLiteral("* Commands"));
   txtCmd_->setObjectName(QStringLiteral("txtCmd"));
   txtCmd_->installEventFilter(this);
-  rtbCLI_->setObjectName(QStringLiteral("rtbCLI"));
-  rtbCLI_->setReadOnly(true);
-  QFont font(QStringLiteral("Courier New"), 10);
-  font.setStyleHint(QFont::Monospace);
-  rtbCLI_->setFont(font);
-  MakeMenus();
+  MakeTextMenus(*menuBar_);
   txtCmd_->setFocus();
   RestorePlace(*this, kCLIPlace);
 }
@@ -52,30 +37,12 @@ frmCLI::~frmCLI() {
   SavePlace(*this, kCLIPlace);
 }
 
-void frmCLI::MakeMenus() {
-  QMenu* file = menuBar_->addMenu(QStringLiteral("&File"));
-  AddEntry(file, "mnuFileSave", "&Save File...", &frmCLI::mnuFileSave_Click);
-  AddEntry(file, "mnuFilePrint", "&Print File", &frmCLI::mnuFilePrint_Click);
-  AddEntry(file, "mnuFileClose", "&Close", &frmCLI::mnuFileClose_Click);
-  QMenu* edit = menuBar_->addMenu(QStringLiteral("&Edit"));
-  AddEntry(edit, "mnuEditFind", "&Find...", &frmCLI::mnuEditFind_Click);
-  AddEntry(edit, "mnuEditNext", "Find &Next", &frmCLI::mnuEditNext_Click);
-  AddEntry(edit, "mnuEditCopy", "&Copy", &frmCLI::mnuEditCopy_Click);
-  AddEntry(edit, "mnuEditSelectAll", "Select &All", &frmCLI::mnuEditSelectAll_Click);
-}
-
-void frmCLI::AddEntry(QMenu* menu, const char* name, const char* caption, void (frmCLI::*run)()) {
-  QAction* action = menu->addAction(QString::fromLatin1(caption));
-  action->setObjectName(QString::fromLatin1(name));
-  connect(action, &QAction::triggered, this, [this, run] { (this->*run)(); });
-}
-
 void frmCLI::resizeEvent(QResizeEvent*) {
   const int menu = menuBar_->sizeHint().height();
   const int strip = PixelsFromTwips(kCommandHeight);
   menuBar_->setGeometry(0, 0, width(), menu);
   txtCmd_->setGeometry(0, menu, width(), strip);
-  rtbCLI_->setGeometry(0, menu + strip, width(), std::max(0, height() - menu - strip));
+  Area().setGeometry(0, menu + strip, width(), std::max(0, height() - menu - strip));
 }
 
 void frmCLI::keyPressEvent(QKeyEvent* event) {
@@ -95,74 +62,20 @@ void frmCLI::RunCommand() {
                                    [this](const std::string& text) { Insert(text); });
   if (!done) return;  // the command stays, ready to be mended
   txtCmd_->clear();
-  rtbCLI_->moveCursor(QTextCursor::End);
+  Area().moveCursor(QTextCursor::End);
 }
 
 void frmCLI::Insert(const std::string& text) {
-  rtbCLI_->moveCursor(QTextCursor::End);
-  rtbCLI_->insertPlainText(FromBbc(text));
-  rtbCLI_->ensureCursorVisible();
-  // The wait for more of the output runs no events: what is here is shown first.
-  rtbCLI_->repaint();
+  Area().AppendText(text, {});
+  Area().Flush();
+  Area().ensureCursorVisible();
+  // The wait for more of the output runs no events, so the area shows what is here first.
+  Area().repaint();
 }
 
-void frmCLI::mnuFileSave_Click() {
-  const std::string path = AskSaveFile(
-      this, {"Save File As", "Save File (*.TXT)|*.txt|All Files (*.*)|*.*", "oscli.txt"});
-  if (path.empty()) return;
-  try {
-    OutputFile file = CreateOutputFile(path);
-    const QString text = rtbCLI_->toPlainText().replace(u'\n', QStringLiteral("\r\n"));
-    file.Write(ToBbc(text) + "\r\n");
-    file.Close();
-  } catch (const HostError& error) {
-    ShowBox(this, FromHost(error.what()), QStringLiteral("Sectorbox"), BoxIcon::kExclamation);
-  }
-}
-
-void frmCLI::mnuFilePrint_Click() {
-  if (QPrinterInfo::defaultPrinter().isNull()) {
-    ShowBox(this, QStringLiteral("No printer is set up."), QStringLiteral("Sectorbox"),
-            BoxIcon::kExclamation);
-    return;
-  }
-  QPrinter printer(QPrinterInfo::defaultPrinter());
-  rtbCLI_->print(&printer);
-}
-
-void frmCLI::mnuFileClose_Click() {
-  close();
-}
-
-qsizetype frmCLI::FindFrom(qsizetype position) {
-  const qsizetype found = rtbCLI_->toPlainText().indexOf(findText_, position, Qt::CaseInsensitive);
-  if (found < 0 || findText_.isEmpty()) return -1;
-  QTextCursor cursor = rtbCLI_->textCursor();
-  cursor.setPosition(static_cast<int>(found));
-  cursor.setPosition(static_cast<int>(found + findText_.size()), QTextCursor::KeepAnchor);
-  rtbCLI_->setTextCursor(cursor);
-  return found;
-}
-
-void frmCLI::mnuEditFind_Click() {
-  lastFound_ = -1;
-  const auto text = find_();
-  if (!text) return;
-  findText_ = *text;
-  lastFound_ = FindFrom(0);
-  if (lastFound_ == -1) ShowBox(this, QStringLiteral("Text Not Found"));
-}
-
-void frmCLI::mnuEditNext_Click() {
-  if (lastFound_ != -1) lastFound_ = FindFrom(lastFound_ + 1);
-}
-
+// Where nothing is selected the clipboard keeps what it has.
 void frmCLI::mnuEditCopy_Click() {
-  rtbCLI_->copy();
-}
-
-void frmCLI::mnuEditSelectAll_Click() {
-  rtbCLI_->selectAll();
+  Area().copy();
 }
 
 }  // namespace sectorbox

@@ -1,26 +1,22 @@
 #pragma once
 
 #include <QDialog>
-#include <QPlainTextEdit>
-#include <QString>
-#include <functional>
-#include <optional>
+#include <string>
 
 #include "link/wire/Link.h"
+#include "toolkit/TextWindow.h"
 
 class QLineEdit;
-class QMenu;
 class QMenuBar;
 
 namespace sectorbox {
 
-// The BBC's prompt: a command goes out at Enter, what it prints stays here until the window closes.
-// It doesn't connect; the server must be listening at the speed that stands. link outlives it.
-class frmCLI : public QDialog {
+// The BBC's prompt: Enter sends a command, and what the BBC prints stays here until the window
+// closes. The window doesn't connect: the server must be listening at the speed that stands. link
+// and search, which all text windows of the program share, outlive the window.
+class frmCLI : public QDialog, public TextWindow {
  public:
-  // find shows the program's one search dialog and gives the text, nothing when it was cancelled.
-  using AskFindText = std::function<std::optional<QString>()>;
-  frmCLI(Link& link, AskFindText find, QWidget* parent);
+  frmCLI(Link& link, TextSearch& search, QWidget* parent);
   ~frmCLI() override;
 
  protected:
@@ -30,25 +26,13 @@ class frmCLI : public QDialog {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void MakeMenus();
-  void AddEntry(QMenu* menu, const char* name, const char* caption, void (frmCLI::*run)());
   void RunCommand();
   void Insert(const std::string& text);
-  qsizetype FindFrom(qsizetype position);
-  void mnuFileSave_Click();
-  void mnuFilePrint_Click();
-  void mnuFileClose_Click();
-  void mnuEditFind_Click();
-  void mnuEditNext_Click();
-  void mnuEditCopy_Click();
-  void mnuEditSelectAll_Click();
+  std::string SaveName() const override { return "oscli.txt"; }
+  void mnuEditCopy_Click() override;
 
   Link& link_;
-  AskFindText find_;
-  QString findText_;
-  qsizetype lastFound_ = -1;  // position of the last match
   QLineEdit* txtCmd_;
-  QPlainTextEdit* rtbCLI_;
   QMenuBar* menuBar_;
 };
 

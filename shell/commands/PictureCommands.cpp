@@ -10,7 +10,8 @@
 
 namespace sectorbox {
 
-PictureCommands::PictureCommands(MainWindow& window) : window_(window) {
+PictureCommands::PictureCommands(MainWindow& window)
+    : window_(window), fontFolder_(ToHost(QCoreApplication::applicationDirPath())) {
   window.OnCommand("mnuFileViewTeletext", [this] { mnuFileViewTeletext(); });
   for (const ScreenMode& mode : kScreenModes) {
     const std::string entry = "mnuFileViewMode" + std::to_string(mode.Mode);
@@ -22,26 +23,26 @@ PictureCommands::~PictureCommands() {
   for (const QPointer<frmMode>& screen : screens_) delete screen.data();
 }
 
+const ListRow* PictureCommands::CurrentItem() const {
+  return window_.CurrentItem();
+}
+
 // Without its font the program doesn't go on at all. Fail keeps what isn't saved.
 void PictureCommands::mnuFileViewTeletext() {
   if (window_.CurrentItem() == nullptr) return;
-  const std::string folder =
-      FontFolder.empty() ? ToHost(QCoreApplication::applicationDirPath()) : FontFolder;
-  const auto font = LoadTeletextFont(JoinHostPath(folder, kTeletextFontFile));
+  const auto font = LoadTeletextFont(JoinHostPath(fontFolder_, kTeletextFontFile));
   if (!font) {
     window_.Fail(QString::fromLatin1(kTeletextFontMissing),
                  QString::fromLatin1(kTeletextFontTitle));
     return;
   }
-  frmTeletext view(
-      &window_, window_.OpenDisc(), [this] { return window_.CurrentItem(); }, *font);
-  view.exec();
+  frmTeletext(&window_, window_.OpenDisc(), *this, *font).exec();
 }
 
 void PictureCommands::mnuFileViewMode(int mode) {
   if (window_.CurrentItem() == nullptr) return;
   std::erase_if(screens_, [](const QPointer<frmMode>& screen) { return screen.isNull(); });
-  auto* view = new frmMode(window_.OpenDisc(), [this] { return window_.CurrentItem(); });
+  auto* view = new frmMode(window_.OpenDisc(), *this);
   screens_.emplace_back(view);
   view->Tag = mode;
   view->show();

@@ -5,26 +5,31 @@
 #include <string>
 #include <vector>
 
+#include "viewers/windows/frmPicture.h"
+
 namespace sectorbox {
 
 class MainWindow;
 class frmMode;
 
 // The teletext and screen mode views of the File menu.
-class PictureCommands : public QObject {
+class PictureCommands : public QObject, private CurrentRow {
  public:
   explicit PictureCommands(MainWindow& window);
   // Closes the screens that are still open.
   ~PictureCommands() override;
 
-  // Where the font lies. Empty: in the program's own folder. A test puts its own here.
-  static inline std::string FontFolder;
+  // The folder that the teletext font lies in: the program's own, until this is called.
+  void SetFontFolder(const std::string& folder) { fontFolder_ = folder; }
 
  private:
+  // What the pictures ask at each drawing.
+  const ListRow* CurrentItem() const override;
   void mnuFileViewTeletext();
   void mnuFileViewMode(int mode);
 
   MainWindow& window_;
+  std::string fontFolder_;
   std::vector<QPointer<frmMode>> screens_;
 };
 

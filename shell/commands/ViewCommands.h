@@ -2,8 +2,10 @@
 
 #include <QObject>
 #include <QPointer>
+#include <string>
 #include <vector>
 
+#include "viewers/table/TextViews.h"
 #include "viewers/windows/frmView.h"
 
 namespace sectorbox {
@@ -22,9 +24,13 @@ class ViewCommands : public QObject {
   TextSearch& Search() { return shared_.Search; }
 
  private:
-  void OnFileView(const char* entry, ViewNumber number);
-  void OnDirectoryView(const char* entry, ViewNumber number);
-  void Launch(ViewNumber number, ViewTarget target);
+  void ConnectEntries(const TextViewKind& kind);
+  // Runs the command at each choice of the entry, if the menu tree has one of that name.
+  template <typename Command>
+  void OnEntry(const std::string& entry, Command command);
+  void LaunchOnRow(int number);
+  void LaunchOnNode(int number);
+  void Launch(int number, const ViewTarget& target);
 
   MainWindow& window_;
   ViewShared shared_;

@@ -1,6 +1,5 @@
 #include "shell/commands/XferCommands.h"
 
-#include <QApplication>
 #include <QMenu>
 
 #include "disc/image/OpenImage.h"
@@ -15,7 +14,6 @@
 #include "shell/commands/ViewCommands.h"
 #include "shell/window/MainWindow.h"
 #include "toolkit/Text.h"
-#include "viewers/windows/frmFind.h"
 
 namespace sectorbox {
 namespace {
@@ -57,11 +55,7 @@ XferCommands::XferCommands(MainWindow& window, ViewCommands& views, DeviceOfPort
   OnDrives("mnuXferDTX", [this](std::int32_t drive) { SendImage(link_, drive, true); });
   OnTransfer("mnuXferBasic", [this] { frmFirst(link_, &window_).exec(); });
   OnTransfer("mnuXferFormat", [this] { frmFormat(link_, &window_).exec(); });
-  OnTransfer("mnuXferCli", [this] {
-    frmCLI(
-        link_, [this] { return AskFindText(); }, &window_)
-        .exec();
-  });
+  OnTransfer("mnuXferCli", [this] { frmCLI(link_, views_.Search(), &window_).exec(); });
   window.OnCommand("mnuXferTracewindow", [this] { host_.OpenTraceWindow(); });
   window.OnCommand("mnuXferTraceFile", [this] { ChooseTraceFile(link_); });
 }
@@ -86,13 +80,6 @@ void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
   // From here on the transfer changes the disc.
   const CommandGuard::Running opening(window_.Guard(), CommandKind::kChange);
   OpenImage(window_.OpenDisc(), fileName);
-}
-
-std::optional<QString> XferCommands::AskFindText() {
-  TextSearch& search = views_.Search();
-  frmFind(QApplication::activeModalWidget(), search).exec();
-  if (!search.FindOK) return std::nullopt;
-  return search.FindText;
 }
 
 void XferCommands::ChooseCom(std::int16_t number) {

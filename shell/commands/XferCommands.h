@@ -1,11 +1,9 @@
 #pragma once
 
 #include <QObject>
-#include <QString>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "link/wire/Link.h"
@@ -49,7 +47,6 @@ class XferCommands : public QObject {
   template <typename Command>
   void OnDrives(const std::string& stem, Command command);
   void Receive(std::int32_t drive, bool dataOnly);
-  std::optional<QString> AskFindText();
   void ChooseCom(std::int16_t number);
   void ChooseSpeed(std::int32_t speed);
   void ShowDevices();

@@ -49,6 +49,7 @@ class frmMain : public MainWindow {
 
   Disc& OpenDisc() override { return disc_; }
   Panes& ThePanes() { return *panes_; }
+  PictureCommands& Pictures() { return *pictures_; }
   XferCommands& Xfer() { return *xfer_; }
   const XferCommands& Xfer() const { return *xfer_; }
   CFCommands& Cards() { return *cards_; }

@@ -20,7 +20,7 @@ inline constexpr Colour kWhite = 0xFFFFFF;
 inline constexpr std::array<Colour, 8> kPhysicalColours = {kBlack, kRed,     kGreen, kYellow,
                                                            kBlue,  kMagenta, kCyan,  kWhite};
 
-// The same in words, as a user names them.
+// The names of the same colours, as a user writes them.
 inline constexpr std::array<const char*, 8> kColourNames = {"black", "red",     "green", "yellow",
                                                             "blue",  "magenta", "cyan",  "white"};
 

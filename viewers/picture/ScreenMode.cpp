@@ -12,7 +12,8 @@ namespace {
 constexpr std::size_t kCellRows = 8;  // pixel rows of a text row, and bytes of a cell column
 constexpr int kPictureRowsPerPixel = 2;
 
-// Logical colour of the leftmost pixel of a byte. The byte is shifted left by one for the next.
+// Logical colour of the leftmost pixel of a byte. The caller shifts the byte left by one for the
+// next pixel.
 unsigned LeftmostPixel(const ScreenMode& mode, unsigned byte) {
   switch (mode.PixelsPerByte) {
     case 8:
@@ -24,8 +25,8 @@ unsigned LeftmostPixel(const ScreenMode& mode, unsigned byte) {
   }
 }
 
-// Every byte's pixels in their colours, each pixel as wide as it is in the picture, so that drawing
-// a byte is one copy.
+// The pixels of each byte value in their colours, each pixel as wide as it is in the picture. To
+// draw a byte is then one copy.
 class ByteStrips {
  public:
   ByteStrips(const ScreenMode& mode, const CurrentColours& colours)
@@ -44,7 +45,7 @@ class ByteStrips {
   }
 
  private:
-  int width_;  // picture columns of a byte: 8, or 16 in the modes of half the bytes
+  int width_;  // picture columns of a byte: 8, or 16 where a row has half the bytes
   std::array<std::array<Colour, 16>, 256> strips_{};
 };
 

@@ -20,7 +20,7 @@ struct ScreenMode {
   int Mode;
   const char* Caption;  // the window's title before the file's name
   int BytesPerTextRow;
-  int SizeLimit;  // bytes; what a longer file holds beyond is ignored
+  int SizeLimit;  // bytes; the rest of a longer file is ignored
   int PixelsPerByte;
   int ColumnsPerPixel;  // picture columns
   int BaseColours;      // logical colours that the palette holds: 2, 4 or 8
@@ -37,15 +37,15 @@ inline constexpr std::array<ScreenMode, 5> kScreenModes = {{
 inline constexpr int kScreenWidth = 640;
 inline constexpr int kScreenHeight = 512;
 
-// The mode of that number, or nullptr where screens of it aren't shown.
-const ScreenMode* FindScreenMode(int mode);
+// The mode of that number; null where the program doesn't show its screens.
+[[nodiscard]] const ScreenMode* FindScreenMode(int mode);
 
-// The logical colours of all modes. A window keeps one for as long as it lives, so each mode's
-// changes are still there when the user comes back to it.
+// The logical colours of all modes. A window keeps one palette for as long as it lives, so each
+// mode's changes are still there when the user comes back to the mode.
 class ScreenPalette {
  public:
   ScreenPalette();
-  // The BBC's own colours for one mode; those of the other modes stay.
+  // Gives one mode the BBC's own colours back. The other modes keep theirs.
   void Reset(const ScreenMode& mode);
   Colour Get(const ScreenMode& mode, int logical) const;
   // logical is from 0 to mode.BaseColours - 1.
@@ -55,20 +55,21 @@ class ScreenPalette {
   std::array<std::array<Colour, 8>, 6> colours_{};  // by mode number
 };
 
-// What a pixel's value stands for. In MODE 2 the values 8 to 15 flash: with flashOn they are the
-// colours 7 to 0, else 0 to 7, so a changed palette entry changes the flashing colour that shares
-// it. Elsewhere what lies beyond BaseColours is black and never looked up.
+// The colour of each value that a pixel can have. In MODE 2 the values 8 to 15 flash: with flashOn
+// they are the colours 7 to 0, else 0 to 7, so a changed palette entry also changes the flashing
+// colour that shares it. In the other modes the values beyond BaseColours are black, and no pixel
+// has them.
 using CurrentColours = std::array<Colour, 16>;
 CurrentColours FindCurrentColours(const ScreenMode& mode, const ScreenPalette& palette,
                                   bool flashOn);
 
-// The bytes of the screen in a file of size bytes at startSector: at most mode.SizeLimit. Past the
-// image's end they are zeros.
+// The bytes of the screen in a file of size bytes at startSector: at most mode.SizeLimit. Bytes
+// past the image's end are zeros.
 std::vector<std::uint8_t> ReadScreen(Disc& disc, const ScreenMode& mode, std::int32_t startSector,
                                      std::uint32_t size);
 
-// Draws the whole text rows of bytes, at most 32. A last, incomplete one isn't drawn, and what no
-// text row drew is black. The picture is 640 by 512 for any number of bytes.
+// Draws the whole text rows of bytes, at most 32. An incomplete last row isn't drawn, and the rest
+// of the picture is black. The picture is 640 by 512 for any number of bytes.
 Picture DrawScreen(const ScreenMode& mode, std::span<const std::uint8_t> bytes,
                    const CurrentColours& colours);
 

@@ -40,8 +40,9 @@ enum Control : std::uint8_t {
   kReleaseMosaic = 159,
 };
 
-// One row of pixels as it grows from left to right. It is written as runs, each in one go when the
-// colour changes: most of a page is wide stretches of background, and a flash tick redraws it all.
+// One row of pixels as it grows from left to right. A run of one colour is written in one go when
+// the colour changes: a page is mostly wide stretches of background, and each tick of the flashing
+// draws all of it again.
 class PixelRow {
  public:
   explicit PixelRow(Colour* to) : to_(to) {}
@@ -65,13 +66,13 @@ class PixelRow {
   int length_ = 0;
 };
 
-// A pattern's runs of equal bits, from bit 11 down.
+// Adds a pattern's runs of equal bits to the row, from bit 11 down.
 void ExtendByPattern(PixelRow& row, unsigned pattern, Colour paint, Colour background) {
   if (pattern == 0) {
     row.Extend(background, kCellWidth);
     return;
   }
-  // The pattern stands at the top of 16 bits; a run of zeros is counted, a run of ones after that.
+  // The pattern stands at the top of 16 bits. The loop counts its runs of zeros and of ones.
   auto bits = static_cast<std::uint16_t>(pattern << 4);
   for (int left = kCellWidth; left > 0;) {
     const bool lit = (bits & 0x8000) != 0;
@@ -82,7 +83,7 @@ void ExtendByPattern(PixelRow& row, unsigned pattern, Colour paint, Colour backg
   }
 }
 
-// The state that control codes change, new for each row of the page.
+// The state that control codes change. Each row of the page begins with a new one.
 struct RowState {
   Colour Foreground = kWhite;
   Colour Background = kBlack;
@@ -118,17 +119,17 @@ class PageDrawer {
   }
 
   void DrawCell(std::uint8_t code, RowState& state, std::array<PixelRow, kCellHeight>& rows) {
-    // A new foreground shows from the next cell on, a new background in this one already.
+    // A new foreground shows from the next cell on. A new background shows in this cell already.
     Colour cellFore = state.Foreground;
     if (code < kBlank) code = static_cast<std::uint8_t>(code + kFirstControl);
     if ((code & kGraphicBit) != 0 && state.Graphics) state.HeldChar = code;
     if (code >= kFirstControl && code <= kLastControl) {
       Obey(code, state, cellFore);
       code = state.Hold && state.Graphics ? state.HeldChar : kBlank;
-      // Only control codes change what the variant depends on.
+      // The variant depends only on what control codes change.
       state.Variant = !state.Graphics ? kTextSet : state.Separated ? kSeparated : kContiguous;
     }
-    // Below a double-height row only lower halves show: plain characters there are blanks.
+    // The row below a double-height row shows only lower halves: plain characters there are blanks.
     if (bottomHalf_ && !state.DoubleHeight && (code & 127) >= kBlank) code = kBlank;
     const int glyph = std::max((code & 127) - kBlank, 0);
     const Colour paint = state.Flash && flashPhase_ == 0 ? state.Background : cellFore;
@@ -144,7 +145,7 @@ class PageDrawer {
     }
   }
 
-  // Codes that aren't here do nothing.
+  // A control code that has no case here does nothing.
   void Obey(std::uint8_t code, RowState& state, Colour& cellFore) {
     if (code >= kTextRed && code <= kTextWhite) SetColour(state, code - kTextRed + 1, false);
     if (code >= kMosaicRed && code <= kMosaicWhite) SetColour(state, code - kMosaicRed + 1, true);
@@ -190,7 +191,7 @@ class PageDrawer {
   const TeletextFont& font_;
   const std::int16_t flashPhase_;
   bool bottomHalf_ = false;      // this row shows the lower halves of double-height characters
-  bool nextBottomHalf_ = false;  // and so will the next
+  bool nextBottomHalf_ = false;  // the next row shows them
 };
 
 }  // namespace

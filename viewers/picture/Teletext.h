@@ -12,27 +12,27 @@
 namespace sectorbox {
 
 inline constexpr int kTeletextColumns = 40;
-// What the window is titled, before the file's name.
+// The window's title before the file's name.
 inline constexpr char kTeletextCaption[] = "View Teletext File - ";
 
 // How a page lies in a file of size bytes: rows of 40 codes from an offset on. A screen of 24 rows
-// (960 bytes) or one less than a kilobyte begins at the file's first byte. Every other length is
-// taken for a page as a teletext adaptor stores it, with 104 bytes of its own before the codes;
-// that goes for short files too, whatever they hold.
+// (960 bytes) or one less than a kilobyte begins at the file's first byte. A file of any other
+// length, a short one too, counts as a page that a teletext adaptor has stored, with 104 bytes of
+// its own before the codes.
 struct TeletextLayout {
   int Rows = 0;  // 0 to 25
   int Offset = 0;
 };
 TeletextLayout FindTeletextLayout(std::uint32_t size);
 
-// The codes of the page of a file of size bytes at startSector, 40 for each row. A page that the
-// offset pushes past the file's end takes the bytes that lie there; past the image's end they are
-// zeros.
+// The codes of the page in a file of size bytes at startSector, 40 for each row. A page that
+// reaches past the file's end because of its offset takes the bytes that lie there. Bytes past the
+// image's end are zeros.
 std::vector<std::uint8_t> ReadTeletextPage(Disc& disc, std::int32_t startSector,
                                            std::uint32_t size);
 
-// Draws codes, 40 a row, as the BBC's teletext chip does: a picture of 480 by 20 x rows pixels, or
-// 480 by 4 black ones without a row. Codes short of a whole row aren't drawn.
+// Draws codes, 40 a row, as the BBC's teletext chip does. The picture is 480 pixels wide and 20
+// high for each row; without a row it is 480 by 4 black pixels. An incomplete last row isn't drawn.
 //
 // A row starts as white contiguous text on black. A code from 0 to 31 is the same as one from 128
 // to 159 and controls what follows in its row; it shows as a blank or, with Hold in graphics, as

@@ -10,9 +10,10 @@
 // The characters of a teletext screen as patterns of pixels, and the file that they come from.
 namespace sectorbox {
 
-// The font file, in the program's own folder, and the box (stop icon) that the window program shows
-// before it ends, when LoadTeletextFont gives none. A page without letters would tell lies about
-// the user's files, so there is no going on without a font.
+// The name of the font file, which lies in the program's own folder, and the text and title of the
+// box (stop icon) that the window program shows before it ends, when LoadTeletextFont gives no
+// font. A page without letters would tell lies about the user's files, so no program goes on
+// without it.
 inline constexpr char kTeletextFontFile[] = "teletext.fnt";
 inline constexpr char kTeletextFontMissing[] = "Cannot open Teletext font file teletext.fnt";
 inline constexpr char kTeletextFontTitle[] = "WindowTitle";
@@ -33,7 +34,7 @@ struct TeletextFont {
 
   using Cell = std::array<std::uint16_t, kCellHeight>;
 
-  // By variant and glyph index (the code less 32). Index 96 is never drawn and stays blank.
+  // By variant and glyph index (the code minus 32). Index 96 is never drawn and stays blank.
   std::array<std::array<Cell, kGlyphs>, kTeletextVariants> Patterns{};
 
   const Cell& Pattern(int variant, int glyph) const {
@@ -41,11 +42,11 @@ struct TeletextFont {
   }
 };
 
-// The font from the file's bytes; what follows the first 3456 is ignored. None if there are fewer.
-std::optional<TeletextFont> BuildTeletextFont(std::span<const std::uint8_t> file);
+// The font from the file's bytes. Bytes behind the first 3456 are ignored; fewer give no font.
+[[nodiscard]] std::optional<TeletextFont> BuildTeletextFont(std::span<const std::uint8_t> file);
 
-// Reads the file at path. None if it is missing, can't be read or is too short: whoever asked shows
-// kTeletextFontMissing.
-std::optional<TeletextFont> LoadTeletextFont(const std::string& path);
+// Reads the font file at path. It gives no font if the file is missing, can't be read or is too
+// short; the caller then shows kTeletextFontMissing.
+[[nodiscard]] std::optional<TeletextFont> LoadTeletextFont(const std::string& path);
 
 }  // namespace sectorbox

@@ -13,8 +13,8 @@ constexpr std::uint8_t kEndOfLine = 0x0D;
 constexpr std::uint8_t kEndOfProgram = 0xFF;  // in place of a line number's high byte
 constexpr std::size_t kNumberWidth = 5;
 
-// A line of a program is at most 255 bytes. What is longer has lost its end, and is shown in
-// pieces, so that a line made of half a disc needs no memory for all of it.
+// A line of a program is at most 255 bytes. A longer one has lost its end. It is shown in pieces,
+// so that a line which runs over half a disc needs no memory for all of it.
 constexpr std::size_t kLongestPiece = 65536;
 
 class Lister {
@@ -48,7 +48,7 @@ void Lister::ListProgram() {
     const std::uint8_t high = Next();
     if (high == kEndOfProgram || offset_ >= file_.Length || AtImageEnd()) return;
     const std::uint8_t low = Next();
-    ++offset_;  // the length byte plays no part: lines are found by their ends
+    ++offset_;  // the line's length byte isn't used: a line ends at its carriage return
     ListLine(high * 256 + low);
   }
 }
@@ -58,7 +58,7 @@ void Lister::ListLine(int lineNumber) {
   text_.assign(kNumberWidth - number.size(), ' ');
   text_ += number;
   inQuotes_ = false;
-  // Nothing stops at the file's end here, only at the image's: a line whose end was cut off shows
+  // This doesn't stop at the file's end but only at the image's. A line whose end was cut off shows
   // what lies behind the file on the disc.
   while (!AtImageEnd()) {
     const std::uint8_t c = Next();
@@ -73,8 +73,8 @@ void Lister::ListLine(int lineNumber) {
   Show();
 }
 
-// No other state: what follows REM and DATA is expanded like anything else, and a quote in a REM
-// opens a string up to the end of that line.
+// The lister knows only whether it is inside quotes. It expands what follows REM and DATA like
+// anything else, and a quote in a REM opens a string up to the end of that line.
 void Lister::AppendByte(std::uint8_t c) {
   if (c < 32) {
     text_ += " [0x";
@@ -88,10 +88,11 @@ void Lister::AppendByte(std::uint8_t c) {
   }
 }
 
-// The line number in a GOTO and its like: three bytes that are never below 64, so that they can't
-// be taken for an end of line. The first holds the top bits of the other two, folded with 84. Only
-// the bits of the low byte are unfolded here, so a reference to line 16384 or above lists as a
-// smaller number. A negative value, which only a damaged reference has, lists without its sign.
+// The line number in a GOTO or a similar statement: three bytes that are never below 64, so that
+// none of them looks like an end of line. The first byte holds the top bits of the other two,
+// exclusive-or with 84. This unfolds only the bits of the low byte, so a reference to line 16384 or
+// above lists as a smaller number. Only a damaged reference has a negative value; it lists without
+// its sign.
 void Lister::AppendLineReference() {
   const std::uint8_t topBits = Next();
   int value = Next() - 64;

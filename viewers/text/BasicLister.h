@@ -6,10 +6,11 @@
 
 namespace sectorbox {
 
-// A listing of a tokenised BBC BASIC program, a line of it a text. A file that doesn't begin with
-// a carriage return gives one line that says so. Anything else lists, whatever it holds; a line
-// that the file's end cuts off is read on from the sectors behind it, up to the image's end.
-// A close request takes effect at the next line of the program.
+// A listing of a tokenised BBC BASIC program. Each line of the program is one text for the view. A
+// file that doesn't begin with a carriage return gives one line that says so. Any other file lists,
+// whatever it holds. Where the file's end cuts a line off, the listing reads on in the sectors
+// behind the file, up to the image's end. A close request takes effect at the next line of the
+// program.
 void Show_Basic(Disc& disc, const ListRow& row, TextView& view);
 
 }  // namespace sectorbox

@@ -10,8 +10,8 @@ inline constexpr std::uint8_t kFirstToken = 0x80;
 inline constexpr std::uint8_t kLineNumberToken = 0x8D;  // three bytes of line number follow
 
 // The keyword of each token from &80 to &FF, eight to a row. The empty ones are the line number
-// prefix, which is decoded apart, and &CE, which BASIC II doesn't use: it lists as nothing. &CF to
-// &D3 are the statement forms of &8F to &93.
+// prefix, which the lister decodes itself, and &CE, which BASIC II doesn't use and which lists as
+// nothing. &CF to &D3 are the statement forms of &8F to &93.
 inline constexpr std::array<std::string_view, 128> kBasicKeywords = {
     // clang-format off
     /* &80 */ "AND",     "DIV",     "EOR",      "MOD",    "OR",       "ERROR",  "LINE",   "OFF",

@@ -8,9 +8,9 @@
 
 namespace sectorbox {
 
-// Bytes of the open image for a generator, fetched a stretch at a time. The image may be changed
-// by the user whenever the window lets events run, so a generator forgets the stretch after each
-// text that it shows, and sees the same bytes as with single fetches.
+// Bytes of the open image for a generator, fetched a stretch at a time. The user may change the
+// image whenever the window lets events run. A generator therefore forgets the stretch after each
+// text that it shows, and so sees the same bytes as with single fetches.
 class ByteReader {
  public:
   explicit ByteReader(Disc& disc) : disc_(disc) {}
@@ -39,9 +39,9 @@ inline std::int64_t ImageLength(Disc& disc) {
 // Where a file or directory lies in the store.
 struct FileExtent {
   std::int64_t Start = 0;
-  // No file is longer than the image that holds it: a length beyond that is damage, and counts as
-  // the image's, so that no view runs on for gigabytes. A length that merely reaches past the end
-  // of the image stays, and shows the zeros that are read there.
+  // At most the image's length, so that no view runs on for gigabytes: a file that claims to be
+  // longer than the image is damaged. A file that begins inside the image and reaches past its end
+  // keeps its length, and the view shows the zeros that it reads there.
   std::int64_t Length = 0;
 };
 [[nodiscard]] FileExtent ObjectExtentOf(Disc& disc, const ListRow& row);

@@ -28,8 +28,8 @@ std::string BootOptionName(std::uint8_t option) {
   return option < kNames.size() ? kNames[option] : "    ";
 }
 
-// The 20 columns of an entry that all four views begin with. E, D and L with others are more
-// letters than the column holds; the last ones are lost.
+// The 20 columns with which all four views begin an entry. The column of the attributes holds three
+// letters; the last ones of a longer combination are lost.
 std::string Cell(const Entry& entry) {
   return Padded(entry.Name(), kNameColumns) + " " + Padded(entry.Letters(), kAttrColumns) + "(" +
          Hex(entry.Sequence(), 2) + ")  ";
@@ -54,9 +54,9 @@ bool ShowUnlessDirectory(Disc& disc, std::int32_t sector, TextView& view) {
   return true;
 }
 
-// The entries, and for the four-column layout the end of its last line and an empty one. False if
-// a close request stopped it. The user may change the directory while the view waits, so each entry
-// is read when its turn comes.
+// Shows the entries, and in the four-column layout the end of the last line and an empty line.
+// False if a close request has stopped it. The user may change the directory while the view waits,
+// so each entry is read when its turn comes.
 bool ShowEntries(Disc& disc, std::int32_t sector, Layout layout, StopTest test, TextView& view) {
   bool lineOpen = true;
   for (std::int32_t n = 0; n < kEntryCount; ++n) {
@@ -138,7 +138,7 @@ void ShowHeader(Disc& disc, std::int32_t sector, TextView& view) {
   const std::uint8_t option = ReadMap(disc).BootOption();
   view.ShowData(Padded(GetDirTitle(disc, sector), kHeaderColumns) + " (" +
                 Hex(DirectoryAt(disc, sector).Sequence(), 2) + ")\r");
-  // There is no current drive and no library here; the BBC's places for them hold fixed words.
+  // An image has no current drive and no library: fixed words stand where the BBC shows them.
   view.ShowData(Padded("Drive:0", kHeaderColumns) + " Option " + Hex(option, 2) + " (" +
                 BootOptionName(option) + ")\r");
   view.ShowData(Padded("Dir. " + GetDirName(disc, sector), kHeaderColumns) + " Lib. \"Unset\"\r\r");

@@ -18,14 +18,14 @@ void ShowHeader(Disc& disc, std::int32_t sector, TextView& view);
 void ShowCat(Disc& disc, std::int32_t sector, TextView& view);
 
 // One entry to a line with its addresses, length and start sector. It has no test for a close
-// request at all and doesn't set Finished: whoever called it does, and a request that came
-// meanwhile is lost; the user has to close the window again. That is how this view has always been.
+// request and doesn't set Finished, which its caller does. A request that came meanwhile is lost,
+// and the user has to close the window again. This view has always been like that.
 void ShowEx(Disc& disc, std::int32_t sector, TextView& view);
 
 // The same for a directory and all below it: each directory whole, behind a banner with its path,
 // then its subdirectories in entry order. path is the banner of the outermost one. A close request
-// takes effect at the next entry. Neither closes the window nor sets Finished: they are recursive,
-// so the caller does. A walk that finds no end stops at the bounds of WalkDirectories.
+// takes effect at the next entry. The two are recursive and neither close the window nor set
+// Finished: their caller does. A walk that finds no end stops at the bounds of WalkDirectories.
 void ShowCatAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view);
 void ShowExAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view);
 

@@ -5,14 +5,14 @@
 
 namespace sectorbox {
 
-// Writes exactly digits upper-case hexadecimal digits to where to points: the rightmost ones of
-// value, zero-padded.
+// Writes value as so many upper-case hexadecimal digits, the first one at to. Zeros fill a short
+// value up, and a long one loses its first digits.
 inline void PutHex(char* to, std::uint64_t value, int digits) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   for (int i = digits; i-- > 0; value >>= 4) to[i] = kDigits[value & 15];
 }
 
-// The same at the end of a text; 8 digits at most.
+// Appends the same to a text; 8 digits at most.
 inline void AppendHex(std::string& text, std::uint64_t value, int digits) {
   char buffer[8];
   PutHex(buffer, value, digits);

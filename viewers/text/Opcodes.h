@@ -106,8 +106,8 @@ inline constexpr std::uint8_t kRti = 0x40;
 inline constexpr std::uint8_t kJmp = 0x4C;
 inline constexpr std::uint8_t kRts = 0x60;
 
-// The entries of the operating system at &FFxx that calls are named after, as "os" and the label.
-// All labels are four wide.
+// The entries of the operating system at &FFxx. A call of one shows "os" and the label as its
+// operand. All labels are four characters wide.
 struct VectorLabel {
   std::uint8_t LowByte;
   std::string_view Label;

@@ -5,12 +5,14 @@
 
 namespace sectorbox {
 
-// Remembers where a forward search for a certain set of bytes has ended, so that a document which
-// makes the formatter search the same long stretch thousands of times is still formatted in time
-// linear in its length. It keeps the longest stretch searched and the latest other one.
+// Remembers where a forward search for a certain set of bytes has ended. A document can make the
+// formatter search the same long stretch thousands of times; with this the whole search still takes
+// time linear in the document's length. It keeps the longest stretch searched and the latest other
+// one.
 class ScanMemory {
  public:
-  // From from, calls found(at) for rising at until it is true or at reaches end; gives that at.
+  // Calls found(at) for rising at, beginning with from, until it is true or at is end. Gives that
+  // at.
   template <typename Found>
   std::int64_t Search(std::int64_t from, std::int64_t end, Found found) {
     std::int64_t at = from;

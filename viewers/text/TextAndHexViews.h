@@ -4,7 +4,7 @@
 #include "disc/store/Disc.h"
 #include "viewers/text/TextView.h"
 
-// The two plain views of a file. Neither interprets it, neither has a message; a file of length 0
+// The two plain views of a file. They don't interpret it and have no message. A file of length 0
 // gives an empty view.
 namespace sectorbox {
 

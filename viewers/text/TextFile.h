@@ -6,8 +6,8 @@
 
 namespace sectorbox {
 
-// The host file that a view is written to. The Wordwise formatter writes character by character, so
-// the text is gathered before it goes out. Without Close the old file stays, as for any OutputFile.
+// The host file that a view is written to. It gathers the text before it writes, since the Wordwise
+// formatter gives it single characters. Without Close the old file stays, as for any OutputFile.
 class TextFile {
  public:
   explicit TextFile(const std::string& path) : file_(CreateOutputFile(path)) {}

@@ -4,21 +4,21 @@
 
 namespace sectorbox {
 
-// The character style that a text view applies. One for the whole program: only the Wordwise
-// formatter changes it, and no other view resets it, so a view started after a document that ended
-// inside an underlined stretch is styled the same way.
+// The character style that a text view applies. The whole program has one. Only the Wordwise
+// formatter changes it and no other view resets it, so after a document that ended inside an
+// underlined stretch the next view is underlined too.
 struct TextStyle {
   bool UnderlineOn = false;
   bool BoldOn = false;
 };
 
-// Where a text generator writes, and all that it asks of its window. Implemented by the view
-// window, by a writer to a host file, and by a collector for tests. Texts are BBC bytes.
+// The sink of a text generator, and all that a generator asks of its window. The view window
+// implements it, and so do sbx and a collector for tests. Texts are BBC bytes.
 //
 // A generator is a free function over the disc. It reads what it shows through the store, sets
-// caption and DefaultName, and leaves Finished true (the two exceptions say so). A close request
-// can arrive inside ShowData and ShowMessage and nowhere else: the window then sets Finished, and
-// the generator stops at its next test of it, if it has one.
+// caption and DefaultName, and leaves Finished true (the generators that don't say so). A close
+// request can arrive inside ShowData and ShowMessage and nowhere else. The window then sets
+// Finished, and the generator stops where it tests Finished next, if it does.
 class TextView {
  public:
   explicit TextView(TextStyle& style) : Style(style) {}
@@ -26,27 +26,27 @@ class TextView {
   TextView(const TextView&) = delete;
   TextView& operator=(const TextView&) = delete;
 
-  // The one sink. Puts a line feed behind every carriage return of text (in place), then hands it
-  // to Append: a generator only ever writes carriage returns. The window lets the event loop run
-  // once before a text that is longer than one character by then.
+  // Puts a line feed behind every carriage return of text (in place) and hands the text to Append:
+  // a generator writes only carriage returns. The window lets the event loop run once before a text
+  // that is then longer than one character.
   void ShowData(std::string& text);
   void ShowData(std::string&& text) { ShowData(text); }
 
   // The window's title while it shows this view.
   virtual void SetCaption(const std::string& caption) = 0;
-  // A box with OK, no icon. Nothing is shown once a close request has come.
+  // A box with OK, no icon. A generator shows none after a close request.
   virtual void ShowMessage(const std::string& text) = 0;
-  // Makes the window wider by so many twips. Nothing where there is no window.
+  // Makes the window wider by so many twips. Without a window it does nothing.
   virtual void WidenWindow(int twips) = 0;
-  // Closes the window, which a generator does when it ends after a close request. The view itself
+  // Closes the window. A generator calls it when it ends after a close request. The view itself
   // stays usable until the generator's caller has returned.
   virtual void CloseWindow() = 0;
 
-  // Name offered by the save dialog, as it is on the disc and without extension. The generator sets
-  // it; the dialog shows the host's form of it.
+  // The name that the save dialog offers, as it is on the disc and without extension. The generator
+  // sets it; the dialog shows the host's form of it.
   std::string DefaultName;
-  // Set when the generator has ended; set before that by a close request, which asks the generator
-  // to stop.
+  // True when the generator has ended. A close request sets it earlier, to ask the generator to
+  // stop.
   bool Finished = false;
 
   TextStyle& Style;
@@ -56,11 +56,12 @@ class TextView {
   virtual void Append(const std::string& text) = 0;
 };
 
-// The fixed end of a generator: close the window if that was asked for meanwhile, then be finished.
+// The fixed end of a generator: it closes the window if a close request came meanwhile, and then
+// sets Finished.
 void EndView(TextView& view);
 
-// Caption and DefaultName of the views of one file. verb stands before the name and brings its own
-// blank: "View File - " or "Disassemble File - ".
+// Sets caption and DefaultName for a view of one file. The caption is verb and the file's name;
+// verb ends in a blank, as in "View File - " and "Disassemble File - ".
 void SetFileCaption(TextView& view, const std::string& verb, const std::string& name);
 
 }  // namespace sectorbox

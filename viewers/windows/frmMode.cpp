@@ -17,13 +17,13 @@ namespace {
 constexpr int kFlashingMode = 2;
 constexpr QSize kWindowSize{680, 662};
 
-// Entries without an action: the palette is changed by its buttons.
+// These entries have no action: the user changes the palette with its buttons.
 constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Green", "Yellow",
                                                        "Blue",  "Magenta", "Cyan",  "White"};
 
 }  // namespace
 
-frmMode::frmMode(Disc& disc, CurrentRow row) : disc_(disc), row_(std::move(row)) {
+frmMode::frmMode(Disc& disc, const CurrentRow& row) : disc_(disc), row_(row) {
   setObjectName(QStringLiteral("frmMode"));
   setAttribute(Qt::WA_DeleteOnClose);
   auto* layout = new QVBoxLayout(this);
@@ -44,25 +44,40 @@ frmMode::frmMode(Disc& disc, CurrentRow row) : disc_(disc), row_(std::move(row))
 }
 
 QLayout* frmMode::MakeControls() {
+  QWidget* frame = MakePaletteFrame();
+  QLayout* modes = MakeModeButtons();
+  // The frame's title is above its buttons. As much room above these buttons puts all of them on
+  // one line.
+  const QMargins inFrame = frame->contentsMargins();
+  modes->setContentsMargins(0, inFrame.top(), 0, inFrame.bottom());
+  auto* controls = new QHBoxLayout;
+  controls->addLayout(modes);
+  controls->addStretch();
+  controls->addWidget(frame);
+  return controls;
+}
+
+QWidget* frmMode::MakePaletteFrame() {
   auto* frame = new QGroupBox(QStringLiteral("Colour Palette"), this);
   frame->setObjectName(QStringLiteral("Frame1"));
-  auto* inFrame = new QHBoxLayout(frame);
+  auto* buttons = new QHBoxLayout(frame);
   for (std::size_t i = 0; i < cmdPalet_.size(); ++i) {
     cmdPalet_[i] = new ColourButton(frame, QStringLiteral("cmdPalet%1").arg(i));
     cmdPalet_[i]->SetSpokenName(QStringLiteral("Colour %1").arg(i));
     connect(cmdPalet_[i], &QPushButton::clicked, this,
             [this, i] { cmdPalet_Click(static_cast<int>(i)); });
-    inFrame->addWidget(cmdPalet_[i]);
+    buttons->addWidget(cmdPalet_[i]);
   }
   auto* reset = new QPushButton(QStringLiteral("Reset"), frame);
   reset->setObjectName(QStringLiteral("cmdReset"));
   connect(reset, &QPushButton::clicked, this, [this] { cmdReset_Click(); });
-  inFrame->addWidget(reset);
+  buttons->addWidget(reset);
+  return frame;
+}
+
+QLayout* frmMode::MakeModeButtons() {
   auto* modes = new QHBoxLayout;
   modes->setSpacing(4);
-  // The frame's title is above its buttons; as much above these puts all of them on one line.
-  modes->setContentsMargins(0, frame->contentsMargins().top(), 0,
-                            frame->contentsMargins().bottom());
   for (const ScreenMode& mode : kScreenModes) {
     auto* button = new QPushButton(QStringLiteral("Mode %1").arg(mode.Mode), this);
     button->setObjectName(QStringLiteral("cmdMode%1").arg(mode.Mode));
@@ -73,18 +88,12 @@ QLayout* frmMode::MakeControls() {
     });
     modes->addWidget(button);
   }
-  auto* controls = new QHBoxLayout;
-  controls->addLayout(modes);
-  controls->addStretch();
-  controls->addWidget(frame);
-  return controls;
+  return modes;
 }
 
 void frmMode::MakeMenus(QLayout& layout) {
-  menu_ = std::make_unique<PictureMenu>(*this, layout);
-  menu_->Save = [this] { SavePictureAs(*this, Picture1_->Shown(), DefaultName); };
-  menu_->Print = [this] { PrintPictureOnDefault(*this, Picture1_->Shown(), SetUpPrinter); };
-  QMenu* colours = menu_->Bar(QStringLiteral("mnuColour"), QStringLiteral("Colours"));
+  const auto* menu = new PictureMenu(*this, layout, *Picture1_, DefaultName);
+  QMenu* colours = menu->Bar(QStringLiteral("mnuColour"), QStringLiteral("Colours"));
   for (const char* name : kColourEntries) {
     const QString caption = QString::fromLatin1(name);
     colours->addAction(caption)->setObjectName(QStringLiteral("mnuColour") + caption);
@@ -104,7 +113,7 @@ void frmMode::Show_File() {
 void frmMode::Render() {
   const ScreenMode* mode = FindScreenMode(Tag);
   if (mode == nullptr) return;
-  const ListRow* row = row_();
+  const ListRow* row = row_.CurrentItem();
   if (row == nullptr) {
     close();
     return;
@@ -135,8 +144,8 @@ void frmMode::cmdPalet_Click(int index) {
   frmPalette dialog(this);
   dialog.exec();
   const ScreenMode* mode = FindScreenMode(Tag);
-  if (SelectedColour == -1 || mode == nullptr) return;
-  palette_.Set(*mode, index, static_cast<Colour>(SelectedColour));
+  if (!dialog.SelectedColour || mode == nullptr) return;
+  palette_.Set(*mode, index, *dialog.SelectedColour);
   Show_File();
 }
 
@@ -145,11 +154,12 @@ void frmMode::cmdReset_Click() {
   Show_File();
 }
 
-// Draws directly: Show_File would begin the flashing anew.
+// This draws directly, since Show_File would begin the flashing anew.
 void frmMode::Timer1_Timer() {
   FlashOn = !FlashOn;
-  // Without a row Render closes the window, and would take away a dialog that is still being asked.
-  if (row_() == nullptr && QApplication::activeModalWidget() != nullptr) return;
+  // Without a row Render closes the window. That would take away a dialog which still waits for the
+  // user.
+  if (row_.CurrentItem() == nullptr && QApplication::activeModalWidget() != nullptr) return;
   Render();
 }
 

@@ -45,7 +45,7 @@ void ColourButton::paintEvent(QPaintEvent* event) {
   painter.fillRect(rect().adjusted(1, 1, -1, -1), palette().color(QPalette::Light));
   painter.fillRect(rect().adjusted(2, 2, -2, -2), QColor::fromRgb(static_cast<QRgb>(back_)));
   if (!hasFocus()) return;
-  // A frame that shows on every colour: a light line within a dark one.
+  // This frame shows on every colour: it is a light line under a dotted dark one.
   painter.setPen(Qt::white);
   painter.drawRect(rect().adjusted(3, 3, -4, -4));
   painter.setPen(QPen(Qt::black, 1, Qt::DotLine));
@@ -55,7 +55,6 @@ void ColourButton::paintEvent(QPaintEvent* event) {
 frmPalette::frmPalette(QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("frmPalette"));
   setWindowTitle(QStringLiteral("Change Palette"));
-  SelectedColour = -1;
   auto* layout = new QVBoxLayout(this);
   auto* label = new QLabel(QStringLiteral("Select New Colour"), this);
   label->setObjectName(QStringLiteral("lblRX"));
@@ -65,8 +64,8 @@ frmPalette::frmPalette(QWidget* parent) : QDialog(parent) {
     auto* patch = new ColourButton(this, QStringLiteral("cmdColour%1").arg(i));
     patch->SetBackColour(kPhysicalColours[i]);
     patch->SetSpokenName(QString::fromLatin1(kColourNames[i]));
-    connect(patch, &QPushButton::clicked, this, [this, patch] {
-      SelectedColour = patch->BackColour();
+    connect(patch, &QPushButton::clicked, this, [this, colour = kPhysicalColours[i]] {
+      SelectedColour = colour;
       accept();
     });
     patches->addWidget(patch);

@@ -3,15 +3,13 @@
 #include <QDialog>
 #include <QPushButton>
 #include <cstdint>
+#include <optional>
 
 #include "viewers/picture/Picture.h"
 
 namespace sectorbox {
 
-// What frmPalette's last use chose, as a Colour; -1 for none.
-inline std::int32_t SelectedColour = -1;
-
-// A button that is a patch of its colour. Without a colour it looks like any disabled button.
+// A button that is a patch of its colour. Without a colour it looks like any other button.
 class ColourButton : public QPushButton {
   Q_OBJECT
 
@@ -19,7 +17,7 @@ class ColourButton : public QPushButton {
   ColourButton(QWidget* parent, const QString& name);
   void SetBackColour(Colour colour);
   void ClearBackColour();  // the system's button colour
-  // What the patch is called, for the pointer that rests on it and for those who can't see it.
+  // The patch's name, for a tool tip and for a screen reader.
   void SetSpokenName(const QString& name);
   // -1 without a colour of its own.
   std::int32_t BackColour() const { return back_; }
@@ -31,12 +29,15 @@ class ColourButton : public QPushButton {
   std::int32_t back_ = -1;
 };
 
-// Offers the eight physical colours; gives its answer in SelectedColour.
+// Offers the eight physical colours.
 class frmPalette : public QDialog {
   Q_OBJECT
 
  public:
   explicit frmPalette(QWidget* parent);
+
+  // The colour that the user chose; none as long as the dialog waits, and after Cancel.
+  std::optional<Colour> SelectedColour;
 };
 
 }  // namespace sectorbox

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "disc/exchange/HostExchange.h"
-#include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
+#include "toolkit/Printing.h"
 #include "viewers/picture/PictureFile.h"
 
 namespace sectorbox {
@@ -20,7 +20,7 @@ namespace {
 constexpr int kBorder = 2;
 constexpr int kPixelsPerInch = 96;
 
-// The pixels themselves, not a copy: the picture must outlive the image.
+// The image uses the picture's own pixels and no copy, so the picture must outlive it.
 QImage ImageOf(const Picture& picture) {
   const qsizetype bytesPerLine = qsizetype{picture.Width} * qsizetype{sizeof(Colour)};
   return {reinterpret_cast<const uchar*>(picture.Pixels.data()), picture.Width, picture.Height,
@@ -50,9 +50,9 @@ void PictureBox::paintEvent(QPaintEvent*) {
   frame.state |= QStyle::State_Sunken;
   frame.lineWidth = 1;
   style()->drawPrimitive(QStyle::PE_Frame, &frame, &painter, this);
-  // In pixels of the screen from here on, and of the whole screen: at a scale between whole numbers
-  // the box itself may begin within a pixel. The painter's own transform tells the scale, as its
-  // device doesn't when the box is rendered elsewhere.
+  // From here on the painter counts pixels of the whole screen: at a scale between whole numbers
+  // the box itself may begin within a pixel. The scale comes from the painter's own transform,
+  // since the painter's device doesn't know it when the box is rendered elsewhere.
   const QTransform toScreen = painter.deviceTransform();
   painter.setWorldTransform(toScreen.inverted());
   const int square = std::max(1, static_cast<int>(toScreen.m11()));
@@ -63,20 +63,23 @@ void PictureBox::paintEvent(QPaintEvent*) {
   painter.drawImage(QRect(corner, size), ImageOf(picture_));
 }
 
-PictureMenu::PictureMenu(QWidget& window, QLayout& layout) : bar_(new QMenuBar(&window)) {
+PictureMenu::PictureMenu(QWidget& window, QLayout& layout, const PictureBox& box,
+                         const std::string& defaultName)
+    : QObject(&window),
+      window_(window),
+      box_(box),
+      defaultName_(defaultName),
+      bar_(new QMenuBar(&window)) {
   layout.setMenuBar(bar_);
   QMenu* file = Bar(QStringLiteral("mnuFile"), QStringLiteral("&File"));
-  const auto add = [file](const char* name, const char* caption) {
+  const auto add = [this, file](const char* name, const char* caption, auto handler) {
     QAction* action = file->addAction(QString::fromLatin1(caption));
     action->setObjectName(QString::fromLatin1(name));
-    return action;
+    connect(action, &QAction::triggered, this, handler);
   };
-  QObject::connect(add("mnuFileSave", "&Save File..."), &QAction::triggered, &window,
-                   [this] { Save(); });
-  QObject::connect(add("mnuFilePrint", "&Print File"), &QAction::triggered, &window,
-                   [this] { Print(); });
-  QObject::connect(add("mnuFileClose", "&Close"), &QAction::triggered, &window,
-                   [&window] { window.close(); });
+  add("mnuFileSave", "&Save File...", [this] { mnuFileSave_Click(); });
+  add("mnuFilePrint", "&Print File", [this] { mnuFilePrint_Click(); });
+  add("mnuFileClose", "&Close", [this] { window_.close(); });
 }
 
 QMenu* PictureMenu::Bar(const QString& name, const QString& caption) const {
@@ -85,11 +88,18 @@ QMenu* PictureMenu::Bar(const QString& name, const QString& caption) const {
   return menu;
 }
 
-void SavePictureAs(QWidget& window, const Picture& picture, const std::string& DefaultName) {
+void PictureMenu::mnuFileSave_Click() {
   const std::string path =
-      AskSaveFile(&window, {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*",
-                            AdfsToHostName(DefaultName) + ".bmp"});
-  if (!path.empty()) SaveBmp(picture, path);
+      AskSaveFile(&window_, {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*",
+                             AdfsToHostName(defaultName_) + ".bmp"});
+  if (!path.empty()) SaveBmp(box_.Shown(), path);
+}
+
+void PictureMenu::mnuFilePrint_Click() {
+  QPrinter printer;
+  Q_EMIT AboutToPrint(printer);
+  if (!PrinterOrTellTheUser(window_, printer)) return;
+  if (!PrintPicture(box_.Shown(), printer)) TellThatThereIsNoPrinter(window_);
 }
 
 bool PrintPicture(const Picture& picture, QPrinter& printer) {
@@ -99,17 +109,6 @@ bool PrintPicture(const Picture& picture, QPrinter& printer) {
   if (!page.begin(&printer)) return false;
   page.drawImage(QPoint(0, 0), ImageOf(picture));
   return page.end();
-}
-
-void PrintPictureOnDefault(QWidget& window, const Picture& picture,
-                           const std::function<void(QPrinter&)>& setUp) {
-  QPrinter printer;
-  if (setUp) setUp(printer);
-  const bool nowhere =
-      printer.outputFormat() == QPrinter::PdfFormat && printer.outputFileName().isEmpty();
-  if (nowhere || !PrintPicture(picture, printer)) {
-    ShowBox(&window, QStringLiteral("There is no printer to print on."));
-  }
 }
 
 }  // namespace sectorbox

@@ -2,7 +2,6 @@
 
 #include <QString>
 #include <QWidget>
-#include <functional>
 #include <string>
 
 #include "disc/catalogue/Catalogue.h"
@@ -18,11 +17,21 @@ namespace sectorbox {
 
 // Teletext's flashing characters and MODE 2's flashing colours change twice a second.
 inline constexpr int kFlashMilliseconds = 500;
-// Picture1 stands as many pixels from the window's left edge and from its menu.
+// Picture1 stands this many pixels from the window's left edge and from its menu.
 inline constexpr int kPictureMargin = 10;
 
-// The row of the list that is current now; null when there is none. Asked at each drawing.
-using CurrentRow = std::function<const ListRow*()>;
+// Where a picture window learns which row of the list is current. The window asks at each drawing.
+class CurrentRow {
+ public:
+  // Null when no row is current.
+  virtual const ListRow* CurrentItem() const = 0;
+
+ protected:
+  CurrentRow() = default;
+  ~CurrentRow() = default;
+  CurrentRow(const CurrentRow&) = default;
+  CurrentRow& operator=(const CurrentRow&) = default;
+};
 
 // Picture1: a sunken box around a picture, two pixels wider on each side than the picture itself.
 // Each pixel of the picture is a square of whole pixels of the screen, so it stays crisp at every
@@ -33,7 +42,7 @@ class PictureBox : public QWidget {
 
  public:
   explicit PictureBox(QWidget* parent);
-  // Makes the box as large as the picture and its border want it.
+  // Shows the picture and makes the box as large as the picture and its border.
   void Show(Picture picture);
   // The height of the box around that many rows of pixels.
   static int HeightFor(int rows);
@@ -46,28 +55,37 @@ class PictureBox : public QWidget {
   Picture picture_;
 };
 
-// The File menu of a picture window: mnuFileSave, mnuFilePrint, mnuFileClose.
-struct PictureMenu {
-  // Puts the menu bar with mnuFile into the window's layout.
-  PictureMenu(QWidget& window, QLayout& layout);
+// The menu bar of a picture window with its File menu, and what the entries do.
+//
+// mnuFileSave asks for a file name, offering defaultName with ".bmp", and writes the picture there
+// as a Windows bitmap; a cancelled dialog does nothing. mnuFilePrint prints the picture on the
+// system's default printer, and tells the user when there is none. mnuFileClose closes the window.
+class PictureMenu : public QObject {
+  Q_OBJECT
+
+ public:
+  // Puts the menu bar into the window's layout. The menu is a child of window. box and defaultName
+  // belong to the window too: the entries use what they hold when the user chooses one.
+  PictureMenu(QWidget& window, QLayout& layout, const PictureBox& box,
+              const std::string& defaultName);
   QMenu* Bar(const QString& name, const QString& caption) const;
 
-  std::function<void()> Save;
-  std::function<void()> Print;
+ Q_SIGNALS:
+  // The picture is about to go to this printer. A slot may change the printer's settings.
+  void AboutToPrint(QPrinter& printer);
 
  private:
+  void mnuFileSave_Click();
+  void mnuFilePrint_Click();
+
+  QWidget& window_;
+  const PictureBox& box_;
+  const std::string& defaultName_;
   QMenuBar* bar_;
 };
 
-// Asks for a file name, offering DefaultName with ".bmp", and writes the picture there as a Windows
-// bitmap. A cancelled dialog does nothing.
-void SavePictureAs(QWidget& window, const Picture& picture, const std::string& DefaultName);
 // Draws the picture at the page's top left corner, at 96 pixels to the inch. False if the printer
 // couldn't be opened.
-bool PrintPicture(const Picture& picture, QPrinter& printer);
-// The same on the default printer; tells the user when there is none. setUp, unless empty, may
-// change the printer first.
-void PrintPictureOnDefault(QWidget& window, const Picture& picture,
-                           const std::function<void(QPrinter&)>& setUp);
+[[nodiscard]] bool PrintPicture(const Picture& picture, QPrinter& printer);
 
 }  // namespace sectorbox

@@ -15,16 +15,15 @@ constexpr int kExtraHeight = 110;  // of the window over the rows of the page
 
 }  // namespace
 
-frmTeletext::frmTeletext(QWidget* parent, Disc& disc, CurrentRow row, const TeletextFont& font)
-    : QDialog(parent), disc_(disc), row_(std::move(row)), font_(font) {
+frmTeletext::frmTeletext(QWidget* parent, Disc& disc, const CurrentRow& row,
+                         const TeletextFont& font)
+    : QDialog(parent), disc_(disc), row_(row), font_(font) {
   setObjectName(QStringLiteral("frmTeletext"));
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
   Picture1_ = new PictureBox(this);
   layout->addWidget(Picture1_, 0, Qt::AlignLeft | Qt::AlignTop);
-  menu_ = std::make_unique<PictureMenu>(*this, *layout);
-  menu_->Save = [this] { SavePictureAs(*this, Picture1_->Shown(), DefaultName); };
-  menu_->Print = [this] { PrintPictureOnDefault(*this, Picture1_->Shown(), SetUpPrinter); };
+  new PictureMenu(*this, *layout, *Picture1_, DefaultName);
   RestorePlace(*this, kTeletextPlace);
   Show_File();
   Timer1_.setObjectName(QStringLiteral("Timer1"));
@@ -35,7 +34,7 @@ frmTeletext::frmTeletext(QWidget* parent, Disc& disc, CurrentRow row, const Tele
 
 void frmTeletext::Show_File() {
   if (Tag != 0) return;
-  const ListRow* row = row_();
+  const ListRow* row = row_.CurrentItem();
   if (row == nullptr) {
     close();
     return;
@@ -47,7 +46,7 @@ void frmTeletext::Show_File() {
   const auto codes = ReadTeletextPage(disc_, row->StartSector(), length);
   const int height = static_cast<int>(codes.size()) / kTeletextColumns * TeletextFont::kCellHeight;
   Picture1_->Show(DrawTeletext(codes, font_, FlashPhase));
-  // The picture of no rows is as high as the border alone and fills it.
+  // A page without rows has a picture of some black rows. The box is as high as its border alone.
   Picture1_->setFixedHeight(PictureBox::HeightFor(height));
   setFixedSize(kWidth, height + kExtraHeight);
 }

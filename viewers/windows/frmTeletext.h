@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QTimer>
+#include <string>
 
 #include "disc/store/Disc.h"
 #include "viewers/picture/TeletextFont.h"
@@ -15,8 +16,8 @@ class frmTeletext : public QDialog {
   Q_OBJECT
 
  public:
-  // disc and what row gives outlive the window.
-  frmTeletext(QWidget* parent, Disc& disc, CurrentRow row, const TeletextFont& font);
+  // disc and row outlive the window.
+  frmTeletext(QWidget* parent, Disc& disc, const CurrentRow& row, const TeletextFont& font);
 
   // Draws the page of the current row if the Tag is 0; closes the window if there is no row.
   void Show_File();
@@ -25,18 +26,16 @@ class frmTeletext : public QDialog {
 
   int Tag = 0;
   std::int16_t FlashPhase = 0;
-  std::string DefaultName;                      // offered by the save dialog, without extension
-  std::function<void(QPrinter&)> SetUpPrinter;  // may change the default printer's settings
+  std::string DefaultName;  // offered by the save dialog, without extension
 
  private:
   void Timer1_Timer();
 
   Disc& disc_;
-  CurrentRow row_;
+  const CurrentRow& row_;
   TeletextFont font_;
   PictureBox* Picture1_;
   QTimer Timer1_;
-  std::unique_ptr<PictureMenu> menu_;
 };
 
 }  // namespace sectorbox

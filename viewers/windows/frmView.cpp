@@ -1,84 +1,68 @@
 #include "viewers/windows/frmView.h"
 
-#include <QApplication>
-#include <QClipboard>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QPrinter>
-#include <QPrinterInfo>
-#include <QTextDocument>
 
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostError.h"
-#include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 #include "toolkit/Twips.h"
 #include "toolkit/WindowPlace.h"
-#include "viewers/text/BasicLister.h"
-#include "viewers/text/CatalogueViews.h"
-#include "viewers/text/Disassembler.h"
-#include "viewers/text/TextAndHexViews.h"
-#include "viewers/wordwise/Wordwise.h"
 
 namespace sectorbox {
 namespace {
 
-FileQuestion SaveQuestion(const std::string& name) {
-  return {"Save File As", "Save File (*.TXT)|*.txt|All Files (*.*)|*.*", name};
-}
+constexpr double kPointSize = 9.75;
 
 }  // namespace
 
 frmView::frmView(Disc& disc, ViewShared& shared)
-    : TextView(shared.Style), disc_(disc), shared_(shared), rtbView_(new ViewText(this)) {
+    : TextView(shared.Style),
+      TextWindow(*this, "rtbView", kPointSize, shared.Search, 0),
+      disc_(disc) {
   setObjectName(QStringLiteral("frmView"));
   setWindowTitle(QStringLiteral("View File"));
-  rtbView_->setObjectName(QStringLiteral("rtbView"));
-  rtbView_->CaretMovedByHand = [this] { FindPos = rtbView_->SelStart(); };
-  setCentralWidget(rtbView_);
+  SetUpArea();
   MakeMenus();
   RestorePlace(*this, kViewPlace);
 }
 
+// The area doesn't wrap lines.
+void frmView::SetUpArea() {
+  TextArea& area = Area();
+  area.setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  area.setLineWrapMode(QPlainTextEdit::NoWrap);
+  area.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  area.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  area.setFrameShape(QFrame::NoFrame);
+  connect(&area, &TextArea::CaretMovedByHand, this, [this] { FindPos = Area().SelStart(); });
+  setCentralWidget(&area);
+}
+
 void frmView::MakeMenus() {
-  const auto addMenu = [this](const char* name, const char* caption) {
-    QMenu* menu = menuBar()->addMenu(QLatin1String(caption));
-    menu->setObjectName(QLatin1String(name));
-    menu->menuAction()->setObjectName(QLatin1String(name));
-    return menu;
+  const TextMenus menus = MakeTextMenus(*menuBar());
+  const auto name = [](QMenu* menu, const char* text) {
+    menu->setObjectName(QLatin1String(text));
+    menu->menuAction()->setObjectName(QLatin1String(text));
   };
-  const auto add = [this](QMenu* menu, const char* name, const char* caption, auto handler) {
-    QAction* action = menu->addAction(QLatin1String(caption));
-    action->setObjectName(QLatin1String(name));
-    connect(action, &QAction::triggered, this, handler);
-    return action;
-  };
-  QMenu* file = addMenu("mnuFile", "&File");
-  add(file, "mnuFileSave", "&Save File...", [this] { mnuFileSave_Click(); });
-  add(file, "mnuFilePrint", "&Print File", [this] { mnuFilePrint_Click(); });
-  add(file, "mnuFileClose", "&Close", [this] { close(); });
-  QMenu* edit = addMenu("mnuEdit", "&Edit");
-  add(edit, "mnuEditFind", "&Find...", [this] {
-    mnuEditFind_Click();
-  })->setShortcut(Qt::CTRL | Qt::Key_F);
-  add(edit, "mnuEditNext", "Find &Next", [this] { mnuEditNext_Click(); })->setShortcut(Qt::Key_F3);
-  edit->addSeparator()->setObjectName(QStringLiteral("mnuEditSep"));
-  add(edit, "mnuEditCopy", "&Copy", [this] {
-    mnuEditCopy_Click();
-  })->setShortcut(Qt::CTRL | Qt::Key_C);
-  add(edit, "mnuEditSelectAll", "Select &All", [this] {
-    rtbView_->SelectEverything();
-  })->setShortcut(Qt::CTRL | Qt::Key_A);
+  name(menus.File, "mnuFile");
+  name(menus.Edit, "mnuEdit");
+  menus.Find->setShortcut(Qt::CTRL | Qt::Key_F);
+  menus.Next->setShortcut(Qt::Key_F3);
+  menus.Copy->setShortcut(Qt::CTRL | Qt::Key_C);
+  menus.SelectAll->setShortcut(Qt::CTRL | Qt::Key_A);
+  menus.Edit->insertSeparator(menus.Copy)->setObjectName(QStringLiteral("mnuEditSep"));
 }
 
 void frmView::Show_File(const ViewTarget& target) {
   ToFile = false;
-  if (target.ViewAs) {
+  if (ViewAs) {
     if (!OpenOutput()) return;
     ToFile = true;
   } else {
@@ -87,7 +71,7 @@ void frmView::Show_File(const ViewTarget& target) {
   running_ = true;
   RunGenerator(target);
   running_ = false;
-  rtbView_->SetCaret(0);
+  Area().SetCaret(0);
   if (ToFile) close();
   // A second close request while the generator ran has closed the window already.
   if (unloaded_) deleteLater();
@@ -96,7 +80,7 @@ void frmView::Show_File(const ViewTarget& target) {
 // False when the user cancelled or the file can't be made. The window then stays as it is, loaded
 // and hidden.
 bool frmView::OpenOutput() {
-  OutputName = AskSaveFile(this, SaveQuestion("*.txt"));
+  OutputName = AskSaveFile(this, TextFileQuestion("*.txt"));
   if (OutputName.empty()) return false;
   try {
     file_.emplace(OutputName);
@@ -107,65 +91,32 @@ bool frmView::OpenOutput() {
   return true;
 }
 
-// What fails here is told here: the window has to come to its end either way. A file that is
-// incomplete doesn't replace the old one.
+// This function tells the user itself what the host refuses, since Show_File has to come to its end
+// either way. An incomplete file doesn't replace the old one.
 void frmView::RunGenerator(const ViewTarget& target) {
   try {
     const BusyPointer busy(disc_.Host);
-    Generate(Tag.toInt(), target);
+    bool isNumber = false;
+    const int number = Tag.toInt(&isNumber);
+    const TextViewKind* kind = isNumber ? FindTextView(number) : nullptr;
+    if (kind != nullptr) ShowTextView(*kind, disc_, target, *this);
   } catch (const HostError& error) {
     file_.reset();
-    rtbView_->Flush();
+    Area().Flush();
     ShowError(error);
   }
   Finished = true;
-}
-
-void frmView::Generate(int number, const ViewTarget& target) {
-  const ListRow& row = target.CurrentItem;
-  const bool ofFile = number <= kViewFileExAll;
-  const std::int32_t sector = ofFile ? row.StartSector() : target.CurrentNodeTag;
-  switch (number) {
-    case kViewText:
-      return ShowText(disc_, row, *this);
-    case kViewHex:
-      return ShowHex(disc_, row, *this);
-    case kViewBasic:
-      return Show_Basic(disc_, row, *this);
-    case kViewMap:
-      return ShowMap(disc_, *this);
-    case kViewDis:
-      return ShowDis(disc_, row, *this);
-    case kViewWordwise:
-      return ShowWordwise(disc_, row, *this);
-    case kViewFileCat:
-    case kViewDirectoryCat:
-      return ShowCat(disc_, sector, *this);
-    case kViewFileEx:
-    case kViewDirectoryEx:
-      return ShowEx(disc_, sector, *this);
-    case kViewFileCatAll:
-    case kViewDirectoryCatAll:
-      ShowCatAll(disc_, sector, GetDirName(disc_, sector), *this);
-      return EndView(*this);
-    case kViewFileExAll:
-    case kViewDirectoryExAll:
-      ShowExAll(disc_, sector, GetDirName(disc_, sector), *this);
-      return EndView(*this);
-    default:
-      return;
-  }
 }
 
 void frmView::SetCaption(const std::string& caption) {
   setWindowTitle(FromBbc(caption));
 }
 
-// The box doesn't hold up other windows, this one least of all: a document may hold thousands of
-// what it complains about, and closing the window is the way out. Where there is no window to
-// close, because the view goes to a file, closing the box instead of pressing OK is.
+// The box isn't modal. A document may show thousands of boxes, and then the user closes the window
+// to get out of them. A view that goes to a file has no window to close: there the user closes the
+// box instead of pressing OK.
 void frmView::ShowMessage(const std::string& text) {
-  rtbView_->Flush();
+  Area().Flush();
   QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Sectorbox"), FromBbc(text), QMessageBox::Ok,
                   this);
   box.setObjectName(QStringLiteral("msgView"));
@@ -191,11 +142,11 @@ void frmView::Append(const std::string& text) {
   }
   if (text.size() > 1) QCoreApplication::processEvents();
   if (unloaded_) return;
-  rtbView_->AppendText(text, Style);
+  Area().AppendText(text, {Style.UnderlineOn, Style.BoldOn});
 }
 
-// While a generator runs, the first request only asks it to stop, and a second one closes the
-// window under it: its text then goes nowhere.
+// While a generator runs, the first close request only asks it to stop. A second one closes the
+// window under the generator, whose text then goes nowhere.
 void frmView::closeEvent(QCloseEvent* event) {
   if (!Finished) {
     Finished = true;
@@ -222,61 +173,9 @@ void frmView::Form_Unload() {
   if (!running_) deleteLater();
 }
 
-void frmView::mnuFileSave_Click() {
-  // "READ/ME" would be taken for a file in a folder.
-  const QString offer = FromBbc(AdfsToHostName(DefaultName));
-  const std::string name = AskSaveFile(this, SaveQuestion(ToHost(offer) + ".txt"));
-  if (name.empty()) return;
-  try {
-    TextFile file(name);
-    file.Write(ToBbc(rtbView_->WholeText()) + "\r\n");
-    file.Close();
-  } catch (const HostError& error) {
-    ShowError(error);
-  }
-}
-
-void frmView::mnuFilePrint_Click() {
-  if (QPrinterInfo::defaultPrinter().isNull()) {
-    ShowBox(this, QStringLiteral("No printer is set up."), QStringLiteral("Sectorbox"),
-            BoxIcon::kExclamation);
-    return;
-  }
-  QPrinter printer(QPrinterInfo::defaultPrinter());
-  PrintTo(printer);
-}
-
-void frmView::PrintTo(QPrinter& printer) {
-  QTextDocument document;
-  document.setDefaultFont(rtbView_->font());
-  document.setPlainText(rtbView_->WholeText() + QStringLiteral("\r\n"));
-  printer.setDocName(windowTitle());
-  document.print(&printer);
-}
-
-void frmView::mnuEditFind_Click() {
-  frmFind dialog(this, shared_.Search);
-  dialog.exec();
-  FindPos = -1;
-  if (!shared_.Search.FindOK) return;
-  FindPos = rtbView_->Find(shared_.Search.FindText, 0);
-  if (FindPos == -1) ShowBox(this, QStringLiteral("Text Not Found"));
-}
-
-// Says nothing when there is no further match: then, and after a Find that was cancelled or that
-// failed, it does nothing until the next Find.
-void frmView::mnuEditNext_Click() {
-  if (FindPos != -1) FindPos = rtbView_->Find(shared_.Search.FindText, FindPos + 1);
-}
-
-void frmView::mnuEditCopy_Click() {
-  QClipboard* clipboard = QApplication::clipboard();
-  clipboard->clear();
-  clipboard->setText(rtbView_->SelectedText());
-}
-
-void frmView::ShowError(const std::exception& error) {
-  ShowBox(this, FromHost(error.what()), QStringLiteral("Sectorbox"), BoxIcon::kExclamation);
+// The host would take "READ/ME" for a file in a folder.
+std::string frmView::SaveName() const {
+  return ToHost(FromBbc(AdfsToHostName(DefaultName))) + ".txt";
 }
 
 }  // namespace sectorbox

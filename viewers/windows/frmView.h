@@ -2,20 +2,16 @@
 
 #include <QMainWindow>
 #include <QPointer>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "disc/catalogue/Catalogue.h"
 #include "disc/store/Disc.h"
+#include "toolkit/TextWindow.h"
+#include "viewers/table/TextViews.h"
 #include "viewers/text/TextFile.h"
 #include "viewers/text/TextView.h"
-#include "viewers/windows/frmFind.h"
-#include "viewers/windows/frmViewText.h"
 
 class QMessageBox;
-class QPrinter;
 
 namespace sectorbox {
 
@@ -25,56 +21,27 @@ struct ViewShared {
   TextSearch Search;
 };
 
-// The numbers that a launcher writes into a view's Tag. There is no 13.
-enum ViewNumber {
-  kViewText = 0,
-  kViewHex = 1,
-  kViewBasic = 2,
-  kViewMap = 3,
-  kViewFileCat = 4,
-  kViewFileCatAll = 5,
-  kViewFileEx = 6,
-  kViewFileExAll = 7,
-  kViewDirectoryCat = 8,
-  kViewDirectoryCatAll = 9,
-  kViewDirectoryEx = 10,
-  kViewDirectoryExAll = 11,
-  kViewDis = 12,
-  kViewWordwise = 14,
-};
-
-// What a view shows, taken from the main window when the view starts: the panes may change while
-// it runs.
-struct ViewTarget {
-  ListRow CurrentItem;               // for the views of the File menu
-  std::int32_t CurrentNodeTag = -1;  // for those of the Directory menu: a directory's sector
-  bool ViewAs = false;               // to a host file instead of the window
-};
-
-// The one text window of the views. A launcher makes it, sets Tag and calls Show_File; from then on
-// it looks after itself, its destruction included. Any number can be open, and several may be
-// running, one inside the event loop of the other.
-class frmView : public QMainWindow, public TextView {
+// The text window of all views. A launcher makes it, sets Tag and calls Show_File; from then on the
+// window looks after itself and deletes itself in the end. Any number of windows can be open, and
+// several may be running, one inside the event loop of the other.
+class frmView : public QMainWindow, public TextView, public TextWindow {
   Q_OBJECT
 
  public:
   // disc and shared outlive the window.
   frmView(Disc& disc, ViewShared& shared);
 
-  // Decimal text of a ViewNumber; anything else shows nothing.
+  // Decimal text of a view's number; anything else shows nothing.
   QString Tag;
-  // Position from which Find Next goes on; -1 when there is nothing to go on with.
-  int FindPos = 0;
+  // Set by the launcher: Show_File asks the user for a host file and writes the view to it.
+  bool ViewAs = false;
   // The output goes to a host file, and the window stays hidden.
   bool ToFile = false;
   std::string OutputName;
 
-  // Runs the view named by Tag, to its end or to a close request, and comes back then.
+  // Runs the view named by Tag, to its end or to a close request, and comes back then. The launcher
+  // takes target from the main window when the view starts: the panes may change while it runs.
   void Show_File(const ViewTarget& target);
-
-  // The whole text as plain text, in one piece. Apart from the choice of the printer this is what
-  // Print does.
-  void PrintTo(QPrinter& printer);
 
   // What a generator asks of its window.
   void SetCaption(const std::string& caption) override;
@@ -85,23 +52,16 @@ class frmView : public QMainWindow, public TextView {
  protected:
   void Append(const std::string& text) override;
   void closeEvent(QCloseEvent* event) override;
+  std::string SaveName() const override;
 
  private:
+  void SetUpArea();
   void MakeMenus();
-  bool OpenOutput();
+  [[nodiscard]] bool OpenOutput();
   void RunGenerator(const ViewTarget& target);
-  void Generate(int number, const ViewTarget& target);
   void Form_Unload();
-  void mnuFileSave_Click();
-  void mnuFilePrint_Click();
-  void mnuEditFind_Click();
-  void mnuEditNext_Click();
-  void mnuEditCopy_Click();
-  void ShowError(const std::exception& error);
 
   Disc& disc_;
-  ViewShared& shared_;
-  ViewText* rtbView_;
   std::optional<TextFile> file_;
   QPointer<QMessageBox> box_;
   bool running_ = false;

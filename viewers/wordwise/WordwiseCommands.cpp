@@ -1,6 +1,4 @@
 // Finding embedded commands and their arguments, and running them now or later.
-#include "viewers/wordwise/WordwiseCommands.h"
-
 #include <algorithm>
 
 #include "disc/catalogue/Adfs.h"
@@ -21,27 +19,28 @@ bool IsDigit(std::uint8_t c) {
 }  // namespace
 
 void WordwiseFormatter::DoCommand() {
-  const WordwiseCommand* command = ParseCommand();
+  const Command* command = ParseCommand();
   if (command != nullptr) return ExecCommand(*command);
   ++Pos;
   SkipArgs();
 }
 
-// The command whose start Pos stands on, or none with EndFlag set. A control character where the
-// first letter should be is passed over in silence.
-const WordwiseCommand* WordwiseFormatter::ParseCommand() {
+// Gives the command on whose start Pos stands. Where there is none the result is null and EndFlag
+// is set; a box names the two letters, but a control character in place of the first one is passed
+// over in silence.
+const WordwiseFormatter::Command* WordwiseFormatter::ParseCommand() {
   EndFlag = true;
   const std::uint8_t first = ByteOrZero(std::int64_t{Pos} + 1);
   if (first < 32) return nullptr;
   const std::uint8_t second = ByteOrZero(std::int64_t{Pos} + 2);
   const std::string letters =
       UpperCase(std::string{static_cast<char>(first), static_cast<char>(second)});
-  for (const WordwiseCommand& command : kWordwiseCommands) {
-    if (std::string_view(letters).substr(0, command.Name.size()) != command.Name) continue;
+  for (const Command& command : kCommands) {
+    if (std::string_view(letters).substr(0, command.Letters.size()) != command.Letters) continue;
     EndFlag = false;
     return &command;
   }
-  // Once the window is to be closed, no more boxes stand in its way.
+  // After a close request no more boxes stand in the way.
   if (!view_.Finished) {
     view_.ShowMessage("Unrecognised Command " + letters);
     reader_.Forget();
@@ -49,21 +48,21 @@ const WordwiseCommand* WordwiseFormatter::ParseCommand() {
   return nullptr;
 }
 
-void WordwiseFormatter::ExecCommand(const WordwiseCommand& command) {
+void WordwiseFormatter::ExecCommand(const Command& command) {
   switch (command.Class) {
     case WordwiseClass::kAtOnce:
       Pos += kCommandLength;
-      DoDirective(command.Directive);
+      command.Run(*this);
       SkipArgs();
       return;
     case WordwiseClass::kAtLineStart:
       if (LineIsEmpty()) {
         Pos += kCommandLength;
-        DoDirective(command.Directive);
+        command.Run(*this);
         return;
       }
-      // Pos stands on the command's start, so nothing is skipped and Pos ends one before it: the
-      // line ends here, and the next one begins with the same command.
+      // Pos stands on the command's start, so SkipArgs skips nothing and leaves Pos one before it.
+      // The line ends here, and the next line begins with the same command.
       SkipArgs();
       Ch = kLineBroken;
       EndFlag = true;
@@ -76,43 +75,43 @@ void WordwiseFormatter::ExecCommand(const WordwiseCommand& command) {
 
 // Notes the command for the moment when the cell at LinePos has been printed.
 void WordwiseFormatter::Defer() {
-  std::uint8_t& cell = CellAt(LinePos);
+  std::uint8_t& cell = CellAt(line_.LinePos);
   const bool newGroup = (cell & format::kTopBit) == 0;
-  if (newGroup && DeferredIndex != 0) ++DeferredIndex;
-  SetDeferred(DeferredIndex, Pos);
-  SetDeferred(DeferredIndex + 1, 0);
-  ++DeferredIndex;
+  if (newGroup && deferred_.DeferredIndex != 0) ++deferred_.DeferredIndex;
+  SetDeferred(deferred_.DeferredIndex, Pos);
+  SetDeferred(deferred_.DeferredIndex + 1, 0);
+  ++deferred_.DeferredIndex;
   ++Pos;
   SkipArgs();
   cell |= format::kTopBit;
   EndFlag = false;
 }
 
-// Runs one group. A group ends with DeferredIndex on its closing zero, and nothing steps past that:
-// the second group of a line first runs the zero as if it were a command at the document's start,
-// and reads the bytes at offsets 1 and 2 as its letters. Where they are none, a box appears, as it
-// always has on lines with, say, US and UE at two places.
+// Runs one group of deferred commands. It ends with DeferredIndex on the group's closing zero, and
+// no step passes that zero. The second group of a line therefore first runs the zero as if it were
+// a command at the document's start, and takes the bytes at offsets 1 and 2 for its letters. Where
+// they are no command, a box appears. A line with US and UE at two places has always shown it.
 void WordwiseFormatter::RunDeferred() {
   const SavedPos saved = SavePos();
   do {
-    Pos = DeferredAt(DeferredIndex);
-    if (const WordwiseCommand* command = ParseCommand()) {
+    Pos = DeferredAt(deferred_.DeferredIndex);
+    if (const Command* command = ParseCommand()) {
       Pos += kCommandLength;
-      DoDirective(command->Directive);
+      command->Run(*this);
       SkipArgs();
     }
-    ++DeferredIndex;
-  } while (DeferredAt(DeferredIndex) != 0);
+    ++deferred_.DeferredIndex;
+  } while (DeferredAt(deferred_.DeferredIndex) != 0);
   RestorePos(saved);
 }
 
 std::int32_t WordwiseFormatter::DeferredAt(std::size_t index) const {
-  return index < Deferred.size() ? Deferred[index] : 0;
+  return index < deferred_.Deferred.size() ? deferred_.Deferred[index] : 0;
 }
 
 void WordwiseFormatter::SetDeferred(std::size_t index, std::int32_t pos) {
-  if (index >= Deferred.size()) Deferred.resize(index + 1);
-  Deferred[index] = pos;
+  if (index >= deferred_.Deferred.size()) deferred_.Deferred.resize(index + 1);
+  deferred_.Deferred[index] = pos;
 }
 
 void WordwiseFormatter::SkipArgs() {
@@ -121,8 +120,8 @@ void WordwiseFormatter::SkipArgs() {
   } while (EndFlag);
 }
 
-// To the end of the argument: onto the byte that ends the command, one before the start of another
-// command, or behind a comma, which alone sets EndFlag.
+// Moves Pos to the end of the argument. That is the byte that ends the command, or one before the
+// start of another command, or the byte behind a comma. Only the comma sets EndFlag.
 void WordwiseFormatter::SkipArg() {
   EndFlag = false;
   if (Pos >= DocLen) return;
@@ -140,8 +139,8 @@ void WordwiseFormatter::SkipArg() {
   EndFlag = true;
 }
 
-// Up to three digits at Pos, which stays; Count is their number. EndFlag is set where there is
-// none.
+// Gives the number of up to three digits at Pos. Pos stays, and Count is the number of digits.
+// EndFlag is set where there is no digit.
 std::int16_t WordwiseFormatter::ReadNumber() {
   std::int16_t number = 0;
   for (Count = 0; Count < 3; ++Count) {

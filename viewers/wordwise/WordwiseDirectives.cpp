@@ -1,4 +1,5 @@
-// What each embedded command does. Pos stands behind its letters.
+// The table of the embedded commands, and what each of them does. Pos stands behind the command's
+// letters.
 #include <algorithm>
 
 #include "disc/host/HostError.h"
@@ -7,7 +8,7 @@
 namespace sectorbox {
 
 using namespace wordwise;
-using enum WordwiseDirective;
+using enum WordwiseClass;
 
 namespace {
 
@@ -18,155 +19,51 @@ constexpr std::int16_t kMaxNumber = 1000;  // no number has more than three digi
 
 }  // namespace
 
-// CE, TI and FI skip their argument here as ExecCommand does for the commands that act at once. SP,
-// BP and CP end the line themselves and leave EndFlag as their answer.
-void WordwiseFormatter::DoDirective(WordwiseDirective directive) {
-  if (!DoLayoutDirective(directive) && !DoPageDirective(directive)) DoInlineDirective(directive);
-}
-
-bool WordwiseFormatter::DoLayoutDirective(WordwiseDirective directive) {
-  switch (directive) {
-    case kIN:
-      DoIN();
-      return true;
-    case kTI:
-      DoTI();
-      SkipArgs();
-      return true;
-    case kCI:
-      Indent = 0;
-      if (LineIsEmpty()) FillIndent(0);
-      return true;
-    case kFL:
-      LeftMargin = NumberOr(0);
-      return true;
-    case kLM:
-      LeftMargin = NumberOr(LeftMargin);
-      return true;
-    case kLL:
-      DoLL();
-      return true;
-    case kLS:
-      LineSpacing = NumberOr(1);
-      return true;
-    case kSS:
-      LineSpacing = 1;
-      return true;
-    case kCE:
-      CentreLines = NumberOr(1);
-      BeginLineOver();
-      Centring = true;
-      SkipArgs();
-      return true;
-    case kFI:
-      BeginLineOver();
-      FlushRight = true;
-      SkipArgs();
-      return true;
-    case kJO:
-      Justify = true;
-      return true;
-    case kNJ:
-      Justify = false;
-      return true;
-    case kDT:
-      DoDT();
-      return true;
-    default:
-      return false;
-  }
-}
-
-bool WordwiseFormatter::DoPageDirective(WordwiseDirective directive) {
-  switch (directive) {
-    case kPL:
-      PageLength = NumberWithin(10, kMaxNumber, 66);
-      return true;
-    case kTS:
-      TopSpace = NumberWithin(0, kMostEdgeLines, 6);
-      return true;
-    case kBS:
-      BottomSpace = NumberWithin(0, kMostEdgeLines, 6);
-      return true;
-    case kHP:
-      HeaderLine = NumberWithin(0, kMostEdgeLines, 2);
-      return true;
-    case kFP:
-      FooterLine = NumberWithin(0, kMostEdgeLines, 2);
-      return true;
-    case kDH:
-      DefineText(HeaderPos);
-      return true;
-    case kDF:
-      DefineText(FooterPos);
-      return true;
-    case kPN:
-      PageNumber = NumberOr(PageNumber);
-      return true;
-    case kCO:
-      Paged = false;
-      return true;
-    case kEP:
-      Paged = true;
-      return true;
-    case kSP:
-      DoSP();
-      return true;
-    case kBP:
-      if (Paged) {
-        BreakPage();
-      } else {
-        SkipArgs();
-      }
-      return true;
-    case kCP:
-      DoCP();
-      return true;
-    default:
-      return false;
-  }
-}
-
-void WordwiseFormatter::DoInlineDirective(WordwiseDirective directive) {
-  switch (directive) {
-    case kPC:
-      DoPC();
-      return;
-    case kDP:
-      TickChar = NumberOr('`');
-      return;
-    case kPP:
-      DoPP();
-      return;
-    case kEM:
-      Messages = true;
-      return;
-    case kDM:
-      Messages = false;
-      return;
-    case kUS:
-      view_.Style.UnderlineOn = true;
-      return;
-    case kUE:
-      view_.Style.UnderlineOn = false;
-      return;
-    case kDS:
-      view_.Style.BoldOn = true;
-      return;
-    case kDE:
-      view_.Style.BoldOn = false;
-      return;
-    case kGF:
-      DoGF();
-      return;
-    case kOC:
-      DoOC();
-      return;
-    default:
-      SkipArgs();
-      return;  // ES and the comment
-  }
-}
+// ExecCommand skips the arguments of the commands that act at once, and RunDeferred those of the
+// deferred ones. The commands at the start of a line skip their arguments themselves: TI, CE and FI
+// go on with the line, while SP, BP and CP end it and leave EndFlag as their answer.
+using Me = WordwiseFormatter;
+const std::array<WordwiseFormatter::Command, 39> WordwiseFormatter::kCommands = {{
+    {"IN", kAtOnce, [](Me& f) { f.DoIN(); }},       // number: indent
+    {"TI", kAtLineStart, [](Me& f) { f.DoTI(); }},  // number: indent one line
+    {"CI", kAtOnce, [](Me& f) { f.DoCI(); }},       // cancel indent
+    {"FL", kAtOnce, [](Me& f) { f.margins_.LeftMargin = f.NumberOr(0); }},   // number: left margin
+    {"LL", kAtOnce, [](Me& f) { f.DoLL(); }},                                // number: line length
+    {"PL", kAtOnce, [](Me& f) { f.DoPL(); }},                                // number: page length
+    {"TS", kAtOnce, [](Me& f) { f.page_.TopSpace = f.EdgeLines(6); }},       // number: top space
+    {"BS", kAtOnce, [](Me& f) { f.page_.BottomSpace = f.EdgeLines(6); }},    // number: bottom space
+    {"LS", kAtOnce, [](Me& f) { f.margins_.LineSpacing = f.NumberOr(1); }},  // number: line spacing
+    {"CE", kAtLineStart, [](Me& f) { f.DoCE(); }},                           // number: centre lines
+    {"SP", kAtLineStart, [](Me& f) { f.DoSP(); }},                           // number: empty lines
+    {"BP", kAtLineStart, [](Me& f) { f.DoBP(); }},                           // begin a new page
+    {"PN", kAtOnce, [](Me& f) { f.DoPN(); }},                                // number: page number
+    {"CP", kAtLineStart, [](Me& f) { f.DoCP(); }},                    // number: conditional page
+    {"PC", kAtOnce, [](Me& f) { f.DoPC(); }},                         // character: the hard blank
+    {"DH", kAtOnce, [](Me& f) { f.DefineText(f.page_.HeaderPos); }},  // line: header
+    {"DF", kAtOnce, [](Me& f) { f.DefineText(f.page_.FooterPos); }},  // line: footer
+    {"JO", kAtOnce, [](Me& f) { f.align_.Justify = true; }},          // justification on
+    {"NJ", kAtOnce, [](Me& f) { f.align_.Justify = false; }},         // and off
+    {"SS", kAtOnce, [](Me& f) { f.margins_.LineSpacing = 1; }},       // single spacing
+    {"CO", kAtOnce, [](Me& f) { f.page_.Paged = false; }},            // continuous: no page heads
+    {"EP", kAtOnce, [](Me& f) { f.page_.Paged = true; }},             // paged: page heads
+    {"DT", kAtOnce, [](Me& f) { f.DoDT(); }},                         // numbers: tab stops
+    {"GF", kDeferred, [](Me& f) { f.DoGF(); }},                       // "name": get a file
+    {"OC", kDeferred, [](Me& f) { f.DoOC(); }},                       // numbers: output codes
+    {"HP", kAtOnce, [](Me& f) { f.page_.HeaderLine = f.EdgeLines(2); }},  // number: header line
+    {"FP", kAtOnce, [](Me& f) { f.page_.FooterLine = f.EdgeLines(2); }},  // number: footer line
+    {"DP", kAtOnce, [](Me& f) { f.DoDP(); }},                    // number: code for a backquote
+    {"EM", kAtOnce, [](Me& f) { f.output_.Messages = true; }},   // messages on
+    {"DM", kAtOnce, [](Me& f) { f.output_.Messages = false; }},  // and off
+    {"PP", kAtOnce, [](Me& f) { f.DoPP(); }},                    // print the page number
+    {"LM", kAtOnce, [](Me& f) { f.DoLM(); }},                    // number: left margin
+    {"US", kDeferred, [](Me& f) { f.view_.Style.UnderlineOn = true; }},   // underline starts
+    {"UE", kDeferred, [](Me& f) { f.view_.Style.UnderlineOn = false; }},  // and ends
+    {"DS", kDeferred, [](Me& f) { f.view_.Style.BoldOn = true; }},        // double strike starts
+    {"DE", kDeferred, [](Me& f) { f.view_.Style.BoldOn = false; }},       // and ends
+    {"ES", kDeferred, [](Me& f) { f.SkipArgs(); }},                       // escape sequence
+    {"*", kAtOnce, [](Me& f) { f.SkipArgs(); }},                          // comment
+    {"FI", kAtLineStart, [](Me& f) { f.DoFI(); }},  // right-align the next line
+}};
 
 std::int16_t WordwiseFormatter::NumberOr(std::int16_t fallback) {
   const std::int16_t number = ReadNumber();
@@ -179,31 +76,71 @@ std::int16_t WordwiseFormatter::NumberWithin(std::int16_t least, std::int16_t be
   return number >= least && number < below ? number : fallback;
 }
 
-// On an empty line the number is taken as it was read, without the test of its size; the test only
-// guards an indent that is to begin with the next line.
+std::int16_t WordwiseFormatter::EdgeLines(std::int16_t fallback) {
+  return NumberWithin(0, kMostEdgeLines, fallback);
+}
+
+// On an empty line the number is taken as it is. Only an indent that begins with the next line has
+// its size tested.
 void WordwiseFormatter::DoIN() {
   const std::int16_t number = ReadNumber();
   if (LineIsEmpty()) {
     FillIndent(number);
-    Indent = number;
+    margins_.Indent = number;
   } else {
-    Indent = number + kLeastWidth < LineLength ? number : std::int16_t{0};
+    margins_.Indent = number + kLeastWidth < margins_.LineLength ? number : std::int16_t{0};
   }
 }
 
 void WordwiseFormatter::DoTI() {
   const std::int16_t number = ReadNumber();
-  if (LineIsEmpty()) FillIndent(number + kLeastWidth < LineLength ? number : std::int16_t{0});
+  if (LineIsEmpty())
+    FillIndent(number + kLeastWidth < margins_.LineLength ? number : std::int16_t{0});
+  SkipArgs();
+}
+
+void WordwiseFormatter::DoCI() {
+  margins_.Indent = 0;
+  if (LineIsEmpty()) FillIndent(0);
 }
 
 void WordwiseFormatter::DoLL() {
   const std::int16_t number = ReadNumber();
-  const bool usable = !EndFlag && number != 0 && number - Indent - 1 >= kLeastWidth;
-  LineLength = usable ? number : std::int16_t{70};
+  const bool usable = !EndFlag && number != 0 && number - margins_.Indent - 1 >= kLeastWidth;
+  margins_.LineLength = usable ? number : std::int16_t{70};
+}
+
+void WordwiseFormatter::DoPL() {
+  page_.PageLength = NumberWithin(10, kMaxNumber, 66);
+}
+
+void WordwiseFormatter::DoPN() {
+  page_.PageNumber = NumberOr(page_.PageNumber);
+}
+
+void WordwiseFormatter::DoDP() {
+  output_.TickChar = NumberOr('`');
+}
+
+void WordwiseFormatter::DoLM() {
+  margins_.LeftMargin = NumberOr(margins_.LeftMargin);
 }
 
 void WordwiseFormatter::BeginLineOver() {
-  LinePos = LineStart = 0;
+  line_.LinePos = line_.LineStart = 0;
+}
+
+void WordwiseFormatter::DoCE() {
+  align_.CentreLines = NumberOr(1);
+  BeginLineOver();
+  align_.Centring = true;
+  SkipArgs();
+}
+
+void WordwiseFormatter::DoFI() {
+  BeginLineOver();
+  align_.FlushRight = true;
+  SkipArgs();
 }
 
 void WordwiseFormatter::DoSP() {
@@ -223,17 +160,25 @@ void WordwiseFormatter::BreakPage() {
   EndFlag = true;
 }
 
-void WordwiseFormatter::DoCP() {
-  const std::int16_t number = ReadNumber();
-  if (!EndFlag && PageLength - BottomSpace < number + LineCount - 1) {
+void WordwiseFormatter::DoBP() {
+  if (page_.Paged) {
     BreakPage();
   } else {
     SkipArgs();
   }
 }
 
-// The text of a header or footer is the rest of the line. What is kept is the place of the byte
-// that ended the command: NextChar steps over it when the text is read.
+void WordwiseFormatter::DoCP() {
+  const std::int16_t number = ReadNumber();
+  if (!EndFlag && page_.PageLength - page_.BottomSpace < number + page_.LineCount - 1) {
+    BreakPage();
+  } else {
+    SkipArgs();
+  }
+}
+
+// The text of a header or footer is the rest of the line. textPos is the place of the byte that
+// ended the command: NextChar steps over that byte when it reads the text.
 void WordwiseFormatter::DefineText(std::int32_t& textPos) {
   SkipArgs();
   textPos = Pos;
@@ -242,12 +187,13 @@ void WordwiseFormatter::DefineText(std::int32_t& textPos) {
   EndFlag = false;
 }
 
-// A list ends at its end. A hole in it, or no number at all, gives the stops of the start back.
+// The list may hold fewer numbers than there are stops: the other stops stay as they are. A missing
+// number behind a comma, or no number at all, gives all stops their first values back.
 void WordwiseFormatter::DoDT() {
-  for (std::int16_t& stop : TabStops) {
+  for (std::int16_t& stop : margins_.TabStops) {
     const std::int16_t number = ReadNumber();
     if (EndFlag) {
-      TabStops = kDefaultStops;
+      margins_.TabStops = kDefaultStops;
       return;
     }
     stop = number;
@@ -256,9 +202,9 @@ void WordwiseFormatter::DoDT() {
   }
 }
 
-// "Get file" on the BBC puts the named file in place of the name. Here nothing is fetched: the name
-// is closed with a carriage return, as for a call of the filing system, and put right again, so the
-// byte ends as it was.
+// "Get file" on the BBC puts the named file in place of the name. Here no file is fetched. DoGF
+// puts a carriage return behind the name, as for a call of the filing system, and then the quote
+// again, so that the byte ends as it was.
 void WordwiseFormatter::DoGF() {
   ++Pos;
   const std::int64_t from = start_ + Pos;
@@ -284,25 +230,26 @@ void WordwiseFormatter::DoOC() {
   } while (EndFlag);
 }
 
-// The number has a blank for its sign, and isn't kept within the line.
+// The number begins with a blank for its sign. It may reach beyond the line's length.
 void WordwiseFormatter::DoPP() {
-  const std::string digits = (PageNumber < 0 ? "" : " ") + std::to_string(PageNumber);
-  for (const char digit : digits) CellAt(++LinePos) = static_cast<std::uint8_t>(digit);
+  const std::string digits = (page_.PageNumber < 0 ? "" : " ") + std::to_string(page_.PageNumber);
+  for (const char digit : digits) CellAt(++line_.LinePos) = static_cast<std::uint8_t>(digit);
   EndFlag = false;
 }
 
 void WordwiseFormatter::DoPC() {
   const std::uint8_t c = ByteOrZero(Pos);
-  PadChar = c >= 32 && c <= 126 ? c : std::uint8_t{'|'};
+  output_.PadChar = c >= 32 && c <= 126 ? c : std::uint8_t{'|'};
 }
 
-// Blanks in the n cells behind LinePos, and the text begins behind column n. The count runs in
-// eight bits and ends when it meets n, so n = 0 clears the 255 cells that aren't LinePos's own.
+// Puts blanks into the n cells behind LinePos; the text then begins behind column n. The count of
+// the cells has eight bits and ends when it equals n. So n = 0 clears all 255 cells but that at
+// LinePos.
 void WordwiseFormatter::FillIndent(std::int16_t n) {
   const std::int16_t usable = UsableIndent(n);
   const std::int32_t cells = usable == 0 ? 255 : usable;
-  for (std::int32_t i = 1; i <= cells; ++i) CellAt(LinePos + i) = kBlank;
-  LinePos = LineStart = usable;
+  for (std::int32_t i = 1; i <= cells; ++i) CellAt(line_.LinePos + i) = kBlank;
+  line_.LinePos = line_.LineStart = usable;
 }
 
 }  // namespace sectorbox

@@ -5,63 +5,65 @@ namespace sectorbox {
 
 using namespace wordwise;
 
-// Only a line that a paragraph's end has ended is set right or centred, and only one that was
-// broken by wrapping is justified: a centred line that wraps is justified where that is on.
+// A line is set right or centred only where the end of a paragraph has ended it. A line is
+// justified only where wrapping has broken it. So a centred line that wraps is justified, where
+// justification is on.
 void WordwiseFormatter::AdjustLine() {
   const bool paragraphEnded = EndFlag && Ch == kParagraphEnd;
-  if (FlushRight && paragraphEnded) {
+  if (align_.FlushRight && paragraphEnded) {
     RightFlushLine();
-    FlushRight = false;
-  } else if (Centring && paragraphEnded) {
+    align_.FlushRight = false;
+  } else if (align_.Centring && paragraphEnded) {
     CentreLine();
-  } else if (Justify && !EndFlag) {
+  } else if (align_.Justify && !EndFlag) {
     JustifyLine();
   }
 }
 
 void WordwiseFormatter::RightFlushLine() {
-  const std::int32_t n = LineLength - LinePos;
+  const std::int32_t n = margins_.LineLength - line_.LinePos;
   for (std::int32_t k = 0; k < n; ++k) InsertSpace(k);
 }
 
 void WordwiseFormatter::CentreLine() {
-  const std::int32_t n = (LineLength - LinePos) / 2;
+  const std::int32_t n = (margins_.LineLength - line_.LinePos) / 2;
   for (std::int32_t k = 0; k < n; ++k) InsertSpace(k);
 }
 
-// A blank into the cell behind k; the rest of the line moves up.
+// Puts a blank into the cell behind k; the rest of the line moves up by one cell.
 void WordwiseFormatter::InsertSpace(std::int32_t k) {
-  for (std::int32_t cell = LinePos; cell > k; --cell) CellAt(cell + 1) = CellAt(cell);
+  for (std::int32_t cell = line_.LinePos; cell > k; --cell) CellAt(cell + 1) = CellAt(cell);
   CellAt(k + 1) = kBlank;
-  ++LinePos;
+  ++line_.LinePos;
 }
 
-// Stretches the line's gaps, one blank a gap in each sweep, until it is full. The sweeps begin at
-// the left on one line and at the right on the next, so that no side of the text looks thinner. A
-// blank that carries a mark isn't taken for a blank, and a hard blank never stretches.
+// Stretches the gaps of the line until it is full. Each sweep adds one blank to each gap. The
+// sweeps of one line begin at its left and those of the next at its right, so that no side of the
+// text looks thinner. A blank that carries a mark doesn't count as a blank, and a hard blank never
+// stretches.
 void WordwiseFormatter::JustifyLine() {
   if (LineIsEmpty()) return;
-  while (CellAt(LinePos) == kBlank) {
-    if (--LinePos == LineStart) return;
+  while (CellAt(line_.LinePos) == kBlank) {
+    if (--line_.LinePos == line_.LineStart) return;
   }
-  if (LinePos >= LineLength) return;
-  JustifySide = !JustifySide;
+  if (line_.LinePos >= margins_.LineLength) return;
+  align_.JustifySide = !align_.JustifySide;
   while (Sweep()) {
   }
 }
 
-// True if it found a gap and the line isn't full yet.
+// One sweep. True if it has found a gap and the line isn't full yet.
 bool WordwiseFormatter::Sweep() {
-  const std::int32_t step = JustifySide ? 1 : -1;
-  std::int32_t position = JustifySide ? LineStart : LinePos;
+  const std::int32_t step = align_.JustifySide ? 1 : -1;
+  std::int32_t position = align_.JustifySide ? line_.LineStart : line_.LinePos;
   std::uint8_t prev = kBlank;
   bool inserted = false;
-  while (JustifySide ? position < LinePos : position > LineStart) {
+  while (align_.JustifySide ? position < line_.LinePos : position > line_.LineStart) {
     const std::uint8_t c = CellAt(position);
     if (c == kBlank && prev != kBlank) {
       InsertSpace(position);
       inserted = true;
-      if (LinePos == LineLength) return false;
+      if (line_.LinePos == margins_.LineLength) return false;
     }
     prev = c;
     position += step;
@@ -69,12 +71,12 @@ bool WordwiseFormatter::Sweep() {
   return inserted;
 }
 
-// The number of cells is taken before the first is printed: a deferred command may move LinePos.
+// The last cell is fixed before the first one is printed: a deferred command may move LinePos.
 void WordwiseFormatter::OutputLine() {
-  for (std::int16_t i = 0; i < LeftMargin; ++i) EmitChar(kBlank);
-  DeferredIndex = 0;
+  for (std::int16_t i = 0; i < margins_.LeftMargin; ++i) EmitChar(kBlank);
+  deferred_.DeferredIndex = 0;
   if ((CellAt(0) & format::kTopBit) != 0) RunDeferred();
-  const std::int32_t last = LinePos;
+  const std::int32_t last = line_.LinePos;
   for (std::int32_t j = 1; j <= last; ++j) {
     const std::uint8_t cell = CellAt(j);
     EmitChar(cell & format::kLowBits);
@@ -85,8 +87,8 @@ void WordwiseFormatter::OutputLine() {
 void WordwiseFormatter::EmitChar(std::int32_t code) {
   if ((code < 32 || code > 126) && code != kParagraphEnd) return;
   if (code == '`') {
-    code = TickChar;
-  } else if (code == PadChar) {
+    code = output_.TickChar;
+  } else if (code == output_.PadChar) {
     code = kBlank;
   }
   character_.assign(1, static_cast<char>(code));

@@ -10,7 +10,7 @@ namespace {
 constexpr std::uint32_t kWordwiseAddress = 0xFFFFFFFF;
 constexpr int kWiderTwips = 50;
 
-// Room for the few steps that Pos goes beyond the end.
+// This leaves room for the few steps that Pos goes beyond the end.
 constexpr std::int64_t kLongestDocument = std::numeric_limits<std::int32_t>::max() - 1024;
 
 }  // namespace
@@ -40,18 +40,19 @@ void WordwiseFormatter::Format() {
   while (FormatLine()) EmitLineEnds();
 }
 
-// Reads the page's first line ahead and forgets it, so that the commands at the top of a page act
-// before its head is printed. They act twice, then: an unknown one shows its box twice.
+// Reads the first line of the page ahead and forgets it, so that the commands at the top of a page
+// act before its head is printed. They therefore act twice: an unknown one shows its box twice.
 void WordwiseFormatter::BeginPage() {
   const std::int32_t pos = Pos;
   ReadLine();
   Pos = pos;
-  LineCount = 1;
+  page_.LineCount = 1;
 }
 
-// One line without its line ends, whose number it leaves in Count. False at the document's end.
+// Prints one line without its line ends, and leaves the number of line ends in Count. False at the
+// document's end.
 bool WordwiseFormatter::FormatLine() {
-  if (Paged && LineCount == 1) PageHead();
+  if (page_.Paged && page_.LineCount == 1) PageHead();
   ReadLine();
   if (EndFlag && Ch == wordwise::kSkip) {
     Count = SkipCount;
@@ -64,19 +65,19 @@ bool WordwiseFormatter::FormatLine() {
   const bool last = EndFlag && Ch == wordwise::kDocumentEnd;
   OutputLine();
   if (last) return false;
-  if (Centring && --CentreLines == 0) Centring = false;
-  Count = LineSpacing;
+  if (align_.Centring && --align_.CentreLines == 0) align_.Centring = false;
+  Count = margins_.LineSpacing;
   return true;
 }
 
-// Count line ends; at least one, and a Count of 0 or less runs to the end of the page. Where the
-// page ends, so does this.
+// Prints Count line ends, but at least one. It stops where the page ends, so a Count of 0 or less
+// runs to the end of the page.
 void WordwiseFormatter::EmitLineEnds() {
   do {
     NewLine();
     if (!EndFlag) {
       PageFoot();
-      ++PageNumber;
+      ++page_.PageNumber;
       BeginPage();
       return;
     }
@@ -85,21 +86,22 @@ void WordwiseFormatter::EmitLineEnds() {
 
 void WordwiseFormatter::NewLine() {
   EmitChar(wordwise::kParagraphEnd);
-  ++LineCount;
-  EndFlag = PageLength - BottomSpace >= LineCount;
+  ++page_.LineCount;
+  EndFlag = page_.PageLength - page_.BottomSpace >= page_.LineCount;
 }
 
 void WordwiseFormatter::PageHead() {
-  PageEdge(TopSpace, HeaderLine, HeaderPos);
+  PageEdge(page_.TopSpace, page_.HeaderLine, page_.HeaderPos);
 }
 
-// Not a matter of Paged: a continuous document has its bottom space and footer too, though no head.
+// A continuous document, which isn't Paged, has no head, but it has the bottom space and the
+// footer.
 void WordwiseFormatter::PageFoot() {
-  PageEdge(BottomSpace, FooterLine, FooterPos);
+  PageEdge(page_.BottomSpace, page_.FooterLine, page_.FooterPos);
 }
 
-// Both textLine and textPos are looked at line by line: the text's own commands may move it, and so
-// have it printed once more further down, or define it anew.
+// PageEdge reads textLine and textPos anew for each line: the commands in the text may move the
+// text, so that it is printed once more further down, or define it anew.
 void WordwiseFormatter::PageEdge(std::int16_t lines, const std::int16_t& textLine,
                                  const std::int32_t& textPos) {
   for (std::int16_t i = 0; i < lines; ++i) {
@@ -112,8 +114,8 @@ void WordwiseFormatter::PageEdge(std::int16_t lines, const std::int16_t& textLin
         OutputLine();
       }
       RestorePos(saved);
-      Centring = false;
-      FlushRight = false;
+      align_.Centring = false;
+      align_.FlushRight = false;
     }
     NewLine();
   }
@@ -124,8 +126,9 @@ WordwiseFormatter::SavedPos WordwiseFormatter::SavePos() const {
   return {value, value != Pos};
 }
 
-// The first lost place sends the formatter back, into what lies before the document and through the
-// document again. Losing it a second time would only go round for ever: the document ends there.
+// The first lost place sends the formatter back, into what lies before the document and then
+// through the document again. A second lost place would send it round for ever, so the document
+// ends there.
 void WordwiseFormatter::RestorePos(const SavedPos& saved) {
   Pos = saved.Value;
   if (!saved.Lost) return;

@@ -7,18 +7,18 @@ namespace sectorbox {
 
 using namespace wordwise;
 
-// A line has room for one character at least: an indent that leaves none counts as none, or the
-// document would never come to its end.
+// A line has room for one character at least: an indent that leaves no room counts as 0. Otherwise
+// the document would never come to its end.
 std::int16_t WordwiseFormatter::UsableIndent(std::int16_t indent) const {
-  return indent >= LineLength || indent > 255 ? std::int16_t{0} : indent;
+  return indent >= margins_.LineLength || indent > 255 ? std::int16_t{0} : indent;
 }
 
 void WordwiseFormatter::ReadLine() {
-  BreakLinePos = 0;
-  DeferredIndex = 0;
-  const std::int16_t n = Centring ? std::int16_t{0} : UsableIndent(Indent);
-  std::fill_n(LineBuffer.begin(), n + 1, kBlank);
-  LineStart = LinePos = n;
+  line_.BreakLinePos = 0;
+  deferred_.DeferredIndex = 0;
+  const std::int16_t n = align_.Centring ? std::int16_t{0} : UsableIndent(margins_.Indent);
+  std::fill_n(line_.LineBuffer.begin(), n + 1, kBlank);
+  line_.LineStart = line_.LinePos = n;
   for (;;) {
     NextChar();
     if (EndFlag) return;
@@ -27,39 +27,39 @@ void WordwiseFormatter::ReadLine() {
       continue;
     }
     Ch &= format::kLowBits;
-    if (LinePos >= LineLength) break;
-    CellAt(++LinePos) = Ch;
+    if (line_.LinePos >= margins_.LineLength) break;
+    CellAt(++line_.LinePos) = Ch;
   }
   // The line is full. A blank that comes then is the gap between the lines; a word that fills the
   // line on its own is cut; any other word is read again on the next line.
   if (Ch == kBlank) {
     EndFlag = false;
-  } else if (BreakLinePos == 0) {
+  } else if (line_.BreakLinePos == 0) {
     --Pos;
   } else {
-    LinePos = BreakLinePos;
-    Pos = BreakPos;
+    line_.LinePos = line_.BreakLinePos;
+    Pos = line_.BreakPos;
     EndFlag = false;
   }
 }
 
-// To the first stop beyond the next column, or nowhere where that column is a stop or lies beyond
-// them all.
+// Fills the line up to the first stop beyond the next column. Where that column is a stop itself,
+// or lies beyond all stops, nothing happens.
 void WordwiseFormatter::Tab() {
-  const std::int32_t p = (LinePos + 1) % 256;
-  for (const std::int16_t stop : TabStops) {
+  const std::int32_t p = (line_.LinePos + 1) % 256;
+  for (const std::int16_t stop : margins_.TabStops) {
     if (p == stop) return;
     if (p > stop) continue;
-    for (std::int32_t cell = p; cell < stop; ++cell) CellAt(cell) = PadChar;
-    LinePos = stop - 1;
+    for (std::int32_t cell = p; cell < stop; ++cell) CellAt(cell) = output_.PadChar;
+    line_.LinePos = stop - 1;
     MarkBreak();
     return;
   }
 }
 
 void WordwiseFormatter::MarkBreak() {
-  BreakPos = Pos;
-  BreakLinePos = LinePos;
+  line_.BreakPos = Pos;
+  line_.BreakLinePos = line_.LinePos;
   EndFlag = false;
 }
 

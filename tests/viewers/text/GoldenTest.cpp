@@ -9,11 +9,7 @@
 #include <sstream>
 
 #include "tests/viewers/text/ViewTest.h"
-#include "viewers/text/BasicLister.h"
-#include "viewers/text/CatalogueViews.h"
-#include "viewers/text/Disassembler.h"
-#include "viewers/text/TextAndHexViews.h"
-#include "viewers/wordwise/Wordwise.h"
+#include "viewers/table/TextViews.h"
 
 namespace sectorbox {
 namespace {
@@ -83,40 +79,41 @@ class Description {
   std::map<std::string, std::int32_t> dirs_{{"$", 2}};
 };
 
-struct View {
-  const char* Name;
-  const char* Load;  // what a file of this view is given as both addresses
-  void (*ShowFile)(Disc&, const ListRow&, TextView&);
-  void (*ShowDisc)(Disc&, TextView&);
-};
+// What a file is given as both addresses. A Wordwise document is known by its own.
+const char* AddressFor(const TextViewKind& kind) {
+  return kind.Name == "Wordwise" ? "FFFFFFFF" : "FFFF1900";
+}
 
-const View kViews[] = {
-    {"text", "00000000", ShowText, nullptr},
-    {"hex", "00000000", ShowHex, nullptr},
-    {"basic", "FFFF1900", Show_Basic, nullptr},
-    {"dis", "FFFF1900", ShowDis, nullptr},
-    {"wordwise", "FFFFFFFF", ShowWordwise, nullptr},
-    {"cat", "", nullptr, [](Disc& disc, TextView& view) { ShowCat(disc, 2, view); }},
-    {"ex", "", nullptr, [](Disc& disc, TextView& view) { ShowEx(disc, 2, view); }},
-    {"catall", "", nullptr, [](Disc& disc, TextView& view) { ShowCatAll(disc, 2, "$", view); }},
-    {"exall", "", nullptr, [](Disc& disc, TextView& view) { ShowExAll(disc, 2, "$", view); }},
-    {"map", "", nullptr, ShowMap},
-};
+fs::path FolderOf(const TextViewKind& kind) {
+  return kFolder / SmallNameOf(kind);
+}
 
 struct Case {
-  const View* Of;
+  const TextViewKind* Of;
   std::string Stem;
   fs::path Input;
 };
 
+std::vector<fs::path> FilesIn(const fs::path& folder) {
+  std::vector<fs::path> files;
+  if (!fs::exists(folder)) return files;
+  for (const auto& entry : fs::directory_iterator(folder)) files.push_back(entry.path());
+  return files;
+}
+
 std::vector<Case> AllCases() {
   std::vector<Case> cases;
-  for (const View& view : kViews) {
-    for (const auto& entry : fs::directory_iterator(kFolder / view.Name / "input")) {
-      cases.push_back({&view, entry.path().stem().string(), entry.path()});
+  for (const TextViewKind& kind : TextViews()) {
+    for (const fs::path& input : FilesIn(FolderOf(kind) / "input")) {
+      cases.push_back({&kind, input.stem().string(), input});
     }
   }
   return cases;
+}
+
+// Views of a directory and of the disc: their inputs describe a disc.
+bool ShowsContents(const TextViewKind& kind) {
+  return kind.Subject == ViewSubject::kDirectory || kind.Subject == ViewSubject::kDisc;
 }
 
 class GoldenTest : public testing::ViewTest, public ::testing::WithParamInterface<Case> {
@@ -124,18 +121,21 @@ class GoldenTest : public testing::ViewTest, public ::testing::WithParamInterfac
   std::string Shown() {
     const Case& test = GetParam();
     const std::string input = ReadAll(test.Input);
-    if (test.Of->ShowDisc != nullptr) {
+    ViewTarget target;
+    if (ShowsContents(*test.Of)) {
       Open(Description(input).Image());
-      test.Of->ShowDisc(disc_, view_);
+      target.Sector = 2;
     } else {
-      test.Of->ShowFile(disc_, RowOf(BytesOf(input), test.Of->Load, test.Of->Load), view_);
+      const char* address = AddressFor(*test.Of);
+      target.Row = RowOf(BytesOf(input), address, address);
     }
+    ShowTextView(*test.Of, disc_, target, view_);
     return view_.Text;
   }
 };
 
 TEST_P(GoldenTest, ShowsWhatItShould) {
-  const fs::path golden = kFolder / GetParam().Of->Name / "golden" / (GetParam().Stem + ".txt");
+  const fs::path golden = FolderOf(*GetParam().Of) / "golden" / (GetParam().Stem + ".txt");
   const std::string shown = Shown();
   if (std::getenv("SECTORBOX_UPDATE_GOLDENS") != nullptr) {
     fs::create_directories(golden.parent_path());
@@ -147,17 +147,23 @@ TEST_P(GoldenTest, ShowsWhatItShould) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Views, GoldenTest, ::testing::ValuesIn(AllCases()), [](const auto& test) {
-  return std::string(test.param.Of->Name) + "_" + test.param.Stem;
+  return SmallNameOf(*test.param.Of) + "_" + test.param.Stem;
 });
+
+TEST(GoldenFolderTest, EveryViewHasGoldens) {
+  for (const TextViewKind& kind : TextViews()) {
+    EXPECT_FALSE(FilesIn(FolderOf(kind) / "input").empty()) << kind.Name;
+  }
+}
 
 // A golden whose input was renamed or removed would be compared with nothing.
 TEST(GoldenFolderTest, EveryGoldenHasItsInput) {
   const std::vector<Case> cases = AllCases();
-  for (const View& view : kViews) {
-    for (const auto& entry : fs::directory_iterator(kFolder / view.Name / "golden")) {
+  for (const TextViewKind& kind : TextViews()) {
+    for (const fs::path& golden : FilesIn(FolderOf(kind) / "golden")) {
       EXPECT_TRUE(std::any_of(cases.begin(), cases.end(), [&](const Case& test) {
-        return test.Of == &view && test.Stem == entry.path().stem();
-      })) << entry.path();
+        return test.Of == &kind && test.Stem == golden.stem();
+      })) << golden;
     }
   }
 }

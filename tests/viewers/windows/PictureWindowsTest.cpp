@@ -1,5 +1,6 @@
 #include <QCoreApplication>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QTest>
 #include <filesystem>
 
@@ -31,15 +32,14 @@ Bytes Striped(std::size_t count, int step) {
 class PictureWindowsTest : public WindowTest {
  protected:
   PictureWindowsTest() {
-    PictureCommands::FontFolder = folder_.Path();
     std::filesystem::copy_file(kFont, Font());
     ImageBuilder image(2560);
     image.AddFile(2, {"AEMPTY", {}});
     image.AddFile(2, {"PAGE", page_});
     image.AddFile(2, {"SCREEN", screen_});
     StartWith(image);
+    window_->Pictures().SetFontFolder(folder_.Path());
   }
-  ~PictureWindowsTest() override { PictureCommands::FontFolder.clear(); }
 
   std::string Font() const { return folder_ / kTeletextFontFile; }
 
@@ -67,6 +67,15 @@ class PictureWindowsTest : public WindowTest {
     ASSERT_TRUE(timer.isActive());
     EXPECT_EQ(timer.interval(), 500);
     QMetaObject::invokeMethod(&timer, "timeout");
+  }
+  // What the window prints from now on goes to the file.
+  static void PrintTo(QWidget& window, const std::string& pdf) {
+    auto* menu = window.findChild<PictureMenu*>();
+    ASSERT_NE(menu, nullptr);
+    QObject::connect(menu, &PictureMenu::AboutToPrint, [pdf](QPrinter& printer) {
+      printer.setOutputFormat(QPrinter::PdfFormat);
+      printer.setOutputFileName(QString::fromStdString(pdf));
+    });
   }
   Bytes PixelsOf(int number, const ScreenPalette& palette, bool flash) const {
     const ScreenMode& mode = *FindScreenMode(number);
@@ -155,10 +164,7 @@ TEST_F(PictureWindowsTest, ThePageIsPrintedAtTheTopLeftOfOnePage) {
   ClickRow(QStringLiteral("PAGE"));
   const std::string pdf = folder_ / "page.pdf";
   player_.Expect([&](QWidget& window) {
-    static_cast<frmTeletext&>(window).SetUpPrinter = [&](QPrinter& printer) {
-      printer.setOutputFormat(QPrinter::PdfFormat);
-      printer.setOutputFileName(QString::fromStdString(pdf));
-    };
+    PrintTo(window, pdf);
     Child<QAction>(window, QStringLiteral("mnuFilePrint")).trigger();
     window.close();
   });
@@ -168,6 +174,13 @@ TEST_F(PictureWindowsTest, ThePageIsPrintedAtTheTopLeftOfOnePage) {
   EXPECT_NE(text.find("/Width 480"), std::string::npos);
   EXPECT_NE(text.find("/Height 480"), std::string::npos);
   EXPECT_NE(text.find("/Count 1"), std::string::npos);
+}
+
+TEST_F(PictureWindowsTest, WithoutAPrinterPrintingIsTold) {
+  if (!QPrinterInfo::defaultPrinter().isNull()) GTEST_SKIP() << "this machine has a printer";
+  frmMode& window = OpenScreen("mnuFileViewMode0");
+  player_.ExpectBox(QStringLiteral("No printer is set up."), QStringLiteral("Sectorbox"));
+  Child<QAction>(window, QStringLiteral("mnuFilePrint")).trigger();
 }
 
 TEST_F(PictureWindowsTest, AMissingFontEndsTheProgram) {
@@ -287,9 +300,11 @@ TEST_F(PictureWindowsTest, AChosenColourIsKeptAcrossModesUntilReset) {
 
 TEST_F(PictureWindowsTest, CancellingThePaletteDialogChangesNothing) {
   frmMode& window = OpenScreen("mnuFileViewMode4");
-  player_.Expect([](QWidget& dialog) { Child(dialog, QStringLiteral("cmdCancel")).click(); });
+  player_.Expect([](QWidget& dialog) {
+    Child(dialog, QStringLiteral("cmdCancel")).click();
+    EXPECT_FALSE(static_cast<frmPalette&>(dialog).SelectedColour.has_value());
+  });
   Child(window, QStringLiteral("cmdPalet1")).click();
-  EXPECT_EQ(SelectedColour, -1);
   EXPECT_EQ(EncodeBmp(Shown(window)), PixelsOf(4, {}, false));
 }
 
@@ -298,9 +313,9 @@ TEST_F(PictureWindowsTest, ReturnTakesTheColourThatHasTheFocus) {
   player_.Expect([](QWidget& dialog) {
     Child(dialog, QStringLiteral("cmdColour2")).setFocus();
     QTest::keyClick(dialog.focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(static_cast<frmPalette&>(dialog).SelectedColour, kGreen);
   });
   Child(window, QStringLiteral("cmdPalet1")).click();
-  EXPECT_EQ(SelectedColour, static_cast<int>(kGreen));
 }
 
 TEST_F(PictureWindowsTest, AllButtonsUnderAScreenStandOnOneLine) {
@@ -358,10 +373,7 @@ TEST_F(PictureWindowsTest, AScreenIsSavedPrintedAndPlacedLikeAPage) {
   Child<QAction>(window, QStringLiteral("mnuFileSave")).trigger();
   EXPECT_EQ(ReadAll(folder_ / "SCREEN.bmp"), PixelsOf(2, {}, false));
   const std::string pdf = folder_ / "screen.pdf";
-  window.SetUpPrinter = [&](QPrinter& printer) {
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(QString::fromStdString(pdf));
-  };
+  PrintTo(window, pdf);
   Child<QAction>(window, QStringLiteral("mnuFilePrint")).trigger();
   EXPECT_NE(ReadText(pdf).find("/Width 640"), std::string::npos);
   window.move(60, 45);

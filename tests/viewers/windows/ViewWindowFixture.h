@@ -55,7 +55,7 @@ class ViewWindowTest : public WindowTest {
     Choose(entry);
     return View();
   }
-  static ViewText& TextOf(frmView& view) { return *view.findChild<ViewText*>("rtbView"); }
+  static TextArea& TextOf(frmView& view) { return *view.findChild<TextArea*>("rtbView"); }
   static std::string Shown(frmView& view) { return ToBbc(TextOf(view).WholeText()); }
   static void ChooseIn(frmView& view, const char* entry) {
     auto* action = view.findChild<QAction*>(QLatin1String(entry));

@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
@@ -85,9 +86,24 @@ TEST_F(ViewWindowTest, AFreshWindowIsCalledViewFileAndBeginsToFindAtItsTop) {
   EXPECT_FALSE(view.Finished);
 }
 
+TEST_F(ViewWindowTest, ATagThatIsNoNumberOfAViewShowsNothing) {
+  StartWithFiles();
+  ViewShared shared;
+  for (const char* tag : {"", "13", "99", "-1", "Text"}) {
+    auto* view = new frmView(*disc_, shared);
+    view->Tag = QLatin1String(tag);
+    view->Show_File({});
+    EXPECT_EQ(Shown(*view), "") << tag;
+    EXPECT_EQ(view->windowTitle(), QStringLiteral("View File")) << tag;
+    EXPECT_TRUE(view->Finished) << tag;
+    view->close();
+    Settle();
+  }
+}
+
 TEST_F(ViewWindowTest, TheTextAreaIsInCourierNewNeverWrapsAndHasBothScrollBars) {
   StartWithFiles();
-  const ViewText& area = TextOf(ViewRow("Alpha", "mnuFileViewText"));
+  const TextArea& area = TextOf(ViewRow("Alpha", "mnuFileViewText"));
   EXPECT_EQ(area.font().family(), QStringLiteral("Courier New"));
   EXPECT_EQ(area.font().pointSizeF(), 9.75);
   EXPECT_EQ(area.lineWrapMode(), QPlainTextEdit::NoWrap);
@@ -195,6 +211,14 @@ TEST_F(ViewWindowTest, PrintSendsTheWholeText) {
   printer.setOutputFileName(QString::fromStdString(folder_ / "print.pdf"));
   view.PrintTo(printer);
   EXPECT_GT(HostFileLength(folder_ / "print.pdf"), 1000U);
+}
+
+TEST_F(ViewWindowTest, WithoutAPrinterPrintingIsTold) {
+  if (!QPrinterInfo::defaultPrinter().isNull()) GTEST_SKIP() << "this machine has a printer";
+  StartWithFiles();
+  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  player_.ExpectBox(QStringLiteral("No printer is set up."), QStringLiteral("Sectorbox"));
+  ChooseIn(view, "mnuFilePrint");
 }
 
 TEST_F(ViewWindowTest, AFileOfOneLongLineKeepsItsLayoutAndShortLinesDoNot) {

@@ -5,14 +5,15 @@
 
 namespace sectorbox {
 
-// What is looked for: one for all views of the program, so that the last text is remembered across
-// windows. FindOK says whether the dialog was left with its OK.
+// What the user looks for. All text windows of the program share one, so that the dialog remembers
+// the last text across windows. FindOK says whether the user left the dialog with its OK.
 struct TextSearch {
   QString FindText;
   bool FindOK = false;
 };
 
-// "Find". Loads with the text that was looked for last, all of it selected.
+// "Find". It shows the text that the user looked for last, all of it selected. Its OK stores the
+// new text in search.
 class frmFind : public QDialog {
  public:
   frmFind(QWidget* parent, TextSearch& search);

@@ -1,4 +1,4 @@
-#include "viewers/windows/frmViewText.h"
+#include "toolkit/TextArea.h"
 
 #include <QFontDatabase>
 #include <QKeyEvent>
@@ -12,62 +12,53 @@ namespace sectorbox {
 namespace {
 
 constexpr qint64 kFlushMilliseconds = 25;
-// Putting in this much takes a few milliseconds.
+// Qt needs a few milliseconds for this much text.
 constexpr std::size_t kFlushBytes = 65536;
-// A line from here on is worth keeping laid out, at some thirty bytes a character.
+// A line of this many characters keeps its layout, which takes some thirty bytes a character.
 constexpr int kLongLine = 4096;
 constexpr QChar kBlockEnd = QChar::ParagraphSeparator;
 
-QFont ViewFont() {
+QFont AreaFont(double pointSize) {
   QFont font(QStringLiteral("Courier New"));
   font.setStyleHint(QFont::Monospace);
   font.setFixedPitch(true);
-  font.setPointSizeF(9.75);
+  font.setPointSizeF(pointSize);
   return font;
 }
 
-QTextCharFormat FormatOf(const TextStyle& style) {
+QTextCharFormat FormatOf(const TextLook& look) {
   QTextCharFormat format;
-  format.setFontUnderline(style.UnderlineOn);
-  format.setFontWeight(style.BoldOn ? QFont::Bold : QFont::Normal);
+  format.setFontUnderline(look.Underline);
+  format.setFontWeight(look.Bold ? QFont::Bold : QFont::Normal);
   return format;
 }
 
-// A file without line ends is one line of up to the disc's size. The area lays a line out anew for
-// every drawing and every move of the caret, which costs a sixth of a second for a million
-// characters; long lines therefore keep their layout.
+// A file without line ends is one line of up to the disc's size. Qt lays a line out anew for every
+// drawing and every move of the caret, which costs a sixth of a second for a million characters.
+// Long lines therefore keep their layout.
 void KeepLongLayouts(QTextBlock block) {
   for (; block.isValid(); block = block.next()) {
     if (block.length() >= kLongLine) block.layout()->setCacheEnabled(true);
   }
 }
 
-bool Same(const TextStyle& a, const TextStyle& b) {
-  return a.UnderlineOn == b.UnderlineOn && a.BoldOn == b.BoldOn;
-}
-
 }  // namespace
 
-ViewText::ViewText(QWidget* parent) : QPlainTextEdit(parent) {
-  setFont(ViewFont());
+TextArea::TextArea(QWidget* parent, double pointSize) : QPlainTextEdit(parent) {
+  setFont(AreaFont(pointSize));
   setReadOnly(true);
-  setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  setLineWrapMode(NoWrap);
   setUndoRedoEnabled(false);
-  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-  setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-  setFrameShape(QFrame::NoFrame);
   sinceFlush_.start();
 }
 
-void ViewText::AppendText(const std::string& text, const TextStyle& style) {
-  if (pending_.empty() || !Same(pending_.back().Style, style)) pending_.push_back({style, {}});
+void TextArea::AppendText(const std::string& text, const TextLook& look) {
+  if (pending_.empty() || pending_.back().Look != look) pending_.push_back({look, {}});
   pending_.back().Text += text;
   pendingBytes_ += text.size();
   if (pendingBytes_ >= kFlushBytes || sinceFlush_.elapsed() >= kFlushMilliseconds) Flush();
 }
 
-void ViewText::Flush() {
+void TextArea::Flush() {
   if (pending_.empty()) return;
   const std::vector<Run> runs = std::move(pending_);
   pending_.clear();
@@ -76,26 +67,26 @@ void ViewText::Flush() {
   cursor.movePosition(QTextCursor::End);
   const QTextBlock first = cursor.block();
   cursor.beginEditBlock();
-  for (const Run& run : runs) cursor.insertText(FromBbc(run.Text), FormatOf(run.Style));
+  for (const Run& run : runs) cursor.insertText(FromBbc(run.Text), FormatOf(run.Look));
   KeepLongLayouts(first);
   cursor.endEditBlock();
   setTextCursor(cursor);
   sinceFlush_.restart();
 }
 
-// toPlainText would give blanks for the BBC's bytes 160.
-QString ViewText::WholeText() {
+// Qt's toPlainText would give blanks for the BBC's bytes 160.
+QString TextArea::WholeText() {
   Flush();
   QString text = document()->toRawText();
   return text.replace(kBlockEnd, QStringLiteral("\r\n"));
 }
 
-int ViewText::Length() {
+int TextArea::Length() {
   Flush();
   return document()->characterCount() - 1;
 }
 
-void ViewText::SetCaret(int position) {
+void TextArea::SetCaret(int position) {
   Flush();
   QTextCursor cursor(document());
   cursor.setPosition(position);
@@ -103,7 +94,7 @@ void ViewText::SetCaret(int position) {
   horizontalScrollBar()->setValue(0);
 }
 
-int ViewText::Find(const QString& text, int from) {
+int TextArea::Find(const QString& text, int from) {
   Flush();
   if (text.isEmpty()) return -1;
   const auto found =
@@ -116,11 +107,11 @@ int ViewText::Find(const QString& text, int from) {
   return found;
 }
 
-QString ViewText::SelectedText() {
+QString TextArea::SelectedText() {
   return textCursor().selectedText().replace(kBlockEnd, QLatin1Char('\n'));
 }
 
-void ViewText::SelectEverything() {
+void TextArea::SelectEverything() {
   Flush();
   QTextCursor cursor(document());
   cursor.setPosition(0);
@@ -128,8 +119,8 @@ void ViewText::SelectEverything() {
   setTextCursor(cursor);
 }
 
-// The area would take Ctrl+C and Ctrl+A for itself; they belong to the menu.
-bool ViewText::event(QEvent* event) {
+// A QPlainTextEdit takes Ctrl+C and Ctrl+A for itself. Here they belong to the window's menu.
+bool TextArea::event(QEvent* event) {
   if (event->type() == QEvent::ShortcutOverride) {
     event->ignore();
     return false;
@@ -137,14 +128,14 @@ bool ViewText::event(QEvent* event) {
   return QPlainTextEdit::event(event);
 }
 
-void ViewText::keyPressEvent(QKeyEvent* event) {
+void TextArea::keyPressEvent(QKeyEvent* event) {
   QPlainTextEdit::keyPressEvent(event);
-  if (CaretMovedByHand) CaretMovedByHand();
+  Q_EMIT CaretMovedByHand();
 }
 
-void ViewText::mouseReleaseEvent(QMouseEvent* event) {
+void TextArea::mouseReleaseEvent(QMouseEvent* event) {
   QPlainTextEdit::mouseReleaseEvent(event);
-  if (CaretMovedByHand) CaretMovedByHand();
+  Q_EMIT CaretMovedByHand();
 }
 
 }  // namespace sectorbox

@@ -1,4 +1,4 @@
-#include "viewers/windows/frmFind.h"
+#include "toolkit/frmFind.h"
 
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
