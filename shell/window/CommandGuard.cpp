@@ -6,9 +6,8 @@ bool CommandGuard::MayStart(CommandKind kind) const {
   for (const auto one : {CommandKind::kChange, CommandKind::kSmall, CommandKind::kExit}) {
     if (IsRunning(one)) return false;
   }
-  if (kind == CommandKind::kSmall || kind == CommandKind::kExit) return true;
-  if (IsRunning(CommandKind::kTransfer)) return false;
-  return kind == CommandKind::kView || !IsRunning(CommandKind::kView);
+  const bool isHarmless = kind != CommandKind::kChange && kind != CommandKind::kTransfer;
+  return isHarmless || !IsRunning(CommandKind::kTransfer);
 }
 
 }  // namespace sectorbox

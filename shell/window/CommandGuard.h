@@ -20,13 +20,11 @@ inline constexpr int kCommandKinds = 5;
 // this class decides whether that one starts. What doesn't start is dropped; it doesn't wait.
 //
 //   inside kChange, kSmall, kExit   nothing starts
-//   inside kTransfer                kSmall and kExit start: a transfer may take an hour, and a look
-//                                   at the disc doesn't touch the line
-//   inside kView                    kView, kSmall and kExit start: several views may be written at
-//                                   once, and none of them changes what the others read
-//
-// A view doesn't start inside a transfer, nor a transfer inside a view: the outer one would have to
-// wait for the end of the inner one.
+//   inside kTransfer                kView, kSmall and kExit start: a transfer may take an hour, and
+//                                   a look at the disc doesn't touch the line
+//   inside kView                    everything starts: a view only reads, and its window is often
+//                                   left open while the user goes on working. It reads the bytes as
+//                                   they are when it comes to them
 class CommandGuard {
  public:
   // Marks a command of that kind as running for as long as it lives. It asks nobody: whoever starts
