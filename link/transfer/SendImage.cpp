@@ -4,8 +4,9 @@
 #include <cstddef>
 #include <string>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostError.h"
+#include "disc/store/Disc.h"
 #include "link/transfer/Transfer.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostPath.h"
 #include "link/wire/Commands.h"

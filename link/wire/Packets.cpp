@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Compression.h"
 #include "link/wire/Protocol.h"

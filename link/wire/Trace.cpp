@@ -1,6 +1,6 @@
 #include "link/wire/Trace.h"
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 

@@ -6,7 +6,6 @@
 #include <QIcon>
 #include <QPainter>
 
-#include "disc/catalogue/Adfs.h"
 #include "disc/format/Format.h"
 #include "shell/icons/Icons.h"
 #include "toolkit/Text.h"

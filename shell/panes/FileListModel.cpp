@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "shell/icons/Icons.h"
 #include "toolkit/Text.h"
 

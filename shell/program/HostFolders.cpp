@@ -11,18 +11,18 @@ std::string GetTempFolder() {
   return (folder / "").string();  // an empty name at the end leaves a separator there
 }
 
-void RemoveHostTree(const std::string& Folder) {
+void RemoveHostTree(const std::string& folder) {
   // Each file is removed by itself, so that one that can't be removed doesn't keep the others.
   namespace fs = std::filesystem;
   std::error_code ignored;
-  if (fs::symlink_status(Folder, ignored).type() == fs::file_type::directory) {
-    for (fs::directory_iterator entry(Folder, ignored), end; !ignored && entry != end;
+  if (fs::symlink_status(folder, ignored).type() == fs::file_type::directory) {
+    for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
          entry.increment(ignored)) {
       RemoveHostTree(entry->path().string());
     }
   }
   std::error_code kept;
-  fs::remove(Folder, kept);
+  fs::remove(folder, kept);
 }
 
 }  // namespace sectorbox

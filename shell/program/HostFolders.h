@@ -10,6 +10,6 @@ std::string GetTempFolder();
 
 // Deletes a folder with all that is in it, as far as that can be done; failures are ignored. Links
 // are removed and never followed.
-void RemoveHostTree(const std::string& Folder);
+void RemoveHostTree(const std::string& folder);
 
 }  // namespace sectorbox

@@ -2,7 +2,7 @@
 
 #include <png.h>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 

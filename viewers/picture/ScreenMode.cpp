@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "disc/catalogue/Adfs.h"
 #include "viewers/picture/Colours.h"
 
 namespace sectorbox {

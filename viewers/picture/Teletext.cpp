@@ -5,7 +5,6 @@
 #include <bit>
 #include <utility>
 
-#include "disc/catalogue/Adfs.h"
 #include "viewers/picture/Colours.h"
 
 namespace sectorbox {

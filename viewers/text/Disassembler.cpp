@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "disc/catalogue/Adfs.h"
 #include "viewers/text/HexText.h"
 #include "viewers/text/Opcodes.h"
 

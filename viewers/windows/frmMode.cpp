@@ -6,7 +6,6 @@
 #include <QMenu>
 #include <QVBoxLayout>
 
-#include "disc/catalogue/Adfs.h"
 #include "toolkit/Text.h"
 #include "toolkit/WindowPlace.h"
 #include "viewers/picture/Colours.h"

@@ -2,7 +2,6 @@
 
 #include <QVBoxLayout>
 
-#include "disc/catalogue/Adfs.h"
 #include "toolkit/Text.h"
 #include "toolkit/WindowPlace.h"
 #include "viewers/picture/Teletext.h"

@@ -7,7 +7,6 @@
 #include <QMessageBox>
 
 #include "disc/ask/BusyPointer.h"
-#include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostError.h"
 #include "toolkit/FileDialogs.h"

@@ -1,7 +1,7 @@
 // Finding embedded commands and their arguments, and running them now or later.
 #include <algorithm>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "viewers/wordwise/WordwiseFormatter.h"
 
 namespace sectorbox {
