@@ -1,7 +1,8 @@
-// Full format and full backup of a 64 MB partition on a plain file, beside a plain write and read
-// of the same device bytes. A format and its floor both end with the bytes on the medium. A backup
-// is measured with the card out of the host's cache, as a real one is, and in it; and since it also
-// writes an image of half the card's bytes, it is compared with a read alone and with both.
+// Full format and full backup of a 64 MB partition on a plain file, compared with a plain write and
+// a plain read of the same device bytes (the floor). A format and its floor both end when the bytes
+// are on the medium. A backup is measured with the card out of the host's cache, as a real card is,
+// and with the card in the cache. A backup also writes an image of half the card's bytes, so it is
+// compared with a read alone, and with a read and a write.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -31,7 +32,7 @@ class QuietView final : public FormatView {
   void ShowFormat(const std::string&, double) override {}
 };
 
-// A card of 64 MB in a plain file that goes with the object.
+// A card of 64 MB in a plain file, which the destructor removes.
 class CardFile {
  public:
   CardFile() {
@@ -66,7 +67,7 @@ class CardFile {
     benchmark::DoNotOptimize(bytes.data());
     ::close(file);
   }
-  // As many bytes as a full backup has, to where it goes.
+  // Writes as many bytes as a full backup has to the backup's place.
   void WriteBackup(bool replaces) const {
     const std::vector<char> bytes(kTransfer);
     const std::string other = folder_ + "/other";
@@ -83,7 +84,7 @@ class CardFile {
     std::filesystem::remove(Backup());
     if (older) WriteBackup(true);
   }
-  // Out of the host's cache.
+  // Drops the card from the host's cache.
   void Forget() const {
     const int file = ::open(Path().c_str(), O_RDONLY);
     ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
@@ -108,10 +109,11 @@ void FullFormat(benchmark::State& state) {
                  {[&] { card.Write(); }});
 }
 
-// range(0): whether the card's bytes are in the host's cache already; range(1): whether there is an
-// older backup of that name, which isn't given up before the new one is on the medium; range(2):
-// what the floor is. 0: a plain read of the card. 1: the same and a plain write of as many bytes as
-// the backup has, into a file that is new or takes an older one's place, as above.
+// range(0) is 1 if the card's bytes are in the host's cache already.
+// range(1) is 1 if there is an older backup of that name; it stays until the new one is on the
+// medium. range(2) chooses the floor. 0: a plain read of the card. 1: that and a plain write of as
+// many bytes as the backup has, into a new file, or into one that replaces an older file, as
+// range(1) says.
 void FullBackup(benchmark::State& state) {
   CardFile card;
   const bool isCached = state.range(0) != 0;

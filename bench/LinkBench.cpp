@@ -26,7 +26,7 @@ Bytes Noise(std::size_t size) {
   return bytes;
 }
 
-// What discs hold: text, code and empty space.
+// Bytes such as discs hold: text, code and empty space.
 Bytes DiscLike(std::size_t size) {
   Bytes bytes = Noise(size);
   for (std::size_t at = 0; at + 1024 < size; at += 2048) {
@@ -49,13 +49,13 @@ void Check(benchmark::State& state, const Bytes& data) {
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * data.size()));
 }
 
-// Notes when the dialog comes up, which is when the first chunk is about to go.
+// Notes the time when the dialog comes up: the first chunk is sent right after that.
 class NotingHost final : public testing::InertLinkHost {
  public:
   NotingHost(testing::VirtualClock& clock, const testing::VirtualPort& port, std::string file)
       : InertLinkHost(clock, std::move(file)), clock_(clock), port_(port) {}
 
-  // Nanoseconds: the time, and how long the line had been busy by then.
+  // The time, and how long the line had been busy by then; both in nanoseconds.
   std::int64_t Started() const { return started_; }
   std::int64_t BusyBefore() const { return busyBefore_; }
 
@@ -73,8 +73,8 @@ class NotingHost final : public testing::InertLinkHost {
   std::int64_t busyBefore_ = 0;
 };
 
-// A whole 640K disc. Each reply ends with a tenth of a second of silence, which is the protocol's
-// and can't be used; apart from those waits the line should never rest.
+// Sends a whole 640K disc. The protocol demands a tenth of a second of silence behind each reply.
+// Apart from these waits the line should always be busy.
 void ShowLine(std::int32_t chunk) {
   constexpr std::int32_t kSectors = 2560;
   const std::string file =

@@ -1,8 +1,8 @@
-// Changing discs: import and export beside a plain recursive copy of the same files, compaction
-// beside a plain copy of the bytes that have to move, and deletion of trees beside plain writes of
-// the directory and the map for each file. The counter "ratio" is the engine's time over the
-// floor's; "us_each" is the engine's time for each object, which stays the same where the whole is
-// linear.
+// Changing discs. Each operation is compared with a floor: import and export with a plain recursive
+// copy of the same files, compaction with a plain copy of the bytes that have to move, and deletion
+// of trees with plain writes of the directory and the map for each file. The counter "ratio" is the
+// engine's time divided by the floor's. "us_each" is the engine's time for each object; it stays
+// the same if the whole time is linear.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -14,7 +14,6 @@
 
 #include "bench/Ratio.h"
 #include "bench/ScatteredDisc.h"
-#include "disc/catalogue/Adfs.h"
 #include "disc/change/Compaction.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
@@ -67,7 +66,7 @@ void Import(const std::string& folder, const std::string& image) {
   open.disc.TheDisc.CloseFile();
 }
 
-// The folders as they come from a disc: SRC with the files and their sidecars.
+// The folders as an export writes them: SRC with the files and their sidecars.
 class ExportedFolders {
  public:
   explicit ExportedFolders(const std::string& image) : Image(folder_ / image) {
@@ -128,7 +127,8 @@ void MustBeSound(benchmark::State& state, const std::string& image, std::int16_t
   if (open.disc.FreeCount != runs) state.SkipWithError("the free space is not as it should be");
 }
 
-// Rising and in large parts, inside the image: the quickest way down for bytes without any order.
+// The floor of a compaction: copies bytes down inside the image, from its start on and in large
+// parts. Nothing is worked out, so no way is quicker.
 void MoveDown(const ScatteredDisc& image) {
   const int file = ::open(image.Path().c_str(), O_RDWR);
   std::vector<std::uint8_t> part(65536);
@@ -143,9 +143,9 @@ void MoveDown(const ScatteredDisc& image) {
   ::close(file);
 }
 
-// 1,000 to 100,000 objects with 79 holes between them, most of a 512 MB disc at the most. Files of
-// 5 KB leave room for small holes only, over which the entries follow each megabyte that moved;
-// with files of 4 KB a fifth of the disc is free.
+// 1,000 to 100,000 objects with 79 holes between them; the largest of these discs nearly fill 512
+// MB. Files of 5 KB leave room for small holes only: the entries are then written after each
+// megabyte that has moved. With files of 4 KB a fifth of the disc is free.
 void Compact(benchmark::State& state) {
   const TempFolder folder;
   const auto objects = static_cast<std::uint32_t>(state.range(0));
@@ -173,7 +173,7 @@ BENCHMARK(Compact)
     ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
 
-// For each file the directory and the map, as they would go out if nothing had to be worked out.
+// The floor of a deletion: writes the directory and the map once for each file.
 void WriteDirectoryAndMap(const ScatteredDisc& image, const std::vector<std::uint32_t>& sectors) {
   const int file = ::open(image.Path().c_str(), O_WRONLY);
   const std::vector<std::uint8_t> bytes(1280);

@@ -1,6 +1,6 @@
-// Opening a big disc and saving discs, each as a ratio to a floor that is measured in the same run:
-// plain reads of the sectors that a walk has to read, a plain copy of the bytes that a save writes.
-// The counter "ratio" is the engine's time over the floor's.
+// Opening a big disc and saving discs. Each is compared with a floor that is measured in the same
+// run: plain reads of the sectors that a walk has to read, or a plain copy of the bytes that a save
+// writes. The counter "ratio" is the engine's time divided by the floor's.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// A flash tick redraws a whole picture: it must cost nothing that a user could notice.
+// A flash tick redraws a whole picture. This must be so quick that no user notices it.
 
 #include <benchmark/benchmark.h>
 

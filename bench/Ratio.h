@@ -16,8 +16,8 @@ inline double Seconds(const std::function<void()>& work) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-// Runs both in turn and reports the ratio of their best times. Each is preceded by its preparation,
-// which isn't timed.
+// Runs both by turns and reports the ratio of their best times. Each runs after its own
+// preparation, which isn't timed.
 struct Timed {
   std::function<void()> Work;
   std::function<void()> Prepare = [] {};

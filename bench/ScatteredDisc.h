@@ -17,7 +17,7 @@ inline void PutNumber(std::vector<std::uint8_t>& bytes, std::size_t at, std::uin
     bytes[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> 8 * i);
 }
 
-// How a disc made for a measurement is laid out.
+// The layout of a disc that is made for a measurement.
 struct DiscPlan {
   std::uint32_t Objects = 0;      // files and directories together, the root left out
   std::uint32_t FileSectors = 1;  // of each file
@@ -27,8 +27,8 @@ struct DiscPlan {
   bool Scattered = false;         // a directory's files lie all over the disc
 };
 
-// A sound hard disc image with every byte on the medium: 46 files to a directory, 46 of those to
-// another, and these in the root.
+// A sound hard disc image with every byte on the medium. A directory holds 46 files, a directory
+// above holds 46 of these directories, and the root holds the upper ones.
 class ScatteredDisc {
  public:
   ScatteredDisc(std::string path, const DiscPlan& plan) : path_(std::move(path)), plan_(plan) {
@@ -105,7 +105,7 @@ class ScatteredDisc {
   }
   void PlaceObjects() {
     const std::size_t count = objects_.size() - 1;
-    // No count of objects that is measured is a multiple of this prime, so each has its turn once.
+    // The number of objects is never a multiple of this prime, so each object comes up once.
     const std::size_t stride = plan_.Scattered ? 7919 : 1;
     std::uint32_t next = 7;
     for (std::size_t i = 0; i < count; ++i) {

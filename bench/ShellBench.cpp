@@ -3,7 +3,7 @@
 //
 //   shell_bench IMAGE
 //
-// Prints milliseconds. Figures to stay under: start 400, refill 16.
+// Prints milliseconds. The limits: start 400, refill 16.
 
 #include <QElapsedTimer>
 #include <QSettings>
@@ -25,7 +25,7 @@ double ProcessorMilliseconds() {
   return 1000.0 * static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
-// The splash's four seconds pass at once.
+// A clock on which the four seconds of the splash pass at once.
 class QuickHooks : public sectorbox::StartHooks {
  public:
   double Seconds() override { return now_ += 10; }

@@ -1,7 +1,7 @@
-// The text views into a collecting sink: source bytes a second, and how that compares with a plain
-// read of the same bytes through the store ("ratio": the view's time over the read's). The Wordwise
-// rows show documents of twice the length each; "best_MB_s" should agree. Their text holds nothing
-// that would keep a place in 16 bits.
+// The text views write into a sink that collects the text. Measured are source bytes a second, and
+// "ratio": the view's time divided by the time of a plain read of the same bytes through the store.
+// Each Wordwise row shows a document of twice the length of the row in front; their "best_MB_s"
+// should agree. Their text holds nothing that would keep a place in 16 bits.
 
 #include <benchmark/benchmark.h>
 
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "tests/support/QuietHost.h"
 #include "viewers/text/BasicLister.h"
 #include "viewers/text/Disassembler.h"

@@ -1,9 +1,10 @@
-// How long the text area of a view keeps the window from answering when a file of a million bytes
-// is one single line: while it is put in and first drawn, and at each turn of a scroll. Offscreen.
+// How long the text area of a view keeps the window from answering if a file of a million bytes is
+// one single line: when the text is put in and drawn for the first time, and at each step of a
+// scroll. Offscreen.
 //
 //   view_text_bench [CHARACTERS]
 //
-// Prints milliseconds. Figures to stay under for a million: put in 250, scroll 100.
+// Prints milliseconds. The limits for a million characters: put in 250, scroll 100.
 
 #include <QApplication>
 #include <QElapsedTimer>

@@ -26,7 +26,7 @@ struct Drawing {
   bool Drawn = false;
   std::array<std::string, kDotRows> Rows;
 
-  // Outside the character all is dark.
+  // Everything outside the character is dark.
   bool Lit(int x, int y) const {
     if (x < 0 || x >= kDotColumns || y < 0 || y >= kDotRows) return false;
     return Rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] == '#';
@@ -39,7 +39,7 @@ using Alphabet = std::array<Drawing, kGlyphs>;
   throw std::runtime_error("line " + std::to_string(line) + ": " + why);
 }
 
-// A line of the drawing that isn't a remark, cut into words; none at the end of the file.
+// The words of the next line of the drawing that isn't a remark; none at the end of the file.
 std::vector<std::string> ReadWords(std::istream& in, int& line) {
   for (std::string text; std::getline(in, text);) {
     ++line;
@@ -87,9 +87,9 @@ Alphabet ReadDrawings(std::istream& in) {
   return alphabet;
 }
 
-// A pixel is a quarter of a dot. A dark dot's quarter is lit too where the two dots beside it, one
-// across and one up or down, are lit and the dot between them in the corner is dark: there the
-// stroke runs past diagonally, and the quarter takes the step out of it.
+// A pixel is a quarter of a dot. The quarter of a dark dot is lit too if the dot beside it and the
+// dot above or below it are lit, and the dot in the corner between these two is dark. A stroke then
+// runs past diagonally, and the lit quarter makes it smooth.
 bool PixelLit(const Drawing& glyph, int px, int py) {
   const int x = px / 2;
   const int y = py / 2;

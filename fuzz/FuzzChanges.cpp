@@ -1,6 +1,6 @@
-// Any bytes as a damaged disc and as what a user then does to it. The first byte is how often the
-// bytes after it, three at a time, are put somewhere into a disc that was sound; what follows are
-// operations of four bytes each.
+// Any bytes make a damaged disc, and then the operations of a user on it. The first byte says how
+// many bytes of a sound disc are overwritten; three bytes of the input say where and with what. The
+// rest of the input is operations of four bytes each.
 
 #include <algorithm>
 #include <cstdint>
@@ -18,6 +18,7 @@
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/format/Format.h"
+#include "disc/format/Text.h"
 #include "disc/health/Check.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/QuietHost.h"
@@ -48,11 +49,11 @@ ImageBuilder SoundDisc() {
   return image;
 }
 
-// What a user sees of a disc: each object's path and bytes.
+// The things that a user sees of a disc: each object's path and bytes.
 using Seen = std::vector<std::pair<std::string, Bytes>>;
 
-// None where the tree holds a directory twice, or one that calls itself or its parent otherwise
-// than its entry does: such a directory's entry doesn't follow it.
+// None if the tree holds a directory twice, or a directory whose own name or parent differs from
+// its entry: a compaction that moves such a directory doesn't change its entry.
 std::optional<Seen> LookAt(Disc& disc) {
   Seen seen;
   std::set<std::int32_t> entered;
@@ -63,7 +64,7 @@ std::optional<Seen> LookAt(Disc& disc) {
       const std::int32_t parent = tree[static_cast<std::size_t>(node.Parent)].Tag;
       if (FindEntry(disc, parent, GetDirName(disc, node.Tag)) < 0 ||
           UpperCase(GetDirName(disc, node.Tag)) != UpperCase(node.Text) ||
-          Fetch24(disc, SectorOffset(node.Tag) + format::kDirParent) != parent) {
+          DirectoryAt(disc, node.Tag).Parent() != parent) {
         return std::nullopt;
       }
     }
@@ -119,17 +120,8 @@ class Session {
       case 7:
         (void)SetDirTitle(disc_, dir, name);
         break;
-      case 8:
-        SetBootOption(disc_, step[3]);
-        break;
-      case 9:
-        Compact();
-        break;
-      case 10:
-        CompactAfterRelease(disc_);
-        break;
       default:
-        CheckDisc(disc_);
+        DoToDisc(step[0] % 12, step[3]);
         break;
     }
     PickDirectories();
@@ -144,7 +136,7 @@ class Session {
     return std::string(1 + number % 11, static_cast<char>('0' + number / 4));
   }
 
-  // The root, and what the tree shows.
+  // Notes the root and the directories that the tree shows.
   void PickDirectories() {
     directories_ = {2};
     for (const TreeNode& node : WalkTree(disc_)) {
@@ -155,6 +147,23 @@ class Session {
     const auto rows = ReadRows(disc_, dir);
     if (rows.empty() || number % 16 == 15) return NewName(number);
     return rows[number % rows.size()].Name();
+  }
+  // The operations that are given no directory.
+  void DoToDisc(int operation, std::uint8_t value) {
+    switch (operation) {
+      case 8:
+        SetBootOption(disc_, value);
+        break;
+      case 9:
+        Compact();
+        break;
+      case 10:
+        CompactAfterRelease(disc_);
+        break;
+      default:
+        (void)CheckDisc(disc_);
+        break;
+    }
   }
   void Add(std::int32_t dir, std::uint8_t which, std::uint8_t length) {
     const std::string path = Folder() / NewName(which);
@@ -167,7 +176,7 @@ class Session {
     if (slot < 0 || !directory.At(slot).IsDirectory()) return;
     (void)DeleteTree(disc_, dir, directory.At(slot).Start(), name, ignoreLock, nonEmpty);
   }
-  // Whatever the disc, a user sees the same objects with the same bytes afterwards.
+  // Afterwards a user must see the same objects with the same bytes.
   void Compact() {
     const auto before = LookAt(disc_);
     CompactDisc(disc_);

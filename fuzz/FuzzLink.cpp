@@ -1,4 +1,4 @@
-// Any bytes as what comes over the wire: sectors, replies, a free space map.
+// Any bytes come over the wire: as sectors, as replies, as a free space map.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@
 namespace sectorbox {
 namespace {
 
-// The input comes in byte by byte, the line falls silent behind it.
+// The input comes in byte by byte. After it the line is silent.
 class InputPort final : public SerialPort {
  public:
   explicit InputPort(std::span<const std::uint8_t> input) : input_(input) {}

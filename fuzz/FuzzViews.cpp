@@ -1,5 +1,6 @@
-// Any bytes as a file and as a directory, in every text view. The first byte chooses the view, the
-// second how much of the rest is the file; the others fill a disc from its first file sector on.
+// Any bytes are a file and a directory, which the text views show. The first byte chooses the view,
+// the second says how much of the rest is the file. The other bytes fill a disc from its first file
+// sector on.
 
 #include <algorithm>
 #include <cstdint>
@@ -8,6 +9,7 @@
 #include <string>
 
 #include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "tests/support/QuietHost.h"
 #include "viewers/table/TextViews.h"
 
@@ -22,7 +24,7 @@ class CountingView final : public TextView {
  public:
   CountingView() : TextView(style_) {}
   void SetCaption(const std::string&) override {}
-  // A user with some patience.
+  // The user closes a thousand boxes, and then the view.
   void ShowMessage(const std::string&) override {
     if (++boxes_ > 1000) Finished = true;
   }
@@ -37,7 +39,7 @@ class CountingView final : public TextView {
   int boxes_ = 0;
 };
 
-// The number may be any; it chooses one of all views in the table.
+// Any number chooses one of the views in the table.
 void Show(Disc& disc, std::size_t number, const ListRow& row) {
   CountingView sink;
   const auto views = TextViews();

@@ -1,10 +1,11 @@
-// The sample disc's files that aren't BASIC or drawn by it: text, a teletext page, a Wordwise document.
+// Makes the files of the sample disc that aren't BASIC programs or screens: text, a teletext page, a
+// Wordwise document.
 
 const kRed = "\x81", kGreen = "\x82", kYellow = "\x83", kBlue = "\x84", kCyan = "\x86", kWhite = "\x87";
 const kMosaicRed = "\x91", kMosaicGreen = "\x92", kMosaicYellow = "\x93", kMosaicBlue = "\x94", kMosaicCyan = "\x96";
 const kFlash = "\x88", kSteady = "\x89", kDouble = "\x8d", kSeparated = "\x9a", kBackground = "\x9d";
 
-// Picture rows of # and . as mosaics: each character is two dots wide and three high.
+// Makes mosaic characters of picture rows of # and .: each character is two dots wide and three high.
 function mosaic(dots) {
   const bits = [1, 2, 4, 8, 16, 64];
   const rows = [];

@@ -1,5 +1,5 @@
-// Makes samples/disc anew: the BASIC programs are typed at an emulated BBC and saved by it, so they
-// are tokenised as a BBC does it; the screens are drawn by running them, and saved by it too.
+// Makes samples/disc anew. The BASIC programs are typed at an emulated BBC, which tokenises and saves
+// them. The screens are drawn by running the programs, and the BBC saves them too.
 //
 // Usage: SBX=.../sbx node samples/regenerate.mjs    (after `npm ci --omit=optional` in tests/bbc)
 
@@ -53,7 +53,7 @@ function typeProgram(bbc, name, directory) {
   return lines;
 }
 
-// The running program's own end is led to a line that saves the screen before the prompt appears.
+// The program's end is changed: it goes to a line that saves the screen before the prompt appears.
 function drawScreen(bbc, name, start) {
   for (const line of typeProgram(bbc, name, "$.PICTURES.SOURCES"))
     if (/^\d+END$/.test(line)) bbc.enterCommand(`${parseInt(line)}GOTO 9999`);
