@@ -1,4 +1,4 @@
-// Cards: what is there, and the whole of a partition at once. DEVICE,P is named without "cf:" here.
+// Cards: listing them, and work on a whole partition. Here DEVICE,P stands without "cf:".
 
 #include <algorithm>
 #include <cstdio>
@@ -7,7 +7,7 @@
 #include "cfcard/cards/ScanCFCards.h"
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
-#include "disc/catalogue/Adfs.h"
+#include "disc/format/Text.h"
 #include "disc/host/HostFile.h"
 #include "disc/host/HostSignals.h"
 #include "disc/image/SaveImage.h"
@@ -15,7 +15,7 @@
 namespace sectorbox::cli {
 namespace {
 
-constexpr std::size_t kFirstWord = 1;  // behind the word that says what to do with the card
+constexpr std::size_t kFirstWord = 1;  // the argument behind "scan" or another such word
 
 // Shows a format as a progress line.
 class FormatLine : public FormatView {
@@ -30,14 +30,14 @@ class FormatLine : public FormatView {
   CliHost& host_;
 };
 
-// Opens the partition for work on the whole of it, which Ctrl-C ends.
+// Opens a partition for work on all of it. From then on Ctrl-C ends the command.
 void OpenWhole(Disc& disc, const std::string& name) {
   CatchInterrupt();
   OpenCard(disc, name);
   if (disc.TheDisc.DiscSize() <= 0) throw Failure(name + ": the card has no such partition");
 }
 
-// "64MB", as the rows of the dialog have it, or "64".
+// Checks a capacity: "64MB", as the window's dialog lists it, or "64".
 std::string RequireCapacity(const std::string& word) {
   const auto digits = std::min(word.find_first_not_of("0123456789"), word.size());
   const std::string unit = UpperCase(word.substr(digits));
@@ -66,8 +66,8 @@ int RunScan(const CommandLine& line) {
   const CardScan scan = ScanCards(session.Open, sources, line.Has("non-adfs"));
   for (const std::string& row : scan.Rows) std::printf("%s\n", row.c_str());
   if (scan.Rows.empty()) session.Host.Note(kNoCardText);
-  // A device that was asked for by name and can't be opened is a failure; one that merely is
-  // attached to this machine isn't.
+  // It is a failure if a device can't be opened that the call names. It is none for a device that
+  // the command has found on this machine.
   return scan.AllOpened || line.Arguments.size() == kFirstWord ? kDone : kRefused;
 }
 
@@ -96,7 +96,7 @@ int RunRestore(const CommandLine& line) {
   line.Expect(3, 3);
   const std::string& file = line.Arguments[2];
   if (!HostFileExists(file)) throw Failure("File Not Found : " + file);
-  // A pipe has no length to go by: nothing at all would be restored.
+  // A pipe has no length, so that nothing would be restored.
   if (!HostFileIsPlain(file)) throw Failure(file + ": not a plain file");
   ImageSession session(line);
   Disc& disc = session.Open;

@@ -17,7 +17,8 @@ std::int32_t DriveOf(const std::string& word) {
   throw UsageError("DRIVE is 0, 1, 4 or 5");
 }
 
-// What was aborted has said nothing: the words for it are the command line's own.
+// Gives the exit status of a command. An aborted one has shown no message, so its line comes from
+// here.
 int EndOf(const CliLink& connection, bool done, const char* aborted = "Transfer Aborted") {
   if (!done && !connection.Host.MessageShown) std::fprintf(stderr, "%s\n", aborted);
   return done && !connection.Host.MessageShown ? kDone : kRefused;
@@ -42,8 +43,8 @@ int RunSend(const CommandLine& line) {
   return EndOf(connection, connection.Host.Finished);
 }
 
-// The BBC ends a line with LF and CR, and the console makes CR LF of the CR; at the prompt the
-// three are one line end, and a lone CR is one too.
+// The BBC ends a line with LF and CR, and the console makes CR LF of the CR; here the
+// three make one line end, and a lone CR makes one too.
 class PlainLines {
  public:
   void Print(const std::string& text) {

@@ -20,7 +20,7 @@ std::string RequireOut(const CommandLine& line) {
   return out;
 }
 
-// Whether an option is 1. It is 0 or 1, and 0 when the call doesn't have it.
+// True if an option is 1. It may be 0 or 1, and is 0 if the call doesn't have it.
 bool ZeroOrOne(const CommandLine& line, const std::string& option) {
   const std::string value = line.Option(option, "0");
   if (value != "0" && value != "1") throw UsageError("--" + option + " takes 0 or 1");

@@ -1,4 +1,4 @@
-// What a disc holds: its figures, its directories, its files as they are, and its faults.
+// The commands that show what is on a disc: its figures, its directories, its files and its faults.
 
 #include <algorithm>
 #include <array>
@@ -61,7 +61,8 @@ int RunTree(const CommandLine& line) {
   const std::vector<TreeNode> tree = WalkTree(session.Open);
   std::vector<std::string> paths;
   for (const TreeNode& node : tree) {
-    // The root is $ whatever it calls itself, so that each path here can be given back.
+    // The root is always "$" here, whatever its name field says, so that each path can be an
+    // argument of other commands.
     paths.push_back(
         node.Parent < 0 ? "$" : paths[static_cast<std::size_t>(node.Parent)] + "." + node.Text);
     Print(paths.back() + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");

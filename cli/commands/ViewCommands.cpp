@@ -5,15 +5,14 @@
 
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
-#include "disc/catalogue/Adfs.h"
 #include "viewers/table/TextViews.h"
 #include "viewers/text/TextFile.h"
 
 namespace sectorbox::cli {
 namespace {
 
-// A view without a window. The file of -o gets the text as the file of a window does, with its CR
-// LF; on standard output a line ends in LF.
+// A view without a window. In the file of -o lines end with CR LF, as in a file that the window
+// saves; on standard output they end with LF.
 class PrintedView : public TextView {
  public:
   PrintedView(const CommandLine& line, CliHost& host, TextStyle& style)
@@ -52,7 +51,7 @@ class PrintedView : public TextView {
 
 ListRow RowOf(Disc& disc, const PathTarget& target) {
   if (target.Slot >= 0) return ReadRow(disc, target.DirSector, target.Slot);
-  // The root has no entry; its row is made up.
+  // The root has no entry, so its row is made here.
   Entry root;
   root.SetName(target.Name);
   root.Set(Attribute::kDirectory, true);
@@ -97,8 +96,8 @@ Usage UsageOf(ViewSubject subject) {
   }
 }
 
-// The target is found before the view is made, so that a path that isn't there leaves the file of
-// -o as it was.
+// The target is looked for before the view is made. If it isn't there, the file of -o stays as it
+// was.
 int RunTextView(const CommandLine& line) {
   const TextViewKind& kind = *FindTextView(line.Command);
   const Usage usage = UsageOf(kind.Subject);

@@ -23,15 +23,15 @@ constexpr std::size_t kAnyNumber = SIZE_MAX;
 constexpr std::int32_t kHeads = 4;
 constexpr std::int32_t kSectors = 33;
 
-// What PATH names, which has to be an entry: the root is none.
+// The entry that PATH names. Failure for the root, which has none.
 PathTarget RequireEntry(Disc& disc, const std::string& path) {
   PathTarget target = RequirePath(disc, path);
   if (target.Slot < 0) throw Failure("Not an entry of a directory: " + path);
   return target;
 }
 
-// A directory that is written into has its mark. Without it, as in a file that is no disc at all,
-// the bytes there are something else's.
+// The start sector of a directory that is to be changed. Failure if it lacks its mark, as in a file
+// that is no disc: the bytes there belong to something else.
 std::int32_t RequireMarkedDirectory(Disc& disc, const std::string& path) {
   const std::int32_t sector = RequireDirectory(disc, path).Sector;
   if (!IsDirectory(disc, sector)) throw Failure("Not a directory: " + path);
@@ -155,8 +155,8 @@ int RunBoot(const CommandLine& line) {
   const std::uint8_t option = BootOptionOf(line.Arguments[1]);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
     SetBootOption(disc, option);
-    // Nothing else will write the map here, as it may in the window, and with a stale checksum the
-    // BBC would refuse the disc.
+    // Unlike in the window, nothing else will write the map afterwards, and with a stale checksum
+    // the BBC would refuse the disc.
     UpdateMapChecksums(disc);
     return true;
   });

@@ -10,17 +10,17 @@
 
 namespace sectorbox::cli {
 
-// The engine's host at the command line. A box is a line on standard error, a yes/no question is
-// answered by the command itself (yes), file dialogs by what the call named, progress is a line on
-// standard error when that is a terminal. Where a command catches Ctrl-C, a pump ends it with the
-// Failure "Aborted": a file that it was making isn't left half made.
+// The engine's host at the command line. A box is a line on standard error. The answer to every
+// yes/no question is Yes. A file dialog gives the file that the command line has named. Progress is
+// one line on standard error, if that is a terminal. If a command catches Ctrl-C, the next pump
+// ends it with the Failure "Aborted"; a file that it was making isn't left half made.
 class CliHost : public DiscHost {
  public:
   explicit CliHost(const CommandLine& line);
 
   // The name that the next file dialog gives; empty cancels.
   std::string FileAnswer;
-  // A box was shown: commands that write end with status 1 then.
+  // A box was shown. Commands that write then end with status 1.
   bool MessageShown = false;
   // Points at the open disc's go-on flag, which opening a progress line sets.
   bool* ProgressRunning = nullptr;

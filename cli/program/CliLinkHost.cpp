@@ -79,8 +79,8 @@ std::string CliLinkHost::DateAndTime() {
 }
 
 void CliLinkHost::ShowMessage(const std::string& text, const std::string&) {
-  // After a Ctrl-C the step that runs fails, as it does when the BBC is silent. Its message isn't
-  // the real reason then, and would make the user look for a fault in the cable.
+  // After a Ctrl-C the step that runs fails, as if the BBC were silent. Its message wouldn't tell
+  // the real reason, and would make the user look for a fault in the cable.
   if (WasInterrupted && !transferring_) return;
   ShowWarning(text);
 }

@@ -16,7 +16,7 @@ class CliLinkHost final : public LinkHost {
  public:
   explicit CliLinkHost(const CommandLine& line);
 
-  // The link's flag, which PumpEvents sets after a Ctrl-C. Null until the link exists.
+  // Points at the link's flag, which PumpEvents sets after a Ctrl-C. Null until the link exists.
   bool* AbortRequested = nullptr;
   std::string FileAnswer;
   bool MessageShown = false;

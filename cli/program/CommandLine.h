@@ -7,35 +7,38 @@
 
 namespace sectorbox::cli {
 
-// The words of the call are off: one line for standard error, exit status 2.
+// The words of the call are wrong: one line for standard error, exit status 2.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The command can't be done: one line for standard error, exit status 1.
+// The command can't do its work: one line for standard error, exit status 1.
 class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The words of a call, sorted out: the command, its arguments in order, and the options by name
-// without their dashes ("pad", "o"). Options may stand before or after the command; "--" ends them.
+// The words of a call: the command, its arguments in order, and the options by name without their
+// dashes ("pad", "o"). Options may stand before or after the command; words behind "--" are never
+// options.
 struct CommandLine {
   std::string Command;
   std::vector<std::string> Arguments;
   std::map<std::string, std::string> Options;
 
   bool Has(const std::string& option) const { return Options.count(option) != 0; }
-  // The option's value, or fallback when it wasn't given.
+  // The option's value, or fallback if the call doesn't have it.
   std::string Option(const std::string& option, const std::string& fallback) const;
-  // "on" or "off"; anything else is a UsageError.
+  // True for "on", false for "off", fallback if the call doesn't have it; UsageError for anything
+  // else.
   bool Switch(const std::string& option, bool fallback) const;
   // UsageError unless there are from least to most arguments.
   void Expect(std::size_t least, std::size_t most) const;
 };
 
-// Options that take a value, and those that take none; any other is a UsageError.
+// Takes a call apart. UsageError for an unknown option, and for an option without the value it
+// takes.
 CommandLine ParseCommandLine(const std::vector<std::string>& words);
 
 }  // namespace sectorbox::cli

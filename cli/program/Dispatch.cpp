@@ -31,8 +31,8 @@ int Complain(int status, const char* what) {
   return status;
 }
 
-// What a command doesn't take is no option of the call, even where another command has one of that
-// name: a file of -o that is silently not written is worse than an error.
+// UsageError for an option that the command doesn't take, even if another command takes it. To
+// leave out the file of -o without a word would be worse than an error.
 void ExpectOptions(const CommandLine& line, const Command& command) {
   static constexpr std::array<std::string_view, 7> kEverywhere = {"help",
                                                                   "version",
@@ -98,7 +98,7 @@ int RunSbx(const std::vector<std::string>& words) {
   } catch (const std::bad_alloc&) {
     status = Complain(kRefused, "out of memory");
   } catch (const std::exception& error) {
-    // The libraries' own: nothing may end this program but a line and a status.
+    // An exception of a library: this program always ends with a line and a status.
     status = Complain(kRefused, error.what());
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)

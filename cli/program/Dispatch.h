@@ -16,11 +16,11 @@ inline constexpr int kBadUsage = 2;
 struct Command {
   std::string Name;
   std::string Arguments;  // as in the help, such as "IMAGE [DIR]"
-  std::string Help;       // one line; an option that neither of the two names is refused
+  std::string Help;  // one line; an option that stands in neither of these two texts is refused
   int (*Run)(const CommandLine& line);
 };
 
-// Every command, in the order of the help. Each group's file gives its own.
+// Every command, in the order of the help. Each group has a file of its own.
 std::vector<Command> AllCommands();
 std::vector<Command> ReadCommands();
 std::vector<Command> ViewCommands();
@@ -30,7 +30,8 @@ std::vector<Command> WriteCommands();
 std::vector<Command> LinkCommands();
 std::vector<Command> CardCommands();
 
-// The whole program behind main: words are the arguments without the program's name.
+// Runs the whole program and gives its exit status. words are the arguments without the program's
+// name.
 int RunSbx(const std::vector<std::string>& words);
 
 }  // namespace sectorbox::cli

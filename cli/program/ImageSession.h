@@ -20,26 +20,26 @@ struct ImageSession {
   Disc Open;
 };
 
-// Opens IMAGE: the path of an image file, or "cf:DEVICE,P". HostError when it can't be opened,
-// UsageError when P isn't 0 or 1.
+// Opens IMAGE: the path of an image file, or "cf:DEVICE,P". HostError if it can't be opened,
+// UsageError if P isn't 0 or 1.
 void OpenForReading(Disc& disc, const std::string& image);
 
 // Opens "DEVICE,P", a partition of a card, which becomes ImageName. The same errors.
 void OpenCard(Disc& disc, const std::string& name);
 
-// The exit status of a command that only reads: what came from a card that failed is not what is on
-// it.
+// The exit status of a command that has done its work: kRefused if a card has failed, since the
+// bytes that were read may then be wrong.
 int StatusOf(const Disc& disc);
 
 // Opens IMAGE, runs change and stores the disc back as CloseFile does; gives the exit status.
-// change gives false when the engine refused; a message shown meanwhile, or a card that failed,
-// counts as a refusal too. After a refusal, or an exception out of change, an .adf or .adl is left
-// as it was, while on a .dat or a card what was done before stays.
+// change gives false if the engine has refused. A message that was shown meanwhile, and a card that
+// failed, count as refusals too. After a refusal or an exception from change an .adf or .adl is as
+// it was before; on a .dat or a card the changes up to then stay.
 int RunWriting(const CommandLine& line, const std::string& image,
                const std::function<bool(Disc& disc, CliHost& host)>& change);
 
-// What stands at PATH. Failure "Not found: PATH" when nothing does, "Not a file: PATH" and "Not a
-// directory: PATH" when it is the other kind.
+// The file or directory at PATH. Failure "Not found: PATH" if there is none, "Not a file: PATH" or
+// "Not a directory: PATH" if it is of the other kind.
 PathTarget RequirePath(Disc& disc, const std::string& path);
 PathTarget RequireFile(Disc& disc, const std::string& path);
 PathTarget RequireDirectory(Disc& disc, const std::string& path);
