@@ -1,5 +1,5 @@
-// Discs that we make are mounted by the BBC's own filing system, which checks what our readers
-// don't; and a disc that the BBC wrote opens here with the same contents.
+// The BBC's own filing system mounts discs that we make; it checks more than our readers do. A disc
+// that the BBC has written opens here with the same contents.
 
 import assert from "node:assert/strict";
 import { join } from "node:path";

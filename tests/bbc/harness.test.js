@@ -1,4 +1,4 @@
-// The harness itself: without these, nothing that the other tests say about discs means anything.
+// Tests of the harness itself. If these fail, the other tests say nothing about discs.
 
 import assert from "node:assert/strict";
 import { test } from "node:test";

@@ -198,7 +198,7 @@ for (const [kind, seeds] of [["master", [1]], ["modelB", [3]]]) {
       writeImage(image, bbc.readDisc(0));
       assertWeSee(image, model);
 
-      // And once more around: what we make of the BBC's own disc goes back to it.
+      // Once more: the BBC gets back its own disc, as we have changed it.
       for (let step = 0; step < 40; step++) changes.step();
       sbx("compact", image);
       assertWeSee(image, model);

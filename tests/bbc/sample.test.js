@@ -1,5 +1,5 @@
-// The sample disc on a real BBC's filing system: catalogued as we catalogue it, and everything on it
-// loads and runs.
+// The sample disc on a real BBC's filing system: its catalogue is the one that we show, and everything
+// on it loads and runs.
 
 import assert from "node:assert/strict";
 import { fileURLToPath } from "node:url";

@@ -1,5 +1,5 @@
-// The BBC as a witness of the views: what it lists of a program that was typed into it, and what it
-// catalogues of a disc that it wrote, is what `sbx` shows of that disc.
+// Compares our views with the BBC: `sbx` shows the listing that the BBC gives of a program that was
+// typed into it, and the catalogue that the BBC gives of a disc that it has written.
 //
 // Deliberate differences, each named where it matters: we list as after LISTO 0 whatever the BBC is
 // set to; what a line end is; the blanks that the BBC prints at the end of a line; the empty line
@@ -110,7 +110,7 @@ test("AReferenceToALineFrom16384UpListsHereAsASmallerNumber", async (t) => {
   const bbc = await bootWithDisc("modelB");
   enterProgram(bbc, ["10GOTO 16384", "20GOTO 32767"]);
   assert.deepEqual(printed(bbc.enterCommand("LIST")), ["   10GOTO 16384", "   20GOTO 32767"]);
-  // In the second one even the low byte's top bits are lost: its first byte is none that we know.
+  // In the second one even the top bits of the low byte are lost: we don't know its first byte.
   assert.deepEqual(ourListing(t, bbc), ["   10GOTO 0", "   20GOTO 16191"]);
 });
 

@@ -10,7 +10,6 @@
 #include "cfcard/cards/CardMenu.h"
 #include "cfcard/cards/FormatCF.h"
 #include "cfcard/cards/ScanCFCards.h"
-#include "disc/catalogue/Adfs.h"
 #include "disc/image/OpenImage.h"
 #include "disc/store/Disc.h"
 #include "tests/support/DeviceShelf.h"
@@ -37,7 +36,7 @@ inline std::uint8_t DiscByte(const MemoryDevice& card, int partition, std::uint6
   return card.Peek(static_cast<std::uint64_t>(partition) * kGibibyte + 2 * offset);
 }
 
-// A machine with cards in memory under letters: C is the first that a test inserts.
+// A machine with cards in memory under letters. The first card that a test inserts is C.
 class CardTest : public ::testing::Test {
  protected:
   CardTest() : disc(host, MakeCardDevice(drives, shelf.MakeDevice())) {

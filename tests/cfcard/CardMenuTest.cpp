@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "tests/cfcard/CardFixture.h"
 

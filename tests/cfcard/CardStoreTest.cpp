@@ -119,7 +119,7 @@ TEST_F(CardTest, NothingIsWrittenPastTheEndOfPartition0) {
   MemoryDevice& card = Insert("card", 2 * kPartitionSectors);
   disc.TheDisc.OpenFile("C:,0", kCF, 0, 0, 0);
   const std::vector<std::uint8_t> run(4 * 256, 0x77);
-  // The last sector that a partition has, and three beyond it.
+  // The last sector of a partition, and three behind it.
   disc.TheDisc.StoreBytes(std::int64_t{0x1FFFFE} * 256, run);
   disc.TheDisc.Store(std::int64_t{0x200000} * 256, 0x77);
   disc.TheDisc.WriteCFSector(0x200000, 64);
@@ -163,7 +163,7 @@ TEST_F(CardTest, AFailedReadZeroesTheFirst512BytesOfTheBlockAndIsTold) {
   card.ReadsLeft = 0;
   EXPECT_EQ(disc.TheDisc.Fetch(2048), 0);
   EXPECT_EQ(disc.TheDisc.Fetch(2048 + 255), 0);
-  // These are the bytes that stood in the slot before, as the header warns.
+  // These are the bytes that the slot held before, as the header says.
   EXPECT_EQ(disc.TheDisc.Fetch(2048 + 256), 0x33);
   EXPECT_EQ(host.LogOf("note "),
             std::vector<std::string>(

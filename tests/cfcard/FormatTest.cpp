@@ -1,5 +1,6 @@
 // Formatting a partition, byte by byte.
 
+#include "disc/catalogue/Adfs.h"
 #include "disc/format/Names.h"
 #include "tests/cfcard/CardFixture.h"
 

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::uint64_t kSmallCard = 8192 * 512;
 
-// A card under a path, looked at past the code under test.
+// A card under a path. The test looks at its bytes without the code under test.
 struct TestCard {
   virtual ~TestCard() = default;
   virtual std::string Path() const = 0;
@@ -65,7 +65,7 @@ struct FileCard : TestCard {
   int file = -1;
 };
 
-// A loop device over a plain file. Looked at through the file, after the device was closed.
+// A loop device over a plain file. The test looks at the file after the device was closed.
 struct LoopCard final : FileCard {
   LoopCard() : FileCard(kSmallCard) {
     const std::string command = "losetup --show -f '" + FileCard::Path() + "' 2>/dev/null";

@@ -1,5 +1,5 @@
-// Cards that fail, shrink or have odd sizes, at every point of a job: nothing is written outside
-// the chosen partition, nothing crashes, and the host hears of it.
+// Cards that fail or shrink at any point of a job, or have odd sizes. Nothing is written outside
+// the chosen partition, nothing crashes, and the user is told.
 
 #include "disc/image/SaveImage.h"
 #include "tests/cfcard/CardFixture.h"
@@ -12,8 +12,9 @@ struct QuietView : FormatView {
   void ShowFormat(const std::string&, double) override {}
 };
 
-// The second partition of a card, of 212 sectors, between one that must stay as it is and the end:
-// whole blocks of four, so that an undisturbed job has nothing to tell.
+// The second partition of a card. It has 212 sectors and lies between a partition that must stay as
+// it is and the card's end. These are whole blocks of four sectors, so that a job without a fault
+// shows no line.
 class HostileCard : public CardTest {
  protected:
   static constexpr std::uint64_t kSectors = 212;
@@ -83,8 +84,8 @@ TEST_F(HostileCard, APullAfterAnyWriteOfARestoreIsTold) {
   PullEverywhere([&] { Restore(); }, true);
 }
 
-// A card that can't be read from the start on seems to have no such partition, and one whose probe
-// is cut short seems smaller than it is; neither may make a job reach for another place.
+// A card that can't be read at all seems to have no such partition. A card whose probe is cut short
+// seems smaller than it is. In neither case may a job write to another place.
 TEST_F(HostileCard, APullAfterAnyReadKeepsEveryJobInsideThePartition) {
   for (const auto& job : std::vector<std::function<void()>>{[&] { Format(); }, [&] { Restore(); },
                                                             [&] { Backup(); }}) {
@@ -134,7 +135,7 @@ TEST_F(HostileCard, OnlyTheChosenCardIsWritten) {
   ExpectInside(card);
 }
 
-// Every byte of small cards, whatever their size is to blocks, steps and transfers.
+// Every byte of small cards, also if their size is no multiple of blocks, steps and transfers.
 TEST_F(HostileCard, OddSizesAreFormattedFilledAndCopiedToTheirLastByte) {
   Insert("card", 0);
   for (const std::uint64_t size : {7u,   8u,   9u,   10u,  11u,  63u,  64u,  65u,  66u,  127u,
@@ -162,8 +163,8 @@ TEST_F(HostileCard, OddSizesAreFormattedFilledAndCopiedToTheirLastByte) {
     SaveDatImage(disc, folder / "out.dat", true);
     const auto copy = ReadAll(folder / "out.dat");
     ASSERT_EQ(copy.size(), bytes.size());
-    // The card has only a part of its last block. That reads as a fault does: the first sector is
-    // zero.
+    // The card has only a part of its last block. Reading that block is a fault, and the block's
+    // first sector is zero.
     const std::size_t blocks = bytes.size() / 1024 * 1024;
     EXPECT_TRUE(
         std::equal(copy.begin(), copy.begin() + static_cast<std::ptrdiff_t>(blocks), bytes.begin()))

@@ -63,10 +63,8 @@ TEST_F(CardCommands, EveryByteOfACardIsAccountedForFromTheFormatToTheRestore) {
 
   EXPECT_EQ(RunSbx({"cf", "format", card + ",0", "1MB"}).Status, 0);
   EXPECT_EQ(RunSbx({"cf", "format", card + ",1", "1MB", "--quick"}).Status, 0);
-  const auto empty = ImageBuilder(4096).Bytes();
-  account.Wipe(0, 4096);
-  account.Put(0, 0, empty);
-  account.Put(1, 0, std::span(empty).first(7 * 256));
+  account.FormatFully(0, 4096);
+  account.FormatQuickly(1, 4096);
   ASSERT_EQ(account.WhatDiffers(card), "");
 
   const std::vector<std::uint8_t> alpha(1000, 0xA1);

@@ -19,7 +19,7 @@ using Clock = std::chrono::steady_clock;
 
 class CardInterrupt : public ::testing::Test {
  protected:
-  // The largest card there is, full of holes: each of the jobs takes seconds.
+  // A card of the largest size, as a file that is full of holes. Each of the jobs takes seconds.
   CardInterrupt() {
     MakeSparse("card", std::uintmax_t{2} << 30);
     fs::create_directory(folder / "out");
@@ -30,7 +30,7 @@ class CardInterrupt : public ::testing::Test {
     fs::resize_file(folder / name, bytes);
     return folder / name;
   }
-  // Starts sbx, presses Ctrl-C once the moment has come, and waits for the end.
+  // Starts sbx, presses Ctrl-C when the moment has come, and waits for the end.
   SbxResult RunInto(const std::vector<std::string>& words, const std::function<bool()>& moment) {
     SbxProcess sbx(words);
     const auto start = Clock::now();

@@ -115,7 +115,7 @@ TEST_F(InterruptTest, ACompareIsAbortedAsAnExchangeIs) {
   EXPECT_EQ(line.Bbc.SectorsWritten, 0);
 }
 
-// The wait for a reply runs to its end, and what it then has to say would be wrong.
+// The wait for a reply runs to its end. Its message, that the BBC is silent, would then be wrong.
 TEST_F(InterruptTest, WhileItConnectsTheAbortIsToldAndNotTheSilence) {
   line.Bbc.Faults.Mute = true;
   const SbxResult result = Run({"receive", "0", folder / "x"}, BbcHeard(7));
@@ -145,8 +145,8 @@ TEST_F(InterruptTest, ASecondOneEndsTheProgramAtOnce) {
   EXPECT_TRUE(StartsWith(line.Bbc.Drives[0], ReadAll(file)));
 }
 
-// A second pseudo-terminal stands for the user's screen; what its far end makes of the text is of
-// no interest.
+// A second pseudo-terminal stands for the user's screen. The test doesn't look at how its far end
+// would show the text.
 TEST_F(InterruptTest, OnATerminalProgressIsOneLineThatIsWipedAtTheEnd) {
   line.Bbc.Drives[0] = NoiseDisc(640, {});
   line.Bbc.SetBuffer(128);

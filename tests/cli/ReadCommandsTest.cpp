@@ -92,7 +92,8 @@ TEST_F(ReadCommands, GetGivesTheBytesAsTheyAre) {
 
 TEST_F(ReadCommands, GetFillsALengthPastTheEndWithZerosThatTakeNoRoom) {
   auto bytes = ReadAll(disc_);
-  // !BOOT, the first entry of the root: as long as the field can say, from the last sectors on.
+  // !BOOT, the first entry of the root, gets the greatest length that the field can state, and
+  // starts in the last sectors.
   for (std::size_t i = 18; i < 22; ++i) bytes[517 + i] = 0xFF;
   WriteAll(disc_, bytes);
   EXPECT_EQ(RunSbx({"get", disc_, "!BOOT", "-o", folder_ / "out"}).Status, 0);

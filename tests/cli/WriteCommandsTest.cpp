@@ -26,7 +26,7 @@ class WriteCommandsTest : public ::testing::Test {
     bytes.resize(640 * 256);
     return bytes;
   }
-  // Runs a command that is to succeed without a word, and gives what is then on the disc.
+  // Runs a command that has to succeed without output, and gives what is on the disc then.
   ReadObject Do(const std::vector<std::string>& words) {
     const SbxResult result = RunSbx(words);
     EXPECT_EQ(result.Status, 0) << result.Err;
@@ -34,7 +34,7 @@ class WriteCommandsTest : public ::testing::Test {
     EXPECT_EQ(FaultsOf(Disc()), std::vector<std::string>());
     return ReadTree(Disc());
   }
-  // Runs a command that is to be refused with the line, the image untouched.
+  // Runs a command that has to be refused with that line and must leave the image as it was.
   void Refused(const std::vector<std::string>& words, const std::string& line, int status = 1) {
     const Bytes before = ReadAll(image_);
     const SbxResult result = RunSbx(words);

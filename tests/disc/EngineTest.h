@@ -35,10 +35,10 @@ class EngineTest : public ::testing::Test {
  protected:
   void Open(const ImageBuilder& image, DiscType kind = kAdf) { Open(image.Bytes(), kind); }
 
-  // bytes are in the order of the store.
+  // Opens a new image with these bytes, which are in the order of the store.
   void Open(const Bytes& bytes, DiscType kind = kAdf) {
     size_ = bytes.size();
-    // A .dat that is still open would write its last blocks back over the new bytes.
+    // A .dat that is still open would later write its blocks over the new bytes.
     if (!disc_.TheDisc.InMemory()) disc_.TheDisc.CloseFile();
     const std::string path = folder_ / "disc.img";
     WriteAll(path, bytes);
@@ -48,8 +48,8 @@ class EngineTest : public ::testing::Test {
     host_.Log.clear();
   }
 
-  // The same on the first partition of a card, which is a file here: a byte of the disc, a byte of
-  // the card's own, in turn.
+  // The same on the first partition of a card, which is a file here. In it bytes of the disc and
+  // bytes of the card's own stand by turns.
   void OpenOnCard(const ImageBuilder& image) {
     const Bytes& bytes = image.Bytes();
     if (!disc_.TheDisc.InMemory()) disc_.TheDisc.CloseFile();
@@ -94,7 +94,7 @@ class EngineTest : public ::testing::Test {
     disc_.TheDisc.FetchBytes(SectorOffset(GetEntrySector(disc_, dir, name)), bytes);
     return bytes;
   }
-  // The free list, as "start+length start+length".
+  // The free list, as a text such as "7+20 40+600": start and length of each run.
   std::string Runs() {
     std::string text;
     for (const FreeRun& run : ReadFreeRuns(Image())) {

@@ -32,4 +32,15 @@ struct LinkRig {
   }
 };
 
+// A disc of eight sectors, of which only the last is free. Sector 2 begins with an ESC.
+inline std::vector<std::uint8_t> DiscOfEightSectors() {
+  std::vector<std::uint8_t> disc(8 * 256, 0);
+  disc[252] = 8;
+  disc[510] = 3;
+  disc[0] = 7;
+  disc[256] = 1;
+  disc[2 * 256] = 0x1B;
+  return disc;
+}
+
 }  // namespace sectorbox::testing

@@ -11,7 +11,7 @@
 namespace sectorbox::testing {
 namespace {
 
-// A file that is closed with the object.
+// An open file. The destructor closes it.
 struct OpenedFile {
   OpenedFile(const std::string& path, int flags) : Number(::open(path.c_str(), flags, 0600)) {
     if (Number < 0) throw std::runtime_error("cannot open " + path);
@@ -49,6 +49,16 @@ void CardAccount::Put(int partition, std::uint64_t offset, std::span<const std::
   }
 }
 
+void CardAccount::FormatFully(int partition, std::int32_t sectors) {
+  Wipe(partition, static_cast<std::uint64_t>(sectors));
+  Put(partition, 0, ImageBuilder(sectors).Bytes());
+}
+
+void CardAccount::FormatQuickly(int partition, std::int32_t sectors) {
+  const std::vector<std::uint8_t> empty = ImageBuilder(sectors).Bytes();
+  Put(partition, 0, std::span(empty).first(7 * 256));
+}
+
 std::vector<std::uint8_t> CardAccount::DiscBytes(int partition, std::uint64_t sectors) const {
   std::vector<std::uint8_t> bytes;
   for (std::uint64_t i = 0; i < sectors; ++i) {
@@ -75,7 +85,7 @@ std::string CardAccount::WhatDiffers(const std::string& path) const {
   if (length != size_ * kSector) return "the card is " + std::to_string(length) + " bytes long";
   const OpenedFile file(path, O_RDONLY);
   std::map<std::uint64_t, Sector> found;
-  // What lies in a hole is zero; all the rest is read.
+  // The bytes of a hole are zero; all other bytes are read.
   off_t at = 0;
   while ((at = ::lseek(file.Number, at, SEEK_DATA)) >= 0) {
     const off_t end = ::lseek(file.Number, at, SEEK_HOLE);
@@ -103,7 +113,8 @@ std::vector<std::uint8_t> DiscWithAddedFile(std::int32_t sectors, const std::str
   constexpr std::int64_t kRoot = 512;
   ImageBuilder disc(sectors);
   disc.AddFile(2, {name, bytes});
-  // One change has been made since the disc was: both sequence numbers say so, and the entry's.
+  // One change has been made since the disc was made: both of the directory's sequence numbers and
+  // that of the entry say so.
   for (const std::int64_t at : {kRoot, kRoot + 1274, kRoot + 5 + 25}) disc.Poke(at, 2);
   return disc.Bytes();
 }

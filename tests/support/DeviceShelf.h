@@ -9,7 +9,7 @@
 
 namespace sectorbox::testing {
 
-// Several cards in memory, opened by their path. What isn't on the shelf can't be opened.
+// Several cards in memory, which are opened by their paths. Any other path can't be opened.
 class CardShelf {
  public:
   MemoryDevice& Put(const std::string& path, std::uint64_t sectors) {
@@ -18,7 +18,7 @@ class CardShelf {
   void Take(const std::string& path) { cards_.erase(path); }
   MemoryDevice& At(const std::string& path) { return *cards_.at(path); }
 
-  // A device that opens what lies on this shelf, which outlives it.
+  // A device that opens the cards of this shelf. The shelf outlives it.
   std::unique_ptr<RawDevice> MakeDevice();
 
  private:

@@ -6,7 +6,7 @@
 
 namespace sectorbox::testing {
 
-// What stands on a disc, read from its flat bytes with knowledge of its own.
+// Reads what is on a disc from its flat bytes. It calls nothing of the code under test.
 struct ReadObject {
   std::string Name;  // cut at the first carriage return
   std::string Attr;  // letters E D L W R
@@ -23,7 +23,7 @@ struct ReadObject {
   bool IsDirectory() const { return Attr.find('D') != std::string::npos; }
 };
 
-// The root, with all that is below it. Throws where an entry leads past the disc's end.
+// The root, with all that is below it. Throws if an entry leads past the disc's end.
 ReadObject ReadTree(const std::vector<std::uint8_t>& disc);
 
 struct FreeRun {
@@ -32,10 +32,11 @@ struct FreeRun {
 };
 std::vector<FreeRun> ReadFreeRuns(const std::vector<std::uint8_t>& disc);
 
-// Every rule that a sound disc keeps and this one doesn't: checksums, the free list in order and
-// without touching runs, no overlap of anything, free and used together the size, marks and
-// sequence numbers at both ends of each directory, parents, names in ascending order and once,
-// zeros behind the last entry, directory names as in their entries. Empty for a sound disc.
+// The rules of a sound disc that this one breaks; empty for a sound disc. The rules: right
+// checksums; a free list in order, without runs that touch; nothing overlaps; free and used sectors
+// together make the size; each directory has equal marks and sequence numbers at both ends, the
+// right parent, each name once and in rising order, zeros behind the last entry, and the name of
+// its entry.
 std::vector<std::string> FaultsOf(const std::vector<std::uint8_t>& disc);
 
 }  // namespace sectorbox::testing

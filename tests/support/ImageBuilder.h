@@ -6,8 +6,8 @@
 
 namespace sectorbox::testing {
 
-// Makes discs byte by byte, from knowledge of its own: it calls nothing of the code under test. The
-// bytes are in the order of the store (side 0, then side 1), byte 0 being the first of sector 0.
+// Makes discs byte by byte. It calls nothing of the code under test. The bytes are in the order of
+// the store (side 0, then side 1); byte 0 is the first byte of sector 0.
 class ImageBuilder {
  public:
   // An empty disc of that many sectors: map, root, both checksums right.
@@ -27,8 +27,8 @@ class ImageBuilder {
   std::int32_t AddDirectory(std::int32_t dir, const std::string& name,
                             const std::string& attr = "WR");
 
-  // Moves the entry name of the directory from to the directory to, and nothing of its bytes: so an
-  // object comes to lie below the directory that lists it.
+  // Moves the entry of that name from one directory to another. The object itself stays at its
+  // place, so that it may lie below the directory that lists it.
   void Rehang(std::int32_t from, const std::string& name, std::int32_t to);
 
   // Leaves a hole of that many sectors at the start of the free space and makes it a run.
@@ -38,13 +38,13 @@ class ImageBuilder {
   void SetTitle(std::int32_t dir, const std::string& title);
   void SetBootOption(std::uint8_t option);
 
-  // Anything at all.
+  // Writes a byte anywhere, whatever it breaks.
   void Poke(std::int64_t offset, std::uint8_t value);
   std::uint8_t Peek(std::int64_t offset) const;
-  // Both map checksums, after pokes.
+  // Makes both map checksums right again after pokes.
   void FixChecksums();
 
-  // The flat bytes (.adf, .dat), and with the tracks of the two sides in turn (.adl).
+  // The flat bytes (.adf, .dat), and the bytes with the tracks of the two sides by turns (.adl).
   const std::vector<std::uint8_t>& Bytes() const { return bytes_; }
   std::vector<std::uint8_t> InterleavedBytes() const;
   void WriteTo(const std::string& path) const;

@@ -9,9 +9,9 @@
 
 namespace sectorbox::testing {
 
-// A link's host in virtual time that shows nothing, keeps nothing and answers both file dialogs
-// with one name, none unless given. For programs that measure or exercise the link; a test wants
-// to know what the link said, and takes ScriptedLinkHost.
+// A link's host in virtual time that shows nothing and keeps nothing. It answers both file dialogs
+// with one name, which is empty unless the program gives one. It is for programs that measure or
+// exercise the link; tests that look at what the link says use ScriptedLinkHost.
 class InertLinkHost : public LinkHost {
  public:
   explicit InertLinkHost(VirtualClock& clock, std::string file = {})

@@ -41,7 +41,7 @@ class MemoryDevice final : public RawDevice {
     Sector(offset / kSector)[offset % kSector] = value;
   }
   std::uint64_t Size() const { return size_; }
-  // Loses what lies behind that many sectors, also while it is open.
+  // Cuts the card off behind that many sectors; it may be open.
   void Shrink(std::uint64_t sectors) { size_ = sectors * kSector; }
 
   bool Open(const std::string& path) override {

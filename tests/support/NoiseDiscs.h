@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-// Discs for transfers, made by a rule of their own: what crosses the cable must not depend on what
-// the disc engine believes.
+// Discs for transfers. The disc engine has no part in making them: what crosses the cable must not
+// depend on it.
 namespace sectorbox::testing {
 
 // Sectors whose bytes don't compress, a different one for every number and seed.
@@ -53,7 +53,8 @@ inline std::vector<std::uint8_t> Interleave(const std::vector<std::uint8_t>& fla
   return file;
 }
 
-// A kind of disc: its sectors, its file's extension and, with that, the order of its file.
+// A kind of disc: its sectors, and the extension of its file, which also tells the order of the
+// file's sectors.
 struct DiscKind {
   const char* Name;
   std::int32_t Sectors;

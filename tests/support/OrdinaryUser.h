@@ -5,8 +5,8 @@
 
 namespace sectorbox::testing {
 
-// While it lives, this process has no more rights than any user: the superuser may read and write
-// everywhere. Folders on the way to what such a user is to reach have to be open to all.
+// While it lives, this process has only the rights of an ordinary user; the superuser could read
+// and write everywhere. Folders that such a user has to pass must be open to all users.
 class OrdinaryUser {
  public:
   OrdinaryUser() {

@@ -8,8 +8,8 @@
 
 namespace sectorbox::testing {
 
-// A SimulatedBbc at the other end of a pseudo-terminal, in real time, on a thread of its own. What
-// Bbc holds may be set before Start and looked at after Stop.
+// A SimulatedBbc at the other end of a pseudo-terminal, in real time, on a thread of its own. A
+// test may set up Bbc before Start and look at it after Stop.
 class PtyBbc {
  public:
   PtyBbc();
@@ -19,14 +19,14 @@ class PtyBbc {
 
   SimulatedBbc Bbc;
 
-  // What a program opens as its serial port.
+  // The path that a program opens as its serial port.
   const std::string& Device() const { return device_; }
   void Start();
-  // Hears out what the PC has sent before.
+  // Ends the thread. It reads first what the PC has sent before.
   void Stop();
   // Pulls the plug: the PC's side fails from now on.
   void Unplug();
-  // Everything that has come from the PC; to be looked at after Stop.
+  // Everything that has come from the PC. A test looks at it after Stop.
   const std::string& Bytes() const { return bytes_; }
   // How many bytes have come from the PC so far.
   std::size_t Received() const { return received_; }

@@ -7,8 +7,8 @@
 
 namespace sectorbox::testing {
 
-// A host that takes everything and says nothing: for benchmarks and fuzzers, which look at time and
-// memory and not at the calls.
+// A host that accepts every call and shows nothing. It is for benchmarks and fuzzers, which look at
+// time and memory and not at the calls.
 class QuietHost final : public DiscHost {
  public:
   bool* ProgressRunning = nullptr;  // set when the progress dialog opens

@@ -16,9 +16,10 @@ struct SbxResult {
   std::string Err;
 };
 
-// A running sbx, with an empty standard input and no terminal at either end. One that nobody waited
-// for is killed. folder, where given, is where it runs; program a copy of sbx to run instead;
-// terminal the device that is its standard error, which the result then doesn't have.
+// A running sbx, with an empty standard input and without a terminal. The destructor kills it if
+// nobody has waited for it. If they are given: folder is the folder that it runs in, program a copy
+// of sbx that runs instead, terminal the device of its standard error, whose text the result then
+// doesn't have.
 class SbxProcess {
  public:
   explicit SbxProcess(const std::vector<std::string>& arguments, const std::string& folder = "",
@@ -27,9 +28,9 @@ class SbxProcess {
   SbxProcess(const SbxProcess&) = delete;
   SbxProcess& operator=(const SbxProcess&) = delete;
 
-  // Ctrl-C.
+  // Presses Ctrl-C.
   void Interrupt();
-  // Until it ends by itself. Only once.
+  // Waits until it ends by itself. A test may call this once.
   SbxResult Wait();
 
  private:
@@ -38,7 +39,7 @@ class SbxProcess {
   pid_t child_ = -1;
 };
 
-// The same from start to end.
+// Runs sbx from start to end.
 SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder = "",
                  const std::string& program = SBX_PATH);
 

@@ -8,7 +8,7 @@
 
 namespace sectorbox::testing {
 
-// What a SimulatedBbc does wrong. "Every" counts exchanges of the kind that is named, from 1; 0 is
+// What a SimulatedBbc does wrong: at every n-th exchange of the named kind, counted from 1; 0 means
 // never.
 struct BbcFaults {
   int WrongCrcEvery = 0;       // CRC replies, also those of the checksum command
@@ -33,7 +33,7 @@ struct BbcFaults {
 // streams are its own (it codes runs of three already, which the PC never does).
 class SimulatedBbc {
  public:
-  // Bytes to send after a pause since the last.
+  // Bytes to send, after a pause behind the burst in front.
   struct Burst {
     std::int32_t DelayMilliseconds = 0;
     std::string Bytes;
@@ -61,9 +61,9 @@ class SimulatedBbc {
   std::set<std::int32_t> SkippedWrites;
 
   void SetBuffer(std::int32_t sectors) { BufferReply = std::to_string(sectors * 256) + "\r"; }
-  // A byte arrives.
+  // A byte arrives from the PC.
   void Receive(std::uint8_t byte);
-  // What is to be sent since the last call.
+  // Gives the bytes that are to be sent since the last call.
   std::vector<Burst> TakeOutput();
 
  private:

@@ -11,7 +11,7 @@
 
 namespace sectorbox::testing {
 
-// A folder of the test's own, removed with all that is in it.
+// A folder of the test's own. The destructor removes it with all that is in it.
 class TempFolder {
  public:
   TempFolder() {

@@ -34,7 +34,7 @@ void VirtualPort::Open() {
 
 void VirtualPort::Close() {
   if (!open_) return;
-  // What is queued goes out first, however long that takes.
+  // First the queued bytes go out, however long that takes.
   clock_.Nanoseconds = std::max(clock_.Nanoseconds, outFree_);
   Advance();
   Note("close");
@@ -42,7 +42,7 @@ void VirtualPort::Close() {
   received_.clear();
 }
 
-// What one byte makes the BBC say goes on the line at once, at the speed that it has then.
+// The BBC may answer each byte at once, at the speed that it has then.
 void VirtualPort::Deliver(const Travelling& item) {
   if (item.Speed == bbc_.Speed) bbc_.Receive(item.Byte);
   for (const auto& burst : bbc_.TakeOutput()) {

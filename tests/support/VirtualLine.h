@@ -19,9 +19,9 @@ struct VirtualClock {
   void Sleep(std::int64_t milliseconds) { Nanoseconds += milliseconds * 1'000'000; }
 };
 
-// A serial port with a cable and a SimulatedBbc at its end, in virtual time: ten bits a byte at the
-// speed of the sender; at different speeds, and on a closed port, bytes are lost.
-// With a log it records "open SETTINGS", "close" and "settings TEXT".
+// A serial port with a cable and a SimulatedBbc at its end, in virtual time. A byte takes ten bits
+// at the speed of the sender. Bytes are lost if the two speeds differ or the port is closed. With a
+// log it records "open SETTINGS", "close" and "settings TEXT".
 class VirtualPort final : public SerialPort {
  public:
   VirtualPort(VirtualClock& clock, SimulatedBbc& bbc, std::vector<std::string>* log = nullptr)
@@ -31,7 +31,7 @@ class VirtualPort final : public SerialPort {
   bool CTS = true;
   bool DSR = true;
   bool CannotOpen = false;
-  // The port vanishes when so many more bytes have come in or gone out.
+  // The port vanishes after this many more bytes have come in or gone out.
   std::int64_t BytesUntilItVanishes = std::numeric_limits<std::int64_t>::max();
   std::int64_t NanosecondsBusy = 0;  // time in which the BBC was sending
   std::int64_t BytesFromBbc = 0;

@@ -86,8 +86,8 @@ void DialogPlayer::Tick() {
   answers_.pop_front();
   answered_.emplace_back(dialog);
   ticksOpen_ = 0;
-  // From a timer of its own: the answer may open a box, whose events this timer must serve, and a
-  // timer doesn't run again inside its own call.
+  // The answer runs from a timer of its own. It may open a box, and this timer must go on to serve
+  // that box, but a timer doesn't run again inside its own call.
   QTimer::singleShot(0, &timer_, [this, answer, held = QPointer<QWidget>(dialog)] {
     if (held == nullptr) return;
     answer(*held);

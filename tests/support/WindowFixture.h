@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <deque>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -32,6 +33,13 @@ T& In(QWidget& dialog, const char* name) {
   T* found = dialog.findChild<T*>(QString::fromLatin1(name));
   if (found == nullptr) throw std::runtime_error(std::string("no such child: ") + name);
   return *found;
+}
+
+// Names as the panes list them.
+inline QStringList List(std::initializer_list<const char*> names) {
+  QStringList list;
+  for (const char* name : names) list.append(QString::fromLatin1(name));
+  return list;
 }
 
 // Plays the user at modal dialogs. A test queues its answers before it triggers what opens the

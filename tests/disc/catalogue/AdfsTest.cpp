@@ -6,6 +6,7 @@
 
 #include "disc/catalogue/Directories.h"
 #include "disc/format/LittleEndian.h"
+#include "disc/format/Text.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TempFolder.h"

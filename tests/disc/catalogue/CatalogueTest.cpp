@@ -59,7 +59,7 @@ TEST_F(CatalogueTest, EventsRunAfterEachChildOfTheRootAndNoOther) {
   image.AddDirectory(a, "AB");
   image.AddDirectory(2, "B");
   Open(image);
-  WalkTree(disc_);
+  EXPECT_EQ(WalkTree(disc_).size(), 5U);
   EXPECT_EQ(host_.Log, (std::vector<std::string>{"pump", "pump"}));
 }
 

@@ -1,4 +1,4 @@
-// A program that dies in the middle of a compaction: what reached the medium until then.
+// A program that dies in the middle of a compaction: what has reached the medium by then.
 
 #include <algorithm>
 #include <memory>
@@ -12,7 +12,7 @@ namespace {
 
 using namespace testing;
 
-// A card whose writes reach it until their number is used up, and go nowhere from then on.
+// A card that takes a given number of writes; all later writes have no effect.
 class DyingDevice final : public RawDevice {
  public:
   DyingDevice(Bytes& card, std::size_t writes) : card_(card), writes_(writes) {}
@@ -56,7 +56,8 @@ class CompactionKillTest : public ::testing::Test {
     }
   }
 
-  // The disc after a compaction of which only so many writes reached the card.
+  // The disc after a compaction of which only the first writes have reached the card, as many as
+  // given.
   Bytes CompactWith(std::size_t writes) {
     Bytes card(image_.Bytes().size() * 2);
     for (std::size_t i = 0; i < image_.Bytes().size(); ++i) card[2 * i] = image_.Bytes()[i];
@@ -74,7 +75,8 @@ class CompactionKillTest : public ::testing::Test {
     return after;
   }
 
-  // Names and bytes of every file, without their places; none of a disc that leads nowhere.
+  // Names and bytes of every file, without their places; none if an entry leads past the disc's
+  // end.
   static std::vector<std::pair<std::string, Bytes>> Files(const Bytes& disc) {
     std::vector<std::pair<std::string, Bytes>> files;
     try {

@@ -95,7 +95,8 @@ TEST_F(CompactionTest, ADirectoryWhoseOwnNameDisagreesMovesAndItsEntryStaysBehin
   EXPECT_TRUE(IsDirectory(disc_, 7));
 }
 
-// A file may hold what looks like the directory's entry, and moves only after that was changed.
+// A file may hold bytes that look like the directory's entry. They are changed before the file
+// moves.
 TEST_F(CompactionTest, ADirectoryThatCallsAFileItsParentFindsItsEntryThereBeforeTheFileMoves) {
   ImageBuilder image(640);
   image.AddHole(10);
@@ -265,7 +266,7 @@ class RandomDisc {
     for (int i = 0; i < objects / 2; ++i) RehangOne();
   }
   const ImageBuilder& Image() const { return image_; }
-  // Pokes that leave a disc whose objects don't overlap, but whose directories tell untruths.
+  // Damages directories so that they hold wrong names and parents, but lets no objects overlap.
   void TellUntruths() {
     for (std::size_t i = 1; i < dirs_.size(); ++i) {
       const std::int64_t base = std::int64_t{dirs_[i]} * 256;
@@ -287,7 +288,7 @@ class RandomDisc {
     if (deep_ && random_() % 2 == 0) return dirs_.back();
     return dirs_[random_() % dirs_.size()];
   }
-  // Each once on the disc, some of them of all ten characters.
+  // A name that is on the disc only once. Some names have all ten characters.
   std::string MakeName(int i) {
     const std::string name =
         (random_() % 2 ? "n" : "N") + std::to_string(random_() % 1000) + "_" + std::to_string(i);
@@ -333,8 +334,8 @@ class RandomDisc {
     } catch (const std::runtime_error&) {
     }
   }
-  // Puts a file or a directory with all that is in it into any other directory, also one that lies
-  // above it.
+  // Moves the entry of a file or directory into any other directory, also into one that lies above
+  // it on the disc.
   void RehangOne() {
     const bool directory = !children_.empty() && random_() % 4 == 0;
     auto& from = directory ? children_ : files_;
@@ -350,7 +351,7 @@ class RandomDisc {
       // That one is full.
     }
   }
-  // Whether a directory is the one of that number in children_, or lies somewhere below it.
+  // True if the directory dir is the one of that index in children_, or lies somewhere below it.
   bool Holds(std::size_t child, std::int32_t dir) const {
     while (dir != 2) {
       const auto at = std::find(dirs_.begin(), dirs_.end(), dir) - dirs_.begin() - 1;
@@ -365,7 +366,7 @@ class RandomDisc {
   bool deep_ = false;
   ImageBuilder image_;
   std::vector<std::int32_t> dirs_;  // the root, then all others in the order of children_
-  // Both with the directories that list them.
+  // All directories and files, with the directories that list them.
   std::vector<Listed> children_;
   std::vector<Listed> files_;
 };
@@ -377,7 +378,7 @@ TEST_F(CompactionTest, RandomDiscsComeOutByteForByteAsInTheStepByStepWay) {
     if (seed % 8 == 1) {
       OpenOnCard(disc.Image());
     } else {
-      // After the first card a .dat has blocks that hang over into the next one.
+      // After the first card the blocks of a .dat are longer, and reach into the next block.
       Open(disc.Image(), seed % 8 ? kAdf : kDat);
     }
     CompactAndCompare();
@@ -385,7 +386,7 @@ TEST_F(CompactionTest, RandomDiscsComeOutByteForByteAsInTheStepByStepWay) {
   }
 }
 
-// Here entries have to follow before everything has moved.
+// On these discs entries have to be written before everything has moved.
 TEST_F(CompactionTest, SoDoHardDiscsOfManyMegabytes) {
   for (unsigned seed = 0; seed < 6; ++seed) {
     SCOPED_TRACE(seed);

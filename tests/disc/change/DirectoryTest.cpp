@@ -220,7 +220,8 @@ TEST_F(DirectoryTest, BeyondSector65535AllGoesAsBelow) {
   EXPECT_EQ(Contents(made, "F"), Pattern(70000, 2));
   EXPECT_EQ(Faults(), std::vector<std::string>());
 
-  // The BBC may leave an empty file in the middle of another one, and takes nothing from that.
+  // The BBC may leave an empty file at a sector in the middle of another file, which keeps that
+  // sector.
   const std::int32_t slot = FindEntry(disc_, far, "EMPTY");
   const std::string runs = Runs();
   EditedDirectory edited(disc_, far);

@@ -125,7 +125,7 @@ TEST_F(FreeMapTest, TheReleaseThatMakesEightyRunsCompactsTheDisc) {
     }
   }
   Open(image, kAdl);
-  // Every second file goes: each leaves a hole of its own.
+  // Every second file is deleted, and each leaves a hole of its own.
   for (int n = 0; n < 79; ++n) {
     ASSERT_EQ(DeleteEntry(disc_, dirs[n / 20], "F" + std::to_string(100 + n % 20 * 2), false, true),
               Outcome::kDone);

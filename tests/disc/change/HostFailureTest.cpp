@@ -1,4 +1,4 @@
-// Saves that the host stops half-way, and saves that are killed: the old file or the new one.
+// Saves that the host stops half-way, and saves that are killed, leave the old file or the new one.
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -9,7 +9,6 @@
 #include <csignal>
 #include <random>
 
-#include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/image/OpenImage.h"
@@ -24,7 +23,7 @@ namespace {
 
 using namespace testing;
 
-// While it lives, no file of this process grows beyond so many bytes: a medium that is full.
+// Plays a full medium: while it lives, no file of this process grows beyond that many bytes.
 class FullMedium {
  public:
   explicit FullMedium(rlim_t bytes) {

@@ -9,6 +9,7 @@
 
 #include "disc/change/Compaction.h"
 #include "disc/exchange/HostExchange.h"
+#include "disc/format/Text.h"
 #include "tests/disc/EngineTest.h"
 
 namespace sectorbox {
@@ -59,7 +60,7 @@ struct Habits {
   bool Deep = false;         // mostly works in the lowest directories, and makes more there
 };
 
-// Shapes that came up, so that a test can see that its random discs have them.
+// How often special states came up, so that a test can see that its random discs had them.
 struct Shapes {
   int FullDirectories = 0;
   int MostRuns = 0;
@@ -254,7 +255,7 @@ class MutationModelTest : public EngineTest {
     place.Dir->Children[Upper(node->Name)] = node;
   }
 
-  // What deleting a directory's contents leaves of it in the model; false at a locked entry.
+  // Deletes a directory's contents in the model. False if it stopped at a locked entry.
   static bool Empty(Node& dir, bool ignoreLock) {
     while (!dir.Children.empty()) {
       const auto first = dir.Children.begin();
@@ -300,7 +301,7 @@ class MutationModelTest : public EngineTest {
     place.Dir->Children.erase(Upper(name));
   }
 
-  // A file that isn't locked, so that its sectors do come free.
+  // Deletes a file that isn't locked, so that its sectors become free.
   void DeleteFile(const Place& place) {
     Node* node = PickChild(place);
     if (node == nullptr || node->IsDir || node->Locked) return;

@@ -7,8 +7,8 @@
 
 namespace sectorbox::testing {
 
-// Compaction of flat bytes in the plainest way there is: an exchange sort, a byte at a time, and a
-// search through all records for each move. What the engine does faster has to leave these bytes.
+// Compaction of flat bytes in the plainest way: an exchange sort, one byte at a time, and a search
+// through all records for each move. The engine is faster and must leave the same bytes.
 class PlainCompaction {
  public:
   explicit PlainCompaction(std::vector<std::uint8_t>& disc) : disc_(disc) {}

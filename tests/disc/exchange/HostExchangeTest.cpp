@@ -25,7 +25,7 @@ class HostExchangeTest : public EngineTest {
   void MakeFolder(const std::string& name) { fs::create_directory(folder_ / name); }
   std::string Out() { return folder_ / "out"; }
   std::string OutFile(const std::string& name) { return Out() + "/" + name; }
-  // Names in the folder that export wrote to, with blanks between.
+  // The names in the folder that an export has written, with blanks between.
   std::string Listed(const std::string& folder) {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(folder)) {
@@ -184,7 +184,7 @@ TEST_F(HostExchangeTest, ImportMakesTheFolderAndAllBelowItInByteOrder) {
   EXPECT_EQ(AddFile(disc_, 2, folder_ / "in"), Outcome::kDone);
   const std::int32_t in = GetEntrySector(disc_, 2, "in");
   EXPECT_EQ(Names(in), "a b B2 sub");
-  // B2 first, since capitals have the lower codes.
+  // B2 comes first, since capitals have lower codes than small letters.
   EXPECT_LT(GetEntrySector(disc_, in, "B2"), GetEntrySector(disc_, in, "a"));
   EXPECT_EQ(Names(GetEntrySector(disc_, in, "sub")), "y");
   EXPECT_EQ(Attr(2, "in"), "DWR");

@@ -1,5 +1,5 @@
-// Any bytes at all may be in an image: opening, walking, listing, checking and saving end, and stay
-// within their memory (the sanitizers watch).
+// An image may hold any bytes. Opening, walking, listing, checking and saving it always end, and
+// stay within their memory (the sanitizers watch that).
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ struct Outcome {
   bool HasError = false;
 };
 
-// The whole road over an image file.
+// Takes an image file through all of these steps.
 Outcome Use(const std::string& path) {
   ScriptedHost host;
   Disc disc(host);
@@ -41,7 +41,7 @@ Outcome Use(const std::string& path) {
   outcome.Rows = ReadRows(disc, format::kRootSector).size();
   for (std::size_t i = 0; i < std::min<std::size_t>(tree.size(), 50); ++i) {
     for (const ListRow& row : ReadRows(disc, tree[i].Tag)) {
-      FindPath(disc, row.Name());
+      (void)FindPath(disc, row.Name());
       EXPECT_LE(row.Name().size(), 10U);
     }
     EXPECT_LE(GetDirName(disc, tree[i].Tag).size(), 10U);

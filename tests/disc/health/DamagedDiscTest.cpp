@@ -1,5 +1,5 @@
-// Discs with damage of every kind, given to every operation: it ends, in bounded time, without a
-// read or write outside its memory, and with no message but those that it has words for.
+// Discs with damage of every kind. Every operation on them ends in bounded time, reads and writes
+// only its own memory, and shows no messages but its own.
 
 #include <filesystem>
 #include <random>
@@ -35,7 +35,7 @@ class DamagedDiscTest : public EngineTest {
       try {
         operation();
       } catch (const HostError&) {
-        // A file name that the host can't take is told in the host's words.
+        // For a file name that the host can't take the message is the host's.
       }
     };
     attempt([&] { ExportFiles(disc_, folder_ / ("out" + std::to_string(round)), 2); });

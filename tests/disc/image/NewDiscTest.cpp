@@ -16,7 +16,7 @@ using namespace testing;
 
 class NewDiscTest : public ::testing::Test {
  protected:
-  // By a word for the size: "80dsd" or "4m".
+  // Makes a disc of the size that a word such as "80dsd" or "4m" names.
   const NewDiscSize& Kind(const std::string& kind) {
     static const std::vector<std::string> kWords = {"40ssd", "80ssd", "80dsd", "1m",  "2m",
                                                     "4m",    "8m",    "16m",   "32m", "64m",

@@ -1,6 +1,5 @@
 #include "disc/image/OpenImage.h"
 
-#include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/image/Session.h"
 #include "tests/support/MemoryDevice.h"

@@ -12,7 +12,7 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Presses Abort at the n-th turn of the event pump from the dialog's appearance on.
+// Presses Abort at the n-th turn of the event pump after the dialog has come up.
 class AbortAtPump {
  public:
   AbortAtPump(LinkRig& rig, std::int64_t pump) {
@@ -31,7 +31,7 @@ class AbortAtPump {
   bool pressed_ = false;
 };
 
-// A transfer with something of everything in it: a silence, a wrong CRC, a bad sector.
+// A transfer with one fault of each kind: a silence, a wrong CRC, a bad sector.
 void MakeTroubled(LinkRig& rig) {
   rig.Bbc.SetBuffer(4);
   rig.Bbc.Drives[0] = NoiseDisc(16, {});

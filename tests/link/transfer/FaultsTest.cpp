@@ -11,8 +11,8 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// Faults that a transfer must get over, drawn by a seed. Lost bytes of a command are left out: a
-// command has no check of its own, so the wire can't tell a sector number from a shorter one.
+// Faults that a transfer must get over, chosen at random by a seed. Bytes of commands are never
+// lost: a command has no checksum, so the BBC can't tell a cut sector number from a shorter one.
 BbcFaults Draw(std::mt19937& random) {
   const auto every = [&](int least, int most) {
     if (random() % 2 == 0) return 0;
@@ -53,7 +53,8 @@ bool IsFree(int sector) {
   return (sector >= 40 && sector < 47) || (sector >= 60 && sector < 80);
 }
 
-// Every difference is a sector that was given up: counted, and named in the trace.
+// Both discs agree, except for sectors that were given up. These are counted, and the trace names
+// them.
 void ExpectSameButFor(const Bytes& got, const Bytes& wanted, const std::set<std::int32_t>& skipped,
                       bool dataOnly, const LinkRig& rig, const char* verb) {
   for (int s = 0; s < 96; ++s) {

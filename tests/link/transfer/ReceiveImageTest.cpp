@@ -31,12 +31,7 @@ class ReceiveImageTest : public ::testing::Test {
 };
 
 TEST_F(ReceiveImageTest, AWholeReceiveRunsThisExchangeFromConnectToSound) {
-  Bytes disc(8 * 256, 0);
-  disc[252] = 8;
-  disc[510] = 3;
-  disc[0] = 7;
-  disc[256] = 1;
-  disc[2 * 256] = 0x1B;
+  const Bytes disc = DiscOfEightSectors();
   rig.Bbc.Drives[4] = disc;
   rig.Host.Wave = true;
   rig.Host.FileAnswers.push_back(rig.Folder / "x.dat");
@@ -380,7 +375,8 @@ TEST_F(ReceiveImageTest, AMapOfNoiseEndsTheTransferAndHurtsNothing) {
     one.Bbc.Drives[0] = disc;
     one.Host.AcceptMessages = true;
     one.Host.FileAnswers.push_back(one.Folder / "x");
-    // Sectors past the end are refused one by one, as long as the user lets the transfer go on.
+    // The BBC refuses the sectors behind the end one by one, as long as the user lets the transfer
+    // go on.
     one.Host.OnLog = [&](const std::string&) {
       if (one.Host.Log.size() > 400) one.TheLink.AbortRequested = true;
     };

@@ -30,14 +30,9 @@ class SendImageTest : public ::testing::Test {
   LinkRig rig;
 };
 
-// All but what the BBC said, which the receive shows.
+// The log without what the BBC says; the test of the receive shows that.
 TEST_F(SendImageTest, AWholeSendRunsThisExchangeFromConnectToSound) {
-  Bytes disc(8 * 256, 0);
-  disc[252] = 8;
-  disc[510] = 3;
-  disc[0] = 7;
-  disc[256] = 1;
-  disc[2 * 256] = 0x1B;
+  const Bytes disc = DiscOfEightSectors();
   rig.Bbc.Drives[4] = Bytes(8 * 256, 0xEE);
   rig.Bbc.FreeReply = "000001 Sectors Free\n\r000007 Sectors Used\n\r";
   rig.Host.Wave = true;
@@ -171,7 +166,7 @@ TEST_F(SendImageTest, EachFailureOfTheOpeningHasItsWords) {
     one.Bbc.Drives[0] = Bytes(40 * 256);
     damage(one.Bbc);
     one.Host.ExpectedMessages = {message};
-    // There is no such file. It isn't touched before the three commands have succeeded.
+    // There is no such file. A send opens it only after the three commands have succeeded.
     one.Host.FileAnswers.push_back(one.Folder / "none.adf");
     SendImage(one.TheLink, 0, false);
   }
@@ -201,7 +196,7 @@ TEST_F(SendImageTest, AWriteWithoutAnAcknowledgeCountsARetryAndNamesDriveAndSect
             (std::vector<std::string>{"trace Received no reply for disc 0 sector 16 from BBC",
                                       "trace Received no reply for disc 0 sector 32 from BBC"}));
   EXPECT_EQ(rig.Host.LogOf("counters").back(), "counters 2 0 0");
-  // The chunk is sent again, and nothing of the one that failed is shown.
+  // The chunk is sent again. The user sees nothing of the one that failed.
   EXPECT_EQ(rig.Host.LogOf("total").size(), 4U);
   EXPECT_EQ(std::count(rig.Bbc.Heard.begin(), rig.Bbc.Heard.end(), "ESC2"), 2);
   EXPECT_EQ(rig.Bbc.Drives[0], NoiseDisc(40, {}));

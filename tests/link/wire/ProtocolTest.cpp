@@ -66,7 +66,7 @@ TEST(Compressor, TheWorstDataFitsItsBuffer) {
   EXPECT_EQ(CompressBytes(worst).size(), worst.size() * 7 / 4);
 }
 
-// Plays bytes at ReceivePacket as the server would send them.
+// Gives bytes to ReceivePacket as the server would send them.
 class PacketTest : public ::testing::Test {
  protected:
   PacketTest() { rig.Connect(); }

@@ -18,7 +18,7 @@ class CardRound : public WindowTest {
     player_.PassOverProgress = true;
     useHostCards_ = true;
   }
-  // Chooses a partition by its row's end, with the box ticked that lists what isn't of ADFS.
+  // Chooses the partition whose row ends with a text. The box that lists what isn't ADFS is ticked.
   static void ChoosePartition(QWidget& dialog, int partition) {
     In<QCheckBox>(dialog, "chkNonADFS").setChecked(true);
     auto& rows = In<QComboBox>(dialog, "cmbCFCard");
@@ -76,10 +76,8 @@ TEST_F(CardRound, EveryByteOfACardIsAccountedForFromTheFormatToTheRestore) {
   Format(0, false);
   Format(1, true);
   CloseCard();
-  const auto empty = ImageBuilder(4096).Bytes();
-  account.Wipe(0, 4096);
-  account.Put(0, 0, empty);
-  account.Put(1, 0, std::span(empty).first(7 * 256));
+  account.FormatFully(0, 4096);
+  account.FormatQuickly(1, 4096);
   ASSERT_EQ(account.WhatDiffers(card), "");
 
   const std::vector<std::uint8_t> alpha(1000, 0xA1);

@@ -12,12 +12,6 @@
 namespace sectorbox::testing {
 namespace {
 
-QStringList List(std::initializer_list<const char*> names) {
-  QStringList list;
-  for (const char* name : names) list.append(QString::fromLatin1(name));
-  return list;
-}
-
 class DirectoryCommandsTest : public WindowTest {
  protected:
   DirectoryCommandsTest() {

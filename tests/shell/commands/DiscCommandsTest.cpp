@@ -88,7 +88,7 @@ TEST_F(DiscCommandsTest, TheToolBarsNewAsksForA640KDisc) {
 TEST_F(DiscCommandsTest, SaveAsksIfTheUserIsSureAndReplacesWithoutAFurtherQuestion) {
   ImageBuilder image(2560);
   StartWith(image);
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   WriteText(folder_ / "there.adl", "old");
   player_.ExpectYesNo(QStringLiteral("Are You Sure ?"), true);
   player_.ExpectFileDialog(folder_ / "there.adl");
@@ -176,7 +176,7 @@ TEST_F(DiscCommandsTest, EachSizeOfTheResizeMenuIsMadeOfTracksOf132Sectors) {
 
 TEST_F(DiscCommandsTest, AResizeAsksAboutUnsavedChangesBeforeItAsksForTheImage) {
   Start();
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   player_.ExpectYesNo(QStringLiteral("Save your changes now ?"), false);
   player_.ExpectFileDialog("");
   Choose("mnuDiscResize32M");

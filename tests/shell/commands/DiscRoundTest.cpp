@@ -1,6 +1,6 @@
-// A disc from its making to its saving, all through the window: filled from a host folder,
-// reorganised, compacted and exported again. Where the environment's KEEP_DISC names a file, the
-// saved disc stays there, for a real filing system to judge it.
+// The whole life of a disc, all through the window: made, filled from a host folder, reorganised,
+// compacted, exported and saved. If the environment variable KEEP_DISC names a file, the saved disc
+// stays there, so that a real filing system can judge it.
 
 #include <QCheckBox>
 #include <QRadioButton>

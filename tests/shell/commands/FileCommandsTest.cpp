@@ -169,7 +169,7 @@ TEST_F(FileCommandsTest, AForbiddenCharacterGivesTheMessageAndTheOldNameStays) {
   EXPECT_TRUE(OnDisc("ALPHA"));
 }
 
-// As "?" the disc would take the name.
+// The disc would take the name if the window sent "?".
 TEST_F(FileCommandsTest, ACharacterThatTheBbcDoesNotHaveIsRefused) {
   StartWith(image_);
   Select({"ALPHA"});

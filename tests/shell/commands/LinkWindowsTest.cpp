@@ -73,7 +73,7 @@ TEST_F(LinkWindowsTest, TheTransferDialogStaysWhereItWasLeft) {
   EXPECT_EQ(Dialog()->pos(), QPoint(150, 60));
 }
 
-// Otherwise a transfer would run on with no button left to end it.
+// Else a transfer would go on, and no button would be left to end it.
 TEST_F(LinkWindowsTest, EscapeAndTheCloseBoxAreAbortWhileATransferRuns) {
   Start();
   for (const bool escape : {true, false}) {

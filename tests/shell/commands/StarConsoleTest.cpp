@@ -103,7 +103,7 @@ TEST_F(StarConsoleTest, AnErrorShowsTheBbcsTextAndLeavesTheCommand) {
     Type("WHAT");
     EXPECT_EQ(Command()->text(), QStringLiteral("WHAT"));
     EXPECT_EQ(Output()->toPlainText(), QString());
-    // Once it is mended, it runs.
+    // The user corrects the command, and it runs.
     Command()->setText(QStringLiteral("FADFS"));
     QTest::keyClick(Command(), Qt::Key_Enter);
     EXPECT_EQ(Command()->text(), QString());

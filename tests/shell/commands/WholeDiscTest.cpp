@@ -4,7 +4,8 @@
 namespace sectorbox::testing {
 namespace {
 
-// The faults during one disc, and the counter that shows them: 1 is for retries, 2 for CRCs.
+// The faults during the transfer of one disc, and the counter that shows them: 1 counts retries, 2
+// wrong CRCs.
 struct Trouble {
   DiscKind Kind;
   BbcFaults Receive;
@@ -16,7 +17,8 @@ struct Trouble {
 std::vector<Trouble> Troubles() {
   std::vector<Trouble> all;
   for (const DiscKind& kind : kDiscKinds) all.push_back({kind, {}, "txtCRC", {}, "txtCRC"});
-  // A disc is about sixteen chunks. A fault that costs a reset, which takes seconds, comes once.
+  // A disc is about sixteen chunks. A fault that leads to a reset, which takes seconds, comes only
+  // once.
   all[0].Receive.WrongCrcEvery = 12;
   all[0].Send.WrongCrcEvery = 4;
   all[1].Receive.WrongEscapeEvery = 12;

@@ -77,7 +77,7 @@ TEST_P(XferAbortTest, EndsTheTransferAndTheNextOneRuns) {
 
   line.Stop();
   EXPECT_EQ(line.Bbc.Heard.back(), moment.Last);
-  // The side that was written holds whole sectors only.
+  // The side that was written to holds whole sectors only.
   const Bytes got = sending ? line.Bbc.Drives[0] : ReadAll(file);
   for (std::size_t at = 0; at < got.size(); at += 256) {
     const auto same = [&](const Bytes& disc) {
@@ -172,7 +172,8 @@ TEST_F(XferTest, ClosingTheMainWindowInATransferSaysQAndEndsTheProgram) {
     window_->close();
     EXPECT_EQ(ends_, std::vector<int>{0});
     EXPECT_FALSE(TheLink().Port.PortOpen());
-    // The real program has ended here. This one goes on, and would wait for a byte that can't come.
+    // The real program would have ended here. The test goes on, and would wait for a byte that
+    // can't come.
     TheLink().AbortRequested = true;
     TheLink().Timer4.Due = 0;
   });

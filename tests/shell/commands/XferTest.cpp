@@ -114,7 +114,7 @@ TEST_F(XferTest, WhileATransferRunsTheUserCanLookAroundButStartNoOtherCommand) {
   line.Bbc.Drives[0] = NoiseDisc(64, {});
   line.Bbc.SetBuffer(4);
   StartWired();
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   disc_->ImageChanged = false;
   Press(window_->ThePanes().Tree(), Qt::Key_F5);
   bool done = false;

@@ -24,8 +24,8 @@ std::vector<std::string> Rows(QWidget& dialog) {
 
 using Lines = std::vector<std::string>;
 
-// Drags the files over the dialog and drops them there. False where the dialog shows during the
-// drag that it doesn't take them; then they aren't dropped.
+// Drags the files over the dialog and drops them there. False, without a drop, if the dialog shows
+// during the drag that it doesn't take them.
 bool Drop(QWidget& dialog, const QMimeData& data) {
   const QPoint place = dialog.rect().center();
   QDragEnterEvent enter(place, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

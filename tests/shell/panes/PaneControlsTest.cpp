@@ -103,7 +103,7 @@ TEST_F(PaneControlsTest, ControlASelectsAllRowsFromEitherPane) {
 
 TEST_F(PaneControlsTest, F5ReadsTheDiscAgain) {
   StartWith(image_);
-  ASSERT_NE(NewDirectory(*disc_, 2, "NEW"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "NEW").has_value());
   Press(window_->ThePanes().List(), Qt::Key_F5);
   EXPECT_TRUE(Names().contains(QStringLiteral("NEW")));
   EXPECT_FALSE(Nodes().contains(QStringLiteral("NEW")));

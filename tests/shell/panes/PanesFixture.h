@@ -4,12 +4,6 @@
 
 namespace sectorbox::testing {
 
-inline QStringList List(std::initializer_list<const char*> names) {
-  QStringList list;
-  for (const char* name : names) list.append(QString::fromLatin1(name));
-  return list;
-}
-
 class PanesTest : public WindowTest {
  protected:
   // $ with ALPHA (3 bytes), DIR (INNER, with DEEP; FILE), EMPTY and ZED.

@@ -11,7 +11,7 @@
 namespace sectorbox::testing {
 namespace {
 
-// Puts a file that can't be read in the place of each open handle of that path.
+// Makes each handle that this process has open on that path lead to a file that can't be read.
 void Break(const std::string& path) {
   const int broken = open("/proc/self/mem", O_RDWR);
   ASSERT_GE(broken, 0);

@@ -2,7 +2,6 @@
 #include <QTimer>
 #include <stdexcept>
 
-#include "disc/catalogue/Adfs.h"
 #include "disc/change/Mutation.h"
 #include "disc/host/HostError.h"
 #include "tests/support/WindowFixture.h"
@@ -82,7 +81,7 @@ TEST_F(ExitTest, AMinimisedWindowKeepsItsEarlierPlace) {
 TEST_F(ExitTest, ChangesAreAskedAboutOnceAndNoLosesThem) {
   ImageBuilder image(2560);
   StartWith(image);
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   const auto before = ReadAll(folder_ / "test.adl");
   player_.ExpectYesNo(QStringLiteral("Save your changes now ?"), false);
   window_->close();
@@ -92,7 +91,7 @@ TEST_F(ExitTest, ChangesAreAskedAboutOnceAndNoLosesThem) {
 
 TEST_F(ExitTest, TheExitEntryAsksOnceToo) {
   Start();
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   player_.ExpectYesNo(QStringLiteral("Save your changes now ?"), false);
   Choose("mnuDiscClose");
   EXPECT_EQ(ends_, std::vector<int>{0});
@@ -100,7 +99,7 @@ TEST_F(ExitTest, TheExitEntryAsksOnceToo) {
 
 TEST_F(ExitTest, YesSavesUnderTheNameOfTheSaveDialog) {
   Start();
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   player_.ExpectYesNo(QStringLiteral("Save your changes now ?"), true);
   player_.ExpectFileDialog(folder_ / "saved.adl", [](QWidget& dialog) {
     EXPECT_EQ(dialog.objectName(), QStringLiteral("dlgCommonDialog"));
@@ -113,7 +112,7 @@ TEST_F(ExitTest, YesSavesUnderTheNameOfTheSaveDialog) {
 
 TEST_F(ExitTest, ASaveThatFailsTellsTheSystemsWordsAndTheProgramStillEnds) {
   Start();
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   player_.ExpectYesNo(QStringLiteral("Save your changes now ?"), true);
   const std::string path = folder_ / "missing/saved.adl";
   player_.ExpectFileDialog(path);
@@ -127,13 +126,13 @@ TEST_F(ExitTest, ASaveThatFailsTellsTheSystemsWordsAndTheProgramStillEnds) {
   EXPECT_EQ(ends_, std::vector<int>{0});
 }
 
-// The question isn't a trap: a host that takes nothing still lets the program end, and the changes
-// are not lost.
+// The question never keeps the user in the program: if the host can't save, the program still ends,
+// and the changes are not lost.
 TEST_F(ExitTest, ASaveThatIsRefusedTwiceGoesToTheRecoveryFileAndTheProgramEnds) {
   for (const bool byMenu : {false, true}) {
     StartAgain();
     ends_.clear();
-    ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+    ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
     const QString kept =
         SettingsStore().Folder() + QStringLiteral("/Recovered%1.adl").arg(byMenu ? 2 : 1);
     for (int i = 0; i < 2; ++i) {
@@ -155,7 +154,7 @@ TEST_F(ExitTest, ASaveThatIsRefusedTwiceGoesToTheRecoveryFileAndTheProgramEnds) 
 
 TEST_F(ExitTest, FailingKeepsAnUnsavedDiscBesideTheSettingsAndSaysWhere) {
   Start();
-  ASSERT_NE(NewDirectory(*disc_, 2, "DIR"), -1);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
   QString text;
   player_.Expect([&](QWidget& dialog) {
     text = dynamic_cast<QMessageBox&>(dialog).text();
@@ -176,7 +175,7 @@ TEST_F(ExitTest, FailingWithNothingUnsavedWritesNothing) {
   EXPECT_FALSE(QFile::exists(SettingsStore().Folder() + QStringLiteral("/Recovered1.adl")));
 }
 
-// From a timer, a view or a dialog: nobody between it and the event loop has caught it.
+// An exception from a timer, a view or a dialog, which no code below the event loop has caught.
 TEST_F(ExitTest, AHostFailureThatReachesTheEventLoopIsABoxAndTheProgramGoesOn) {
   Start();
   QTimer::singleShot(0, [] { throw HostError("/some/file", "went away"); });

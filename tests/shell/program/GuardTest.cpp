@@ -26,8 +26,8 @@ class GuardTest : public WindowTest {
     image_.AddDirectory(2, "OTHER");
   }
 
-  // Runs action once, from the events that a running command lets run, when the moment has come:
-  // for one that the test doesn't name, when a command or a view runs and no dialog is up.
+  // Runs action once, from the events that a running command lets run, when hasCome gives true. If
+  // the test gives no hasCome, that is when a command or a view runs and no dialog is up.
   using Moment = std::function<bool()>;
   void DuringACommand(std::function<void()> action, Moment hasCome = {}) {
     if (!hasCome) hasCome = [this] { return IsBusy() || !Views().empty(); };
@@ -43,7 +43,7 @@ class GuardTest : public WindowTest {
   }
   static QWidget* Dialog() { return QApplication::activeModalWidget(); }
   static bool ProgressShows() { return Dialog() != nullptr && Dialog()->objectName() == kProgress; }
-  // Whether a command runs that lets no other one start.
+  // True if a command runs that lets no other one start.
   bool IsBusy() { return !window_->Guard().MayStart(CommandKind::kChange); }
   static std::vector<QWidget*> Views() {
     std::vector<QWidget*> views;

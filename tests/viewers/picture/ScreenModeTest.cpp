@@ -52,8 +52,8 @@ std::vector<int> Pixels(int mode, std::uint8_t byte, int cell = 0, int row = 0) 
   return values;
 }
 
-// What a byte's pixels are, bit by bit: in each mode the bits of a pixel stand a fixed distance
-// apart, the most significant first.
+// The pixels of a byte, bit by bit. In each mode the bits of a pixel stand at a fixed distance from
+// each other, the most significant first.
 std::vector<int> ExpectedPixels(int pixelsPerByte, int byte) {
   const int depth = 8 / pixelsPerByte;
   std::vector<int> values;
@@ -120,7 +120,7 @@ TEST(ScreenModeTest, TextRowsFollowEachOtherDownAndFillThePicture) {
   }
 }
 
-// Rows of the picture that hold anything but the black of what was never drawn.
+// How many rows of the picture are drawn: their last pixel isn't black.
 int DrawnRows(int mode, std::size_t length) {
   const Picture picture = DrawScreen(Mode(mode), Bytes(length, 0xFF), Values());
   EXPECT_EQ(picture.Width, 640);

@@ -11,7 +11,7 @@
 
 namespace sectorbox::testing {
 
-// The bytes of a font in which every row of every character differs from its neighbours.
+// The bytes of a font in which each row of a character differs from the rows beside it.
 inline std::vector<std::uint8_t> MakeOddFontBytes() {
   std::vector<std::uint8_t> bytes;
   for (unsigned glyph = 0; glyph < 96; ++glyph) {

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "disc/catalogue/Adfs.h"
 #include "tests/support/CollectingView.h"
 #include "tests/support/ImageBuilder.h"
 #include "tests/viewers/text/ViewTest.h"

@@ -1,5 +1,6 @@
 #include "viewers/text/Disassembler.h"
 
+#include "disc/format/Text.h"
 #include "tests/viewers/text/ViewTest.h"
 
 namespace sectorbox {

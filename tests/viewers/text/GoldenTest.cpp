@@ -1,4 +1,5 @@
-// Every file in a view's input folder, and what the view makes of it. See README.md beside this.
+// Compares what a view makes of every file in its input folder with the golden file. See README.md
+// beside this.
 
 #include <gtest/gtest.h>
 
@@ -79,7 +80,7 @@ class Description {
   std::map<std::string, std::int32_t> dirs_{{"$", 2}};
 };
 
-// What a file is given as both addresses. A Wordwise document is known by its own.
+// The load and exec addresses that a file gets. A Wordwise document has addresses of its own.
 const char* AddressFor(const TextViewKind& kind) {
   return kind.Name == "Wordwise" ? "FFFFFFFF" : "FFFF1900";
 }

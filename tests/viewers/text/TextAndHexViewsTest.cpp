@@ -24,6 +24,15 @@ class TextAndHexViewsTest : public testing::ViewTest {
   }
 };
 
+// The root as a row.
+ListRow RootRow() {
+  Entry root;
+  root.SetName("$");
+  root.Set(Attribute::kDirectory, true);
+  root.SetStart(2);
+  return MakeRow(root);
+}
+
 TEST_F(TextAndHexViewsTest, SixteenBytesAreOneHexLineAndNoEmptyOneFollows) {
   EXPECT_EQ(Hex(BytesOf("0123456789ABCDEF")),
             "000000 : 30 31 32 33 34 35 36 37 38 39 41 42 43 44 45 46  0123456789ABCDEF\r\n");
@@ -65,13 +74,7 @@ TEST_F(TextAndHexViewsTest, AnEmptyFileGivesEmptyViews) {
 
 TEST_F(TextAndHexViewsTest, HexOfADirectoryShowsItsFiveSectors) {
   Open(ImageBuilder(kSectors));
-  ListRow row;
-  Entry root;
-  root.SetName("$");
-  root.Set(Attribute::kDirectory, true);
-  root.SetStart(2);
-  row = MakeRow(root);
-  ShowHex(disc_, row, view_);
+  ShowHex(disc_, RootRow(), view_);
   EXPECT_EQ(view_.Texts.size(), 80U);
   EXPECT_EQ(view_.Texts[0].substr(0, 24), "000000 : 01 48 75 67 6F ");
   EXPECT_EQ(view_.Texts[79].substr(0, 9), "0004F0 : ");
@@ -182,13 +185,7 @@ TEST_F(TextAndHexViewsTest, ClosingTheWindowTakesEffectAtTheEndOfAText) {
 
 TEST_F(TextAndHexViewsTest, ADirectorysRowAsTextIsEmpty) {
   Open(ImageBuilder(kSectors));
-  ListRow row;
-  Entry root;
-  root.SetName("$");
-  root.Set(Attribute::kDirectory, true);
-  root.SetStart(2);
-  row = MakeRow(root);
-  ShowText(disc_, row, view_);
+  ShowText(disc_, RootRow(), view_);
   EXPECT_EQ(view_.Text, "");
 }
 

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "disc/format/Text.h"
 #include "tests/viewers/text/ViewTest.h"
 #include "viewers/text/BasicLister.h"
 

@@ -9,6 +9,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Catalogue.h"
+#include "disc/format/Text.h"
 #include "disc/store/Disc.h"
 #include "tests/support/CollectingView.h"
 #include "tests/support/ImageBuilder.h"
@@ -34,7 +35,8 @@ class ViewTest : public ::testing::Test {
     ReadFreeMap(disc_);
   }
 
-  // Puts the file alone on a disc and gives its row. Behind the file stand zeros, or behind.
+  // Puts the file alone on a disc and gives its row. The bytes of behind follow the file, and then
+  // zeros.
   ListRow RowOf(const Bytes& bytes, const std::string& load, const std::string& exec,
                 const Bytes& behind = {}) {
     ImageBuilder image(kSectors);

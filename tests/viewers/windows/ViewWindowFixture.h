@@ -32,7 +32,7 @@ class ViewWindowTest : public WindowTest {
                       0xFFFFFFFF, 0xFFFFFFFF});
     StartWith(image);
   }
-  // Lets windows that have closed go: a test runs outside the loop that would do it.
+  // Deletes windows that have closed. The event loop would do it, but a test runs outside of it.
   void Settle() {
     WindowTest::Settle();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

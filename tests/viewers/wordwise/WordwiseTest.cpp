@@ -48,7 +48,6 @@ class WordwiseTest : public testing::ViewTest {
 };
 
 // --- The document
-// ---------------------------------------------------------------------------------
 
 TEST_F(WordwiseTest, BothAddressesMustBeFFFFFFFF) {
   ShowWordwise(disc_, RowOf(BytesOf("text"), "FFFFFFFF", "00008023"), view_);
@@ -121,7 +120,6 @@ TEST_F(WordwiseTest, AHardBlankIsPrintedAsABlankAndNeverBroken) {
 }
 
 // --- Commands, each alone
-// -------------------------------------------------------------------------
 
 TEST_F(WordwiseTest, INOnAnEmptyLineIndentsItAndTheNextOnes) {
   EXPECT_EQ(Format("{IN5/abc/def"), "     abc\n     def");
@@ -151,8 +149,8 @@ TEST_F(WordwiseTest, AnIndentThatLeavesNoRoomCountsAsNone) {
 }
 
 TEST_F(WordwiseTest, ALineLongerThanItsBufferGoesRoundInIt) {
-  // 255 blanks, and then the letters in cells 0, 1 and 2: the first cells are printed as they are
-  // by the end of the line.
+  // The line has 255 blanks, and then the letters in cells 0, 1 and 2. The first cells are printed
+  // with what they hold at the end of the line.
   EXPECT_EQ(Format("{LL999/{IN255/abc"), "bc" + Blanks(253) + "abc");
 }
 
@@ -181,7 +179,7 @@ TEST_F(WordwiseTest, LLFallsBackToSeventy) {
   EXPECT_EQ(Format("{LL20/{LL10/" + line + "y/"), line + "\ny\n");
   EXPECT_EQ(Format("{LL20/{LL0/" + line + "y/"), line + "\ny\n");
   EXPECT_EQ(Format("{LL20/{LL/" + line + "y/"), line + "\ny\n");
-  // 11 leaves ten columns beside an indent of 0, and none beside one of 1.
+  // LL11 leaves ten columns with an indent of 0, and none with an indent of 1.
   EXPECT_EQ(Format("{IN1/{LL11/" + line), " " + std::string(69, 'x') + "\n x");
 }
 
@@ -272,7 +270,7 @@ TEST_F(WordwiseTest, ACommentIsSkippedToItsEnd) {
 }
 
 TEST_F(WordwiseTest, AnEmptyCommentRunsToTheNextEnd) {
-  // Its one letter is passed over as two, and the byte that ends it with them.
+  // The comment has one letter, but two are skipped, so that the byte that ends it is skipped too.
   EXPECT_EQ(Format("text{*}more/"), "text");
 }
 
@@ -286,7 +284,6 @@ TEST_F(WordwiseTest, CommandsAreKnownInEitherCase) {
 }
 
 // --- Tabs
-// -----------------------------------------------------------------------------------------
 
 TEST_F(WordwiseTest, ATabGoesToTheNextStop) {
   EXPECT_EQ(Format("a^b/"), "a" + Blanks(8) + "b\n");
@@ -296,7 +293,7 @@ TEST_F(WordwiseTest, ATabOnAStopOrPastTheLastDoesNothing) {
   EXPECT_EQ(Format("abcdefghi^x/"), "abcdefghix\n");
   const std::string line(112, 'x');
   EXPECT_EQ(Format("{LL200/" + line + "^y/"), line + "y\n");
-  // In front of the column where a line's count begins anew.
+  // This is in front of the column at which the count of a line begins again.
   const std::string longest(254, 'x');
   EXPECT_EQ(Format("{LL999/" + longest + "^y/"), longest + "y\n");
 }
@@ -325,7 +322,6 @@ TEST_F(WordwiseTest, TheBlanksOfATabAreNotStretched) {
 }
 
 // --- Pages
-// ----------------------------------------------------------------------------------------
 
 TEST_F(WordwiseTest, AContinuousDocumentHasItsBottomSpaceAfterSixtyLines) {
   EXPECT_EQ(Format(Times(61, "x/")), Times(60, "x\n") + Times(6, "\n") + "x\n");
@@ -375,7 +371,6 @@ TEST_F(WordwiseTest, SkippedLinesEndWithThePage) {
 }
 
 // --- Deferred commands
-// ----------------------------------------------------------------------------
 
 TEST_F(WordwiseTest, UnderlineBeginsAtTheNextPrintedCharacter) {
   EXPECT_EQ(StylesOf("ab{US}cd/"), "  UUUU");
@@ -419,7 +414,8 @@ TEST_F(WordwiseTest, GFLeavesTheDiscAsItWas) {
 }
 
 TEST_F(WordwiseTest, GFWritesItsClosingQuoteThroughTheStore) {
-  // A quote outside the file, behind a name without its own: still found, and still there after.
+  // The name has no closing quote, and the next quote stands behind the file. It is found, and is
+  // still there afterwards.
   const Bytes bytes = BytesOf(Document("a{GF\"NAME}b/"));
   ShowWordwise(disc_, RowOf(bytes, "FFFFFFFF", "FFFFFFFF", BytesOf("xx\"")), view_);
   EXPECT_EQ(view_.Plain(), "ab\n");
@@ -431,7 +427,6 @@ TEST_F(WordwiseTest, GFWithoutAClosingQuoteEndsWithTheImage) {
 }
 
 // --- Unknown commands and bad documents
-// -----------------------------------------------------------
 
 TEST_F(WordwiseTest, AnUnknownCommandShowsItsLettersInUpperCaseAndIsSkipped) {
   EXPECT_EQ(Format("a/b{xy12,3}c/"), "a\nbc\n");
