@@ -4,7 +4,8 @@
 
 namespace sectorbox {
 
-// The hourglass for the length of a scope: it goes on every way out, a host failure included.
+// Shows the hourglass for the length of a scope. It goes away on every way out, also after a host
+// failure.
 class BusyPointer {
  public:
   explicit BusyPointer(StatusLine& status) : status_(status) { status_.SetBusyPointer(true); }

@@ -4,7 +4,7 @@
 
 namespace sectorbox {
 
-// What a file dialog is asked with. Filters have the form "Text (*.x)|*.x|Text (*.*)|*.*".
+// What a file dialog shows. Filters have the form "Text (*.x)|*.x|Text (*.*)|*.*".
 struct FileQuestion {
   std::string Title;
   std::string Filter;
@@ -19,7 +19,8 @@ class Questions {
 
   // A plain box with OK. The operation that shows it ends right after.
   virtual void ShowMessage(const std::string& text) = 0;
-  // A box with Yes and No; true for Yes. A front end without a user answers what the command said.
+  // A box with Yes and No; true for Yes. A front end without a user answers as the command wants
+  // it.
   [[nodiscard]] virtual bool AskYesNo(const std::string& text, const std::string& title) = 0;
   // File dialogs. An empty text means that the user cancelled. The open dialog doesn't test that
   // the file exists, and the save dialog doesn't ask before an existing file is replaced.

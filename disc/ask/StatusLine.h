@@ -4,15 +4,15 @@
 
 namespace sectorbox {
 
-// What the user is told without being asked. A call changes what is shown and nothing else.
+// What the engine tells the user without a question. A call only changes what the user sees.
 class StatusLine {
  public:
   virtual ~StatusLine() = default;
 
   // The status line. With busy the front end adds ", please wait..."; an empty text is "Ready".
   virtual void SetStatus(const std::string& text, bool busy) = 0;
-  // One line about something that the engine passed over, such as a link that leads back up. It
-  // can come any number of times in an operation.
+  // One line about something that the engine has left out, such as a link that leads back up. It
+  // may come any number of times in one operation.
   virtual void Note(const std::string& line) = 0;
   // The hourglass. Calls don't nest: the last one counts. BusyPointer makes both calls.
   virtual void SetBusyPointer(bool busy) = 0;

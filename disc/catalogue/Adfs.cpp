@@ -7,35 +7,35 @@ namespace sectorbox {
 
 using namespace format;
 
-bool IsDirectory(Disc& disc, std::int32_t DirSector) {
-  return DirectoryAt(disc, DirSector).HasMark();
+bool IsDirectory(Disc& disc, std::int32_t dirSector) {
+  return DirectoryAt(disc, dirSector).HasMark();
 }
 
-std::string GetEntryName(Disc& disc, std::int32_t DirSector, std::int32_t Slot) {
-  return DirectoryAt(disc, DirSector).At(Slot).Name();
+std::string GetEntryName(Disc& disc, std::int32_t dirSector, std::int32_t slot) {
+  return DirectoryAt(disc, dirSector).At(slot).Name();
 }
 
-std::string GetEntryAttributes(Disc& disc, std::int32_t DirSector, std::int32_t Slot) {
-  return DirectoryAt(disc, DirSector).At(Slot).Letters();
+std::string GetEntryAttributes(Disc& disc, std::int32_t dirSector, std::int32_t slot) {
+  return DirectoryAt(disc, dirSector).At(slot).Letters();
 }
 
-std::int32_t FindEntry(Disc& disc, std::int32_t DirSector, std::string_view Name) {
-  return DirectoryAt(disc, DirSector).Find(Name);
+std::int32_t FindEntry(Disc& disc, std::int32_t dirSector, std::string_view name) {
+  return DirectoryAt(disc, dirSector).Find(name);
 }
 
-std::int32_t GetEntrySector(Disc& disc, std::int32_t DirSector, std::string_view Name) {
-  const Directory directory = DirectoryAt(disc, DirSector);
-  const std::int32_t slot = directory.Find(Name);
+std::int32_t GetEntrySector(Disc& disc, std::int32_t dirSector, std::string_view name) {
+  const Directory directory = DirectoryAt(disc, dirSector);
+  const std::int32_t slot = directory.Find(name);
   return slot < 0 ? -1 : directory.At(slot).Start();
 }
 
-std::string GetDirName(Disc& disc, std::int32_t DirSector) {
-  const std::string name = DirectoryAt(disc, DirSector).Name();
-  return name.empty() && DirSector == kRootSector ? "$" : name;
+std::string GetDirName(Disc& disc, std::int32_t dirSector) {
+  const std::string name = DirectoryAt(disc, dirSector).Name();
+  return name.empty() && dirSector == kRootSector ? "$" : name;
 }
 
-std::string GetDirTitle(Disc& disc, std::int32_t DirSector) {
-  return DirectoryAt(disc, DirSector).Title();
+std::string GetDirTitle(Disc& disc, std::int32_t dirSector) {
+  return DirectoryAt(disc, dirSector).Title();
 }
 
 void ReadFreeMap(Disc& disc) {

@@ -30,7 +30,7 @@ PathTarget RootTarget() {
   return root;
 }
 
-// One step down from a directory; not found where that isn't one, or has no such entry.
+// One step down from a directory. Nothing is found if from isn't a directory or has no such entry.
 PathTarget StepDown(Disc& disc, const PathTarget& from, std::string_view name) {
   PathTarget target;
   if (!from.IsDirectory) return target;
@@ -47,8 +47,9 @@ PathTarget StepDown(Disc& disc, const PathTarget& from, std::string_view name) {
   return target;
 }
 
-// Adds a node for each subdirectory that is listed. A directory that is listed again, as on a
-// damaged disc, gets a node wherever that is, and its children below the first of them only.
+// Adds a node for each entry that is a subdirectory. On a damaged disc a directory may be listed
+// more than once: it then gets a node wherever it is listed, but only the first of them gets its
+// children.
 class TreeBuilder : public DirectoryVisitor {
  public:
   TreeBuilder(Disc& disc, std::vector<TreeNode>& tree, std::int32_t top, WalkCounts& counts)
@@ -98,10 +99,10 @@ class TreeBuilder : public DirectoryVisitor {
 
 }  // namespace
 
-void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t intIndex, std::int32_t sector,
+void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t index, std::int32_t sector,
                WalkCounts& counts) {
-  TreeBuilder builder(disc, tree, intIndex, counts);
-  // A walk that was ended at its bounds has filled the tree up to there.
+  TreeBuilder builder(disc, tree, index, counts);
+  // If the walk ends at its bounds, the tree holds what the walk has met before.
   (void)WalkDirectories(disc, sector, builder);
 }
 
@@ -130,13 +131,13 @@ ListRow MakeRow(const Entry& entry) {
   return row;
 }
 
-ListRow ReadRow(Disc& disc, std::int32_t DirSector, std::int32_t Slot) {
-  return MakeRow(DirectoryAt(disc, DirSector).At(Slot));
+ListRow ReadRow(Disc& disc, std::int32_t dirSector, std::int32_t slot) {
+  return MakeRow(DirectoryAt(disc, dirSector).At(slot));
 }
 
-std::vector<ListRow> ReadRows(Disc& disc, std::int32_t DirSector) {
+std::vector<ListRow> ReadRows(Disc& disc, std::int32_t dirSector) {
   std::vector<ListRow> rows;
-  const auto directory = ReadDirectory(disc, DirSector);
+  const auto directory = ReadDirectory(disc, dirSector);
   if (!directory) return rows;
   for (const Entry& entry : directory->Entries()) rows.push_back(MakeRow(entry));
   return rows;

@@ -25,15 +25,17 @@ struct WalkCounts {
   std::int32_t DirCount = 0;
 };
 
-// Walks the directory at sector depth first and appends its subdirectories below node intIndex.
-// A directory without its mark adds nothing. At the top level (sector 2) the host's event pump runs
-// after each child. A directory that is listed again, as on a damaged disc, gets a node wherever it
-// is listed, and its children below the first of them only. The bounds of WalkDirectories hold.
-void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t intIndex, std::int32_t sector,
+// Walks the directory at sector depth first and appends a node for each of its subdirectories,
+// below the node with that index of tree. The entries that it meets are added to counts. A
+// directory without its mark adds nothing. At the top level (sector 2) the host's event pump runs
+// after each child. On a damaged disc a directory may be listed more than once: it then gets a node
+// wherever it is listed, but only the first of them gets its children. The bounds of
+// WalkDirectories hold.
+void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t index, std::int32_t sector,
                WalkCounts& counts);
 
 // The whole tree from the root on.
-std::vector<TreeNode> WalkTree(Disc& disc);
+[[nodiscard]] std::vector<TreeNode> WalkTree(Disc& disc);
 
 // The columns of a row.
 enum ListColumn { kColName, kColAttr, kColSeq, kColLoad, kColExec, kColSize, kColSector, kColumns };
@@ -41,8 +43,8 @@ inline constexpr std::array<const char*, kColumns> kColumnHeadings = {
     "Filename", "Attr", "Seq", "Load", "Exec", "Size", "Sector"};
 
 // A row of the file list: an entry with its seven columns as text. A directory's start sector
-// stands under Load, and its last three columns are empty. A row is made whole, by MakeRow; a
-// changed entry makes another row.
+// stands under Load, and its last three columns are empty. MakeRow fills all fields at once. When
+// the entry changes, the caller makes another row.
 struct ListRow {
   Entry Item;
   std::array<std::string, kColumns> Columns;
@@ -58,14 +60,14 @@ struct ListRow {
   [[nodiscard]] std::uint32_t Length() const { return Item.Size(); }
 };
 
-// The rows of the directory at DirSector, in directory order; none if it has no mark.
-std::vector<ListRow> ReadRows(Disc& disc, std::int32_t DirSector);
+// The rows of the directory at dirSector, in directory order; none if it has no mark.
+[[nodiscard]] std::vector<ListRow> ReadRows(Disc& disc, std::int32_t dirSector);
+// The row of an entry that the caller has read.
 [[nodiscard]] ListRow MakeRow(const Entry& entry);
-// The row of one entry.
-ListRow ReadRow(Disc& disc, std::int32_t DirSector, std::int32_t Slot);
+// The row of the entry in a slot of the directory at dirSector.
+[[nodiscard]] ListRow ReadRow(Disc& disc, std::int32_t dirSector, std::int32_t slot);
 
-// A path from the root, such as "$.GAMES.ELITE", without regard to case; the leading "$." may be
-// left out, and "" and "$" are the root.
+// What FindPath has found. The fields behind Found mean nothing if nothing was found.
 struct PathTarget {
   bool Found = false;
   bool IsDirectory = false;
@@ -74,6 +76,8 @@ struct PathTarget {
   std::int32_t Sector = -1;     // start sector of what was found
   std::string Name;             // the entry's name as it stands; "$" for the root
 };
-PathTarget FindPath(Disc& disc, const std::string& path);
+// Looks for a path from the root, such as "$.GAMES.ELITE", without regard to case. The leading "$."
+// may be left out; "" and "$" are the root.
+[[nodiscard]] PathTarget FindPath(Disc& disc, const std::string& path);
 
 }  // namespace sectorbox

@@ -11,10 +11,10 @@ namespace sectorbox {
 
 // The 1280 bytes at a sector, whatever stands there. Reads outside the disc give zeros.
 [[nodiscard]] Directory DirectoryAt(Disc& disc, std::int32_t sector);
-// The directory at a sector; none where the mark is missing, and so no reader takes it for one.
+// The directory at a sector; none if its mark is missing.
 [[nodiscard]] std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector);
-// Stores those bytes of changed that aren't what they were. former is what was read: where a card
-// couldn't be read, what wasn't read doesn't go back.
+// Stores those bytes of changed that differ from former, which is the directory as it was read. No
+// other byte is stored. So a byte that a faulty card couldn't give isn't written back to it.
 void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& former,
                     const Directory& changed);
 
@@ -51,9 +51,9 @@ enum class Walk {
   kStop,      // end the whole walk
 };
 
-// What a walk over directories tells. All calls come in the order of the walk: Enter, then for each
-// entry Meet and, where it leads into a subdirectory, that subdirectory's calls and then Return,
-// then Leave.
+// A walk over directories calls this. The calls come in the order of the walk: Enter for the
+// directory; then, for each of its entries, Meet, and for a subdirectory also the calls for what is
+// in it, and then Return; in the end Leave.
 class DirectoryVisitor {
  public:
   virtual ~DirectoryVisitor() = default;
@@ -61,24 +61,24 @@ class DirectoryVisitor {
   // The walk has come to a directory for the first time. It may lack its mark; the walk then meets
   // no entries in it.
   [[nodiscard]] virtual Walk Enter(const WalkStep& at, const Directory& directory) = 0;
-  // An entry of the directory at, in order of slots. It may be a subdirectory, which the walk goes
-  // into next, for kOn.
+  // An entry of the directory at; the entries come in the order of their slots. If the entry is a
+  // subdirectory and the answer is kOn, the walk goes into it next.
   [[nodiscard]] virtual Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) = 0;
-  // The walk has come to a directory that it has been in before, and doesn't go in again. above: it
-  // still is in it, so the directories run in a circle.
+  // The walk has come to a directory that it has been in before, and doesn't go in again. above is
+  // true if the walk is still in that directory: the directories then run in a circle.
   [[nodiscard]] virtual Walk MeetAgain(const WalkStep& at, bool above) {
     (void)at;
     (void)above;
     return Walk::kOn;
   }
-  // The walk doesn't go into a directory because one of its bounds is reached. It won't go into any
-  // further one.
+  // The walk doesn't go into a directory because it has reached one of its bounds. From then on it
+  // goes into no directory, and calls this for each that it hasn't been in.
   [[nodiscard]] virtual Walk OutOfBounds(const WalkStep& at) {
     (void)at;
     return Walk::kStop;
   }
-  // The walk is back in the directory at, from the subdirectory in the slot, whether or not it went
-  // in there.
+  // The walk is done with the subdirectory in a slot of the directory at. This call comes also if
+  // the walk didn't go into the subdirectory.
   [[nodiscard]] virtual Walk Return(const WalkStep& at, std::int32_t slot) {
     (void)at;
     (void)slot;
@@ -89,21 +89,21 @@ class DirectoryVisitor {
 };
 
 struct WalkRules {
-  // Goes into a directory each time that it is listed, not only the first time.
+  // The walk goes into a directory each time that it is listed, not only the first time.
   bool EnterAgain = false;
-  // Looks at all 47 slots, and not only up to the first empty one.
+  // The walk looks at all 47 slots, and not only at those before the first empty one.
   bool PastEmptySlots = false;
 };
 
-// Bounds of every walk. A damaged disc may have directories that list themselves, one above them,
-// or each other many times over. The limits lie far beyond any sound disc: ADFS paths are short,
-// and a disc of 512 MB has room for fewer than 430,000 directories.
+// Bounds of every walk. On a damaged disc a directory may list itself or a directory above it, and
+// directories may list each other many times. No sound disc reaches the limits: ADFS paths are
+// short, and a disc of 512 MB has room for fewer than 430,000 directories.
 inline constexpr std::int32_t kMaxWalkDepth = 256;
 inline constexpr std::int32_t kMaxWalkDirectories = 450000;
 
 // Walks the directory at sector and all below it. Each directory is read whole when the walk comes
-// to it, and its entries are those of that moment, whatever the visitor changes later. False if the
-// visitor ended the walk.
+// to it. The walk goes on with the entries of that moment, even if the visitor changes the
+// directory later. False if the visitor ended the walk.
 [[nodiscard]] bool WalkDirectories(Disc& disc, std::int32_t sector, DirectoryVisitor& visitor,
                                    const WalkRules& rules = {});
 

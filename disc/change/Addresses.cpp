@@ -23,13 +23,13 @@ bool MakeHex(std::string& text) {
 
 }  // namespace
 
-std::string CheckAddresses(std::string& LoadText, std::string& ExecText) {
-  if (IsWrongLength(LoadText)) return "Load Address Is Wrong Length";
-  if (IsWrongLength(ExecText)) return "Exec Address Is Wrong Length";
-  PadLeft(LoadText);
-  PadLeft(ExecText);
-  if (!MakeHex(LoadText)) return "Load Address Contains Illegal Characters";
-  if (!MakeHex(ExecText)) return "Exec Address Contains Illegal Characters";
+std::string CheckAddresses(std::string& loadText, std::string& execText) {
+  if (IsWrongLength(loadText)) return "Load Address Is Wrong Length";
+  if (IsWrongLength(execText)) return "Exec Address Is Wrong Length";
+  PadLeft(loadText);
+  PadLeft(execText);
+  if (!MakeHex(loadText)) return "Load Address Contains Illegal Characters";
+  if (!MakeHex(execText)) return "Exec Address Contains Illegal Characters";
   return "";
 }
 

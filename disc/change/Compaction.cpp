@@ -25,24 +25,27 @@ struct ObjectRecord {
   std::int32_t Parent = 0;  // sector of the directory that holds the object's entry
   std::int32_t Start = 0;
   std::int32_t Sectors = 0;
-  bool IsEmpty = false;    // a file of no bytes, which to the BBC owns no sector
-  std::int32_t Slot = -1;  // of the object's entry in Parent; -1 where it has to be looked for
+  bool IsEmpty = false;    // a file of no bytes; the BBC gives it no sector
+  std::int32_t Slot = -1;  // of the object's entry in Parent; -1 if it has to be looked for
 };
 
-// As many objects as the largest disc has sectors; only a damaged disc seems to hold more.
+// The largest disc has about this many sectors, so it can't hold more objects. A damaged disc may
+// seem to.
 constexpr std::size_t kMaxObjects = 0x210000;
-// Bytes that are moved together before their entries follow, at the least.
+// At least this many bytes are moved before the entries of what was moved are written.
 constexpr std::int32_t kMoveSize = 1048576;
 
-// Collects the objects. The walk ends where it comes to a directory a second time, to one without
-// its mark (what it listed can't be told, and would be written over), or out of its bounds.
+// Collects the objects. The visitor ends the walk if the walk comes to a directory a second time,
+// to a directory without its mark, or to its bounds. Nobody can tell what a directory without its
+// mark listed, and those objects would be written over.
 class Collector : public DirectoryVisitor {
  public:
   std::vector<ObjectRecord> Objects;
 
   Walk Enter(const WalkStep& at, const Directory& directory) override {
     if (!directory.HasMark() || Objects.size() + kEntryCount > kMaxObjects) return Walk::kStop;
-    // What the directory says of itself, and not what its entry says, is how it is found again.
+    // A directory's entry is looked for by the name and the parent that the directory itself holds.
+    // On a damaged disc these may differ from its entry.
     ObjectRecord object{
         NameOf(at, directory), false, directory.Parent(), at.Sector, kDirSectors, false, -1};
     const bool listedRight = at.Listed != nullptr && object.Parent == at.Parent->Sector &&
@@ -70,7 +73,7 @@ class Collector : public DirectoryVisitor {
     return name.empty() && at.Sector == kRootSector ? "$" : name;
   }
 
-  // Of two entries with one name the first is the one that is found.
+  // A search by name finds the first of two entries that have one name.
   std::int32_t FirstSlotOf(const std::string& name) const {
     const std::vector<std::string>& names = names_.back();
     return static_cast<std::int32_t>(std::find(names.begin(), names.end(), FoldName(name)) -
@@ -81,9 +84,10 @@ class Collector : public DirectoryVisitor {
   std::vector<std::vector<std::string>> names_;
 };
 
-// Here an empty file owns a sector of its own. The BBC gives it none and may have left it at a
-// place that is another object's: then it owns nothing to be moved, and only its entry follows. The
-// objects are in the order of their places, an empty file behind what else starts there.
+// Here an empty file owns a sector. The BBC gives it none and may have left it at a place that
+// belongs to another object. Such a file owns nothing that could be moved; only its entry changes.
+// The objects stand in the order of their places; of those that start at one place, empty files
+// come last.
 void DisownShared(std::vector<ObjectRecord>& objects, std::int32_t discSize) {
   std::int64_t end = kFirstFreeSector;
   for (ObjectRecord& object : objects) {
@@ -107,7 +111,7 @@ bool WouldBeLost(const std::vector<ObjectRecord>& objects, std::int32_t discSize
   return used > discSize;
 }
 
-// The objects in the order of their places, the root left out; none if the disc is too damaged.
+// The objects in the order of their places, without the root; none if the disc is too damaged.
 std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
   Collector collector;
   if (!WalkDirectories(disc, kRootSector, collector)) return std::nullopt;
@@ -128,7 +132,8 @@ struct MovingRun {
   std::int32_t Sectors = 0;
 };
 
-// Rising, so that a move by less than the run's own length is safe too.
+// Copies from the start of the run to its end, so that the run may also move by less than its own
+// length.
 void MoveSectors(Disc& disc, const MovingRun& run, std::vector<std::uint8_t>& part) {
   const std::int64_t length = SectorOffset(run.Sectors);
   part.resize(static_cast<std::size_t>(kMoveSize));
@@ -140,14 +145,14 @@ void MoveSectors(Disc& disc, const MovingRun& run, std::vector<std::uint8_t>& pa
   }
 }
 
-// Moves the objects in the order of their places. Neighbours go together, and entries follow a good
-// many at a time, directory by directory, which leaves the same bytes as moving one object after
-// the other with its entry.
+// Moves the objects in the order of their places. Neighbours are moved together. Their entries are
+// written later, many at a time, directory by directory. The disc then holds the same bytes as if
+// each object had been moved alone and its entry written at once.
 //
-// An object's old place keeps its bytes until others move over it. As long as that isn't so for any
-// object whose entry has still to follow, a kill in between loses none of them. Where the free
-// space below is so small that entries would have to be written one by one, kMoveSize bytes of
-// objects are at stake.
+// An object's old place keeps its bytes until other objects are moved over it. The entries are
+// written before that happens, so that a program that dies in between loses no object. But if the
+// free space below is so small that each entry would have to be written by itself, the entries of
+// up to kMoveSize bytes of objects wait together, and these objects can be lost.
 class Mover {
  public:
   Mover(Disc& disc, std::vector<ObjectRecord>& objects) : disc_(disc), objects_(objects) {
@@ -156,14 +161,14 @@ class Mover {
       children_[object.Parent].push_back(&object);
       if (!object.IsFile) directories.insert(object.Start);
     }
-    // What a damaged directory calls its parent may be a place inside a file, and what is found
-    // there depends on how far the move has come.
+    // A damaged directory may name a sector inside a file as its parent. What is found there
+    // depends on how far the move has come, so then each entry is written at once.
     oneByOne_ = !std::all_of(children_.begin(), children_.end(), [&](const auto& children) {
       return directories.count(children.first) != 0;
     });
   }
 
-  // Gives the first sector behind all objects.
+  // Moves everything, and gives the first sector behind all objects.
   std::int32_t MoveAllDown() {
     std::int32_t next = kFirstFreeSector;
     for (ObjectRecord& object : objects_) {
@@ -191,7 +196,8 @@ class Mover {
       keptUpTo_ = old;
       movedAtOnce_ = 0;
     }
-    // What a directory lists of what has moved before it, it takes along.
+    // Objects that the directory lists may have moved already. Their entries are written now, so
+    // that they move with the directory.
     if (!object.IsFile) WriteEntriesOf(old);
     AddToRun(object, to);
     movedAtOnce_ += object.Sectors;
@@ -225,7 +231,7 @@ class Mover {
     run_.Sectors = 0;
   }
 
-  // Points the entries of all that has moved at the new places, on the medium.
+  // Writes the new places of all objects that have moved into their entries, down to the medium.
   void WriteEntries() {
     MoveRun();
     for (const auto& [directory, objects] : waiting_) WriteEntries(directory, objects);
@@ -244,8 +250,8 @@ class Mover {
   void WriteEntries(std::int32_t sector, const std::vector<const ObjectRecord*>& objects) {
     EditedDirectory directory(disc_, sector);
     for (const ObjectRecord* object : objects) {
-      // A directory whose own name or parent disagrees with its entry isn't found, and that entry
-      // goes on pointing at the old place.
+      // On a damaged disc a directory's own name or parent may differ from its entry. The entry
+      // isn't found then, and goes on pointing at the old place.
       const std::int32_t slot = object->Slot >= 0 ? object->Slot : directory.Now.Find(object->Name);
       if (slot < 0) continue;
       Entry entry = directory.Now.At(slot);
@@ -260,8 +266,9 @@ class Mover {
   std::unordered_map<std::int32_t, std::vector<ObjectRecord*>> children_;
   std::map<std::int32_t, std::int32_t> moves_;
   MovingRun run_;
-  // Moved objects whose entries are still to follow, by the directory that lists them, wherever
-  // that now is. Their old places, the first of them at keptUpTo_, hold movedAtOnce_ sectors.
+  // Moved objects whose entries aren't written yet, by the present sector of the directory that
+  // lists them. The first of their old places is at keptUpTo_; together these objects have
+  // movedAtOnce_ sectors.
   std::map<std::int32_t, std::vector<const ObjectRecord*>> waiting_;
   std::int32_t keptUpTo_ = 0;
   std::int32_t movedAtOnce_ = 0;
@@ -286,7 +293,7 @@ void TellMoves(Disc& disc, const std::map<std::int32_t, std::int32_t>& moves) {
   disc.Host.DirectoriesMoved(moves);
 }
 
-// False, with nothing changed, if the disc is too damaged for it.
+// False if the disc is too damaged; nothing has changed then.
 bool TryToCompact(Disc& disc) {
   disc.Host.SetStatus("Compacting Disc", true);
   const BusyPointer busy(disc.Host);

@@ -7,12 +7,14 @@ namespace sectorbox {
 
 inline constexpr const char* kCannotCompactMessage = "Cannot Compact A Damaged Disc";
 
-// Moves every object down to the lowest free place, so that one free run remains. Sectors held in
-// TrackedSectors follow, and the host is told through DirectoriesMoved. A disc whose directories
-// lead in a circle or lack their mark, or whose objects overlap or need more room than there is,
-// gets the message and is left as it is.
+// Moves every object down to the lowest free place, so that one free run remains. Each
+// TrackedSector follows its directory, and the host learns of the moves through DirectoriesMoved.
+// A damaged disc stays as it is, and the user sees kCannotCompactMessage. A disc counts as damaged
+// if its directories lead in a circle or lack their mark, or if its objects overlap or need more
+// room than there is.
 void CompactDisc(Disc& disc);
-// The same without being asked, when the free list grows long: a damaged disc is only noted.
+// The same, but the engine starts it by itself when the free list grows long. For a damaged disc
+// the message is then only a note.
 void CompactAfterRelease(Disc& disc);
 
 }  // namespace sectorbox

@@ -12,20 +12,19 @@ namespace {
 
 using namespace format;
 
-// What an entry of a damaged disc claims beyond the disc's end, or of the map and the root, was
-// never its own and doesn't become free.
+// Makes an object's sectors free. On a damaged disc an entry may claim sectors behind the disc's
+// end or those of the map and the root. They were never the object's own and don't become free.
 void ReleaseOwned(Disc& disc, std::int32_t start, std::int32_t sectors) {
   const std::int32_t from = std::max(start, kFirstFreeSector);
   const std::int32_t end = std::min(start + sectors, MapDiscSize(disc));
   if (from < end) ReleaseSectors(disc, from, end - from);
 }
 
-// Looks a tree over before anything in it is deleted.
-//
-// A tree may be emptied unless a directory below lists itself or one above it, or the walk leaves
-// its bounds: such a tree has no bottom to start deleting from, and on the way would take along all
-// that the directory above holds. It may not either if a directory isn't marked as one and isn't
-// empty: what would be deleted there are the bytes of something else.
+// Looks a tree over before anything in it is deleted. The tree is too damaged if
+// - a directory in it lists itself or a directory above it, or the walk reaches its bounds: such a
+//   tree has no lowest directory to start with, and the deletion would also delete everything in
+//   the directory above;
+// - a directory lacks its mark and isn't empty: its bytes belong to something else.
 class TreeCheck : public DirectoryVisitor {
  public:
   Walk Enter(const WalkStep&, const Directory& directory) override {
@@ -35,30 +34,30 @@ class TreeCheck : public DirectoryVisitor {
   Walk MeetAgain(const WalkStep&, bool above) override { return above ? Walk::kStop : Walk::kOn; }
 };
 
-bool MayBeEmptied(Disc& disc, std::int32_t DirSector) {
+bool MayBeEmptied(Disc& disc, std::int32_t dirSector) {
   TreeCheck check;
-  return WalkDirectories(disc, DirSector, check);
+  return WalkDirectories(disc, dirSector, check);
 }
 
 // Deletes entries of one disc, some of them trees.
 class Deletion {
  public:
-  Deletion(Disc& disc, bool IgnoreLock)
-      : disc_(disc), ignoreLock_(IgnoreLock), owners_(disc), fileName_(disc.TheDisc.FileName()) {}
+  Deletion(Disc& disc, bool ignoreLock)
+      : disc_(disc), ignoreLock_(ignoreLock), owners_(disc), fileName_(disc.TheDisc.FileName()) {}
 
-  Outcome DeleteOne(std::int32_t DirSector, const std::string& Name, bool IsDir);
-  // Parent -1 keeps the directory itself.
-  Outcome Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
-               bool DeleteNonEmpty);
+  Outcome DeleteOne(std::int32_t dirSector, const std::string& name, bool isDir);
+  // parentSector -1 keeps the directory itself.
+  Outcome Tree(std::int32_t parentSector, std::int32_t dirSector, const std::string& name,
+               bool deleteNonEmpty);
 
  private:
-  Outcome Contents(const TrackedSector& parent, const TrackedSector& dir, const std::string& Name);
-  Outcome FirstEntry(std::int32_t DirSector, const Entry& entry);
-  // Lets events run. False where what they did leaves nothing to go on with: another disc is open,
-  // of which nobody wanted anything deleted, or entry Name of parent no longer leads to dir, whose
-  // sectors may be another object's by now.
+  Outcome Contents(const TrackedSector& parent, const TrackedSector& dir, const std::string& name);
+  Outcome FirstEntry(std::int32_t dirSector, const Entry& entry);
+  // Lets events run. False if the deletion can't go on after them: another disc is open, or the
+  // entry name of the directory parent no longer leads to dir, whose sectors may belong to another
+  // object now.
   bool GoesOnAfterEvents(const TrackedSector& parent, const TrackedSector& dir,
-                         const std::string& Name);
+                         const std::string& name);
 
   Disc& disc_;
   bool ignoreLock_;
@@ -67,21 +66,21 @@ class Deletion {
   std::int32_t depth_ = 0;  // of the directory that is being emptied
 };
 
-Outcome Deletion::DeleteOne(std::int32_t DirSector, const std::string& Name, bool IsDir) {
-  EditedDirectory directory(disc_, DirSector);
-  const std::int32_t slot = directory.Now.Find(Name);
+Outcome Deletion::DeleteOne(std::int32_t dirSector, const std::string& name, bool isDir) {
+  EditedDirectory directory(disc_, dirSector);
+  const std::int32_t slot = directory.Now.Find(name);
   if (slot < 0) return Outcome::kDone;
   const Entry entry = directory.Now.At(slot);
   if (!ignoreLock_ && entry.IsLocked()) {
     return Refuse(
         disc_,
-        (IsDir ? "Cannot Delete Locked Directory : " : "Cannot Delete Locked File : ") + Name);
+        (isDir ? "Cannot Delete Locked Directory : " : "Cannot Delete Locked File : ") + name);
   }
   const std::int32_t start = entry.Start();
-  if (IsDir && DirectoryAt(disc_, start).HasEntries()) {
-    return Refuse(disc_, "Cannot Delete Non Empty Directory : " + Name);
+  if (isDir && DirectoryAt(disc_, start).HasEntries()) {
+    return Refuse(disc_, "Cannot Delete Non Empty Directory : " + name);
   }
-  const std::uint32_t length = IsDir ? std::uint32_t{kDirSize} : entry.Length();
+  const std::uint32_t length = isDir ? std::uint32_t{kDirSize} : entry.Length();
   // The sector of an empty file that the BBC wrote or moved may be another object's.
   const bool staysOwned = length == 0 && owners_.EmptyFileLeavesOwner(start);
   (void)directory.Now.BumpSequence();
@@ -92,64 +91,65 @@ Outcome Deletion::DeleteOne(std::int32_t DirSector, const std::string& Name, boo
   return Outcome::kDone;
 }
 
-Outcome Deletion::FirstEntry(std::int32_t DirSector, const Entry& entry) {
-  if (!entry.IsDirectory()) return DeleteOne(DirSector, entry.Name(), false);
-  return Tree(DirSector, entry.Start(), entry.Name(), true);
+Outcome Deletion::FirstEntry(std::int32_t dirSector, const Entry& entry) {
+  if (!entry.IsDirectory()) return DeleteOne(dirSector, entry.Name(), false);
+  return Tree(dirSector, entry.Start(), entry.Name(), true);
 }
 
 bool Deletion::GoesOnAfterEvents(const TrackedSector& parent, const TrackedSector& dir,
-                                 const std::string& Name) {
-  // Whatever changes a directory gives it another sequence number.
+                                 const std::string& name) {
+  // Every change to a directory gives it another sequence number.
   const auto sequence = [&] { return DirectoryAt(disc_, parent).Sequence(); };
   const std::int32_t compactions = disc_.Compactions;
   const std::uint8_t before = sequence();
   disc_.Host.PumpEvents();
   if (disc_.TheDisc.FileName() != fileName_) return false;
   if (parent == -1 || (disc_.Compactions == compactions && sequence() == before)) return true;
-  return GetEntrySector(disc_, parent, Name) == dir;
+  return GetEntrySector(disc_, parent, name) == dir;
 }
 
 Outcome Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir,
-                           const std::string& Name) {
-  // A directory that overlaps another one may not empty itself: each entry gets one turn.
+                           const std::string& name) {
+  // A directory that overlaps another one may never become empty, so there are only as many turns
+  // as there are slots.
   for (std::int32_t turn = 0; turn < kEntryCount; ++turn) {
     const Entry first = DirectoryAt(disc_, dir).At(0);
     if (first.IsEmpty()) break;
     const Outcome outcome = FirstEntry(dir, first);
     if (outcome != Outcome::kDone) return outcome;
-    if (!GoesOnAfterEvents(parent, dir, Name)) return Outcome::kStopped;
+    if (!GoesOnAfterEvents(parent, dir, name)) return Outcome::kStopped;
   }
   return Outcome::kDone;
 }
 
-Outcome Deletion::Tree(std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
-                       bool DeleteNonEmpty) {
-  // Deleting what is inside can compact the disc under our feet.
-  const TrackedSector parent(disc_, Parent);
-  const TrackedSector dir(disc_, DirSector);
-  if (DeleteNonEmpty) {
-    if (depth_ >= kMaxWalkDepth) return Refuse(disc_, "Cannot Delete Damaged Directory : " + Name);
+Outcome Deletion::Tree(std::int32_t parentSector, std::int32_t dirSector, const std::string& name,
+                       bool deleteNonEmpty) {
+  // Deleting the contents can compact the disc, which moves directories.
+  const TrackedSector parent(disc_, parentSector);
+  const TrackedSector dir(disc_, dirSector);
+  if (deleteNonEmpty) {
+    if (depth_ >= kMaxWalkDepth) return Refuse(disc_, "Cannot Delete Damaged Directory : " + name);
     ++depth_;
-    const Outcome outcome = Contents(parent, dir, Name);
+    const Outcome outcome = Contents(parent, dir, name);
     --depth_;
     if (outcome != Outcome::kDone) return outcome;
   }
-  return parent == -1 ? Outcome::kDone : DeleteOne(parent, Name, true);
+  return parent == -1 ? Outcome::kDone : DeleteOne(parent, name, true);
 }
 
 }  // namespace
 
-Outcome DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& Name, bool IsDir,
-                    bool IgnoreLock) {
-  return Deletion(disc, IgnoreLock).DeleteOne(DirSector, Name, IsDir);
+Outcome DeleteEntry(Disc& disc, std::int32_t dirSector, const std::string& name, bool isDir,
+                    bool ignoreLock) {
+  return Deletion(disc, ignoreLock).DeleteOne(dirSector, name, isDir);
 }
 
-Outcome DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector, const std::string& Name,
-                   bool IgnoreLock, bool DeleteNonEmpty) {
-  if (DeleteNonEmpty && !MayBeEmptied(disc, DirSector)) {
-    return Refuse(disc, "Cannot Delete Damaged Directory : " + Name);
+Outcome DeleteTree(Disc& disc, std::int32_t parent, std::int32_t dirSector, const std::string& name,
+                   bool ignoreLock, bool deleteNonEmpty) {
+  if (deleteNonEmpty && !MayBeEmptied(disc, dirSector)) {
+    return Refuse(disc, "Cannot Delete Damaged Directory : " + name);
   }
-  return Deletion(disc, IgnoreLock).Tree(Parent, DirSector, Name, DeleteNonEmpty);
+  return Deletion(disc, ignoreLock).Tree(parent, dirSector, name, deleteNonEmpty);
 }
 
 }  // namespace sectorbox

@@ -10,15 +10,17 @@
 // Small steps that the changes to a directory share.
 namespace sectorbox {
 
-// Shows the message and gives kRefused: the end of an operation that can't be done.
+// Shows the message and gives kRefused. An operation that can't be done ends with it.
 [[nodiscard]] Outcome Refuse(Disc& disc, const std::string& message);
 
-// Eight hex digits taken by pairs, so that what is wrong in one pair leaves the others alone.
+// The number in eight hex digits. Each pair of digits is read by itself, so that a wrong character
+// spoils only its own pair.
 [[nodiscard]] std::uint32_t ParseAddress(const std::string& digits);
 
-// A directory carries its own name, attributes included: puts the first bytes of the entry's name
-// there too. Nothing for a file's entry, nor for one that leads to no directory (on a damaged disc
-// those bytes would land in something else).
+// A directory holds its own name, with attributes, besides the name in its entry. This copies that
+// many bytes from the start of the entry's name field into the directory that the entry leads to.
+// Nothing happens for the entry of a file. Nothing happens either if no directory is at the entry's
+// start sector: on a damaged disc the bytes would land in something else.
 void CopyNameToDirectory(Disc& disc, const Entry& entry, std::int32_t bytes);
 
 }  // namespace sectorbox

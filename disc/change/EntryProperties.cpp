@@ -10,13 +10,13 @@ namespace {
 // The bytes of a name whose top bits are the attributes that a user can set.
 constexpr std::int32_t kAttributeBytes = 3;
 
-// Changes an entry of a directory by change, with the directory's next sequence number. None if
-// there is no such entry.
+// Calls change with the entry of that name, gives the entry the directory's next sequence number,
+// and writes both. The changed entry; none if there is no entry of that name.
 template <typename Change>
-std::optional<Entry> ChangeEntry(Disc& disc, std::int32_t DirSector, const std::string& Name,
+std::optional<Entry> ChangeEntry(Disc& disc, std::int32_t dirSector, const std::string& name,
                                  Change change) {
-  EditedDirectory directory(disc, DirSector);
-  const std::int32_t slot = directory.Now.Find(Name);
+  EditedDirectory directory(disc, dirSector);
+  const std::int32_t slot = directory.Now.Find(name);
   if (slot < 0) return std::nullopt;
   Entry entry = directory.Now.At(slot);
   change(entry);
@@ -29,40 +29,41 @@ std::optional<Entry> ChangeEntry(Disc& disc, std::int32_t DirSector, const std::
 
 }  // namespace
 
-void SetEntryAttributes(Disc& disc, std::int32_t DirSector, const std::string& Name, bool Read,
-                        bool Write, bool Locked) {
-  const auto entry = ChangeEntry(disc, DirSector, Name, [&](Entry& changed) {
-    changed.Set(Attribute::kRead, Read);
-    changed.Set(Attribute::kWrite, Write);
-    changed.Set(Attribute::kLocked, Locked);
+void SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string& name, bool read,
+                        bool write, bool locked) {
+  const auto entry = ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
+    changed.Set(Attribute::kRead, read);
+    changed.Set(Attribute::kWrite, write);
+    changed.Set(Attribute::kLocked, locked);
   });
   if (entry) CopyNameToDirectory(disc, *entry, kAttributeBytes);
 }
 
-void SetEntryAddresses(Disc& disc, std::int32_t DirSector, const std::string& Name,
-                       const std::string& Load, const std::string& Exec) {
-  (void)ChangeEntry(disc, DirSector, Name, [&](Entry& changed) {
-    changed.SetExec(ParseAddress(Exec));
-    changed.SetLoad(ParseAddress(Load));
+void SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
+                       const std::string& load, const std::string& exec) {
+  (void)ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
+    changed.SetExec(ParseAddress(exec));
+    changed.SetLoad(ParseAddress(load));
   });
 }
 
-Outcome SetDirTitle(Disc& disc, std::int32_t DirSector, const std::string& Title) {
-  const std::string title = Title.substr(0, format::kTitleLength);
+Outcome SetDirTitle(Disc& disc, std::int32_t dirSector, const std::string& title) {
+  const std::string cut = title.substr(0, format::kTitleLength);
   // A title may hold blanks, which a name may not.
-  if (HoldsIllegalCharacters(title, "-.:*#$&@^")) {
-    return Refuse(disc, "Title " + title + " Contains Illegal Characters");
+  if (HoldsIllegalCharacters(cut, "-.:*#$&@^")) {
+    return Refuse(disc, "Title " + cut + " Contains Illegal Characters");
   }
-  EditedDirectory directory(disc, DirSector);
-  directory.Now.SetTitle(PadTitle(title));
+  EditedDirectory directory(disc, dirSector);
+  directory.Now.SetTitle(PadTitle(cut));
   (void)directory.Now.BumpSequence();
   directory.Write();
   disc.ImageChanged = true;
   return Outcome::kDone;
 }
 
-// The map's checksum stays stale and no save will be asked for: the option reaches an image in
-// memory only if something else prompts a save. The window has always worked so.
+// The map's checksum stays stale, and the program won't ask the user to save: the option of an
+// image in memory reaches its file only if something else leads to a save. The window has always
+// worked so.
 void SetBootOption(Disc& disc, std::uint8_t option) {
   MapSectors map = ReadMap(disc);
   map.SetBootOption(option);

@@ -10,11 +10,11 @@ namespace {
 
 using namespace format;
 
-// A release that leaves this many runs compacts the disc, which keeps the list below the room that
-// the map has for it.
+// A release that leaves at least this many runs compacts the disc, so that the list always fits the
+// map.
 constexpr std::size_t kRunsThatCompact = 80;
 
-// Runs that overlap, on a damaged disc, stay as they are: only runs that touch become one.
+// Runs that touch become one. Runs that overlap, on a damaged disc, stay as they are.
 std::vector<FreeRun> Merge(const std::vector<FreeRun>& runs) {
   std::vector<FreeRun> merged;
   for (const FreeRun& run : runs) {
@@ -31,7 +31,7 @@ std::vector<FreeRun> Merge(const std::vector<FreeRun>& runs) {
 
 std::int32_t FindFreeRun(const Disc& disc, std::uint32_t need) {
   const std::vector<FreeRun> runs = FreeRuns(disc);
-  // A compacted full disc keeps a run of length 0, which would suit an empty file otherwise.
+  // A compacted full disc keeps a run of length 0. Without this test an empty file would take it.
   const auto found = std::find_if(runs.begin(), runs.end(), [&](const FreeRun& run) {
     return run.Length > 0 && SectorOffset(run.Length) >= need;
   });
@@ -57,8 +57,8 @@ void ReleaseSectors(Disc& disc, std::int32_t start, std::int32_t sectors) {
       std::find_if(runs.begin(), runs.end(), [&](const FreeRun& run) { return start < run.Start; });
   runs.insert(above, {start, sectors});
   runs = Merge(runs);
-  // Only a damaged disc comes here with more runs than the map has room for. The sectors then
-  // belong to nobody until a compaction finds them again.
+  // Only a damaged disc has more runs here than the map has room for. The released sectors are then
+  // neither free nor used until a compaction.
   if (runs.size() <= static_cast<std::size_t>(kMapEntries)) KeepFreeRuns(disc, runs);
   WriteFreeMap(disc);
   if (runs.size() >= kRunsThatCompact) CompactAfterRelease(disc);

@@ -7,41 +7,46 @@
 #include "disc/change/Outcome.h"
 #include "disc/store/Disc.h"
 
-// Every change to a directory. Each operation tests in a set order, shows its own message when it
-// refuses, and changes nothing before the last test. The caller refreshes its panes.
+// Every change to a directory. Each operation makes its tests in a set order, shows its own message
+// when it refuses, and changes nothing before the last test. The caller brings its panes up to
+// date. Names are compared without regard to case.
 namespace sectorbox {
 
-// IgnoreLock deletes a locked entry too. A name that isn't there is kDone, without a
-// message.
-[[nodiscard]] Outcome DeleteEntry(Disc& disc, std::int32_t DirSector, const std::string& Name,
-                                  bool IsDir, bool IgnoreLock);
+// Deletes a file, or an empty directory (isDir). With ignoreLock it also deletes a locked entry. If
+// there is no entry of that name, the outcome is kDone, without a message.
+[[nodiscard]] Outcome DeleteEntry(Disc& disc, std::int32_t dirSector, const std::string& name,
+                                  bool isDir, bool ignoreLock);
 
-// Deletes the directory at DirSector, entry Name of the directory Parent; with DeleteNonEmpty, its
-// contents first. Parent -1 empties a directory and keeps it. What was deleted before a refusal
-// stays deleted. The event pump runs after each entry; where another disc is opened there, or the
-// directory itself deleted, the operation stops.
-[[nodiscard]] Outcome DeleteTree(Disc& disc, std::int32_t Parent, std::int32_t DirSector,
-                                 const std::string& Name, bool IgnoreLock, bool DeleteNonEmpty);
+// Deletes the directory at dirSector, which the directory at sector parent lists under that name.
+// With deleteNonEmpty its contents are deleted first. If parent is -1, the directory itself is
+// kept. What was deleted before a refusal stays deleted. The event pump runs after each entry. If
+// another disc is opened then, or the directory itself is deleted, the outcome is kStopped.
+[[nodiscard]] Outcome DeleteTree(Disc& disc, std::int32_t parent, std::int32_t dirSector,
+                                 const std::string& name, bool ignoreLock, bool deleteNonEmpty);
 
-// A name that isn't there is kRefused, without a message.
-[[nodiscard]] Outcome RenameEntry(Disc& disc, const std::string& NewName,
-                                  const std::string& OldName, std::int32_t DirSector,
-                                  bool IgnoreLock);
+// If there is no entry of the old name, the outcome is kRefused, without a message.
+[[nodiscard]] Outcome RenameEntry(Disc& disc, const std::string& newName,
+                                  const std::string& oldName, std::int32_t dirSector,
+                                  bool ignoreLock);
 
-// The new directory's start sector; none when refused.
-[[nodiscard]] std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t DirSector,
-                                                       const std::string& Name);
+// Makes an empty directory. Gives its start sector; none if the operation was refused.
+[[nodiscard]] std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t dirSector,
+                                                       const std::string& name);
 
-void SetEntryAttributes(Disc& disc, std::int32_t DirSector, const std::string& Name, bool Read,
-                        bool Write, bool Locked);
-// Load and Exec are eight hex digits each.
-void SetEntryAddresses(Disc& disc, std::int32_t DirSector, const std::string& Name,
-                       const std::string& Load, const std::string& Exec);
-[[nodiscard]] Outcome SetDirTitle(Disc& disc, std::int32_t DirSector, const std::string& Title);
+// Sets these three attributes and leaves the others. Nothing happens if there is no such entry.
+void SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string& name, bool read,
+                        bool write, bool locked);
+// load and exec are eight hex digits each. Nothing happens if there is no such entry.
+void SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
+                       const std::string& load, const std::string& exec);
+// Gives a directory another title, cut to 19 characters.
+[[nodiscard]] Outcome SetDirTitle(Disc& disc, std::int32_t dirSector, const std::string& title);
 
-// Byte 509 alone, without the map's checksum and without ImageChanged: the window's boot dialog.
+// Writes byte 509 alone, as the window's boot dialog does. The map's checksum and ImageChanged stay
+// as they were.
 void SetBootOption(Disc& disc, std::uint8_t option);
-// Both of the map's checksums as they should be. With a wrong one the BBC refuses the disc.
+// Writes the right values into both of the map's checksums. The BBC refuses a disc with a wrong
+// one.
 void UpdateMapChecksums(Disc& disc);
 
 }  // namespace sectorbox

@@ -8,7 +8,7 @@ namespace {
 
 using namespace format;
 
-// Readable, writable, a directory, and not locked.
+// The entry of a new directory: readable, writable, not locked.
 Entry MakeEntry(const std::string& name, std::int32_t start, std::uint8_t sequence) {
   Entry entry;
   entry.SetName(name);
@@ -23,27 +23,27 @@ Entry MakeEntry(const std::string& name, std::int32_t start, std::uint8_t sequen
 
 }  // namespace
 
-std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t DirSector,
-                                         const std::string& Name) {
+std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t dirSector,
+                                         const std::string& name) {
   const auto refuse = [&](const std::string& message) {
     disc.Host.ShowMessage(message);
     return std::nullopt;
   };
   const std::int32_t run = FindFreeRun(disc, kDirSize);
   if (run < 0) return refuse(kNoSpaceMessage);
-  EditedDirectory parent(disc, DirSector);
+  EditedDirectory parent(disc, dirSector);
   if (parent.Now.IsFull()) return refuse("Directory Full");
-  const std::string name = Name.substr(0, kNameLength);
-  if (NameCannotBeStored(name)) return refuse(IllegalNameMessage(Name));
-  const Place place = parent.Now.FindPlace(name);
-  if (place.Taken) return refuse("Directory " + name + " Already Exists");
+  const std::string cut = name.substr(0, kNameLength);
+  if (NameCannotBeStored(cut)) return refuse(IllegalNameMessage(name));
+  const Place place = parent.Now.FindPlace(cut);
+  if (place.Taken) return refuse("Directory " + cut + " Already Exists");
 
   const std::int32_t start = disc.FreeStart[static_cast<std::size_t>(run)];
-  const Entry entry = MakeEntry(name, start, parent.Now.BumpSequence());
+  const Entry entry = MakeEntry(cut, start, parent.Now.BumpSequence());
   parent.Now.Insert(place.Slot, entry);
   parent.Write();
   disc.ImageChanged = true;
-  disc.TheDisc.StoreBytes(SectorOffset(start), Directory::MakeEmpty(entry, DirSector).Raw());
+  disc.TheDisc.StoreBytes(SectorOffset(start), Directory::MakeEmpty(entry, dirSector).Raw());
   TakeSectors(disc, run, kDirSectors);
   return start;
 }

@@ -42,7 +42,7 @@ void Ownership::NoteOwners() {
   canBeTold_ = WalkDirectories(disc_, kRootSector, collector);
   std::sort(extents_.begin(), extents_.end(),
             [](const Extent& a, const Extent& b) { return a.Start < b.Start; });
-  // Where objects overlap, what a directory lists may change with another one's bytes.
+  // If objects overlap, writing to one of them may change what another, a directory, lists.
   std::int64_t end = 0;
   for (const Extent& extent : extents_) {
     if (extent.Start < end) canBeTold_ = false;

@@ -9,21 +9,22 @@
 
 namespace sectorbox {
 
-// Who owns which sectors of a disc, noted down in one walk when the first question comes and again
-// after a compaction. Made for one operation that deletes, and gone with it.
+// Knows which sectors of a disc belong to an object. It learns that in one walk over the disc, at
+// the first question and at the first question after a compaction. One operation that deletes makes
+// it, and it lives as long as that operation. disc outlives it.
 //
-// Here every file owns a sector, an empty one too. To the BBC an empty file owns none: the sector
-// that its entry states may belong to anything else, and mustn't come free with it.
+// Here every file owns a sector, an empty one too. The BBC gives an empty file none: the sector
+// that its entry states may belong to any other object, and must not become free with the file.
 class Ownership {
  public:
   explicit Ownership(Disc& disc) : disc_(disc) {}
 
-  // The empty file that starts at the sector is about to go. True if a free run, the map, the root,
-  // or any other file or directory on the disc holds that sector; also if the directories are too
-  // damaged to tell.
+  // The caller is about to delete an empty file that starts at the sector. True if the sector then
+  // still belongs to a free run, the map, the root, or another file or directory; also if the disc
+  // is too damaged to tell.
   //
-  // Sectors of anything else that has gone in the meantime still count as owned. They are in a free
-  // run by then, so that the answer is the same.
+  // Objects that were deleted since the walk still count as owners. Their sectors are in a free run
+  // by then, so that the answer is the same.
   [[nodiscard]] bool EmptyFileLeavesOwner(std::int32_t sector);
 
  private:
@@ -39,9 +40,9 @@ class Ownership {
 
   Disc& disc_;
   bool noted_ = false;
-  std::int32_t notedAt_ = 0;  // how many compactions the disc had seen
-  bool canBeTold_ = false;
-  std::vector<Extent> extents_;  // of all but the empty files, rising and apart
+  std::int32_t notedAt_ = 0;     // how many compactions the disc had seen
+  bool canBeTold_ = false;       // the disc is sound enough to tell
+  std::vector<Extent> extents_;  // of all but the empty files, in rising order
   std::unordered_map<std::int32_t, std::int32_t> emptyFiles_;  // how many start at a sector
 };
 

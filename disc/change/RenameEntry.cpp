@@ -4,17 +4,17 @@
 
 namespace sectorbox {
 
-Outcome RenameEntry(Disc& disc, const std::string& NewName, const std::string& OldName,
-                    std::int32_t DirSector, bool IgnoreLock) {
-  EditedDirectory directory(disc, DirSector);
-  const std::int32_t slot = directory.Now.Find(OldName);
+Outcome RenameEntry(Disc& disc, const std::string& newName, const std::string& oldName,
+                    std::int32_t dirSector, bool ignoreLock) {
+  EditedDirectory directory(disc, dirSector);
+  const std::int32_t slot = directory.Now.Find(oldName);
   if (slot < 0) return Outcome::kRefused;
   Entry entry = directory.Now.At(slot);
-  if (!IgnoreLock && entry.IsLocked()) {
-    return Refuse(disc, entry.IsDirectory() ? "Cannot Rename Locked Directory : " + OldName
-                                            : "Cannot Rename Locked File : " + OldName);
+  if (!ignoreLock && entry.IsLocked()) {
+    return Refuse(disc, entry.IsDirectory() ? "Cannot Rename Locked Directory : " + oldName
+                                            : "Cannot Rename Locked File : " + oldName);
   }
-  const std::string name = NewName.substr(0, format::kNameLength);
+  const std::string name = newName.substr(0, format::kNameLength);
   // The look-up is blind to case and finds the entry itself too: a change of case alone is refused.
   if (directory.Now.Find(name) >= 0) return Refuse(disc, name + " Already Exists");
   if (name.empty() || HoldsIllegalCharacters(name, " -.:*#$&@^")) {
@@ -23,7 +23,7 @@ Outcome RenameEntry(Disc& disc, const std::string& NewName, const std::string& O
   entry.Rename(name);
   entry.SetSequence(directory.Now.BumpSequence());
   directory.Now.Remove(slot);
-  // The padded name is what is compared: its carriage return sorts before any longer name that
+  // The padded name decides the place: its carriage return sorts it before any longer name that
   // begins with it.
   directory.Now.Insert(directory.Now.FindPlace(PadName(name)).Slot, entry);
   directory.Write();

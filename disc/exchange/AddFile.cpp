@@ -21,23 +21,24 @@ namespace {
 
 using namespace format;
 
-// A host file with all that is needed to add it, read before the disc is touched: one that can't be
-// read leaves everything as it was.
+// A host file with everything that is needed to add it. It is read before anything on the disc
+// changes, so that a file that can't be read leaves the disc as it was.
 struct Incoming {
   std::string HostName;
-  char Prefix = '\0';  // the directory that the name begins with, '\0' for none
+  char Prefix = '\0';  // the letter of the directory in front of the name; '\0' for none
   std::string Name;
   std::uint32_t Load = 0;
   std::uint32_t Exec = 0;
   std::string Attr;
-  std::uint32_t Length = 0;         // as the entry will state it
-  std::uint32_t HostLength = 0;     // as the host holds it
-  std::vector<std::uint8_t> Bytes;  // at most Length; what is missing are zeros
+  std::uint32_t Length = 0;         // in bytes; the entry will state it
+  std::uint32_t HostLength = 0;     // bytes of the host file
+  std::vector<std::uint8_t> Bytes;  // at most Length; zeros stand for those that are missing
 
+  // Bytes that the free run must have.
   std::uint32_t Need() const { return std::max(Length, HostLength); }
 };
 
-// Splits "B.FILE" into its directory and its name. "$." is the directory given.
+// Splits "B.FILE" into the letter of a directory and a name. "$.FILE" has a name only.
 void SetIncomingName(Incoming& file, std::string name) {
   name.resize(std::min<std::size_t>(name.size(), kNameLength));
   std::replace(name.begin(), name.end(), ' ', '_');
@@ -45,7 +46,7 @@ void SetIncomingName(Incoming& file, std::string name) {
     if (name[0] != '$') file.Prefix = name[0];
     name.erase(0, 2);
   }
-  // A carriage return ends a name on the disc; what follows it would never be read back.
+  // A carriage return ends a name on the disc; nothing behind it would ever be read.
   file.Name = name.substr(0, name.find('\r'));
 }
 
@@ -55,7 +56,7 @@ Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
   file.HostLength = hostLength;
   const auto line = ReadSidecarLine(path);
   const FileSidecar sidecar = line ? ParseFileSidecar(*line) : FileSidecar{};
-  // The cut comes before the mapping: a long host name loses its tail first.
+  // A long host name is cut first and mapped to an ADFS name after that.
   const std::string own = TrimBlanks(file.HostName).substr(0, kNameLength);
   SetIncomingName(file, line ? sidecar.Name.value_or(own) : HostToAdfsName(own));
   file.Load = ParseAddress(sidecar.Load);
@@ -66,8 +67,9 @@ Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
   return file;
 }
 
-// The directory that the file goes to, made if need be; none when that failed. An entry that isn't
-// a directory is followed all the same: its D bit has never been looked at here.
+// The start sector of the directory that the file goes to. It is made if there is none; none if
+// that was refused. An entry of that name that is a file is taken for the directory too: nothing
+// has ever looked at its D attribute here.
 std::optional<std::int32_t> FindTarget(Disc& disc, std::int32_t dir, const Incoming& file) {
   if (file.Prefix == '\0') return dir;
   const std::string letter(1, file.Prefix);
@@ -93,7 +95,7 @@ Entry MakeEntry(const Incoming& file, std::int32_t start, std::uint8_t sequence)
   return entry;
 }
 
-// The bytes, and zeros to the end of the last sector.
+// Stores the file's bytes, and zeros up to the end of its last sector.
 void StoreData(Disc& disc, const Incoming& file, std::int32_t start) {
   std::int64_t at = SectorOffset(start);
   const std::int64_t end = at + SectorOffset(SectorsOfLength(file.Length));
@@ -118,8 +120,8 @@ void Insert(Disc& disc, const Incoming& file, EditedDirectory& directory, std::i
 
 enum class Attempt { kDone, kRefused, kReplaced };
 
-// One round: adds the file, or deletes the entry of that name, after which all starts anew with the
-// old file's sectors free.
+// One round: adds the file, or deletes the entry that has its name. After kReplaced the caller
+// starts a new round, in which the old file's sectors are free.
 Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
   const auto refuse = [&](const std::string& message) {
     disc.Host.ShowMessage(message);
@@ -128,8 +130,8 @@ Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
   if (FindFreeRun(disc, file.HostLength) < 0) return refuse(kNoSpaceMessage);
   const auto target = FindTarget(disc, dir, file);
   if (!target) return Attempt::kRefused;
-  // Searched only now: the new directory may have taken the run, and the sidecar may ask for more
-  // than the host file holds.
+  // A second search: the new directory may have taken the first run, and the sidecar may state a
+  // greater length than the host file has.
   const std::int32_t run = FindFreeRun(disc, file.Need());
   if (run < 0) return refuse(kNoSpaceMessage);
   EditedDirectory directory(disc, *target);
@@ -145,13 +147,13 @@ Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
     return Attempt::kDone;
   }
   if (former.IsLocked() && !disc.Host.OverwriteLocked()) return Attempt::kDone;
-  // With the lock ignored nothing is refused.
+  // Nothing is refused here, because the lock is ignored.
   (void)DeleteEntry(disc, *target, file.Name, false, true);
   return Attempt::kReplaced;
 }
 
-Outcome AddPlainFile(Disc& disc, std::int32_t DirSector, const std::string& path) {
-  // A pipe or a device has no length and may never end.
+Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path) {
+  // A pipe or a device has no length, and reading it may never end.
   if (HostFileExists(path) && !HostFileIsPlain(path)) throw HostError(path, "Not a regular file");
   const auto length =
       static_cast<std::uint32_t>(std::min<std::uint64_t>(HostFileLength(path), UINT32_MAX));
@@ -161,8 +163,9 @@ Outcome AddPlainFile(Disc& disc, std::int32_t DirSector, const std::string& path
   if (badPrefix || NameCannotBeStored(file.Name)) {
     return Refuse(disc, IllegalNameMessage(file.HostName));
   }
-  const TrackedSector dir(disc, DirSector);
-  // A sound directory holds a name once; a damaged one gets one round for each entry it can have.
+  const TrackedSector dir(disc, dirSector);
+  // A sound directory holds a name once. In a damaged one each entry may have it, and each takes a
+  // round.
   for (std::int32_t round = 0; round <= kEntryCount; ++round) {
     const Attempt attempt = TryToAdd(disc, dir, file);
     if (attempt == Attempt::kReplaced) continue;
@@ -173,16 +176,16 @@ Outcome AddPlainFile(Disc& disc, std::int32_t DirSector, const std::string& path
 
 }  // namespace
 
-Outcome AddHostPath(Disc& disc, std::int32_t DirSector, const std::string& HostPath,
+Outcome AddHostPath(Disc& disc, std::int32_t dirSector, const std::string& hostPath,
                     ImportWalk& walk) {
-  if (HostPath.ends_with(kSidecarEnding)) return Outcome::kDone;
-  if (HostFolderExists(HostPath)) return AddHostFolder(disc, DirSector, HostPath, walk);
-  return AddPlainFile(disc, DirSector, HostPath);
+  if (hostPath.ends_with(kSidecarEnding)) return Outcome::kDone;
+  if (HostFolderExists(hostPath)) return AddHostFolder(disc, dirSector, hostPath, walk);
+  return AddPlainFile(disc, dirSector, hostPath);
 }
 
-Outcome AddFile(Disc& disc, std::int32_t DirSector, const std::string& HostPath) {
+Outcome AddFile(Disc& disc, std::int32_t dirSector, const std::string& hostPath) {
   ImportWalk walk;
-  return AddHostPath(disc, DirSector, ResolveHostPath(HostPath), walk);
+  return AddHostPath(disc, dirSector, ResolveHostPath(hostPath), walk);
 }
 
 }  // namespace sectorbox

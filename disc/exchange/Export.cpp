@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "disc/ask/BusyPointer.h"
-#include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/exchange/Sidecar.h"
@@ -25,9 +24,8 @@ void MakeFolder(const std::string& folder) {
   if (!HostFolderExists(folder)) CreateHostFolder(folder);
 }
 
-// Writes each directory that the walk comes to into a folder of the host. On a damaged disc a
-// directory may be listed by another that lies inside it: its files have gone out once already, or
-// are about to.
+// Writes each directory that the walk comes to into a folder of the host. On a damaged disc the
+// walk may come to a directory again; it is exported only once.
 class Exporter : public DirectoryVisitor {
  public:
   Exporter(Disc& disc, std::string folder) : disc_(disc), next_(std::move(folder)) {}
@@ -72,11 +70,11 @@ class Exporter : public DirectoryVisitor {
 
 }  // namespace
 
-std::uint32_t ReadContents(Disc& disc, std::int32_t Sector, std::uint32_t Length,
+std::uint32_t ReadContents(Disc& disc, std::int32_t sector, std::uint32_t length,
                            const std::function<void(std::span<const std::uint8_t>)>& sink) {
-  const std::int64_t start = SectorOffset(Sector);
+  const std::int64_t start = SectorOffset(sector);
   const std::int64_t held = std::max<std::int64_t>(disc.TheDisc.EndOfData() - start, 0);
-  const std::int64_t inside = std::min<std::int64_t>(Length, held);
+  const std::int64_t inside = std::min<std::int64_t>(length, held);
   std::array<std::uint8_t, 65536> part{};
   for (std::int64_t done = 0; done < inside;) {
     const auto size = std::min<std::int64_t>(inside - done, part.size());
@@ -85,11 +83,11 @@ std::uint32_t ReadContents(Disc& disc, std::int32_t Sector, std::uint32_t Length
     sink(bytes);
     done += size;
   }
-  return static_cast<std::uint32_t>(Length - inside);
+  return static_cast<std::uint32_t>(length - inside);
 }
 
-void WriteContents(Disc& disc, OutputFile& output, std::int32_t Sector, std::uint32_t Length) {
-  output.Skip(ReadContents(disc, Sector, Length,
+void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uint32_t length) {
+  output.Skip(ReadContents(disc, sector, length,
                            [&](std::span<const std::uint8_t> bytes) { output.Write(bytes); }));
 }
 
@@ -116,19 +114,19 @@ void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry) {
   }
 }
 
-void ExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector) {
-  Exporter exporter(disc, Folder);
-  // The exporter goes on to the end whatever it meets.
-  (void)WalkDirectories(disc, DirSector, exporter);
+void ExportFiles(Disc& disc, const std::string& folder, std::int32_t dirSector) {
+  Exporter exporter(disc, folder);
+  // The exporter never ends the walk.
+  (void)WalkDirectories(disc, dirSector, exporter);
 }
 
-void DragDropExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector, void*) {
-  ExportFiles(disc, Folder, DirSector);
+void DragDropExportFiles(Disc& disc, const std::string& folder, std::int32_t dirSector, void*) {
+  ExportFiles(disc, folder, dirSector);
 }
 
-void ExportDisc(Disc& disc, const std::string& Folder, std::int32_t DirSector) {
+void ExportDisc(Disc& disc, const std::string& folder, std::int32_t dirSector) {
   const BusyPointer busy(disc.Host);
-  ExportFiles(disc, Folder, DirSector);
+  ExportFiles(disc, folder, dirSector);
 }
 
 }  // namespace sectorbox

@@ -14,53 +14,57 @@
 // Files between a disc and the host, with what the host can't hold in .INF sidecars.
 namespace sectorbox {
 
-// The host's form of an ADFS name, and back. The underscores that the first puts in aren't undone.
-[[nodiscard]] std::string AdfsToHostName(const std::string& Name);
-[[nodiscard]] std::string HostToAdfsName(const std::string& Name);
+// The host's form of an ADFS name, and the ADFS form of a host's name. The underscores that the
+// first puts in stay when the second turns the name back.
+[[nodiscard]] std::string AdfsToHostName(const std::string& name);
+[[nodiscard]] std::string HostToAdfsName(const std::string& name);
 // AdfsToHostName of an entry's name; empty for an empty entry.
-[[nodiscard]] std::string GetHostName(Disc& disc, std::int32_t DirSector, std::int32_t Slot);
+[[nodiscard]] std::string GetHostName(Disc& disc, std::int32_t dirSector, std::int32_t slot);
 
-// Host names for the entries that go out to one folder. Two entries whose names come out alike, as
-// X/INF and X/INF_ do, get different ones: neither may take the other's place.
+// Host names for the entries that are exported to one folder. Some names, such as X/INF and X/INF_,
+// have the same host form; their entries get different names here, so that no file replaces
+// another.
 class HostNamesOfFolder {
  public:
-  // AdfsToHostName of an entry's name, with as many "_" behind it as set it apart.
-  [[nodiscard]] std::string Take(const std::string& Name);
+  // AdfsToHostName of an entry's name, with as many "_" behind it as make it a new name.
+  [[nodiscard]] std::string Take(const std::string& name);
 
  private:
   std::set<std::string> used_;
 };
 
-// Adds a host file, or a folder with all that is in it. ".INF" files are passed over: they are read
-// beside the file they belong to. An entry of the same name is replaced, a locked one only with the
-// option, a directory never. A refusal changes nothing but for the directory that a name's prefix
-// made necessary.
-[[nodiscard]] Outcome AddFile(Disc& disc, std::int32_t DirSector, const std::string& HostPath);
+// Adds a host file, or a folder with all that is in it, to the directory at dirSector. ".INF" files
+// are passed over: they are read together with the file they belong to. An entry of the same name
+// is replaced; a locked entry only if the option OverwriteLocked is set, a directory never. A
+// refusal changes nothing, except that the directory of a name's prefix (A of "A.PROG") may have
+// been made. HostError if the host file or its sidecar can't be read.
+[[nodiscard]] Outcome AddFile(Disc& disc, std::int32_t dirSector, const std::string& hostPath);
 
-// A folder with all that is in it becomes a directory below DirSector.
-[[nodiscard]] Outcome ImportFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder);
+// Makes a directory of a host folder and adds all that is in the folder. The new directory is
+// listed in the directory at dirSector. HostError as for AddFile.
+[[nodiscard]] Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& folder);
 
-// Hands the Length bytes from a start sector on to sink, a part at a time, as far as the store
-// goes. Gives the count of the rest, which an entry of a damaged disc claims beyond that: all
-// zeros.
+// Reads length bytes from a start sector on and passes them to sink, part by part, up to the end of
+// the store. On a damaged disc an entry may claim bytes behind that end: they count as zeros and
+// aren't passed on. Gives their number.
 [[nodiscard]] std::uint32_t ReadContents(
-    Disc& disc, std::int32_t Sector, std::uint32_t Length,
+    Disc& disc, std::int32_t sector, std::uint32_t length,
     const std::function<void(std::span<const std::uint8_t>)>& sink);
-// The same into a file of the host, where that rest takes no room.
-void WriteContents(Disc& disc, OutputFile& output, std::int32_t Sector, std::uint32_t Length);
+// Writes the same bytes to a host file. The zeros behind the end of the store take no room there.
+void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uint32_t length);
 
 // Writes one file of the disc to hostPath, and its sidecar beside it.
 void ExportFile(Disc& disc, const std::string& hostPath, const Entry& file);
-// hostPath + ".INF" with the directory line.
+// Writes hostPath + ".INF", the sidecar of a directory.
 void WriteDirectorySidecar(const std::string& hostPath, const Entry& directory);
-// What the entry names, with its sidecar: a file, or a directory with all that is in it.
+// Writes what the entry names, with its sidecar: a file, or a directory with all that is in it.
 void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry);
 
-// A directory's contents with sidecars, recursively; Folder is made if it isn't there.
-void ExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector);
+// Writes a directory's contents with sidecars, recursively. folder is made if it isn't there.
+void ExportFiles(Disc& disc, const std::string& folder, std::int32_t dirSector);
 // The same with the hourglass showing.
-void ExportDisc(Disc& disc, const std::string& Folder, std::int32_t DirSector);
-// The same walk for a drag. Drag is the drag's own data, which the walk hands down and doesn't use.
-void DragDropExportFiles(Disc& disc, const std::string& Folder, std::int32_t DirSector, void* Drag);
+void ExportDisc(Disc& disc, const std::string& folder, std::int32_t dirSector);
+// The same export for a drag. drag is the drag's own data, which isn't used.
+void DragDropExportFiles(Disc& disc, const std::string& folder, std::int32_t dirSector, void* drag);
 
 }  // namespace sectorbox

@@ -8,19 +8,19 @@
 #include "disc/host/HostPath.h"
 #include "disc/store/Disc.h"
 
-// What AddFile and ImportFolder share while one import runs.
+// The steps of an import that AddFile and ImportFolder share.
 namespace sectorbox {
 
-// The host folders that are being imported, outermost first: a link that leads back to one of them
-// is noticed here.
+// The host folders that are being imported, the outermost first. With them an import notices a link
+// that leads back to one of these folders.
 struct ImportWalk {
   std::vector<FileIdentity> Folders;
 };
 
 // AddFile and ImportFolder inside a running import.
-[[nodiscard]] Outcome AddHostPath(Disc& disc, std::int32_t DirSector, const std::string& HostPath,
+[[nodiscard]] Outcome AddHostPath(Disc& disc, std::int32_t dirSector, const std::string& hostPath,
                                   ImportWalk& walk);
-[[nodiscard]] Outcome AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder,
+[[nodiscard]] Outcome AddHostFolder(Disc& disc, std::int32_t dirSector, const std::string& folder,
                                     ImportWalk& walk);
 
 }  // namespace sectorbox

@@ -9,7 +9,8 @@
 namespace sectorbox {
 namespace {
 
-// Names that mean devices to some hosts. Anything that begins like one is changed, COMMAND too.
+// Names of devices on some hosts. Every name that begins with one of them is changed, so also
+// COMMAND.
 constexpr std::array<const char*, 4> kDevices = {"CON", "PRN", "LPT", "COM"};
 
 char ToHost(char c) {
@@ -29,25 +30,25 @@ char ToHost(char c) {
 
 }  // namespace
 
-std::string AdfsToHostName(const std::string& Name) {
-  // A field padded with NULs alone keeps them, and no host name can hold one.
-  std::string host = Name.substr(0, Name.find('\0'));
+std::string AdfsToHostName(const std::string& name) {
+  // An entry's name may hold NULs (see Entry::Name), and no host name can hold one.
+  std::string host = name.substr(0, name.find('\0'));
   std::transform(host.begin(), host.end(), host.begin(), ToHost);
   for (const char* device : kDevices) {
     if (UpperCase(host.substr(0, 3)) == device) host.insert(3, "_");
   }
   const std::string upper = UpperCase(host);
-  // A file doesn't pass for a sidecar, nor for the folder itself or the one above.
+  // The name must not look like a sidecar, and not mean the folder itself or the one above it.
   const bool isSidecar = upper.size() >= 4 && upper.substr(upper.size() - 4) == kSidecarEnding;
   if (isSidecar || host == "." || host == "..") host += '_';
   return host;
 }
 
-std::string HostToAdfsName(const std::string& Name) {
-  std::string adfs = Name;
+std::string HostToAdfsName(const std::string& name) {
+  std::string adfs = name;
   for (std::size_t i = 0; i < adfs.size(); ++i) {
     char& c = adfs[i];
-    // A dot among the first two characters stays: A.PROG goes to directory A.
+    // A dot among the first two characters stays, since A.PROG belongs into directory A.
     if (c == '.' && i >= 2) c = '/';
     if (c == '#') c = '?';
     if (c == '$') c = '<';
@@ -56,14 +57,14 @@ std::string HostToAdfsName(const std::string& Name) {
   return adfs;
 }
 
-std::string HostNamesOfFolder::Take(const std::string& Name) {
-  std::string host = AdfsToHostName(Name);
+std::string HostNamesOfFolder::Take(const std::string& name) {
+  std::string host = AdfsToHostName(name);
   while (!used_.insert(host).second) host += '_';
   return host;
 }
 
-std::string GetHostName(Disc& disc, std::int32_t DirSector, std::int32_t Slot) {
-  return AdfsToHostName(GetEntryName(disc, DirSector, Slot));
+std::string GetHostName(Disc& disc, std::int32_t dirSector, std::int32_t slot) {
+  return AdfsToHostName(GetEntryName(disc, dirSector, slot));
 }
 
 }  // namespace sectorbox

@@ -15,8 +15,8 @@
 namespace sectorbox {
 namespace {
 
-// Full paths of all that is in a folder, in ascending order of their names by byte. All of it, in
-// any number: a directory that is full says so, and nothing is left out without a word.
+// The full paths of everything in a folder, in rising order of their bytes. No path is left out,
+// even if there are more than a directory can hold: the user then gets the message that it is full.
 std::vector<std::string> PathsInFolder(const std::string& folder) {
   std::vector<std::string> paths;
   for (const std::string& name : ListHostFolder(folder))
@@ -25,7 +25,8 @@ std::vector<std::string> PathsInFolder(const std::string& folder) {
   return paths;
 }
 
-// Why a path can't go onto a disc: it is neither a file nor a folder. Empty if it can.
+// The reason why a path can't be added: it is neither a file nor a folder, or the host can't tell.
+// Empty if it can be added.
 std::string WhyPassedOver(const std::string& path) {
   try {
     return KindOfHostFile(path) == HostFileKind::kOther ? "Not a regular file" : "";
@@ -34,9 +35,9 @@ std::string WhyPassedOver(const std::string& path) {
   }
 }
 
-Outcome AddContents(Disc& disc, std::int32_t DirSector, const std::vector<std::string>& paths,
+Outcome AddContents(Disc& disc, std::int32_t dirSector, const std::vector<std::string>& paths,
                     ImportWalk& walk) {
-  const TrackedSector dir(disc, DirSector);
+  const TrackedSector dir(disc, dirSector);
   for (const std::string& path : paths) {
     const std::string why = WhyPassedOver(path);
     if (!why.empty()) {
@@ -51,20 +52,20 @@ Outcome AddContents(Disc& disc, std::int32_t DirSector, const std::vector<std::s
 
 }  // namespace
 
-Outcome AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder,
+Outcome AddHostFolder(Disc& disc, std::int32_t dirSector, const std::string& folder,
                       ImportWalk& walk) {
-  const auto identity = RequireIdentity(Folder);
+  const auto identity = RequireIdentity(folder);
   if (std::find(walk.Folders.begin(), walk.Folders.end(), identity) != walk.Folders.end()) {
-    disc.Host.Note(Folder + ": leads back to a folder that is being added");
+    disc.Host.Note(folder + ": leads back to a folder that is being added");
     return Outcome::kDone;
   }
-  // A tree this deep could be made, but no walk over the disc would reach its end.
-  if (walk.Folders.size() + 2 >= kMaxWalkDepth) ThrowHostError(Folder, ENAMETOOLONG);
-  const std::vector<std::string> paths = PathsInFolder(Folder);
-  std::string name = HostBaseName(Folder);
-  if (const auto line = ReadSidecarLine(Folder)) name = ParseFolderSidecar(*line).value_or(name);
-  if (name.empty()) return Refuse(disc, IllegalNameMessage(HostBaseName(Folder)));
-  const auto made = NewDirectory(disc, DirSector, name);
+  // A deeper tree could be made, but no walk over the disc would reach its lowest directories.
+  if (walk.Folders.size() + 2 >= kMaxWalkDepth) ThrowHostError(folder, ENAMETOOLONG);
+  const std::vector<std::string> paths = PathsInFolder(folder);
+  std::string name = HostBaseName(folder);
+  if (const auto line = ReadSidecarLine(folder)) name = ParseFolderSidecar(*line).value_or(name);
+  if (name.empty()) return Refuse(disc, IllegalNameMessage(HostBaseName(folder)));
+  const auto made = NewDirectory(disc, dirSector, name);
   if (!made) return Outcome::kRefused;
   walk.Folders.push_back(identity);
   const Outcome result = AddContents(disc, *made, paths, walk);
@@ -72,10 +73,9 @@ Outcome AddHostFolder(Disc& disc, std::int32_t DirSector, const std::string& Fol
   return result;
 }
 
-// The process's current folder plays no part in all this, and so is never changed.
-Outcome ImportFolder(Disc& disc, std::int32_t DirSector, const std::string& Folder) {
+Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& folder) {
   ImportWalk walk;
-  return AddHostFolder(disc, DirSector, ResolveHostPath(Folder), walk);
+  return AddHostFolder(disc, dirSector, ResolveHostPath(folder), walk);
 }
 
 }  // namespace sectorbox

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint64_t kLongestLine = 65536;
 
-// Columns first to last of a line, as many of them as it has.
+// The columns first to last of a line; fewer if the line is shorter.
 std::string Columns(const std::string& line, std::size_t first, std::size_t last) {
   if (line.size() < first) return "";
   return line.substr(first - 1, last - first + 1);
@@ -28,8 +28,8 @@ std::uint32_t ParseLength(std::string digits) {
   return ParseHex(digits);
 }
 
-// Six digits become eight by repeating the first two, which makes FFFF1900 of FF1900. It makes
-// 0E0E1900 of 0E1900 too, and so sidecars of this form have always been read.
+// Makes eight digits of six: the first two are repeated. FF1900 becomes FFFF1900, but 0E1900
+// becomes 0E0E1900 too. Sidecars of this form have always been read so.
 std::string Extend(const std::string& six) {
   return six.substr(0, 2) + six;
 }
@@ -47,8 +47,8 @@ void ReadShortForm(const std::string& line, FileSidecar& sidecar) {
   sidecar.Attr = "RW" + Columns(line, 33, 33);
 }
 
-// "NAME       FFFF1900 FFFF8023 00000E00 LWR": what export writes. A line of 37 characters has no
-// column 38, so it doesn't fit.
+// "NAME       FFFF1900 FFFF8023 00000E00 LWR": the form that an export writes. A line of exactly 37
+// characters has no blank in column 38, so it doesn't fit.
 bool FitsLongForm(const std::string& line) {
   return line.size() >= 37 && HasBlanksAt(line, {11, 20, 29, 38});
 }
@@ -78,7 +78,7 @@ std::optional<std::string> ReadSidecarLine(const std::string& hostPath) {
 
 FileSidecar ParseFileSidecar(const std::string& line) {
   FileSidecar sidecar;
-  // A line that fits both is read as the second.
+  // A line that fits both forms is read as the long one, which overwrites every field.
   if (FitsShortForm(line)) ReadShortForm(line, sidecar);
   if (FitsLongForm(line)) ReadLongForm(line, sidecar);
   return sidecar;
@@ -89,14 +89,14 @@ std::optional<std::string> ParseFolderSidecar(const std::string& line) {
   return TrimBlanks(Columns(line, 1, 10));
 }
 
-std::string MakeFileSidecar(const std::string& Name, const std::string& Load,
-                            const std::string& Exec, const std::string& Size,
-                            const std::string& Attr) {
-  return PadWithBlanks(Name) + " " + Load + " " + Exec + " " + Size + " " + Attr + "\r\n";
+std::string MakeFileSidecar(const std::string& name, const std::string& load,
+                            const std::string& exec, const std::string& size,
+                            const std::string& attr) {
+  return PadWithBlanks(name) + " " + load + " " + exec + " " + size + " " + attr + "\r\n";
 }
 
-std::string MakeFolderSidecar(const std::string& Name, const std::string& Attr) {
-  return PadWithBlanks(Name) + " " + Attr + "\r\n";
+std::string MakeFolderSidecar(const std::string& name, const std::string& attr) {
+  return PadWithBlanks(name) + " " + attr + "\r\n";
 }
 
 }  // namespace sectorbox

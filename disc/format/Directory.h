@@ -13,7 +13,7 @@
 
 namespace sectorbox {
 
-// Where an entry of some name belongs in a directory.
+// Where an entry of a given name belongs in a directory.
 struct Place {
   // The first empty slot, or the first whose name isn't below that name; 47 if there is none.
   std::int32_t Slot = 0;
@@ -21,27 +21,27 @@ struct Place {
 };
 
 // A whole directory as a value: 1280 bytes with a header, 47 slots for entries and a tail. A slot
-// is a number from 0 to 46. The list of entries ends at the first empty one; what stands behind
-// that is left over and means nothing.
+// is a number from 0 to 46. The list of entries ends at the first empty slot; the slots behind it
+// mean nothing, whatever they hold.
 //
-// Every byte is kept, so that a directory that is read, changed and written is the same to the byte
-// wherever nothing was changed. Reading and writing a disc's directories: disc/catalogue.
+// The value keeps every byte, so that changing a part of it never changes another byte.
+// disc/catalogue reads directories from a disc and writes them.
 class Directory {
  public:
   using Bytes = std::array<std::uint8_t, format::kDirSize>;
 
   explicit Directory(const Bytes& bytes) : bytes_(bytes) {}
 
-  // A new directory without entries, as NewDirectory puts it on a disc: entry is the one that lists
-  // it, parent the sector of the directory that holds that entry. The name carries the entry's
-  // attributes; the title starts as the name without them. The check byte stays 0: neither this
-  // system nor the BBC looks at it on a disc of this format.
+  // A new directory without entries, as NewDirectory puts it on a disc. entry is the entry that
+  // lists it, parent the start sector of the directory that holds that entry. The name field gets
+  // the entry's name with its attributes, the title the name without them. The check byte stays 0:
+  // neither this system nor the BBC looks at it on a disc of this format.
   [[nodiscard]] static Directory MakeEmpty(const Entry& entry, std::int32_t parent);
 
   [[nodiscard]] const Bytes& Raw() const { return bytes_; }
 
   // --- Header and tail -------------------------------------------------------------------------
-  // True if the first mark is there. That alone makes a directory valid for every reader here.
+  // True if the first mark is there. Every reader here tests this mark and nothing else.
   [[nodiscard]] bool HasMark() const;
   [[nodiscard]] bool HasMarkAtEnd() const;
   [[nodiscard]] std::uint8_t Sequence() const;
@@ -58,30 +58,32 @@ class Directory {
   void SetName(std::string_view name);
   void SetTitle(std::string_view title);
   void SetParent(std::int32_t sector);
-  // Takes the first bytes of an entry's name field, attributes included, as its own.
+  // Copies that many bytes from the start of an entry's name field, attributes included, into the
+  // directory's own name.
   void TakeNameOf(const Entry& entry, std::int32_t bytes);
 
   // --- Entries ---------------------------------------------------------------------------------
   [[nodiscard]] Entry At(std::int32_t slot) const;
   // The entries of the list, in order of their slots: the index is the slot.
   [[nodiscard]] std::vector<Entry> Entries() const;
-  // True if slot 0 holds an entry. A name that begins with a carriage return counts as one here.
+  // True if slot 0 holds an entry. An entry whose name begins with a carriage return counts here.
   [[nodiscard]] bool HasEntries() const;
-  // True if slot 46 holds an entry. A name that begins with a carriage return counts as one here.
+  // True if slot 46 holds an entry. An entry whose name begins with a carriage return counts here.
   [[nodiscard]] bool IsFull() const;
   // Slot of the first entry of that name, or -1. Names compare by FoldName.
   [[nodiscard]] std::int32_t Find(std::string_view name) const;
   // Where an entry of that name belongs. Names compare by FoldName.
   [[nodiscard]] Place FindPlace(std::string_view name) const;
 
-  // Gives the directory its next sequence number, at both of its ends: the one after Sequence. The
-  // new number is what the changed entry carries.
+  // Gives the directory its next sequence number, the one after Sequence, at both of its ends.
+  // Gives the new number, which the changed entry carries too.
   [[nodiscard]] std::uint8_t BumpSequence();
+  // Writes entry into a slot; no other slot changes.
   void Put(std::int32_t slot, const Entry& entry);
-  // Entries from slot on move up by one, and entry takes the slot. What stood in slot 46 is lost:
-  // the caller has tested that nothing did. Nothing happens at slot 47.
+  // Moves the entries from slot on up by one and puts entry into the slot. The entry in slot 46 is
+  // lost, so the caller first tests IsFull. Nothing happens if slot is 47.
   void Insert(std::int32_t slot, const Entry& entry);
-  // Entries behind slot move down by one, and slot 46 becomes zeros.
+  // Moves the entries behind slot down by one. Slot 46 becomes zeros.
   void Remove(std::int32_t slot);
 
  private:

@@ -21,10 +21,10 @@ enum class Attribute : std::uint8_t {
 };
 
 // One entry of a directory, as a value: a name, attributes, two addresses, a length, a start sector
-// and a sequence number. It keeps the 26 bytes that the disc holds, so that an entry that is read
-// and written again is the same to the byte, whatever stands behind the end of its name.
+// and a sequence number. It keeps all 26 bytes that the disc holds, also those behind the end of
+// the name, so that an entry that is read and written again is the same to the byte.
 //
-// To the BBC an empty file owns no sector. Here every file owns one, and Sectors says so.
+// The BBC gives an empty file no sector. Here every file owns at least one, and Sectors says so.
 class Entry {
  public:
   using Bytes = std::array<std::uint8_t, format::kEntrySize>;
@@ -36,12 +36,12 @@ class Entry {
   [[nodiscard]] const Bytes& Raw() const { return bytes_; }
   // True if this entry ends the list of a directory: its name has no first character.
   [[nodiscard]] bool IsEmpty() const;
-  // True if the name's first byte is 0. A name that begins with a carriage return is empty too, but
-  // this isn't true for it.
+  // True if the name's first byte is 0. An entry whose name begins with a carriage return is empty,
+  // but not unused.
   [[nodiscard]] bool IsUnused() const;
 
-  // The ten name bytes, top bits cleared, cut before the first carriage return. NUL bytes are not
-  // cut: a field that is padded with NULs alone keeps them.
+  // The ten name bytes, top bits cleared, cut before the first carriage return. Without a carriage
+  // return in the field the text has ten bytes, NULs included.
   [[nodiscard]] std::string Name() const;
   [[nodiscard]] bool Has(Attribute attribute) const;
   [[nodiscard]] bool IsDirectory() const { return Has(Attribute::kDirectory); }
@@ -50,7 +50,7 @@ class Entry {
   [[nodiscard]] std::string Letters() const;
   [[nodiscard]] std::uint32_t Load() const;
   [[nodiscard]] std::uint32_t Exec() const;
-  // The length field: bytes. A directory's field says 1280, but nobody relies on it.
+  // The length field, in bytes. A directory's field should say 1280, but nothing relies on it.
   [[nodiscard]] std::uint32_t Length() const;
   // Bytes that the object has: the length field of a file, 1280 for a directory.
   [[nodiscard]] std::uint32_t Size() const;
@@ -63,7 +63,7 @@ class Entry {
   // Puts the name, a carriage return and NULs into the name field, which holds ten bytes. All
   // attributes become clear.
   void SetName(std::string_view name);
-  // The same with the attributes left as they are, and with the top bits of the other name bytes.
+  // The same, but the top bit of every name byte stays as it was, and with it all attributes.
   void Rename(std::string_view name);
   void Set(Attribute attribute, bool on);
   void SetLoad(std::uint32_t load);

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-// The on-disc format of ADFS with the old map, written once: the layout that the BBC's own filing
-// system reads and writes on floppies, hard discs and card partitions alike. All offsets are bytes,
-// all numbers are little-endian, ranges are half-open.
+// The on-disc format of ADFS with the old map. The BBC's own filing system uses this layout on
+// floppies, hard discs and card partitions alike. All offsets are bytes, all numbers are
+// little-endian, ranges are half-open.
 namespace sectorbox::format {
 
 inline constexpr std::int32_t kSectorSize = 256;

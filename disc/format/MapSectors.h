@@ -18,20 +18,20 @@ struct FreeRun {
 };
 
 // Checksum of one map sector, as the BBC's filing system adds it up: from byte 254 down to 0,
-// starting from 255, each carry going into the next sum. The carry out of byte 0 is dropped. Byte
-// 255 holds the checksum itself and isn't looked at.
+// starting from 255; each carry is added to the next sum. The carry out of byte 0 is dropped. Byte
+// 255 holds the checksum itself and isn't part of the sum.
 [[nodiscard]] std::uint8_t MapChecksum(std::span<const std::uint8_t, format::kSectorSize> sector);
 
 // The free space map as a value: sectors 0 and 1 of a disc, with the runs of free sectors, the
 // disc's size and the boot option. It believes what stands there; a damaged map may say anything.
 //
-// The value knows which of its bytes were set. Only those are meant to go back to the disc: where a
-// card couldn't be read, what wasn't read must not be written over with what was made up for it.
+// The value knows which of its bytes were set, and only those are written back to the disc. So a
+// byte that a faulty card couldn't give isn't written back to it.
 class MapSectors {
  public:
   using Bytes = std::array<std::uint8_t, format::kMapSize>;
 
-  // What a short source lacks of the 512 bytes counts as zero.
+  // If bytes has fewer than 512 bytes, the missing ones are zeros.
   explicit MapSectors(std::span<const std::uint8_t> bytes);
 
   [[nodiscard]] const Bytes& Raw() const { return bytes_; }
@@ -47,17 +47,18 @@ class MapSectors {
 
   // The end pointer as it stands: 3 x the number of runs.
   [[nodiscard]] std::uint8_t EndPointer() const;
-  // The free runs that the end pointer stands for, in the order of the map. Only a damaged disc has
-  // an end pointer that is no multiple of 3: it counts to the nearest then. There are never more
-  // runs than the arrays in memory hold (83), the last of which lies over other fields.
+  // The free runs up to the end pointer, in the order of the map. On a damaged disc the end pointer
+  // may be no multiple of 3; the nearest multiple counts then. There are never more than 83 runs,
+  // since the arrays in memory hold no more; the last of these lies over other fields.
   [[nodiscard]] std::vector<FreeRun> Runs() const;
-  // The run at a place of the map, from 0 to 84, whatever the end pointer says. The places behind
+  // The run at a place of the map, from 0 to 84; the end pointer plays no part. The places behind
   // 81 lie over other fields.
   [[nodiscard]] FreeRun RunAt(std::int32_t place) const;
-  // Puts the runs, at most 83, into the map, and the end pointer. Entries beyond it stay.
+  // Puts the runs, at most 83, into the map, and sets the end pointer behind them. What stands
+  // behind the end pointer stays.
   void SetRuns(std::span<const FreeRun> runs);
 
-  // sector is 0 or 1.
+  // The checksum that stands in the map, and the one that should. sector is 0 or 1.
   [[nodiscard]] std::uint8_t StoredChecksum(std::int32_t sector) const;
   [[nodiscard]] std::uint8_t RightChecksum(std::int32_t sector) const;
   // Puts the right checksums of both sectors into the map. The BBC refuses a disc with a wrong one.

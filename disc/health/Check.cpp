@@ -12,16 +12,15 @@ namespace {
 
 using namespace format;
 
-// Sectors that something claims: [Start, End), cut at the disc's end. A free run has Run set;
-// an object is named by the directory it is listed in and its name. An empty file is given a sector
-// by us and none by the BBC, whose compaction leaves it wherever the next object starts: it claims
-// its sector only where nothing else does.
+// Sectors that something claims: [Start, End), cut at the disc's end. We give an empty file a
+// sector, but the BBC gives it none, and its compaction leaves the file wherever the next object
+// starts. So an empty file claims its sector only if nothing else does.
 struct Extent {
   std::int32_t Start = 0;
   std::int32_t End = 0;
-  std::int32_t Run = -1;
-  std::int32_t Directory = -1;
-  std::string Name;
+  std::int32_t Run = -1;        // the number of a free run; -1 for anything else
+  std::int32_t Directory = -1;  // the node of the directory that lists an object; -1 if none does
+  std::string Name;             // of the object in that directory
   bool IsEmptyFile = false;
 };
 
@@ -45,7 +44,7 @@ class Checker : public DirectoryVisitor {
     directories_.push_back({-1, "$"});
     Own({kRootSector, kFirstFreeSector, -1, -1, "$", false});
     if (kFirstFreeSector > size_) Error("$", "runs past the end of the disc");
-    // What lies too deep is told, and the walk goes on beside it.
+    // The checker never ends the walk: it reports a directory that lies too deep and goes on.
     (void)WalkDirectories(disc_, kRootSector, *this);
     CheckOwnership();
     return std::move(faults_);
@@ -80,8 +79,8 @@ class Checker : public DirectoryVisitor {
   // A directory that the walk is in.
   struct Visit {
     std::int32_t Node = 0;
-    std::string FormerName;  // folded; of the entry in front
-    std::set<std::string> Names;
+    std::string FormerName;       // the folded name of the entry in front
+    std::set<std::string> Names;  // the folded names met so far
   };
 
   void Error(std::string place, std::string text) {
@@ -192,7 +191,7 @@ class Checker : public DirectoryVisitor {
     return false;
   }
 
-  // True for a directory that is to be looked into.
+  // True if the entry is a directory that the walk has to go into.
   bool CheckEntry(const WalkStep& at, const std::string& path, const Entry& entry) {
     const std::int32_t start = entry.Start();
     if (entry.IsDirectory() && LeadsBack(at, start)) {
@@ -214,9 +213,10 @@ class Checker : public DirectoryVisitor {
     return true;
   }
 
-  // Goes over all that is claimed in the order of the sectors. Whatever begins before the furthest
-  // end so far overlaps the one that reaches there; between that end and the next begin is a hole.
-  // Empty files stand behind all else that starts where they do, so that none hides an overlap.
+  // Goes over all extents in the order of their starts. An extent that starts before the furthest
+  // end so far overlaps the extent that reaches there. If it starts behind that end, the sectors
+  // between are a hole. Of extents with one start, empty files come last, so that none hides an
+  // overlap.
   void CheckOwnership() {
     std::stable_sort(extents_.begin(), extents_.end(), [](const Extent& a, const Extent& b) {
       return a.Start != b.Start ? a.Start < b.Start : a.IsEmptyFile < b.IsEmptyFile;
@@ -236,15 +236,15 @@ class Checker : public DirectoryVisitor {
   }
 
   void WarnOfHole(std::int32_t start, std::int32_t end) {
-    // What lies deeper than the walk went may own it.
+    // A directory that the walk didn't reach may own these sectors.
     if (exhausted_) return;
     Warn(SectorText(start), std::to_string(end - start) + " sectors from here belong to nothing");
   }
 
   void TellOverlap(const Extent& first, const Extent& second) {
-    // CheckRuns has told about two runs that overlap.
+    // CheckRuns has reported two free runs that overlap.
     if (first.Run >= 0 && second.Run >= 0) return;
-    // The object is the place, since it is what the user may lose.
+    // The fault names the object as its place and not the free run: the user may lose the object.
     const bool firstIsPlace = second.Run >= 0;
     Error(NameOf(firstIsPlace ? first : second),
           "overlaps " + NameOf(firstIsPlace ? second : first));

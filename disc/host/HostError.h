@@ -7,10 +7,10 @@
 
 namespace sectorbox {
 
-// The host failed: there is no such file, the host's disc is full, or we have no rights. Everything
-// that touches a host file throws it. A refusal of the disc engine is never a HostError: it has
-// return values and messages of its own. The code that catches it shows what() and leaves the disc
-// as it is.
+// The host failed: there is no such file, the host's disc is full, or we have no rights. Every
+// function that touches a host file throws it. A refusal of the disc engine is never a HostError:
+// the engine has return values and messages of its own. The code that catches a HostError shows
+// what() and leaves the disc as it is.
 class HostError : public std::runtime_error {
  public:
   // path: the host file or device. systemText: the operating system's words for the failure.

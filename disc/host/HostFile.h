@@ -61,8 +61,8 @@ class OpenFileNumber {
 
   [[nodiscard]] bool IsOpen() const { return number_ >= 0; }
   [[nodiscard]] int Get() const { return number_; }
-  // Closes the file, which is closed in every case then. The host's error number (errno), or 0 if
-  // all went well or no file was open.
+  // Closes the file. Gives the host's error number (errno), or 0 if all went well or no file was
+  // open. The file is closed also after an error.
   int Close();
 
  private:
@@ -159,8 +159,8 @@ enum class OnMedium {
 // pipes can't be replaced: the bytes go straight to them.
 class OutputFile {
  public:
-  // Creates the temporary file. A link isn't replaced, but the file that it leads to. HostError if
-  // path is a folder, can't be written, or its folder can't.
+  // Creates the temporary file. A link stays, and the file that it leads to is replaced. HostError
+  // if path is a folder, or if path or its folder can't be written.
   explicit OutputFile(const std::string& path, OnMedium onMedium = OnMedium::kAtOnce);
   ~OutputFile();
   OutputFile(OutputFile&& other) noexcept;

@@ -19,7 +19,7 @@ class RawDevice {
   // device is opened without buffering, and not while the system itself uses it (a mounted file
   // system). False if that fails; LastError tells why, and nobody else is told.
   virtual bool Open(const std::string& path) = 0;
-  virtual bool IsOpen() const = 0;
+  [[nodiscard]] virtual bool IsOpen() const = 0;
   // Both give the count of bytes done. It is smaller than the buffer at the end of the device, on a
   // fault, and while nothing is open (0). A device never grows.
   virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
@@ -29,10 +29,10 @@ class RawDevice {
   virtual void Close() = 0;
   // The system's error number (errno) of the last Open, Read, Write or Close; 0 if that went well.
   // A transfer that ends at the end of the device has gone well.
-  virtual int LastError() const { return 0; }
+  [[nodiscard]] virtual int LastError() const { return 0; }
   // True if path names the device or file that is open, also by another of its names. False while
   // nothing is open.
-  virtual bool Is(const std::string& path) const {
+  [[nodiscard]] virtual bool Is(const std::string& path) const {
     (void)path;
     return false;
   }

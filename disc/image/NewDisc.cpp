@@ -32,9 +32,9 @@ std::string AskNewName(Disc& disc, const FileQuestion& question) {
   return path;
 }
 
-std::string AskNewName(Disc& disc, DiscType disctype) {
-  if (disctype == kAdf) return NewDiscADF(disc);
-  if (disctype == kAdl) return NewDiscADL(disc);
+std::string AskNewName(Disc& disc, DiscType type) {
+  if (type == kAdf) return NewDiscADF(disc);
+  if (type == kAdl) return NewDiscADL(disc);
   return NewDiscDAT(disc);
 }
 
@@ -60,21 +60,22 @@ void WriteEmptyDisc(Disc& disc, std::int32_t total) {
   root.Write();
 }
 
-void CreateDisc(Disc& disc, const std::string& FileName, std::int32_t Tracks, std::int32_t Heads,
-                std::int32_t Sectors, DiscType disctype) {
+void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
+                std::int32_t sectors, DiscType type) {
   const BusyPointer busy(disc.Host);
-  // Opened before the old disc's state is given up: a name that can't be opened changes nothing.
-  disc.TheDisc.OpenFile(FileName, disctype, Tracks, Heads, Sectors);
+  // The file is opened before the old disc's state is lost: a file that can't be opened changes
+  // nothing.
+  disc.TheDisc.OpenFile(fileName, type, tracks, heads, sectors);
   ReadFreeMap(disc);
   disc.ImageChanged = false;
-  disc.DiscTracks = Tracks;
-  disc.DiscHeads = Heads;
-  disc.DiscSectors = Sectors;
-  ZeroTracks(disc, Tracks * Heads, Sectors);
-  WriteEmptyDisc(disc, Tracks * Heads * Sectors);
+  disc.DiscTracks = tracks;
+  disc.DiscHeads = heads;
+  disc.DiscSectors = sectors;
+  ZeroTracks(disc, tracks * heads, sectors);
+  WriteEmptyDisc(disc, tracks * heads * sectors);
   ReadFreeMap(disc);
-  // Only this very spelling of the extension: a floppy image has no companion.
-  if (EndsInDat(FileName)) WriteCompanion(FileName, {Tracks, Heads});
+  // Only this spelling counts. A floppy image has no companion.
+  if (EndsInDat(fileName)) WriteCompanion(fileName, {tracks, heads});
 }
 
 std::string NewDiscADF(Disc& disc) {
@@ -97,7 +98,7 @@ void RunNewDisc(Disc& disc, const NewDiscSize& size) {
   try {
     CreateDisc(disc, path, size.Tracks, size.Heads, size.Sectors, size.DiscType);
   } catch (const HostError&) {
-    // The name goes with the store: the former one unless the new file was already open.
+    // ImageName goes with the store: it is the former name unless the new file is open already.
     if (disc.TheDisc.FileName() != path) disc.ImageName = former;
     throw;
   }

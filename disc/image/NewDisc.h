@@ -6,7 +6,7 @@
 
 #include "disc/store/Disc.h"
 
-// Empty discs in every size of the menu.
+// Making empty discs in every size of the menu.
 namespace sectorbox {
 
 // One size of the menu.
@@ -33,23 +33,26 @@ inline constexpr std::array<NewDiscSize, 13> kNewDiscs = {{
     {16384, 4, 33, kDat},
 }};
 
-// Zeroes the store and writes the map and an empty root. A floppy image is then only in memory and
-// counts as unchanged; a .dat exists on the host from here on, with its companion if the name ends
-// in exactly ".dat".
-void CreateDisc(Disc& disc, const std::string& FileName, std::int32_t Tracks, std::int32_t Heads,
-                std::int32_t Sectors, DiscType disctype);
+// Opens fileName as a disc of that geometry, fills it with zeros, and writes the map and an empty
+// root. A floppy image is then only in memory and counts as unchanged. A .dat exists on the host
+// from then on; it gets a companion if fileName ends in exactly ".dat". HostError if the file can't
+// be opened: the disc that was open stays open.
+void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
+                std::int32_t sectors, DiscType type);
 
-// The map and the empty root of a disc of total sectors, as CreateDisc writes them (both checksums
-// included), over whatever stands in the first seven sectors; bytes that it doesn't name stay.
+// Writes the map, with both checksums, and the empty root of a disc of that many sectors, as
+// CreateDisc does. Bytes of the first seven sectors that belong to no field of these stay as they
+// were.
 void WriteEmptyDisc(Disc& disc, std::int32_t total);
 
-// The file dialogs for the three kinds. Each gives the chosen path, which has also become ImageName
-// and the caption, or an empty text.
-std::string NewDiscADF(Disc& disc);
-std::string NewDiscADL(Disc& disc);
-std::string NewDiscDAT(Disc& disc);
+// The file dialogs for the three kinds. Each gives the chosen path and makes it ImageName and the
+// caption. An empty text means that the user cancelled; nothing has changed then.
+[[nodiscard]] std::string NewDiscADF(Disc& disc);
+[[nodiscard]] std::string NewDiscADL(Disc& disc);
+[[nodiscard]] std::string NewDiscDAT(Disc& disc);
 
-// A new-disc menu entry: the unsaved-changes question, the dialog, CreateDisc, RebuildTree.
+// Runs a menu entry for a new disc: the question about unsaved changes, the dialog, CreateDisc,
+// RebuildTree. HostError as for CreateDisc; ImageName is then again that of the open disc.
 void RunNewDisc(Disc& disc, const NewDiscSize& size);
 
 }  // namespace sectorbox

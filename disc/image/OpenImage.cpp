@@ -35,16 +35,16 @@ void OpenByLook(Disc& disc, const ImageLook& look) {
 
 }  // namespace
 
-void OpenImage(Disc& disc, const std::string& FileName) {
+void OpenImage(Disc& disc, const std::string& fileName) {
   if (disc.ImageChanged) QuerySaveChanges(disc);
-  // Read before anything is given up: a file that can't be read leaves the open disc and its name.
-  const std::int32_t size = MapSectors(ReadHostFile(FileName, 0, format::kMapSize)).DiscSize();
+  // The file is read before anything changes: if it can't be read, the open disc and its name stay.
+  const std::int32_t size = MapSectors(ReadHostFile(fileName, 0, format::kMapSize)).DiscSize();
   const std::string former = disc.ImageName;
-  disc.ImageName = FileName;
-  disc.Host.StoreRoot(FileName);
+  disc.ImageName = fileName;
+  disc.Host.StoreRoot(fileName);
   disc.Host.EnableDiscEntries();
   try {
-    OpenByLook(disc, {FileName, size});
+    OpenByLook(disc, {fileName, size});
   } catch (const HostError&) {
     disc.ImageName = former;
     throw;
@@ -52,10 +52,10 @@ void OpenImage(Disc& disc, const std::string& FileName) {
   disc.Host.RebuildTree();
 }
 
-void OpenCFPartition(Disc& disc, const std::string& Name) {
+void OpenCFPartition(Disc& disc, const std::string& name) {
   const BusyPointer busy(disc.Host);
-  const std::int32_t partition = Name.empty() ? 0 : Name.back() - '0';
-  disc.TheDisc.OpenFile(Name, kCF, partition, 0, 0);
+  const std::int32_t partition = name.empty() ? 0 : name.back() - '0';
+  disc.TheDisc.OpenFile(name, kCF, partition, 0, 0);
   ReadFreeMap(disc);
 }
 

@@ -17,9 +17,9 @@ using namespace format;
 constexpr std::int32_t kTracksPerMegabyte = 32;
 constexpr std::int64_t kLargestSize = 0xFFFFFF;  // the size field has three bytes
 
-// The last free run is taken to reach the end of the disc, and stretches or shrinks with it. That
-// isn't tested: a disc made smaller than what lies on it gets a map that says so. A full disc that
-// grows, which has no run to stretch, gets one for what was added.
+// The last free run grows or shrinks with the disc. Nothing tests that it reaches the disc's end: a
+// disc that becomes smaller than what lies on it gets a damaged map. A full disc has no run; if it
+// grows, it gets one for the sectors that were added.
 void ResizeLastRun(MapSectors& map, std::int32_t newSize) {
   const std::int32_t added = newSize - map.DiscSize();
   std::vector<FreeRun> runs = map.Runs();
@@ -47,28 +47,28 @@ std::optional<std::int32_t> TracksOfMegabytes(const std::string& text) {
   return static_cast<std::int32_t>(tracks);
 }
 
-void ResizeImage(Disc& disc, std::int32_t Tracks, std::int32_t Heads, std::int32_t Sectors) {
+void ResizeImage(Disc& disc, std::int32_t tracks, std::int32_t heads, std::int32_t sectors) {
   const std::string name = ChooseImageFile(disc);
-  if (!name.empty()) ResizeImageFile(disc, name, Tracks, Heads, Sectors);
+  if (!name.empty()) ResizeImageFile(disc, name, tracks, heads, sectors);
 }
 
-void ResizeImageFile(Disc& disc, const std::string& FileName, std::int32_t Tracks,
-                     std::int32_t Heads, std::int32_t Sectors) {
-  const std::int64_t size = std::int64_t{Tracks} * Heads * Sectors;
+void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t tracks,
+                     std::int32_t heads, std::int32_t sectors) {
+  const std::int64_t size = std::int64_t{tracks} * heads * sectors;
   if (size < 1 || size > kLargestSize) {
     disc.Host.ShowMessage("Disc Size Is Out Of Range");
     return;
   }
-  // Blocks of an open hard disc image that wait in memory would go over the new map later.
+  // If the image is open, blocks that wait in memory would later be written over the new map.
   if (!disc.TheDisc.InMemory()) disc.TheDisc.CloseFile();
-  const std::vector<std::uint8_t> bytes = ReadHostFile(FileName, 0, kMapSize);
-  if (bytes.size() < kMapSize) throw HostError(FileName, "Too short for a disc image");
+  const std::vector<std::uint8_t> bytes = ReadHostFile(fileName, 0, kMapSize);
+  if (bytes.size() < kMapSize) throw HostError(fileName, "Too short for a disc image");
   MapSectors map(bytes);
   ResizeLastRun(map, static_cast<std::int32_t>(size));
   map.SetDiscSize(static_cast<std::int32_t>(size));
   map.UpdateChecksums();
-  OverwriteHostFile(FileName, 0, map.Raw());
-  OpenImage(disc, FileName);
+  OverwriteHostFile(fileName, 0, map.Raw());
+  OpenImage(disc, fileName);
 }
 
 }  // namespace sectorbox

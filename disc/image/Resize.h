@@ -9,16 +9,17 @@
 // Changing the recorded size of an image.
 namespace sectorbox {
 
-// Tracks of a disc of that many megabytes (a decimal number, fractions allowed), to the nearest
-// whole number; none for anything that isn't a number.
+// How many tracks a disc of that many megabytes has, to the nearest whole number. text is a decimal
+// number, which may have a fraction; none for anything else, and for numbers out of all reason.
 [[nodiscard]] std::optional<std::int32_t> TracksOfMegabytes(const std::string& text);
 
-// Asks which image with ChooseImageFile, changes its size field and last free run, and opens it.
-void ResizeImage(Disc& disc, std::int32_t Tracks, std::int32_t Heads, std::int32_t Sectors);
-// The same for a file that is already chosen. A size of no sectors, or of more than the three bytes
-// of the size field hold, gets the message "Disc Size Is Out Of Range" and leaves the file alone.
-// The file keeps its length, and its companion stays. A file without a whole map is a HostError.
-void ResizeImageFile(Disc& disc, const std::string& FileName, std::int32_t Tracks,
-                     std::int32_t Heads, std::int32_t Sectors);
+// Lets the user choose an image (ChooseImageFile) and resizes it.
+void ResizeImage(Disc& disc, std::int32_t tracks, std::int32_t heads, std::int32_t sectors);
+// Changes the size field and the last free run of an image, and opens it. The file keeps its
+// length, and its companion stays. If the new size is below one sector or too large for the three
+// bytes of the size field, the user gets the message "Disc Size Is Out Of Range" and the file stays
+// as it is. HostError if the file has no whole map.
+void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t tracks,
+                     std::int32_t heads, std::int32_t sectors);
 
 }  // namespace sectorbox

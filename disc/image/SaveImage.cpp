@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "disc/ask/BusyPointer.h"
-#include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/medium/Companion.h"
@@ -39,8 +38,9 @@ class ProgressDialog {
   bool open_ = true;
 };
 
-// Saving clears ImageChanged before anything is written, and an abort leaves it clear: the changes
-// count as saved. A host failure is another matter, since nobody chose it: the flag comes back.
+// Saving clears ImageChanged before it writes anything. After an abort, which the user chose, the
+// changes count as saved. After a host failure, which nobody chose, the destructor sets the flag
+// again.
 class ClearedChanges {
  public:
   explicit ClearedChanges(Disc& disc) : disc_(disc), former_(disc.ImageChanged) {
@@ -60,9 +60,9 @@ class ClearedChanges {
   bool done_ = false;
 };
 
-// Calls copy(first, count) for every sector from 0 to sectors, telling the dialog at each 256th.
-// The user can only abort while the events run there, and the copy ends at its next turn: the
-// sector at which that happened is still copied. False when aborted.
+// Calls copy(first, count) until the sectors from 0 to sectors are copied, and shows the progress
+// at each 256th sector. Events run there too, so the user can abort there; one more sector is then
+// copied. False after an abort.
 template <typename Copy>
 bool CopySectors(Disc& disc, const std::string& verb, std::int32_t sectors, Copy copy) {
   for (std::int32_t i = 0; i < sectors; i += kSectorsBetweenPumps) {
@@ -83,8 +83,8 @@ std::int32_t SectorsToSave(Disc& disc) {
   return TrimmedSize(disc, discSize).value_or(discSize);
 }
 
-// An image that took the place of the card it is read from would be the end of that card, and a
-// card can't be poured into itself.
+// Refuses a file that is the open card. A backup that replaced the card it is read from would
+// destroy it, and a card can't be restored from itself.
 void RefuseTheCardItself(const Disc& disc, const std::string& fileName) {
   if (!disc.TheDisc.MayBeReplaced() && disc.TheDisc.IsOpenMedium(fileName)) {
     throw HostError(fileName, "this is the card itself");
@@ -109,18 +109,18 @@ void SaveImageAs(Disc& disc) {
   if (!name.empty()) SaveImageTo(disc, name);
 }
 
-void SaveImageTo(Disc& disc, const std::string& FileName) {
+void SaveImageTo(Disc& disc, const std::string& fileName) {
   const std::string former = disc.ImageName;
-  disc.ImageName = FileName;
+  disc.ImageName = fileName;
   try {
-    // The disc's own size decides, not the extension: nothing is converted.
+    // The disc's own size decides, not the extension, because nothing is converted.
     const std::int32_t size = MapDiscSize(disc);
     if (size == 2560) {
-      SaveAdlImage(disc, FileName);
+      SaveAdlImage(disc, fileName);
     } else if (size == 640 || size == 1280) {
-      SaveAdfImage(disc, FileName);
+      SaveAdfImage(disc, fileName);
     } else {
-      SaveDatImage(disc, FileName, false);
+      SaveDatImage(disc, fileName, false);
     }
   } catch (const HostError&) {
     disc.ImageName = former;
@@ -129,14 +129,14 @@ void SaveImageTo(Disc& disc, const std::string& FileName) {
   disc.Host.RefreshCaption();
 }
 
-void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard) {
-  RefuseTheCardItself(disc, FileName);
+void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
+  RefuseTheCardItself(disc, fileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Save Image");
-  const std::int32_t sectors = WholeCard ? disc.TheDisc.DiscSize() : SectorsToSave(disc);
-  const bool overItself = disc.TheDisc.IsOpenMedium(FileName);
-  OutputFile output = CreateOutputFile(FileName);
+  const std::int32_t sectors = wholeCard ? disc.TheDisc.DiscSize() : SectorsToSave(disc);
+  const bool overItself = disc.TheDisc.IsOpenMedium(fileName);
+  OutputFile output = CreateOutputFile(fileName);
   std::vector<std::uint8_t> bytes;
   const bool whole =
       CopySectors(disc, "Saving", sectors, [&](std::int32_t first, std::int32_t count) {
@@ -148,63 +148,64 @@ void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard) {
         disc.TheDisc.FetchBytes(SectorOffset(first), bytes);
         output.Write(bytes);
       });
-  // An aborted save leaves a short file, but not where the open disc itself lies: that would be
-  // the end of it.
+  // An aborted save leaves a short file. But the file of the open disc itself isn't replaced by a
+  // short one: the disc would be lost.
   if (whole || !overItself) output.Close();
   progress.Close();
-  // The store goes on working on the file of its name, which is now this one.
+  // The next access opens the file of the store's name again, which is now the new one.
   if (whole && overItself) disc.TheDisc.CloseFile();
   if (disc.TheDisc.Kind().HasCompanion) {
-    WriteCompanion(FileName, {disc.DiscTracks, disc.DiscHeads});
+    WriteCompanion(fileName, {disc.DiscTracks, disc.DiscHeads});
   }
   changes.Done();
 }
 
-void SaveAdfImage(Disc& disc, const std::string& FileName) {
-  RefuseTheCardItself(disc, FileName);
+void SaveAdfImage(Disc& disc, const std::string& fileName) {
+  RefuseTheCardItself(disc, fileName);
   ClearedChanges changes(disc);
   std::vector<std::uint8_t> bytes;
-  // With Pad Disc Images set the file stays empty. Users know it and their scripts count on it, so
-  // it stays; who wants a padded image closes the disc, which writes one.
+  // With the option Pad Disc Images the file stays empty. Users know this, and their scripts count
+  // on it. To get a padded image a user closes the disc, which writes one.
   if (!disc.Host.PadDiscImages()) {
     bytes.resize(static_cast<std::size_t>(SectorsToSave(disc)) * kSectorSize);
     disc.TheDisc.FetchBytes(0, bytes);
   }
-  WriteWhole(FileName, bytes);
+  WriteWhole(fileName, bytes);
   changes.Done();
 }
 
-void SaveAdlImage(Disc& disc, const std::string& FileName) {
-  RefuseTheCardItself(disc, FileName);
+void SaveAdlImage(Disc& disc, const std::string& fileName) {
+  RefuseTheCardItself(disc, fileName);
   ClearedChanges changes(disc);
   const auto inMemory = disc.TheDisc.InMemory()
                             ? std::optional<std::size_t>(disc.TheDisc.ImageBytes())
                             : std::nullopt;
-  WriteWhole(FileName,
+  WriteWhole(fileName,
              ArrangeAdl(disc.TheDisc, MapDiscSize(disc), inMemory, disc.Host.InterleavedDisc()));
   changes.Done();
 }
 
-void RestoreImage(Disc& disc, const std::string& FileName) {
-  RefuseTheCardItself(disc, FileName);
+void RestoreImage(Disc& disc, const std::string& fileName) {
+  RefuseTheCardItself(disc, fileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Restore Image");
-  const std::uint64_t length = HostFileLength(FileName);
-  // To the nearest sector, ties to even; what the file lacks of the last one reads as zeros.
+  const std::uint64_t length = HostFileLength(fileName);
+  // The length is rounded to the nearest sector, ties to even. If the file ends inside the last
+  // sector, the rest of that sector becomes zeros.
   const auto rest = length % kSectorSize;
   auto sectors = static_cast<std::int32_t>(length / kSectorSize);
   if (rest > 128 || (rest == 128 && sectors % 2 == 1)) ++sectors;
   if (disc.TheDisc.HasFixedSize() && sectors > disc.TheDisc.DiscSize()) {
     const std::int32_t there = std::max(disc.TheDisc.DiscSize(), 0);
-    disc.Host.Note(FileName + ": " + std::to_string(sectors) + " sectors, of which the first " +
+    disc.Host.Note(fileName + ": " + std::to_string(sectors) + " sectors, of which the first " +
                    std::to_string(there) + " fit on the partition");
     sectors = there;
   }
   CopySectors(disc, "Restoring", sectors, [&](std::int32_t first, std::int32_t count) {
     const auto part = static_cast<std::size_t>(count) * kSectorSize;
     std::vector<std::uint8_t> bytes =
-        ReadHostFile(FileName, static_cast<std::uint64_t>(SectorOffset(first)), part);
+        ReadHostFile(fileName, static_cast<std::uint64_t>(SectorOffset(first)), part);
     bytes.resize(part);
     disc.TheDisc.StoreBytes(SectorOffset(first), bytes);
   });

@@ -5,33 +5,37 @@
 
 #include "disc/store/Disc.h"
 
-// Writing the open disc to a file, and pouring a file into the open store. Each clears ImageChanged
-// before anything is written. A HostError leaves an existing target as it was, and ImageChanged and
-// ImageName too. The open card, or the file that holds it, is refused as the other end of any of
-// them (a HostError): its own backup would take its place.
+// Writing the open disc to a file, and copying a file into the open disc. Each function clears
+// ImageChanged before it writes anything. After a HostError an existing target file, ImageChanged
+// and ImageName are as they were. If the file is the open card itself, or the file that holds it,
+// each function refuses with a HostError: the backup would replace the card that it is read from.
 namespace sectorbox {
 
-// mnuDiscSave: "Are You Sure ?" with the title "Save Changes"; unless No, SaveImageAs.
+// The menu entry mnuDiscSave: asks "Are You Sure ?" with the title "Save Changes", and runs
+// SaveImageAs unless the answer is No.
 void RunSaveCommand(Disc& disc);
 
-// Asks for a name, makes it ImageName, and saves by the disc's size, whatever the extension. The
-// store isn't reopened: a .dat or a card goes on working on the old file or device.
+// Asks for a name, makes it ImageName, and saves. The disc's size decides the kind of the file, not
+// the extension. The store isn't opened anew: the store of a .dat or a card goes on working on the
+// old file or device.
 void SaveImageAs(Disc& disc);
-// The same without the dialog: FileName becomes ImageName.
-void SaveImageTo(Disc& disc, const std::string& FileName);
+// The same without the dialog: fileName becomes ImageName.
+void SaveImageTo(Disc& disc, const std::string& fileName);
 
-// Sector by sector with the progress dialog; an abort leaves a short file, except where FileName is
-// the open .dat itself, which then stays whole. A .dat saved over itself goes on with the new file.
-// WholeCard takes the card's size, else Pad Disc Images decides between the disc's size and the
-// trimmed size. Writes the companion of a .dat.
-void SaveDatImage(Disc& disc, const std::string& FileName, bool WholeCard);
-// The trimmed image. With Pad Disc Images set the file stays empty (kept so on purpose).
-void SaveAdfImage(Disc& disc, const std::string& FileName);
-// Always the full length, tracks permuted if Interleaved Disc is set and there are more than 80.
-void SaveAdlImage(Disc& disc, const std::string& FileName);
+// Saves sector by sector, with the progress dialog. With wholeCard it saves as many sectors as the
+// card has; else the option Pad Disc Images decides between the disc's size and the trimmed size.
+// An abort leaves a short file. But if fileName is the open .dat itself, an abort leaves it whole,
+// and after a save the store goes on with the new file. Also writes the companion of a .dat.
+void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard);
+// Saves the trimmed image. With the option Pad Disc Images the file stays empty (kept so on
+// purpose).
+void SaveAdfImage(Disc& disc, const std::string& fileName);
+// Saves the full length. The tracks are permuted if the option Interleaved Disc is set and there
+// are more than 80.
+void SaveAdlImage(Disc& disc, const std::string& fileName);
 
-// Pours the file into the open store from sector 0 on, with the progress dialog. Onto a card goes
-// what its partition has room for; the host is told when that isn't all.
-void RestoreImage(Disc& disc, const std::string& FileName);
+// Copies the file into the open disc from sector 0 on, with the progress dialog. On a card no more
+// is written than fits on its partition; the user gets a note if that isn't all.
+void RestoreImage(Disc& disc, const std::string& fileName);
 
 }  // namespace sectorbox

@@ -12,7 +12,7 @@ constexpr const char* kOpenFilter = "ADFS Disc (*.adl;*.adf;*.dat)|*.adl;*.adf;*
 }  // namespace
 
 void QuerySaveChanges(Disc& disc) {
-  // Cleared first, so that the question comes once, also after No and after a cancelled dialog.
+  // This comes first, so that the question comes once, also after No and after a cancelled dialog.
   disc.ImageChanged = false;
   try {
     if (!disc.TheDisc.InMemory()) {
@@ -21,7 +21,7 @@ void QuerySaveChanges(Disc& disc) {
       SaveImageAs(disc);
     }
   } catch (const HostError&) {
-    // The user said Yes and the host said no: the changes are still only here.
+    // The user wanted to save and the host failed: the changes are in no file.
     disc.ImageChanged = true;
     throw;
   }

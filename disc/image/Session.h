@@ -7,14 +7,16 @@
 // The questions around a disc: unsaved changes, which file to open, which to write.
 namespace sectorbox {
 
-// Clears ImageChanged, so that the question comes once, also after No or a cancelled dialog. A disc
-// in memory: asks "Save your changes now ?" ("Changes will be lost") and saves on Yes. A .dat or a
-// card, which is written through, is closed without a question. A HostError sets the flag again:
-// the changes haven't reached a file, and whoever asked must not go on as if they had.
+// Asks about unsaved changes. It clears ImageChanged first, so that the question comes only once,
+// also after No and after a cancelled dialog. For a disc in memory it asks "Save your changes now
+// ?" with the title "Changes will be lost", and saves if the answer is Yes. A .dat or a card is
+// written through and is closed without a question. After a HostError ImageChanged is set again:
+// the changes are in no file, and the caller must not go on as if they were.
 void QuerySaveChanges(Disc& disc);
 
-// QuerySaveChanges if there are changes, then the open dialog. Empty when cancelled, and after
-// "File Not Found : " and the name when there is no such file.
-std::string ChooseImageFile(Disc& disc);
+// Runs QuerySaveChanges if there are changes, then the open dialog. Gives the path. An empty text
+// means that the user cancelled, or chose a file that doesn't exist and saw the message
+// "File Not Found : " with its name.
+[[nodiscard]] std::string ChooseImageFile(Disc& disc);
 
 }  // namespace sectorbox

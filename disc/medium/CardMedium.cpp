@@ -14,14 +14,14 @@ constexpr std::int32_t kPartitionSectors = 0x200000;
 constexpr std::int32_t kLargestPartition = 0x1FFFFF;
 constexpr std::int32_t kBlockSectors = Medium::kBlockSize / format::kSectorSize;
 
-// Device bytes that a long run fetches at once: as many as the platform's calls take in one go.
+// Device bytes that a long run fetches at once: as many as one call of the platform takes.
 constexpr std::size_t kRunBytes = 65536;
 
-// A failed read leaves the first 512 bytes of a card's block zero, and those only.
+// After a failed read the first 512 bytes of a card's block become zero, and no others.
 constexpr std::ptrdiff_t kZeroedOnFailure = 512;
 
-// "/dev/sdb,0" names the device /dev/sdb: the comma and the digit are the partition. A path may
-// hold commas of its own, so nothing else at its end is taken for a partition.
+// "/dev/sdb,0" gives /dev/sdb: the comma and the digit name the partition. A path may hold other
+// commas, so only a comma and one digit at its end are taken for a partition.
 std::string DeviceOf(const std::string& name) {
   constexpr std::size_t kPartition = 2;
   if (name.size() <= kPartition || name[name.size() - kPartition] != ',') return name;
@@ -53,14 +53,14 @@ CardMedium::CardMedium(const std::string& name, std::int32_t partition, RawDevic
                        StatusLine& status)
     : name_(name), partition_(0), device_(device), status_(status) {
   device_.Open(DeviceOf(name));
-  // The probe sees the card from its start, whatever partition is wanted.
+  // The probe counts from the start of the card, whatever the partition.
   Probe();
   partition_ = partition;
 }
 
 void CardMedium::CountFault(const std::string& what) {
-  // A card that was pulled fails thousands of times. The user hears of the first fault at once, and
-  // of their number at the end.
+  // A card that was pulled out fails thousands of times. The user hears of the first fault at once,
+  // and of the number of faults at the end.
   if (faults_++ > 0) return;
   const int error = device_.LastError();
   const std::string trouble = error == 0 ? "" : ": " + std::generic_category().message(error);
@@ -123,7 +123,7 @@ void CardMedium::Probe() {
     }
   }
   low = std::min(low, high);
-  // The search can end a sector off either way; the last three decide.
+  // The search may end one sector too low or too high, so the last three sectors are tried.
   const std::int32_t top = std::min(low, kProbeLimit - 1);
   for (std::int32_t sector = std::max(top - 2, 0); sector <= top; ++sector) {
     if (ProbeRead(sector)) deviceSectors_ = sector + 1;
@@ -157,7 +157,7 @@ std::size_t CardMedium::ReadRun(std::int64_t offset, std::span<std::uint8_t> byt
   std::array<std::uint8_t, kRunBytes> device;
   const auto wanted =
       std::span(device).first(static_cast<std::size_t>(end - first) * kCardBlockSize);
-  // A fault shows block by block, where it is dealt with.
+  // After a fault the caller reads block by block, and ReadBlock deals with the fault.
   if (DeviceRead(PlaceOfBlock(first), wanted) != wanted.size()) return 0;
   for (std::size_t i = 0; i < wanted.size() / 2; ++i) bytes[i] = wanted[2 * i];
   return wanted.size() / 2;
@@ -181,7 +181,8 @@ void CardMedium::WriteStoredSector(std::int32_t block, std::int32_t sector,
   for (std::size_t i = first; i < first + format::kSectorSize; ++i) wanted |= stored[i];
   if (!wanted) return;
   const std::int64_t number = std::int64_t{block} * kBlockSectors + sector;
-  // The sector is read once more by itself, for its odd bytes and for those that nobody stored.
+  // The sector is read once more, by itself: its odd bytes, and the even ones that nobody stored,
+  // are written back as they are.
   std::array<std::uint8_t, kDeviceSector> device{};
   (void)DeviceRead(PlaceOf(number), device);
   for (std::size_t i = 0; i < format::kSectorSize; ++i) {

@@ -11,12 +11,12 @@
 namespace sectorbox {
 
 // One of the two partitions of a card. Each 512-byte device sector holds one sector of the disc in
-// its even bytes; the odd bytes go back as they were read. Partition 1 begins a gibibyte into the
-// card.
+// its even bytes; the odd bytes are written back as they were read. Partition 1 begins one gibibyte
+// behind the start of the card.
 //
-// A card that fails is no error to the caller. The user is told with a line at the first fault, and
-// with it and the number of all faults when the card is closed, should there have been more.
-// Nothing is ever written outside the partition.
+// A card that fails is no error to the caller. The user gets a line at the first fault. If there
+// were more, the user gets another line when the card is closed, with the number of all faults and
+// the first of them. Nothing is ever written outside the partition.
 class CardMedium final : public Medium {
  public:
   static constexpr int kDeviceSector = 512;
@@ -24,9 +24,9 @@ class CardMedium final : public Medium {
   static constexpr std::int64_t kPartitionBytes = std::int64_t{1} << 29;      // disc bytes there
 
   // name is the device, a comma and the partition digit ("/dev/sdb,0"). Only a comma and one digit
-  // at the very end are taken off: other commas belong to the device's path. The device is opened
-  // here and probed for its size; one that can't be opened gives what the caller's buffer held and
-  // seems to be of the largest size. device and status outlive the medium.
+  // at the very end are taken off: other commas belong to the device's path. The constructor opens
+  // the device and probes its size. If the device can't be opened, reads leave the caller's buffer
+  // as it is, and the card seems to have the largest size. device and status outlive the medium.
   CardMedium(const std::string& name, std::int32_t partition, RawDevice& device,
              StatusLine& status);
 
@@ -53,7 +53,7 @@ class CardMedium final : public Medium {
   [[nodiscard]] std::int32_t DeviceSectors() const override { return deviceSectors_; }
   // Failed transfers and refused stores since the card was opened.
   [[nodiscard]] std::int32_t Faults() const override { return faults_; }
-  // Writes bytes, whole device sectors, from a device sector of the partition on.
+  // Writes bytes, which are whole device sectors, from a device sector of the partition on.
   void WriteDeviceSectors(std::int32_t sector, std::span<const std::uint8_t> bytes) override;
 
  private:
@@ -61,15 +61,16 @@ class CardMedium final : public Medium {
 
   void Probe();
   [[nodiscard]] bool ProbeRead(std::int32_t sector);
-  // Disc bytes that may be stored in the partition.
+  // How many disc bytes may be stored in the partition.
   [[nodiscard]] std::int64_t WritableBytes() const;
-  // One more fault of the card. what: "sector 7 can't be read".
+  // Counts one more fault of the card. what says what failed, such as "sector 7 can't be read".
   void CountFault(const std::string& what);
-  // Both give the count of bytes done, and without an open device all of them. A write is cut at
-  // the end of the partition, and what was cut counts as done. offset is bytes of the device, from
-  // the start of the partition.
+  // Both give the count of bytes done. Without an open device all bytes count as done. A write is
+  // cut at the end of the partition, and the bytes that were cut count as done. offset counts
+  // device bytes from the start of the partition.
   [[nodiscard]] std::size_t DeviceRead(std::uint64_t offset, std::span<std::uint8_t> bytes);
   [[nodiscard]] std::size_t DeviceWrite(std::uint64_t offset, std::span<const std::uint8_t> bytes);
+  // Writes those bytes of one disc sector of a block that are in stored.
   void WriteStoredSector(std::int32_t block, std::int32_t sector,
                          std::span<const std::uint8_t> data, const StoredBytes& stored);
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kExtensionLength = 4;
 
-// What a companion holds that didn't exist before; tracks and heads are filled in.
+// The bytes of a new companion. Tracks and heads are then filled in.
 constexpr CompanionBytes kTemplate = {0, 0, 0, 8, 0, 0, 0,   0, 0,   0, 1,
                                       0, 1, 0, 0, 0, 0, 128, 0, 128, 0, 1};
 constexpr std::size_t kTracksHigh = 13;
@@ -39,7 +39,7 @@ std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath) {
 
 void WriteCompanion(const std::string& imagePath, const CompanionGeometry& geometry) {
   const std::string name = CompanionName(imagePath);
-  // An image that is itself called .dsc has no room for a companion beside it.
+  // An image that is itself called .dsc has no companion: both would be one file.
   if (name == imagePath) return;
   CompanionBytes bytes = ReadExisting(name).value_or(kTemplate);
   bytes[kTracksHigh] = static_cast<std::uint8_t>(geometry.Tracks / 256);

@@ -6,8 +6,8 @@
 #include <string>
 
 // The .dsc file beside a .dat: 22 bytes that record the geometry of the hard disc. Only bytes 13
-// (high byte of the tracks), 14 (low byte) and 15 (heads) are interpreted; the others are carried
-// from an existing companion or come from a template.
+// (high byte of the tracks), 14 (low byte) and 15 (heads) are interpreted; the others are copied
+// from an existing companion or from a template.
 namespace sectorbox {
 
 inline constexpr int kCompanionSize = 22;
@@ -18,12 +18,14 @@ struct CompanionGeometry {
   std::int32_t Heads = 0;
 };
 
-// The image's path without its last four characters, plus ".dsc".
-std::string CompanionName(const std::string& imagePath);
-// The geometry in an existing companion, none if there is no such file. A file of another length is
-// read as far as it goes; bytes that it lacks read as zero.
-std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath);
-// Writes all 22 bytes, bytes 13 to 15 new, the rest from the existing companion or the template.
+// The path of an image's companion: the image's path without its last four characters, plus ".dsc".
+[[nodiscard]] std::string CompanionName(const std::string& imagePath);
+// The geometry in an existing companion; none if there is no such file. Bytes that a shorter file
+// lacks read as zero; bytes behind the 22 are ignored. HostError if the file can't be read.
+[[nodiscard]] std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath);
+// Writes the companion: bytes 13 to 15 from geometry, the rest from the existing companion or the
+// template. Nothing happens for an image that is itself called ".dsc". HostError if the host
+// refuses.
 void WriteCompanion(const std::string& imagePath, const CompanionGeometry& geometry);
 
 }  // namespace sectorbox

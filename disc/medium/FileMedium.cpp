@@ -43,7 +43,7 @@ std::int64_t FileMedium::EndOfData() const {
   return static_cast<std::int64_t>(file_.Length());
 }
 
-// Two blocks may not have reached the file yet.
+// The two blocks of the store may hold bytes behind the file's end that aren't written yet.
 std::int64_t FileMedium::LongestFile() const {
   return EndOfData() + std::int64_t{2} * kBlockSize;
 }

@@ -11,8 +11,8 @@ namespace sectorbox {
 // grows when a block beyond its end is written, and is never cut.
 class FileMedium final : public Medium {
  public:
-  // A file that doesn't exist comes into being. One that the host lets us only read is opened for
-  // reading; Storable then throws the host's reason.
+  // A file that doesn't exist is created. A file that the host lets us only read is opened for
+  // reading, and Storable then throws a HostError with the host's reason.
   explicit FileMedium(const std::string& path);
 
   bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;

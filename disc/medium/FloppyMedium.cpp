@@ -13,7 +13,7 @@ std::int32_t LoadedTrack(std::int32_t fileTrack, bool interleaved) {
 }
 
 std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory) {
-  // The size in tracks is rounded to the nearest, ties to even as everywhere here.
+  // The size in tracks is rounded to the nearest number, ties to even.
   std::int32_t tracks = discSize / format::kFloppySectors;
   const std::int32_t rest = discSize % format::kFloppySectors;
   if (rest > 8 || (rest == 8 && tracks % 2 == 1)) ++tracks;
@@ -24,15 +24,15 @@ std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory) {
 std::vector<std::uint8_t> ArrangeAdl(DiscBytes& disc, std::int32_t discSize,
                                      std::optional<std::size_t> inMemory, bool interleaved) {
   const std::size_t available = inMemory.value_or(SIZE_MAX);
-  // A damaged map may leave no room for the track of the map and the root. That is no reason to cut
-  // the user's file down to nothing when it is stored again.
+  // By a damaged map the disc may not even have one track. The whole disc is stored then, so that
+  // the user's file isn't cut to nothing.
   if (inMemory && StoredTracks(discSize, available) == 0) {
     discSize = static_cast<std::int32_t>(available / format::kSectorSize);
   }
   const std::int32_t tracks = StoredTracks(discSize, available);
-  // Only a store looks at the number of tracks; a load interleaves whenever the option is set. So
-  // an image of one side is permuted on its way in and not on its way out. This stays: users have
-  // images that were made so.
+  // Storing looks at the number of tracks; loading interleaves whenever the option is set. So an
+  // image of one side is permuted when it is loaded, but not when it is stored. This stays so,
+  // because users have images that were made this way.
   const bool permuted = tracks > format::kFloppyTracks && interleaved;
   const std::size_t bytes =
       std::min(static_cast<std::size_t>(discSize) * format::kSectorSize, available);
@@ -97,7 +97,7 @@ void FloppyMedium::LoadAdl(const std::vector<std::uint8_t>& file) {
     const auto fileTrack = static_cast<std::int32_t>(at / format::kFloppyTrackSize);
     const auto place =
         static_cast<std::size_t>(LoadedTrack(fileTrack, interleaved)) * format::kFloppyTrackSize;
-    // A permuted track of an image with few tracks may have no place in memory.
+    // In an image with few tracks a permuted track may have no place in memory.
     if (place >= image_.size()) continue;
     const auto part = std::min({static_cast<std::size_t>(format::kFloppyTrackSize),
                                 file.size() - at, image_.size() - place});

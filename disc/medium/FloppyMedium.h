@@ -10,25 +10,26 @@
 
 namespace sectorbox {
 
-// A source of a disc's bytes. What lies outside it reads as zero.
+// A source of a disc's bytes. A byte outside the disc reads as zero.
 class DiscBytes {
  public:
   virtual ~DiscBytes() = default;
+  // Fills all of bytes from a store offset on.
   virtual void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) = 0;
 };
 
-// The order of tracks in a double-sided image file: track 0 of side 0, track 0 of side 1, and so
-// on, while the store holds side 0 and then side 1. Gives the track of the store that lies at a
-// track of the file.
+// Gives the track of the store that lies at a track of a double-sided image file. The store holds
+// side 0 and then side 1. An interleaved file holds track 0 of side 0, track 0 of side 1, track 1
+// of side 0, and so on; the tracks of any other file lie as in the store.
 [[nodiscard]] std::int32_t LoadedTrack(std::int32_t fileTrack, bool interleaved);
 
-// Tracks that an image of discSize sectors is stored with: to the nearest, but never more than are
-// in memory.
+// How many tracks an image of discSize sectors is stored with: the nearest whole number, but never
+// more tracks than are in memory.
 [[nodiscard]] std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory);
 
-// The bytes of a double-sided image file: discSize sectors, tracks permuted if the option is set
-// and there are more than 80. inMemory is how many bytes the disc has in memory, and no more than
-// these are stored; none for a disc that isn't in memory, which is fetched as far as it goes.
+// The bytes of a double-sided image file of discSize sectors. The tracks are permuted if
+// interleaved is true and there are more than 80. inMemory is how many bytes the disc has in
+// memory; the file gets no more than these. For a disc that isn't in memory it is none.
 [[nodiscard]] std::vector<std::uint8_t> ArrangeAdl(DiscBytes& disc, std::int32_t discSize,
                                                    std::optional<std::size_t> inMemory,
                                                    bool interleaved);
@@ -39,8 +40,9 @@ class FloppyMedium final : public Medium, private DiscBytes {
  public:
   enum class Sides { kOne, kTwo };
 
-  // bytes is the size of the disc. A file that isn't there leaves all of it zero, a shorter one the
-  // rest; what a longer one has beyond is not read. rules outlives the medium.
+  // bytes is the size of the disc. If there is no such file, all of the disc is zero; if the file
+  // is shorter, the rest is. Bytes behind the size aren't read. rules outlives the medium.
+  // HostError if the file can't be read.
   FloppyMedium(const std::string& path, Sides sides, std::size_t bytes, ImageRules& rules);
 
   [[nodiscard]] bool InMemory() const override { return true; }
@@ -56,6 +58,7 @@ class FloppyMedium final : public Medium, private DiscBytes {
 
  private:
   void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  // The first two fill the image from the bytes of its file; the other two make those bytes.
   void LoadAdf(const std::vector<std::uint8_t>& file);
   void LoadAdl(const std::vector<std::uint8_t>& file);
   [[nodiscard]] std::vector<std::uint8_t> StoreAdf();

@@ -19,7 +19,7 @@ constexpr Geometry kDoubleSided = {80, 2, format::kFloppySectors};
 constexpr Geometry kEightyTracks = {80, 1, format::kFloppySectors};
 constexpr Geometry kFortyTracks = {40, 1, format::kFloppySectors};
 
-// Geometry that is assumed of a hard disc image without a companion.
+// The assumed geometry of a hard disc image that has no companion.
 constexpr std::int32_t kHardDiscHeads = 4;
 constexpr std::int32_t kHardDiscSectors = 33;
 
@@ -53,8 +53,8 @@ std::unique_ptr<Medium> OpenCard(const MediumRequest& request, const MediumParts
   return std::make_unique<CardMedium>(request.Name, request.Partition, parts.Device, parts.Status);
 }
 
-// Floppies are known by their size, and the name counts for double-sided ones only. Anything else,
-// ADFS or not, is taken for a hard disc.
+// A floppy image is known by its size. A name that ends in ".adl" makes a file a double-sided image
+// too. Any other file, ADFS or not, is taken for a hard disc image.
 std::optional<Geometry> RecogniseAdl(const ImageLook& look) {
   const bool isNamedAdl = UpperCase(look.Name).ends_with(".ADL");
   if (look.DiscSize == kDoubleSidedDisc || isNamedAdl) return kDoubleSided;

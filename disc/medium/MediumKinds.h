@@ -11,7 +11,7 @@
 #include "disc/medium/ImageRules.h"
 #include "disc/medium/Medium.h"
 
-// The table of the kinds of medium. A new kind is a line here and a file of its own.
+// The table of the kinds of medium. A new kind gets a line in the table and a file of its own.
 namespace sectorbox {
 
 enum DiscType : std::int16_t {
@@ -28,21 +28,21 @@ struct Geometry {
   std::int32_t Sectors = 0;
 };
 
-// What is opened: the path of an image file, or device, comma and partition of a card.
+// What the store wants to open.
 struct MediumRequest {
-  std::string Name;
+  std::string Name;  // path of an image file; for a card its device, a comma and the partition
   Geometry Shape;
   std::int32_t Partition = 0;  // of a card: 0 or 1
 };
 
-// What the mediums are reached through. All of it outlives them.
+// What the mediums work with. All of these outlive the mediums.
 struct MediumParts {
   RawDevice& Device;
   StatusLine& Status;
   ImageRules& Rules;
 };
 
-// What an image file looks like before it is opened.
+// What is known of an image file before it is opened.
 struct ImageLook {
   std::string Name;
   std::int32_t DiscSize = 0;  // sectors, by the size field of its map
@@ -55,15 +55,17 @@ struct MediumKind {
   bool HasCompanion;
   // Opens the medium. HostError if the host refuses.
   std::unique_ptr<Medium> (*Open)(const MediumRequest& request, const MediumParts& parts);
-  // The geometry if an image file is of this kind. The kinds are asked in the order of the table,
-  // and the last one that can be a file takes any. Null for a kind that is no file.
+  // Gives the geometry if an image file is of this kind, else none. The kinds are asked in the
+  // order of the table; the last kind that can be a file takes every file. Null for a kind that is
+  // no file.
   std::optional<Geometry> (*Recognise)(const ImageLook& look);
 };
 
 [[nodiscard]] std::span<const MediumKind> MediumKinds();
 [[nodiscard]] const MediumKind& KindOf(DiscType type);
 
-// Makes the mediums that a store opens: by the table, or, in a test, something around those.
+// Makes the mediums that a store opens. This class takes them from the table; a test can derive a
+// class that makes others.
 class MediumMaker {
  public:
   virtual ~MediumMaker() = default;

@@ -68,7 +68,7 @@ std::optional<std::int32_t> TrimmedSize(const Disc& disc, std::int32_t discSize)
   const std::vector<FreeRun> runs = FreeRuns(disc);
   if (runs.empty()) return std::nullopt;
   const FreeRun& last = runs.back();
-  // The map and the root are never free, whatever a damaged map says.
+  // The map and the root are never free, even if a damaged map says so.
   if (last.Start < kFirstFreeSector || last.Start > discSize || last.End() < discSize) {
     return std::nullopt;
   }

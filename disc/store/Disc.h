@@ -19,8 +19,8 @@ namespace sectorbox {
 // list in memory. There is one in each program, made in main; a test makes its own. Every operation
 // of the engine is a free function that takes it first.
 struct Disc : private ImageRules {
-  // host outlives the disc. device is what a card is reached through. maker makes the mediums; null
-  // stands for the table of kinds.
+  // host outlives the disc. A card is reached through device. maker makes the mediums; null stands
+  // for the table of kinds.
   explicit Disc(DiscHost& host, std::unique_ptr<RawDevice> device = MakeHostDevice(),
                 std::unique_ptr<MediumMaker> maker = nullptr);
 
@@ -42,8 +42,8 @@ struct Disc : private ImageRules {
 
   // Sector numbers that operations hold across a possible compaction (TrackedSector.h).
   std::vector<std::int32_t*> TrackedSectors;
-  // How many times a disc has been compacted here. Whoever notes down where objects lie compares
-  // it.
+  // How many times a disc has been compacted here. Code that notes down where objects lie compares
+  // this number, to learn that they have moved.
   std::int32_t Compactions = 0;
 
   DiscImg TheDisc;
@@ -54,7 +54,7 @@ struct Disc : private ImageRules {
   void ImageLoaded() override;
 };
 
-// The free list in memory, as values, and back. At most 83 runs.
+// Gives the free list in memory as values, and sets it from values. At most 83 runs.
 [[nodiscard]] std::vector<FreeRun> FreeRuns(const Disc& disc);
 void KeepFreeRuns(Disc& disc, std::span<const FreeRun> runs);
 // Sectors in all free runs.
@@ -72,9 +72,9 @@ void WriteMap(Disc& disc, const MapSectors& map);
 // Disc size in sectors, from the map.
 [[nodiscard]] std::int32_t MapDiscSize(Disc& disc);
 
-// The sectors up to which a trimmed image is written: the start of the last free run where that run
-// reaches the disc's end; none where it doesn't, or there is no run, and the image is written in
-// full. Only free space is ever cut off.
+// How many sectors a trimmed image has: the start of the last free run, if that run reaches the
+// disc's end. None if it doesn't or if there is no run: the image is then written in full. Only
+// free space is ever cut off.
 [[nodiscard]] std::optional<std::int32_t> TrimmedSize(const Disc& disc, std::int32_t discSize);
 
 }  // namespace sectorbox

@@ -8,7 +8,7 @@
 namespace sectorbox {
 namespace {
 
-// Bytes from which on a run is worth going past the two blocks.
+// Only a run of at least this many bytes goes past the two blocks.
 constexpr std::size_t kSmallestRun = std::size_t{2} * DiscImg::kBlockSize;
 constexpr std::int32_t kTransferSectors = DiscImg::kTransferSize / CardMedium::kDeviceSector;
 
@@ -34,15 +34,15 @@ DiscImg::~DiscImg() = default;
 
 // --- Opening and closing -------------------------------------------------------------------------
 
-void DiscImg::OpenFile(const std::string& fileName, DiscType disctype, std::int32_t tracks,
+void DiscImg::OpenFile(const std::string& fileName, DiscType type, std::int32_t tracks,
                        std::int32_t heads, std::int32_t sectors) {
   if (!InMemory()) CloseFile();
   MediumRequest request{fileName, {tracks, heads, sectors}, 0};
-  if (disctype == kCF) request = {fileName, {}, tracks};
-  // Nothing of the open disc is given up before the new one is there.
-  auto medium = maker_->Make(disctype, request, {*device_, status_, rules_});
+  if (type == kCF) request = {fileName, {}, tracks};
+  // The open disc stays until the new one is there.
+  auto medium = maker_->Make(type, request, {*device_, status_, rules_});
   medium_ = std::move(medium);
-  kind_ = &KindOf(disctype);
+  kind_ = &KindOf(type);
   request_ = std::move(request);
   inMemory_ = medium_->InMemory();
   memory_ = medium_->Memory();
@@ -51,8 +51,8 @@ void DiscImg::OpenFile(const std::string& fileName, DiscType disctype, std::int3
   mTracks = request_.Shape.Tracks;
   mNumSecs = medium_->DeviceSectors();
   EmptySlots();
-  // The blocks of a card are the longer ones. A store that once had them keeps them, and moves that
-  // many bytes for each block of a file too.
+  // A card has longer blocks than a file. A store that once had a card keeps the long blocks, and
+  // then also reads and writes that many bytes for each block of a file.
   for (Slot& slot : slots_) slot.Data.resize(std::max(slot.Data.size(), layout_.BlockBytes));
 }
 
@@ -106,8 +106,8 @@ void DiscImg::WriteBack() {
 }
 
 void DiscImg::WriteSlot(Slot& slot) {
-  // The whole of Data goes out. Where it is longer than a block, what hangs over goes to the next
-  // block's place, so it has to be what that block holds now.
+  // All of Data is written. If it is longer than a block, its rest goes to the place of the next
+  // block, so the rest has to be what that block holds now.
   if (slot.Data.size() > layout_.BlockBytes) RefreshOverhang(slot);
   if (slot.ReadFailed) {
     medium_->WriteStored(slot.Block, slot.Data, slot.Stored);
@@ -122,11 +122,12 @@ void DiscImg::RefreshOverhang(Slot& slot) {
   if (other.Block == slot.Block + 1) {
     std::copy_n(other.Data.begin(), overhang.size(), overhang.begin());
   } else {
-    medium_->ReadBlock(slot.Block + 1, overhang);
+    // The user hears of a block that can't be read; its bytes are then what the medium gave.
+    (void)medium_->ReadBlock(slot.Block + 1, overhang);
   }
 }
 
-// First in, first out: a hit doesn't refresh Recent, so this is no least-recently-used cache.
+// First in, first out: only reading a block sets Recent, and a later hit doesn't.
 DiscImg::Slot& DiscImg::ChooseVictim() {
   if (slots_[0].Block == -1) return slots_[0];
   if (slots_[1].Block == -1) return slots_[1];
@@ -185,7 +186,8 @@ std::size_t DiscImg::FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes
 }
 
 std::size_t DiscImg::StoreRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  // Slots that are longer than a block write into the next one too, so all goes through them.
+  // A slot that is longer than a block also writes to the next block, so all bytes go through the
+  // slots then.
   const bool fits = slots_[0].Data.size() == layout_.BlockBytes;
   if (InMemory() || bytes.size() < kSmallestRun || !fits) return 0;
   const std::size_t run = medium_->WriteRun(offset, bytes);

@@ -15,25 +15,25 @@
 namespace sectorbox {
 
 // The store of bytes behind a disc. Every byte of a disc is read and written here, at a flat
-// offset: byte 0 is the first byte of sector 0, a sector is 256 bytes. The bytes lie on a medium:
-// some mediums hold the whole disc in memory, where it reaches its file at CloseFile or an explicit
-// save; the others are reached through two blocks, which are written back as they are evicted, and
-// at CloseFile.
+// offset: byte 0 is the first byte of sector 0, a sector is 256 bytes. The bytes lie on a medium.
+// Some mediums hold the whole disc in memory; CloseFile or an explicit save writes it to its file.
+// The others are reached through two blocks in memory, which are written back when another block
+// takes their place, and at CloseFile.
 //
 // Neither storing nor fetching sets Disc::ImageChanged; the operations that call them do.
-// A byte outside a disc in memory reads as zero and is not written. A byte beyond the end of a file
+// A byte outside a disc in memory reads as zero and is not written. A byte behind the end of a file
 // reads as zero, and the file grows when a block there is written back. A host that fails is a
-// HostError. A card that fails is no error to the caller: the user is told with a line
+// HostError. A card that fails is no error to the caller: the user gets a line
 // (StatusLine::Note). Nothing is ever written outside the open partition of a card.
 //
-// The object isn't written back when it is destroyed. Its owner calls CloseFile first.
+// The destructor writes nothing back. The owner calls CloseFile first.
 class DiscImg final : public DiscBytes {
  public:
   static constexpr int kTransferSize = 32768;  // the CF transfer buffer
   static constexpr int kBlockSize = Medium::kBlockSize;
 
-  // status and rules outlive the store. device is what a card is reached through. maker may be
-  // null: mediums are then made by the table of kinds.
+  // status and rules outlive the store. A card is reached through device. maker makes the mediums;
+  // if it is null, the table of kinds does.
   DiscImg(StatusLine& status, ImageRules& rules, std::unique_ptr<RawDevice> device,
           std::unique_ptr<MediumMaker> maker = nullptr);
   ~DiscImg() override;
@@ -44,33 +44,34 @@ class DiscImg final : public DiscBytes {
   std::int32_t mNumSecs = 0;  // 512-byte device sectors found on a card by OpenFile
 
   // Writes back and closes. A floppy image is written to its file and stays readable in memory
-  // until the next OpenFile. A .dat or a card is opened again by the next byte access: a user who
-  // cancels the dialog that follows goes on working on the same disc.
+  // until the next OpenFile. The next access to a byte of a .dat or a card opens it again, so that
+  // a user who cancels the dialog that follows goes on working on the same disc.
   void CloseFile();
-  // CloseFile, and no byte access opens a .dat or card again: stores go nowhere from here on. It is
-  // for a card that was only looked at, and that the user may not have meant.
+  // Closes a .dat or a card as CloseFile does, but no access opens it again: from then on stores
+  // have no effect. This is for a card that the program has only looked at. A disc in memory stays
+  // as it is.
   void Abandon();
-  // Writes what the two blocks hold and the medium doesn't have yet. The blocks stay held. A disc
-  // in memory has no blocks, and nothing happens.
+  // Writes those of the two blocks that have changed to the medium. The blocks stay in memory. For
+  // a disc in memory nothing happens.
   void WriteBack();
-  // CloseFile, then OpenFile with everything as it was.
+  // CloseFile, and then OpenFile with the same name, kind and geometry.
   void Flush();
-  // Opens fileName as the given kind. A .dat that doesn't exist comes into being; one that can't be
+  // Opens fileName as the given kind. A .dat that doesn't exist is created; one that can't be
   // written is opened for reading, and the first Store into it is a HostError. For kCF fileName is
-  // the device, a comma and the partition digit ("/dev/sdb,0"), and tracks is the partition.
-  // An open .dat or card is closed first, with write-back; a floppy image is dropped unsaved. A
-  // HostError leaves the disc that was open.
-  void OpenFile(const std::string& fileName, DiscType disctype, std::int32_t tracks,
-                std::int32_t heads, std::int32_t sectors);
+  // the device, a comma and the partition digit ("/dev/sdb,0"), and tracks is the partition. An
+  // open .dat or card is closed first, with write-back; an open floppy image is dropped unsaved.
+  // After a HostError the disc that was open is still open.
+  void OpenFile(const std::string& fileName, DiscType type, std::int32_t tracks, std::int32_t heads,
+                std::int32_t sectors);
   // Zeroes the CF transfer buffer.
   void ClearCFSector();
-  // Writes the first secs x 512 bytes of the transfer buffer at device byte sector x 512 of the
-  // partition. At most 64 sectors; more are cut to that.
+  // Writes the first secs x 512 bytes of the transfer buffer to the partition, at device byte
+  // sector x 512. A larger secs than 64 counts as 64.
   void WriteCFSector(std::int32_t sector, std::int32_t secs);
 
   void Store(std::int64_t offset, std::uint8_t value);
   [[nodiscard]] std::uint8_t Fetch(std::int64_t offset);
-  // The same, for a run of bytes: byte for byte what as many single calls in rising order do.
+  // The same for a run of bytes. The result is that of as many single calls in rising order.
   void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) override;
   void StoreBytes(std::int64_t offset, std::span<const std::uint8_t> bytes);
 
@@ -78,7 +79,7 @@ class DiscImg final : public DiscBytes {
   // The open disc's line in the table of kinds.
   [[nodiscard]] const MediumKind& Kind() const { return *kind_; }
   // Usable size of the open card partition in sectors; at most 0x1FFFFF, and negative for
-  // partition 1 of a card below 1 GiB. 0 where nothing like that limits the disc.
+  // partition 1 of a card below 1 GiB. 0 for a disc without such a limit.
   [[nodiscard]] std::int32_t DiscSize() const;
   // True if the medium has a size of its own, which DiscSize tells.
   [[nodiscard]] bool HasFixedSize() const;
@@ -91,24 +92,26 @@ class DiscImg final : public DiscBytes {
 
   [[nodiscard]] const std::string& FileName() const { return request_.Name; }
   // True while a raw device is open. A device that couldn't be opened reads as stale bytes and
-  // seems to be of the largest size, so whoever opens a card asks this first.
+  // seems to have the largest size, so code that opens a card asks this first.
   [[nodiscard]] bool DeviceIsOpen() const { return device_->IsOpen(); }
-  // The system's error number of the device's last failure; 0 when it has none to give.
+  // The system's error number of the device's last call (RawDevice::LastError).
   [[nodiscard]] int DeviceError() const { return device_->LastError(); }
-  // Failed transfers and refused stores of a card since it was opened.
+  // How many transfers failed and how many stores were refused since a card was opened; 0 for a
+  // disc that is no card.
   [[nodiscard]] std::int32_t CardFaults() const;
-  // Bytes of the disc in memory; 0 for a disc that isn't there.
+  // Bytes of a disc in memory; 0 for any other disc.
   [[nodiscard]] std::size_t ImageBytes() const;
-  // True if the whole disc is in memory, and reaches its file only when it is saved.
+  // True if the whole disc is in memory and is written to its file only by CloseFile or a save.
   [[nodiscard]] bool InMemory() const { return inMemory_; }
-  // True if path is the very file or device that is open and written through, by whatever name.
+  // True if path names the file or device that is open and written through, also if the name is
+  // another one.
   [[nodiscard]] bool IsOpenMedium(const std::string& path) const;
-  // True if a new file may take the place of the open one. A card's place can't be taken.
+  // True if a new file may replace the open one. A card must not be replaced.
   [[nodiscard]] bool MayBeReplaced() const;
-  // Byte offset from which everything reads as zero because the store ends there. On a card that is
-  // the room that a partition can have, since its probed size may be wrong where sectors are bad.
+  // Every byte at this offset or behind it reads as zero, because the store ends there. On a card
+  // this is the largest size of a partition, since the probed size may be wrong if sectors are bad.
   [[nodiscard]] std::int64_t EndOfData();
-  // No file on the open disc is longer than this many bytes. A length beyond it is damage.
+  // No file on the open disc is longer than this many bytes. An entry that states more is damaged.
   [[nodiscard]] std::int64_t LongestFile();
 
  private:
@@ -118,28 +121,31 @@ class DiscImg final : public DiscBytes {
     bool Dirty = false;
     bool Recent = false;
     bool ReadFailed = false;
-    // After a failed read: the bytes that were stored since. Only they go back to the medium, so
-    // that what couldn't be read isn't overwritten with what happened to stand in Data.
+    // The bytes that were stored since a failed read. Only these are written back, so that bytes
+    // that couldn't be read aren't overwritten with old bytes of Data.
     Medium::StoredBytes Stored;
   };
 
+  // The slot with the block that holds offset; the block is read if no slot has it.
   Slot& LocateBlock(std::int64_t offset);
+  // The slot whose block makes room for another one.
   Slot& ChooseVictim();
   void WriteSlot(Slot& slot);
+  // Refreshes the bytes of a slot that lie behind its block.
   void RefreshOverhang(Slot& slot);
   void EmptySlots();
-  // A front part of bytes past the blocks, with what the slots hold laid over it: its length, 0
-  // where the bytes are to be had block by block.
+  // Fetches a front part of bytes from the medium without the slots, then copies what the slots
+  // hold over it. Gives its length; 0 if the bytes have to be fetched block by block.
   [[nodiscard]] std::size_t FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes);
-  // Whole blocks go straight to the medium, and into the slots that hold them: the count of bytes
-  // stored, 0 where they go block by block.
+  // Stores a front part of bytes, whole blocks, straight on the medium and into the slots that hold
+  // them. Gives its length; 0 if the bytes have to be stored block by block.
   [[nodiscard]] std::size_t StoreRun(std::int64_t offset, std::span<const std::uint8_t> bytes);
   void FetchFromSlot(std::int64_t offset, std::span<std::uint8_t> bytes);
   void StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> bytes);
-  // How many of want bytes from offset on lie in one place: a block, the image, or outside it.
+  // How many of want bytes from offset on lie together: in one block, in the image in memory, or
+  // outside the disc.
   [[nodiscard]] std::size_t TogetherAt(std::int64_t offset, std::size_t want) const;
-  // Byte access to a medium that CloseFile has closed opens it again. False if there is nothing to
-  // open.
+  // Opens a medium again that CloseFile has closed. False if the medium has no blocks to give.
   [[nodiscard]] bool ReadyForBlocks();
   // True if there is a place for the byte at offset.
   [[nodiscard]] bool Holds(std::int64_t offset);

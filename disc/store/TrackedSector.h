@@ -8,8 +8,9 @@
 namespace sectorbox {
 
 // The start sector of a directory that an operation goes on working in. Releasing sectors can
-// compact the whole disc (80 free runs), which moves directories; a tracked sector follows such a
-// move, so that nothing ever works on a place that a directory has left.
+// compact the whole disc (at 80 free runs), which moves directories. A tracked sector then takes
+// the directory's new place, so that no operation works on a place that a directory has left. disc
+// outlives it.
 class TrackedSector {
  public:
   TrackedSector(Disc& disc, std::int32_t sector) : disc_(disc), sector_(sector) {

@@ -16,8 +16,8 @@ namespace {
 int FlagsOf(FileAccess access) {
   switch (access) {
     case FileAccess::kRead:
-      // Without waiting: a pipe that nobody writes to would never open. A pipe can't be read at an
-      // offset anyway, and to plain files the flag makes no difference.
+      // O_NONBLOCK: without it, opening a pipe that nobody writes to would never end. A pipe can't
+      // be read at an offset anyway, and for plain files the flag makes no difference.
       return O_RDONLY | O_NONBLOCK;
     case FileAccess::kWrite:
       return O_WRONLY;
@@ -38,8 +38,8 @@ bool MayStillRead(int errorNumber) {
   return errorNumber == EACCES || errorNumber == EROFS || errorNumber == EPERM;
 }
 
-// How many bytes a write has taken. None, without an error, if a signal came in between. A host
-// that takes nothing and reports no error would be asked for ever: that counts as a full disc.
+// How many bytes a write has taken; 0 if a signal interrupted it. If the host takes nothing and
+// reports no error, that counts as a full disc, since the caller would ask for ever.
 std::size_t BytesTaken(ssize_t done, const std::string& path) {
   if (done > 0) return static_cast<std::size_t>(done);
   if (done == 0) ThrowHostError(path, ENOSPC);

@@ -13,8 +13,8 @@
 namespace sectorbox {
 namespace {
 
-// The list that the system wants: the program's name, its arguments, and a null behind them. The
-// strings that it points into outlive it.
+// The list that the system wants: the program's name, its arguments, and a null pointer at the end.
+// It points into the strings, which outlive it.
 std::vector<char*> ArgumentList(std::string& program, std::vector<std::string>& arguments) {
   std::vector<char*> list = {program.data()};
   for (std::string& argument : arguments) list.push_back(argument.data());
@@ -22,9 +22,9 @@ std::vector<char*> ArgumentList(std::string& program, std::vector<std::string>& 
   return list;
 }
 
-// The grandchild turns into the program. Its session is its own, so that it outlives this process
-// and the jobs of its terminal. If it can't turn into the program, it writes the reason into the
-// pipe; if it can, the pipe just closes.
+// The grandchild process becomes the program. It has a session of its own, so that it outlives this
+// process and its terminal. If it can't become the program, it writes the reason into the pipe; if
+// it can, the pipe just closes.
 [[noreturn]] void BecomeProgram(char* const* list, int pipe) {
   ::setsid();
   const int null = ::open("/dev/null", O_RDWR | O_CLOEXEC);

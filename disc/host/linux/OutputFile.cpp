@@ -15,8 +15,9 @@
 namespace sectorbox {
 namespace {
 
-// If Close will wait for the bytes of a long file, they start on their way to the medium while the
-// rest of the file is still being made. They go in parts of a size that a medium takes well.
+// If Close will wait until the bytes of a long file are on the medium, the host starts to send them
+// there while the rest of the file is still being made. It is asked after each part of this many
+// bytes, a size that suits a medium.
 constexpr std::size_t kSendOnEvery = std::size_t{4} << 20;
 
 // A link stays, and the file that it leads to is replaced. A link that leads nowhere is replaced
@@ -113,7 +114,8 @@ void OutputFile::SendOn(std::size_t bytes) {
 
 void OutputFile::Skip(std::uint64_t bytes) {
   if (bytes == 0) return;
-  // Only a plain file that is made anew reads as zeros where nothing was written.
+  // In a new plain file, places where nothing was written read as zeros. Devices and pipes get
+  // zeros written.
   if (temporary_.empty()) {
     const std::vector<std::uint8_t> zeros(65536);
     for (; bytes > 0; bytes -= std::min<std::uint64_t>(bytes, zeros.size())) {

@@ -12,7 +12,7 @@
 namespace sectorbox {
 namespace {
 
-// Device reads and writes without buffering need memory at a boundary of the device's sector.
+// Reads and writes of a device without buffering need memory that begins at a multiple of this.
 constexpr std::size_t kAlignment = 4096;
 constexpr std::size_t kLargestTransfer = 65536;
 
@@ -26,12 +26,12 @@ class HostDevice final : public RawDevice {
     lastError_ = 0;
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) return Fail(errno);
-    // A plain file holds a raw card for users who work with emulators and copies; the host's cache
-    // does no harm there. Anything else that isn't a block device is no card.
+    // Users of emulators keep the raw bytes of a card in a plain file; the host's cache does no
+    // harm there. Anything else that isn't a block device is no card.
     isBlock_ = S_ISBLK(info.st_mode);
     if (!isBlock_ && !S_ISREG(info.st_mode)) return Fail(ENOTBLK);
-    // On a block device O_EXCL refuses one that is mounted: a write past the file system's back
-    // would ruin it.
+    // O_EXCL refuses a block device that is mounted: writing to it behind the back of its file
+    // system would ruin that.
     const int raw = isBlock_ ? O_DIRECT | O_EXCL : 0;
     limit_ = isBlock_ ? UINT64_MAX : static_cast<std::uint64_t>(info.st_size);
     file_ = ::open(path.c_str(), O_RDWR | O_CLOEXEC | raw);
