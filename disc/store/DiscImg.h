@@ -101,6 +101,8 @@ class DiscImg final : public DiscBytes {
   [[nodiscard]] std::size_t ImageBytes() const;
   // True if the whole disc is in memory, and reaches its file only when it is saved.
   [[nodiscard]] bool InMemory() const { return inMemory_; }
+  // The bytes of an image file that holds all of the disc in memory, whatever its map says.
+  [[nodiscard]] std::vector<std::uint8_t> WholeFile();
   // True if path is the very file or device that is open and written through, by whatever name.
   [[nodiscard]] bool IsOpenMedium(const std::string& path) const;
   // True if a new file may take the place of the open one. A card's place can't be taken.
@@ -123,6 +125,9 @@ class DiscImg final : public DiscBytes {
     Medium::StoredBytes Stored;
   };
 
+  void OpenMedium(const MediumKind& kind, const MediumRequest& request);
+  // Opens the medium once more, as it was opened before.
+  void Reopen();
   Slot& LocateBlock(std::int64_t offset);
   Slot& ChooseVictim();
   void WriteSlot(Slot& slot);
