@@ -1,5 +1,7 @@
 #include "disc/image/NewDisc.h"
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 #include "disc/ask/BusyPointer.h"
@@ -32,10 +34,18 @@ std::string AskNewName(Disc& disc, const FileQuestion& question) {
   return path;
 }
 
+// The dialog of each kind of disc that can be made anew.
+struct NewDiscDialog {
+  DiscType Type;
+  std::string (*Ask)(Disc& disc);
+};
+constexpr std::array<NewDiscDialog, 3> kDialogs = {
+    {{kAdf, NewDiscADF}, {kAdl, NewDiscADL}, {kDat, NewDiscDAT}}};
+
 std::string AskNewName(Disc& disc, DiscType type) {
-  if (type == kAdf) return NewDiscADF(disc);
-  if (type == kAdl) return NewDiscADL(disc);
-  return NewDiscDAT(disc);
+  const auto dialog = std::find_if(kDialogs.begin(), kDialogs.end(),
+                                   [&](const auto& one) { return one.Type == type; });
+  return dialog->Ask(disc);
 }
 
 bool EndsInDat(const std::string& name) {

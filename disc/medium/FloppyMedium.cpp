@@ -80,6 +80,12 @@ void FloppyMedium::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes
   std::copy_n(image_.begin() + offset, there, bytes.begin());
 }
 
+std::vector<std::uint8_t> FloppyMedium::WholeFile() {
+  if (sides_ == Sides::kOne) return image_;
+  const auto sectors = static_cast<std::int32_t>(image_.size() / format::kSectorSize);
+  return ArrangeAdl(*this, sectors, image_.size(), rules_.InterleavedDisc());
+}
+
 void FloppyMedium::Close() {
   const std::vector<std::uint8_t> file = sides_ == Sides::kOne ? StoreAdf() : StoreAdl();
   OutputFile output = CreateOutputFile(path_);

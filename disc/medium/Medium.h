@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace sectorbox {
 
@@ -39,6 +40,8 @@ class Medium {
   // owns these bytes.
   [[nodiscard]] virtual bool InMemory() const { return false; }
   [[nodiscard]] virtual std::span<std::uint8_t> Memory() { return {}; }
+  // The bytes of an image file that holds all of a disc in memory, whatever its map says.
+  [[nodiscard]] virtual std::vector<std::uint8_t> WholeFile() { return {}; }
 
   // --- Blocks and runs -------------------------------------------------------------------------
   [[nodiscard]] virtual Layout BlockLayout() const { return {}; }

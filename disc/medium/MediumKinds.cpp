@@ -78,10 +78,10 @@ std::optional<Geometry> RecogniseDat(const ImageLook& look) {
 }
 
 constexpr std::array<MediumKind, 4> kKinds = {{
-    {kAdl, "adl", false, OpenAdl, RecogniseAdl},
-    {kAdf, "adf", false, OpenAdf, RecogniseAdf},
-    {kDat, "dat", true, OpenDat, RecogniseDat},
-    {kCF, "cf", false, OpenCard, nullptr},
+    {kAdl, "adl", false, false, OpenAdl, RecogniseAdl},
+    {kAdf, "adf", false, false, OpenAdf, RecogniseAdf},
+    {kDat, "dat", true, false, OpenDat, RecogniseDat},
+    {kCF, "cf", false, true, OpenCard, nullptr},
 }};
 
 }  // namespace

@@ -53,6 +53,8 @@ struct MediumKind {
   const char* Name;  // one word for the kind, which is also the usual extension of its files
   // The disc is a hard disc: its geometry is recorded in a companion file beside the image.
   bool HasCompanion;
+  // The disc is one of several on its device: it has a partition number and no geometry.
+  bool IsPartition;
   // Opens the medium. HostError if the host refuses.
   std::unique_ptr<Medium> (*Open)(const MediumRequest& request, const MediumParts& parts);
   // Gives the geometry if an image file is of this kind, else none. The kinds are asked in the

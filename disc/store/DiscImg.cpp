@@ -37,13 +37,17 @@ DiscImg::~DiscImg() = default;
 void DiscImg::OpenFile(const std::string& fileName, DiscType type, std::int32_t tracks,
                        std::int32_t heads, std::int32_t sectors) {
   if (!InMemory()) CloseFile();
-  MediumRequest request{fileName, {tracks, heads, sectors}, 0};
-  if (type == kCF) request = {fileName, {}, tracks};
+  const bool isPartition = KindOf(type).IsPartition;
+  OpenMedium(KindOf(type), isPartition ? MediumRequest{fileName, {}, tracks}
+                                       : MediumRequest{fileName, {tracks, heads, sectors}, 0});
+}
+
+void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
   // The open disc stays until the new one is there.
-  auto medium = maker_->Make(type, request, {*device_, status_, rules_});
+  auto medium = maker_->Make(kind.Type, request, {*device_, status_, rules_});
   medium_ = std::move(medium);
-  kind_ = &KindOf(type);
-  request_ = std::move(request);
+  kind_ = &kind;
+  request_ = request;
   inMemory_ = medium_->InMemory();
   memory_ = medium_->Memory();
   layout_ = medium_->BlockLayout();
@@ -76,14 +80,16 @@ void DiscImg::Abandon() {
 
 void DiscImg::Flush() {
   CloseFile();
-  const MediumRequest request = request_;
-  const std::int32_t tracks = disctype() == kCF ? request.Partition : request.Shape.Tracks;
-  OpenFile(request.Name, disctype(), tracks, request.Shape.Heads, request.Shape.Sectors);
+  Reopen();
+}
+
+void DiscImg::Reopen() {
+  if (medium_ != nullptr) OpenMedium(*kind_, MediumRequest(request_));
 }
 
 bool DiscImg::ReadyForBlocks() {
   if (medium_ == nullptr) return false;
-  if (suspended_) Flush();
+  if (suspended_) Reopen();
   return medium_->IsReady();
 }
 
@@ -296,6 +302,10 @@ std::int32_t DiscImg::CardFaults() const {
 
 std::size_t DiscImg::ImageBytes() const {
   return memory_.size();
+}
+
+std::vector<std::uint8_t> DiscImg::WholeFile() {
+  return medium_ == nullptr ? std::vector<std::uint8_t>() : medium_->WholeFile();
 }
 
 bool DiscImg::IsOpenMedium(const std::string& path) const {

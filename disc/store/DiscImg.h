@@ -103,6 +103,8 @@ class DiscImg final : public DiscBytes {
   [[nodiscard]] std::size_t ImageBytes() const;
   // True if the whole disc is in memory and is written to its file only by CloseFile or a save.
   [[nodiscard]] bool InMemory() const { return inMemory_; }
+  // The bytes of an image file that holds all of the disc in memory, whatever its map says.
+  [[nodiscard]] std::vector<std::uint8_t> WholeFile();
   // True if path names the file or device that is open and written through, also if the name is
   // another one.
   [[nodiscard]] bool IsOpenMedium(const std::string& path) const;
@@ -126,6 +128,9 @@ class DiscImg final : public DiscBytes {
     Medium::StoredBytes Stored;
   };
 
+  void OpenMedium(const MediumKind& kind, const MediumRequest& request);
+  // Opens the medium once more, as it was opened before.
+  void Reopen();
   // The slot with the block that holds offset; the block is read if no slot has it.
   Slot& LocateBlock(std::int64_t offset);
   // The slot whose block makes room for another one.

@@ -21,13 +21,11 @@ std::string FreeName(const QString& extension) {
   }
 }
 
-// Writes the whole image. SaveAdfImage can't be used: it leaves out the unused end, and with Pad
-// Disc Images it writes nothing.
-void WriteFlat(Disc& disc, const std::string& path) {
-  std::vector<std::uint8_t> bytes(disc.TheDisc.ImageBytes());
-  disc.TheDisc.FetchBytes(0, bytes);
+// Writes the whole image. The operations that save a disc can't be used: they leave out what the
+// map calls unused, and with Pad Disc Images one of them writes nothing.
+void WriteWhole(Disc& disc, const std::string& path) {
   OutputFile file = CreateOutputFile(path);
-  file.Write(bytes);
+  file.Write(disc.TheDisc.WholeFile());
   file.Close();
 }
 
@@ -41,11 +39,7 @@ QString KeepUnsavedDisc(Disc& disc) {
       return {};
     }
     const std::string path = FreeName(QString::fromLatin1(disc.TheDisc.Kind().Name));
-    if (disc.TheDisc.disctype() == kAdl) {
-      SaveAdlImage(disc, path);
-    } else {
-      WriteFlat(disc, path);
-    }
+    WriteWhole(disc, path);
     disc.ImageChanged = false;
     return QStringLiteral("The disc with your unsaved changes was kept in %1").arg(FromHost(path));
   } catch (const std::exception& error) {

@@ -70,7 +70,7 @@ static_assert(std::ranges::all_of(kTextViews, [](const TextViewKind& kind) {
 }  // namespace
 
 ViewTarget TargetOf(const ListRow& row) {
-  return {row, static_cast<std::int32_t>(ParseHex(row.Columns[kColLoad]))};
+  return {row, row.StartSector()};
 }
 
 std::span<const TextViewKind> TextViews() {

@@ -29,8 +29,7 @@ struct ViewTarget {
   std::int32_t Sector = -1;  // the directory's start sector
 };
 
-// The target that a row of the list stands for. Sector is what stands in the row's Load column,
-// where the row of a directory has its start sector.
+// The target that a row of the list stands for.
 ViewTarget TargetOf(const ListRow& row);
 
 // The generators of the three kinds of targets.

@@ -4,7 +4,9 @@
 
 #include "disc/medium/CardMedium.h"
 #include "disc/store/Disc.h"
+#include "tests/support/FaultyMedium.h"
 #include "tests/support/MemoryDevice.h"
+#include "tests/support/MemoryMedium.h"
 #include "tests/support/ScriptedHost.h"
 #include "tests/support/TempFolder.h"
 
@@ -13,22 +15,52 @@ namespace {
 
 using namespace testing;
 
+// What stands under the store: a medium of the table of kinds, one of these that could fail and
+// doesn't, or one that the table doesn't know.
+enum class Under { kTable, kFaulty, kMemory };
+
 struct Kind {
   const char* Name;
   sectorbox::DiscType DiscType;
   std::int32_t Tracks;
   std::int32_t Heads;
   std::int32_t Sectors;
+  Under Medium = Under::kTable;
 };
 
 constexpr Kind kMedia[] = {
-    {"Adf", kAdf, 80, 1, 16}, {"Adl", kAdl, 80, 2, 16}, {"Dat", kDat, 32, 4, 33},
-    {"Card0", kCF, 0, 0, 0},  {"Card1", kCF, 1, 0, 0},
+    {"Adf", kAdf, 80, 1, 16},
+    {"Adl", kAdl, 80, 2, 16},
+    {"Dat", kDat, 32, 4, 33},
+    {"Card0", kCF, 0, 0, 0},
+    {"Card1", kCF, 1, 0, 0},
+    {"FaultyAdl", kAdl, 80, 2, 16, Under::kFaulty},
+    {"FaultyDat", kDat, 32, 4, 33, Under::kFaulty},
+    {"FaultyCard", kCF, 0, 0, 0, Under::kFaulty},
+    {"Memory", kDat, 32, 4, 33, Under::kMemory},
+};
+
+class MemoryMaker final : public MediumMaker {
+ public:
+  std::unique_ptr<Medium> Make(DiscType, const MediumRequest&, const MediumParts&) override {
+    return std::make_unique<MemoryMedium>(blocks_);
+  }
+
+ private:
+  std::shared_ptr<MemoryBlocks> blocks_ = std::make_shared<MemoryBlocks>();
 };
 
 class EveryMedium : public ::testing::TestWithParam<Kind> {
  protected:
-  EveryMedium() : disc_(host_, std::make_unique<MemoryDevice>(0x400000)) { host_.Pad = true; }
+  EveryMedium() : disc_(host_, std::make_unique<MemoryDevice>(0x400000), MakerOf(GetParam())) {
+    host_.Pad = true;
+  }
+
+  std::unique_ptr<MediumMaker> MakerOf(const Kind& kind) {
+    if (kind.Medium == Under::kFaulty) return std::make_unique<FaultyMaker>(plan_);
+    if (kind.Medium == Under::kMemory) return std::make_unique<MemoryMaker>();
+    return nullptr;
+  }
 
   void Open() {
     const Kind& m = GetParam();
@@ -41,6 +73,7 @@ class EveryMedium : public ::testing::TestWithParam<Kind> {
     WriteMap(disc_, map);
   }
 
+  FaultPlan plan_;
   TempFolder folder_;
   ScriptedHost host_;
   Disc disc_;

@@ -1,0 +1,160 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "disc/host/HostError.h"
+#include "disc/medium/Medium.h"
+#include "disc/medium/MediumKinds.h"
+
+namespace sectorbox::testing {
+
+// What goes wrong on a medium, and when. The same plan serves all mediums that a store opens one
+// after the other, so that it goes on counting when a disc is closed and opened again.
+struct FaultPlan {
+  enum class Operation { kRead, kWrite, kSync };
+  enum class Kind {
+    kNone,  // nothing; the operations are only counted
+    kFail,  // the operation is a HostError and does nothing
+    kTear,  // half of a write reaches the medium, then it is a HostError; a read or sync fails
+    kLast,  // the operation is done, and no later write reaches the medium: the program was killed
+  };
+
+  Operation What = Operation::kWrite;
+  Kind Fault = Kind::kNone;
+  int At = 0;  // the operation that meets the fault, counted from 0
+
+  int Reads = 0;
+  int Writes = 0;
+  int Syncs = 0;
+  bool Dead = false;  // after kLast: writes are lost without a word
+
+  [[nodiscard]] int Count() const {
+    switch (What) {
+      case Operation::kRead:
+        return Reads;
+      case Operation::kWrite:
+        return Writes;
+      case Operation::kSync:
+        return Syncs;
+    }
+    return 0;
+  }
+  // Starts to count anew, with a fault at an operation.
+  void Set(Operation what, Kind fault, int at) { *this = {what, fault, at, 0, 0, 0, false}; }
+};
+
+// A medium that passes everything on to another one and does what its plan says.
+class FaultyMedium final : public Medium {
+ public:
+  FaultyMedium(std::unique_ptr<Medium> inner, FaultPlan& plan)
+      : inner_(std::move(inner)), plan_(plan) {}
+
+  [[nodiscard]] bool InMemory() const override { return inner_->InMemory(); }
+  [[nodiscard]] std::span<std::uint8_t> Memory() override { return inner_->Memory(); }
+  [[nodiscard]] std::vector<std::uint8_t> WholeFile() override { return inner_->WholeFile(); }
+  [[nodiscard]] Layout BlockLayout() const override { return inner_->BlockLayout(); }
+  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override {
+    if (Meets(FaultPlan::Operation::kRead, plan_.Reads)) Fail();
+    return inner_->ReadBlock(block, data);
+  }
+  void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override {
+    Write([&] { inner_->WriteBlock(block, data); }, [&] { TearBlock(block, data); });
+  }
+  void WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
+                   const StoredBytes& stored) override {
+    Write([&] { inner_->WriteStored(block, data, stored); }, [] {});
+  }
+  [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override {
+    if (Meets(FaultPlan::Operation::kRead, plan_.Reads)) Fail();
+    return inner_->ReadRun(offset, bytes);
+  }
+  [[nodiscard]] std::size_t WriteRun(std::int64_t offset,
+                                     std::span<const std::uint8_t> bytes) override {
+    std::size_t done = bytes.size() - bytes.size() % kBlockSize;
+    Write([&] { done = inner_->WriteRun(offset, bytes); },
+          [&] { (void)inner_->WriteRun(offset, bytes.first(bytes.size() / 2)); });
+    return done;
+  }
+  void Sync() override {
+    if (Meets(FaultPlan::Operation::kSync, plan_.Syncs)) Fail();
+    if (!plan_.Dead) inner_->Sync();
+  }
+  [[nodiscard]] std::int64_t Extent() const override { return inner_->Extent(); }
+  [[nodiscard]] std::int64_t EndOfData() const override { return inner_->EndOfData(); }
+  [[nodiscard]] std::int64_t LongestFile() const override { return inner_->LongestFile(); }
+  [[nodiscard]] std::optional<std::int32_t> UsableSectors() const override {
+    return inner_->UsableSectors();
+  }
+  [[nodiscard]] std::span<const std::uint8_t> Storable(
+      std::int64_t offset, std::span<const std::uint8_t> bytes) override {
+    return inner_->Storable(offset, bytes);
+  }
+  [[nodiscard]] std::int32_t Faults() const override { return inner_->Faults(); }
+  [[nodiscard]] std::int32_t DeviceSectors() const override { return inner_->DeviceSectors(); }
+  void WriteDeviceSectors(std::int32_t sector, std::span<const std::uint8_t> bytes) override {
+    Write([&] { inner_->WriteDeviceSectors(sector, bytes); }, [] {});
+  }
+  [[nodiscard]] bool IsOpen() const override { return inner_->IsOpen(); }
+  [[nodiscard]] bool IsReady() const override { return inner_->IsReady(); }
+  [[nodiscard]] bool Is(const std::string& path) const override { return inner_->Is(path); }
+  [[nodiscard]] bool MayBeReplaced() const override { return inner_->MayBeReplaced(); }
+  void Close() override {
+    if (inner_->InMemory()) {
+      Write([&] { inner_->Close(); }, [] {});
+    } else {
+      inner_->Close();
+    }
+  }
+
+ private:
+  [[noreturn]] static void Fail() { throw HostError("faulty medium", "Input/output error"); }
+
+  // Counts the operation. True if it fails.
+  bool Meets(FaultPlan::Operation what, int& count) {
+    const int number = count++;
+    if (plan_.What != what || number != plan_.At) return false;
+    if (plan_.Fault == FaultPlan::Kind::kLast) plan_.Dead = true;
+    return plan_.Fault == FaultPlan::Kind::kFail || plan_.Fault == FaultPlan::Kind::kTear;
+  }
+
+  template <typename Whole, typename Torn>
+  void Write(Whole whole, Torn torn) {
+    const bool wasDead = plan_.Dead;
+    if (Meets(FaultPlan::Operation::kWrite, plan_.Writes)) {
+      if (plan_.Fault == FaultPlan::Kind::kTear && !wasDead) torn();
+      Fail();
+    }
+    if (!wasDead) whole();
+  }
+
+  // The front half of a block is new, the rest is what stood there.
+  void TearBlock(std::int32_t block, std::span<const std::uint8_t> data) {
+    std::vector<std::uint8_t> torn(data.size());
+    (void)inner_->ReadBlock(block, torn);
+    std::copy_n(data.begin(), data.size() / 2, torn.begin());
+    inner_->WriteBlock(block, torn);
+  }
+
+  std::unique_ptr<Medium> inner_;
+  FaultPlan& plan_;
+};
+
+// Puts a FaultyMedium around every medium that a store opens.
+class FaultyMaker final : public MediumMaker {
+ public:
+  explicit FaultyMaker(FaultPlan& plan) : plan_(plan) {}
+  [[nodiscard]] std::unique_ptr<Medium> Make(DiscType type, const MediumRequest& request,
+                                             const MediumParts& parts) override {
+    return std::make_unique<FaultyMedium>(MediumMaker::Make(type, request, parts), plan_);
+  }
+
+ private:
+  FaultPlan& plan_;
+};
+
+}  // namespace sectorbox::testing
