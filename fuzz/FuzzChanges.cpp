@@ -13,6 +13,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Catalogue.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/Compaction.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"

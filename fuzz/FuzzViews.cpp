@@ -2,9 +2,7 @@
 // the second says how much of the rest is the file. The other bytes fill a disc from its first file
 // sector on.
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
 #include <string>
 

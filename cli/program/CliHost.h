@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdio>
-#include <functional>
 #include <map>
 #include <string>
 

@@ -1,7 +1,5 @@
 #include "disc/catalogue/Directories.h"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <span>
 #include <unordered_set>

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"

@@ -1,5 +1,6 @@
 #include "disc/change/DirectoryEdit.h"
 
+#include "disc/catalogue/Directories.h"
 #include "disc/format/Text.h"
 
 namespace sectorbox {

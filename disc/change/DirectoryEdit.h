@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "disc/catalogue/Directories.h"
 #include "disc/change/Outcome.h"
+#include "disc/format/Entry.h"
 #include "disc/store/Disc.h"
 
 // Small steps that the changes to a directory share.

@@ -1,5 +1,6 @@
 // Attributes, addresses, titles and the boot option: changes that move nothing.
 
+#include "disc/catalogue/Directories.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"

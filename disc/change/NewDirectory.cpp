@@ -1,4 +1,4 @@
-#include "disc/change/DirectoryEdit.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "disc/store/Disc.h"

@@ -1,3 +1,4 @@
+#include "disc/catalogue/Directories.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Directories.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"

@@ -1,7 +1,6 @@
 #include "disc/image/SaveImage.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include "disc/ask/BusyPointer.h"

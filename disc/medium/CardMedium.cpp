@@ -1,6 +1,7 @@
 #include "disc/medium/CardMedium.h"
 
 #include <algorithm>
+#include <array>
 #include <system_error>
 
 #include "disc/format/Format.h"

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 
 #include "disc/ask/StatusLine.h"

@@ -1,6 +1,5 @@
 #include "disc/store/Disc.h"
 
-#include <algorithm>
 
 namespace sectorbox {
 

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "disc/catalogue/Adfs.h"
-#include "disc/format/Text.h"
 #include "viewers/text/BasicLister.h"
 #include "viewers/text/CatalogueViews.h"
 #include "viewers/text/Disassembler.h"

@@ -97,7 +97,7 @@ TEST(SidecarTest, AnyBytesOfAnyLengthAreTakenWithoutHarm) {
       EXPECT_LE(line->size(), 65536U);
       const FileSidecar s = ParseFileSidecar(*line);
       EXPECT_LE(s.Name.value_or("").size(), 10U);
-      ParseFolderSidecar(*line);
+      EXPECT_LE(ParseFolderSidecar(*line).value_or("").size(), 10U);
     }
   }
 }

@@ -185,7 +185,7 @@ TEST_F(OpenImageTest, ChoosingAFileAsksAboutChangesFirst) {
   disc_.ImageChanged = true;
   host_.YesNoAnswers = {false};
   host_.OpenAnswers = {""};
-  ChooseImageFile(disc_);
+  EXPECT_EQ(ChooseImageFile(disc_), "");
   EXPECT_EQ(host_.Log,
             (std::vector<std::string>{"yesno Save your changes now ?|Changes will be lost",
                                       "open Open ADFS Disc Image"}));
