@@ -11,6 +11,10 @@ endif()
 if(SECTORBOX_WERROR)
   target_compile_options(sectorbox_options INTERFACE -Werror)
 endif()
+# ccache wants this of GCC before it keeps what was compiled with a precompiled header.
+if(SECTORBOX_PRECOMPILE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(sectorbox_options INTERFACE -fpch-preprocess)
+endif()
 if(SECTORBOX_SANITIZE)
   target_compile_options(sectorbox_options INTERFACE -fsanitize=address,undefined
                                                      -fno-sanitize-recover=undefined
@@ -27,28 +31,53 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 # What runs lies in bin/, with the companion files beside it, as they lie beside an installed program.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 
-# sectorbox_library(NAME SOURCES... [LINKS LIBRARIES...]): a static library of plain C++.
-function(sectorbox_library name)
+# sectorbox_take_headers(NAME HOLDER): NAME's sources start with the precompiled headers of HOLDER, a
+# target of cmake/precompiled. A source still includes what it uses: clang-tidy reads it without them.
+function(sectorbox_take_headers name holder)
+  if(SECTORBOX_PRECOMPILE)
+    target_precompile_headers(${name} REUSE_FROM ${holder})
+  endif()
+endfunction()
+
+# What the compiler is told of every library of windows.
+function(sectorbox_qt_flags name)
+  target_link_libraries(${name} PUBLIC Qt6::Widgets)
+  target_compile_definitions(${name} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
+endfunction()
+
+# What the compiler is told of every test program. Optimising the tests' own code under sanitizers takes
+# the compiler twice as long, and longer than the tests then run.
+function(sectorbox_test_flags name)
+  if(SECTORBOX_SANITIZE)
+    target_compile_options(${name} PRIVATE -O0)
+  endif()
+endfunction()
+
+# sectorbox_add_library(NAME SOURCES... [LINKS LIBRARIES...]): what both kinds of libraries are.
+function(sectorbox_add_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC sectorbox_options ${ARG_LINKS})
 endfunction()
 
-# sectorbox_qt_library(NAME SOURCES... [LINKS ...]): a static library of windows.
-function(sectorbox_qt_library name)
-  sectorbox_library(${name} ${ARGN})
-  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
-  target_link_libraries(${name} PUBLIC Qt6::Widgets)
-  target_compile_definitions(${name} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
+# sectorbox_library(NAME SOURCES... [LINKS LIBRARIES...]): a static library of plain C++.
+function(sectorbox_library name)
+  sectorbox_add_library(${name} ${ARGN})
+  sectorbox_take_headers(${name} plain_headers)
 endfunction()
 
-# What every test program has. Optimising the tests' own code under sanitizers takes the compiler twice
-# as long, and longer than the tests then run.
+# sectorbox_qt_library(NAME SOURCES... [LINKS ...]): a static library of windows.
+function(sectorbox_qt_library name)
+  sectorbox_add_library(${name} ${ARGN})
+  set_target_properties(${name} PROPERTIES AUTOMOC ON AUTORCC ON)
+  sectorbox_qt_flags(${name})
+  sectorbox_take_headers(${name} window_headers)
+endfunction()
+
+# What every test program has.
 function(sectorbox_test_program name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
-  if(SECTORBOX_SANITIZE)
-    target_compile_options(${name} PRIVATE -O0)
-  endif()
+  sectorbox_test_flags(${name})
 endfunction()
 
 # sectorbox_test(NAME LABEL label SOURCES... [LINKS ...]): a GoogleTest program, one CTest entry a test.
@@ -57,6 +86,7 @@ function(sectorbox_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE sectorbox_options ${ARG_LINKS} GTest::gtest_main)
   sectorbox_test_program(${name})
+  sectorbox_take_headers(${name} test_headers)
   gtest_discover_tests(${name} PROPERTIES LABELS ${ARG_LABEL} DISCOVERY_TIMEOUT 60)
 endfunction()
 
@@ -67,6 +97,9 @@ function(sectorbox_window_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE sectorbox_options ${ARG_LINKS} window_test_support)
   sectorbox_test_program(${name})
+  if(SECTORBOX_PRECOMPILE)
+    target_link_libraries(${name} PRIVATE window_test_headers)
+  endif()
   gtest_discover_tests(${name} PROPERTIES LABELS gui ENVIRONMENT QT_QPA_PLATFORM=offscreen TIMEOUT 120
                        DISCOVERY_TIMEOUT 60)
 endfunction()

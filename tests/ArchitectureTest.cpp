@@ -5,6 +5,7 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -23,6 +24,57 @@ const std::map<std::string, std::set<std::string>> kArrows = {
     {"toolkit", {"disc"}},
     {"cli", {"disc", "viewers", "link", "cfcard"}},
     {"shell", {"disc", "viewers", "link", "cfcard", "toolkit"}},
+};
+// Each inner room with the inner rooms of the same room that it may include, itself apart. The
+// files of disc/host/linux and the like belong to the inner room that they lie in. A room without
+// folders has no line.
+const std::map<std::string, std::map<std::string, std::set<std::string>>> kInnerArrows = {
+    {"disc",
+     {
+         {"ask", {}},
+         {"host", {}},
+         {"format", {}},
+         {"medium", {"ask", "host", "format"}},
+         {"store", {"ask", "host", "format", "medium"}},
+         {"catalogue", {"ask", "format", "store"}},
+         {"change", {"ask", "format", "store", "catalogue"}},
+         {"exchange", {"ask", "host", "format", "store", "catalogue", "change"}},
+         {"image", {"ask", "host", "format", "medium", "store", "catalogue"}},
+         {"health", {"ask", "format", "store", "catalogue"}},
+     }},
+    {"viewers",
+     {
+         {"text", {}},
+         {"picture", {}},
+         {"wordwise", {"text"}},
+         {"table", {"text", "wordwise"}},
+         {"windows", {"text", "picture", "wordwise", "table"}},
+     }},
+    {"link",
+     {
+         {"wire", {}},
+         {"transfer", {"wire"}},
+         {"windows", {"wire", "transfer"}},
+     }},
+    {"cfcard",
+     {
+         {"cards", {}},
+         {"windows", {"cards"}},
+     }},
+    {"cli",
+     {
+         {"program", {}},
+         {"commands", {"program"}},
+     }},
+    {"shell",
+     {
+         {"icons", {}},
+         {"window", {}},
+         {"dialogs", {"icons"}},
+         {"panes", {"icons", "window"}},
+         {"commands", {"icons", "window", "dialogs", "panes"}},
+         {"program", {"icons", "window", "dialogs", "panes", "commands"}},
+     }},
 };
 // Rooms of plain logic, whose windows are the files named frm*.
 const std::set<std::string> kLogic = {"disc", "viewers", "link", "cfcard", "cli"};
@@ -69,6 +121,87 @@ TEST(Architecture, ArrowsPointDownOnly) {
     const bool windowOverToolkit = include.InWindow() && room == "toolkit";
     EXPECT_TRUE(kArrows.at(include.Room).count(room) == 1 || windowOverToolkit)
         << include.File << " includes " << include.Name;
+  }
+}
+
+// The inner room of a path below the tree's root, "" for a file that lies in the room itself.
+std::string InnerRoom(const fs::path& path) {
+  auto part = path.begin();
+  if (part == path.end() || ++part == path.end()) return "";
+  const std::string inner = part->string();
+  return ++part == path.end() ? "" : inner;
+}
+
+TEST(Architecture, InnerArrowsPointDownOnly) {
+  std::size_t checked = 0;
+  for (const Include& include : AllIncludes()) {
+    const fs::path name = include.Name;
+    if (!include.Quoted || kInnerArrows.count(include.Room) == 0) continue;
+    if (name.begin()->string() != include.Room) continue;
+    const std::string from = InnerRoom(fs::relative(include.File, SOURCE_FOLDER));
+    const std::string to = InnerRoom(name);
+    if (from == to) continue;
+    ++checked;
+    const auto& arrows = kInnerArrows.at(include.Room);
+    const auto allowed = arrows.find(from);
+    EXPECT_TRUE(allowed != arrows.end() && allowed->second.count(to) == 1)
+        << include.File << " includes " << include.Name;
+  }
+  EXPECT_GT(checked, 100U);
+}
+
+// A source includes by the path from the tree's root, which the tests of the arrows read.
+TEST(Architecture, EveryIncludeNamesItsRoom) {
+  for (const Include& include : AllIncludes()) {
+    const bool generated = include.File.stem().string() + ".moc" == include.Name;
+    EXPECT_TRUE(!include.Quoted || generated || fs::exists(fs::path(SOURCE_FOLDER) / include.Name))
+        << include.File << " includes " << include.Name;
+  }
+}
+
+TEST(Architecture, EveryInnerFolderHasArrows) {
+  for (const auto& [room, arrows] : kArrows) {
+    const auto inner = kInnerArrows.find(room);
+    std::set<std::string> folders;
+    for (const auto& entry : fs::directory_iterator(fs::path(SOURCE_FOLDER) / room)) {
+      if (entry.is_directory()) folders.insert(entry.path().filename().string());
+    }
+    std::set<std::string> known;
+    if (inner != kInnerArrows.end()) {
+      for (const auto& [folder, targets] : inner->second) known.insert(folder);
+    }
+    EXPECT_EQ(folders, known) << "the folders of " << room;
+  }
+}
+
+// Takes away every room whose arrows all lead to rooms that are gone, until none goes. What stays
+// stands on a circle or above one.
+std::set<std::string> RoomsOnACircle(std::map<std::string, std::set<std::string>> arrows) {
+  for (bool goes = true; goes;) {
+    goes = false;
+    for (auto room = arrows.begin(); room != arrows.end();) {
+      bool leadsOn = false;
+      for (const std::string& target : room->second) leadsOn |= arrows.count(target) == 1;
+      goes |= !leadsOn;
+      room = leadsOn ? std::next(room) : arrows.erase(room);
+    }
+  }
+  std::set<std::string> left;
+  for (const auto& [room, targets] : arrows) left.insert(room);
+  return left;
+}
+
+TEST(Architecture, NoArrowsMakeACircle) {
+  const std::set<std::string> circle = {"a", "b"};
+  ASSERT_EQ(RoomsOnACircle({{"a", {"b"}}, {"b", {"a"}}, {"c", {}}}), circle);
+  EXPECT_TRUE(RoomsOnACircle(kArrows).empty());
+  for (const auto& [room, arrows] : kInnerArrows) {
+    EXPECT_EQ(RoomsOnACircle(arrows), std::set<std::string>{}) << room;
+    for (const auto& [inner, targets] : arrows) {
+      for (const std::string& target : targets) {
+        EXPECT_EQ(arrows.count(target), 1U) << room << '/' << inner << " -> " << target;
+      }
+    }
   }
 }
 
