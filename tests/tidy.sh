@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # clang-tidy over the files that changed last: what git doesn't have yet, then the files of the last
-# twenty commits, newest first. A file that was clean is not checked again until it changes, or a header
+# commit. A file that was clean is not checked again until it changes, or a header
 # of the tree that it includes, or .clang-tidy.
 #
 # Usage: tests/tidy.sh [--all] [--build FOLDER] [FILE...]
@@ -11,11 +11,12 @@
 # TIDY_JOBS, how many run at a time (1).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-rooms='disc viewers link cfcard cli shell toolkit tests bench fuzz data'
+# The tests' own code is looked at only with --all.
+rooms='disc viewers link cfcard cli shell toolkit bench fuzz data'
 build=build/asan all= files=()
 while [ $# -gt 0 ]; do
   case $1 in
-    --all) all=1 ;;
+    --all) all=1; rooms+=' tests' ;;
     --build) build=$2; shift ;;
     *) files+=("$1") ;;
   esac
@@ -39,7 +40,7 @@ changed() {
   if git rev-parse -q --verify HEAD^ >/dev/null 2>&1; then
     git diff --name-only HEAD
     git ls-files --others --exclude-standard
-    git log -n 20 -m --first-parent --name-only --format=
+    git log -n 1 -m --first-parent --name-only --format=
   else
     cat "$work/sources"
   fi

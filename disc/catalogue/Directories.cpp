@@ -80,13 +80,11 @@ std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector) {
   return directory;
 }
 
-void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& former,
-                    const Directory& changed) {
-  const std::span<const std::uint8_t> bytes(changed.Raw());
-  const auto differs = [&](std::size_t at) { return bytes[at] != former.Raw()[at]; };
+void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& directory) {
+  const std::span<const std::uint8_t> bytes(directory.Raw());
   for (std::size_t at = 0; at < bytes.size();) {
     std::size_t end = at;
-    while (end < bytes.size() && differs(end)) ++end;
+    while (end < bytes.size() && directory.WasSet(end)) ++end;
     disc.TheDisc.StoreBytes(SectorOffset(sector) + static_cast<std::int64_t>(at),
                             bytes.subspan(at, end - at));
     at = end + 1;

@@ -13,25 +13,22 @@ namespace sectorbox {
 [[nodiscard]] Directory DirectoryAt(Disc& disc, std::int32_t sector);
 // The directory at a sector; none if its mark is missing.
 [[nodiscard]] std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector);
-// Stores those bytes of changed that differ from former, which is the directory as it was read. No
-// other byte is stored. So a byte that a faulty card couldn't give isn't written back to it.
-void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& former,
-                    const Directory& changed);
+// Stores those bytes of the directory that were set.
+void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& directory);
 
 // A directory of the open disc that is being changed: it is read when it is made, and Write stores
-// what has become different since.
+// what was set since.
 class EditedDirectory {
  public:
   EditedDirectory(Disc& disc, std::int32_t sector)
-      : Now(DirectoryAt(disc, sector)), disc_(disc), sector_(sector), former_(Now) {}
+      : Now(DirectoryAt(disc, sector)), disc_(disc), sector_(sector) {}
 
   Directory Now;
-  void Write() const { WriteDirectory(disc_, sector_, former_, Now); }
+  void Write() const { WriteDirectory(disc_, sector_, Now); }
 
  private:
   Disc& disc_;
   std::int32_t sector_;
-  Directory former_;
 };
 
 // --- The walk ------------------------------------------------------------------------------------

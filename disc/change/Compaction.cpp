@@ -254,9 +254,7 @@ class Mover {
       // isn't found then, and goes on pointing at the old place.
       const std::int32_t slot = object->Slot >= 0 ? object->Slot : directory.Now.Find(object->Name);
       if (slot < 0) continue;
-      Entry entry = directory.Now.At(slot);
-      entry.SetStart(object->Start);
-      directory.Now.Put(slot, entry);
+      directory.Now.SetStart(slot, object->Start);
     }
     directory.Write();
   }

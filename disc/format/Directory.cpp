@@ -14,7 +14,8 @@ using namespace format;
 namespace {
 
 constexpr std::size_t SlotOffset(std::int32_t slot) {
-  return static_cast<std::size_t>(kDirEntries + slot * kEntrySize);
+  return static_cast<std::size_t>(kDirEntries) +
+         static_cast<std::size_t>(slot) * static_cast<std::size_t>(kEntrySize);
 }
 
 bool IsMark(std::span<const std::uint8_t> bytes) {
@@ -28,9 +29,10 @@ Directory Directory::MakeEmpty(const Entry& entry, std::int32_t parent) {
   directory.SetSequence(1);
   directory.SetMarks();
   directory.TakeNameOf(entry, kNameLength);
-  std::transform(entry.Raw().begin(), entry.Raw().begin() + kNameLength,
-                 directory.bytes_.begin() + kDirTitle,
+  std::array<std::uint8_t, kNameLength> title{};
+  std::transform(entry.Raw().begin(), entry.Raw().begin() + kNameLength, title.begin(),
                  [](std::uint8_t byte) { return static_cast<std::uint8_t>(byte & kLowBits); });
+  directory.SetBytes(kDirTitle, title);
   directory.SetParent(parent);
   return directory;
 }
@@ -65,13 +67,13 @@ std::int32_t Directory::Parent() const {
 }
 
 void Directory::SetMarks() {
-  std::copy_n(kHugo, kHugoLength, bytes_.begin() + kDirMark);
-  std::copy_n(kHugo, kHugoLength, bytes_.begin() + kDirMarkCopy);
+  SetText(kDirMark, kHugo);
+  SetText(kDirMarkCopy, kHugo);
 }
 
 void Directory::SetSequence(std::uint8_t sequence) {
-  bytes_[kDirSequence] = sequence;
-  bytes_[kDirSequenceCopy] = sequence;
+  SetBytes(kDirSequence, std::span(&sequence, 1));
+  SetBytes(kDirSequenceCopy, std::span(&sequence, 1));
 }
 
 void Directory::SetName(std::string_view name) {
@@ -83,12 +85,13 @@ void Directory::SetTitle(std::string_view title) {
 }
 
 void Directory::SetParent(std::int32_t sector) {
-  WriteLittleEndian(std::span(bytes_).subspan<kDirParent, kSectorNumberSize>(),
-                    static_cast<std::uint32_t>(sector));
+  std::array<std::uint8_t, kSectorNumberSize> number{};
+  WriteLittleEndian(number, static_cast<std::uint32_t>(sector));
+  SetBytes(kDirParent, number);
 }
 
 void Directory::TakeNameOf(const Entry& entry, std::int32_t bytes) {
-  std::copy_n(entry.Raw().begin() + kEntryName, bytes, bytes_.begin() + kDirName);
+  SetBytes(kDirName, std::span(entry.Raw()).subspan(kEntryName, static_cast<std::size_t>(bytes)));
 }
 
 Entry Directory::At(std::int32_t slot) const {
@@ -141,8 +144,14 @@ std::uint8_t Directory::BumpSequence() {
 }
 
 void Directory::Put(std::int32_t slot, const Entry& entry) {
-  std::copy(entry.Raw().begin(), entry.Raw().end(),
-            bytes_.begin() + static_cast<std::ptrdiff_t>(SlotOffset(slot)));
+  SetBytes(SlotOffset(slot), entry.Raw());
+}
+
+void Directory::SetStart(std::int32_t slot, std::int32_t sector) {
+  Entry entry = At(slot);
+  entry.SetStart(sector);
+  SetBytes(SlotOffset(slot) + kEntrySector,
+           std::span(entry.Raw()).subspan(kEntrySector, kSectorNumberSize));
 }
 
 void Directory::Insert(std::int32_t slot, const Entry& entry) {
@@ -165,8 +174,13 @@ std::string Directory::Text(std::int32_t at, std::int32_t length) const {
 }
 
 void Directory::SetText(std::int32_t at, std::string_view text) {
-  std::transform(text.begin(), text.end(), bytes_.begin() + at,
-                 [](char c) { return static_cast<std::uint8_t>(c); });
+  SetBytes(static_cast<std::size_t>(at),
+           std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+void Directory::SetBytes(std::size_t at, std::span<const std::uint8_t> bytes) {
+  std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(at));
+  for (std::size_t i = at; i < at + bytes.size(); ++i) set_.set(i);
 }
 
 std::uint8_t NextSequence(std::uint8_t b) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -23,8 +24,9 @@ struct Place {
 // is a number from 0 to 46. The list of entries ends at the first empty slot; the slots behind it
 // mean nothing, whatever they hold.
 //
-// The value keeps every byte, so that changing a part of it never changes another byte.
-// disc/catalogue reads directories from a disc and writes them.
+// The value keeps every byte, so that changing a part of it never changes another byte. It knows
+// which of its bytes were set. Only those go back to a disc: where a card couldn't be read, what
+// wasn't read isn't written over. disc/catalogue reads directories from a disc and writes them.
 class Directory {
  public:
   using Bytes = std::array<std::uint8_t, format::kDirSize>;
@@ -38,6 +40,8 @@ class Directory {
   [[nodiscard]] static Directory MakeEmpty(const Entry& entry, std::int32_t parent);
 
   [[nodiscard]] const Bytes& Raw() const { return bytes_; }
+  // True if an operation of this class has put a value into the byte.
+  [[nodiscard]] bool WasSet(std::size_t byte) const { return set_[byte]; }
 
   // --- Header and tail -------------------------------------------------------------------------
   // True if the first mark is there. Every reader here tests this mark and nothing else.
@@ -79,6 +83,8 @@ class Directory {
   [[nodiscard]] std::uint8_t BumpSequence();
   // Writes entry into a slot; no other slot changes.
   void Put(std::int32_t slot, const Entry& entry);
+  // Sets the start sector of the entry in the slot, and nothing else of it.
+  void SetStart(std::int32_t slot, std::int32_t sector);
   // Moves the entries from slot on up by one and puts entry into the slot. The entry in slot 46 is
   // lost, so the caller first tests IsFull. Nothing happens if slot is 47.
   void Insert(std::int32_t slot, const Entry& entry);
@@ -88,8 +94,10 @@ class Directory {
  private:
   [[nodiscard]] std::string Text(std::int32_t at, std::int32_t length) const;
   void SetText(std::int32_t at, std::string_view text);
+  void SetBytes(std::size_t at, std::span<const std::uint8_t> bytes);
 
   Bytes bytes_;
+  std::bitset<format::kDirSize> set_;
 };
 
 // The sequence number after b, both two BCD digits; 00 follows 99.

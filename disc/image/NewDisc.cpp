@@ -45,7 +45,7 @@ constexpr std::array<NewDiscDialog, 3> kDialogs = {
 std::string AskNewName(Disc& disc, DiscType type) {
   const auto dialog = std::find_if(kDialogs.begin(), kDialogs.end(),
                                    [&](const auto& one) { return one.Type == type; });
-  return dialog->Ask(disc);
+  return dialog == kDialogs.end() ? "" : dialog->Ask(disc);
 }
 
 bool EndsInDat(const std::string& name) {

@@ -60,7 +60,7 @@ void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t track
     return;
   }
   // If the image is open, blocks that wait in memory would later be written over the new map.
-  if (!disc.TheDisc.InMemory()) disc.TheDisc.CloseFile();
+  if (disc.TheDisc.IsOpenMedium(fileName)) disc.TheDisc.CloseFile();
   const std::vector<std::uint8_t> bytes = ReadHostFile(fileName, 0, kMapSize);
   if (bytes.size() < kMapSize) throw HostError(fileName, "Too short for a disc image");
   MapSectors map(bytes);

@@ -1,6 +1,5 @@
 #include "disc/store/Disc.h"
 
-
 namespace sectorbox {
 
 using namespace format;

@@ -178,6 +178,13 @@ void DiscImg::StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> byt
 
 std::size_t DiscImg::FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
   if (InMemory() || offset < 0 || bytes.size() < kSmallestRun || !ReadyForBlocks()) return 0;
+  // The run ends in front of a held block that couldn't be read, so that nobody tries it again.
+  for (const Slot& slot : slots_) {
+    const std::int64_t at = OffsetOfBlock(slot.Block);
+    const bool isBad = slot.Block != -1 && slot.ReadFailed && at + kBlockSize > offset;
+    const std::int64_t room = std::max<std::int64_t>(at - offset, 0);
+    if (isBad) bytes = bytes.first(std::min(bytes.size(), static_cast<std::size_t>(room)));
+  }
   const std::size_t run = medium_->ReadRun(offset, bytes);
   const std::int64_t end = offset + static_cast<std::int64_t>(run);
   for (const Slot& slot : slots_) {
@@ -318,7 +325,8 @@ bool DiscImg::MayBeReplaced() const {
 
 std::int64_t DiscImg::EndOfData() {
   if (InMemory()) return static_cast<std::int64_t>(memory_.size());
-  if (!ReadyForBlocks()) return std::numeric_limits<std::int64_t>::max();
+  // What a card says of itself doesn't need its device.
+  if (!medium_->IsReady() && !ReadyForBlocks()) return std::numeric_limits<std::int64_t>::max();
   std::int64_t end = medium_->EndOfData();
   for (const Slot& slot : slots_) {
     if (slot.Dirty) end = std::max(end, OffsetOfBlock(slot.Block) + kBlockSize);
@@ -328,7 +336,7 @@ std::int64_t DiscImg::EndOfData() {
 
 std::int64_t DiscImg::LongestFile() {
   if (InMemory()) return static_cast<std::int64_t>(memory_.size());
-  return ReadyForBlocks() ? medium_->LongestFile() : 0;
+  return medium_->IsReady() || ReadyForBlocks() ? medium_->LongestFile() : 0;
 }
 
 }  // namespace sectorbox

@@ -20,8 +20,10 @@ inline constexpr int kCommandKinds = 5;
 // this class decides whether that one starts. What doesn't start is dropped; it doesn't wait.
 //
 //   inside kChange, kSmall, kExit   nothing starts
-//   inside kTransfer                kView, kSmall and kExit start: a transfer may take an hour, and
-//                                   a look at the disc doesn't touch the line
+//   inside kTransfer                kSmall and kExit start: a transfer may take an hour, and moving
+//                                   about in the panes doesn't touch the line. A view doesn't
+//                                   start: some views are dialogs, and the BBC would wait for their
+//                                   end
 //   inside kView                    everything starts: a view only reads, and its window is often
 //                                   left open while the user goes on working. It reads the bytes as
 //                                   they are when it comes to them
