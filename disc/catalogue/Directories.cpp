@@ -80,15 +80,16 @@ std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector) {
   return directory;
 }
 
+std::uint8_t SequenceAt(Disc& disc, std::int32_t sector) {
+  return disc.TheDisc.Fetch(SectorOffset(sector) + kDirSequence);
+}
+
 void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& directory) {
   const std::span<const std::uint8_t> bytes(directory.Raw());
-  for (std::size_t at = 0; at < bytes.size();) {
-    std::size_t end = at;
-    while (end < bytes.size() && directory.WasSet(end)) ++end;
+  directory.WasSet().ForEachRun([&](std::size_t at, std::size_t count) {
     disc.TheDisc.StoreBytes(SectorOffset(sector) + static_cast<std::int64_t>(at),
-                            bytes.subspan(at, end - at));
-    at = end + 1;
-  }
+                            bytes.subspan(at, count));
+  });
 }
 
 bool WalkDirectories(Disc& disc, std::int32_t sector, DirectoryVisitor& visitor,

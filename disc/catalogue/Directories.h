@@ -13,6 +13,9 @@ namespace sectorbox {
 [[nodiscard]] Directory DirectoryAt(Disc& disc, std::int32_t sector);
 // The directory at a sector; none if its mark is missing.
 [[nodiscard]] std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector);
+// The sequence number at the start of the directory at a sector. Every change to a directory gives
+// it another one.
+[[nodiscard]] std::uint8_t SequenceAt(Disc& disc, std::int32_t sector);
 // Stores those bytes of the directory that were set.
 void WriteDirectory(Disc& disc, std::int32_t sector, const Directory& directory);
 

@@ -212,9 +212,9 @@ class Mover {
   }
 
   void WriteParent(const ObjectRecord& object) {
-    EditedDirectory directory(disc_, object.Start);
-    directory.Now.SetParent(object.Parent);
-    directory.Write();
+    Directory changed(Directory::Bytes{});
+    changed.SetParent(object.Parent);
+    WriteDirectory(disc_, object.Start, changed);
   }
 
   void AddToRun(const ObjectRecord& object, std::int32_t to) {
@@ -247,16 +247,17 @@ class Mover {
     waiting_.erase(waiting);
   }
 
+  // Only the start sectors are written, so nothing of the directory has to be read for them.
   void WriteEntries(std::int32_t sector, const std::vector<const ObjectRecord*>& objects) {
-    EditedDirectory directory(disc_, sector);
+    Directory changed(Directory::Bytes{});
     for (const ObjectRecord* object : objects) {
-      // On a damaged disc a directory's own name or parent may differ from its entry. The entry
-      // isn't found then, and goes on pointing at the old place.
-      const std::int32_t slot = object->Slot >= 0 ? object->Slot : directory.Now.Find(object->Name);
-      if (slot < 0) continue;
-      directory.Now.SetStart(slot, object->Start);
+      // A directory whose own name or parent disagrees with its entry isn't found, and that entry
+      // goes on pointing at the old place.
+      const std::int32_t slot =
+          object->Slot >= 0 ? object->Slot : FindEntry(disc_, sector, object->Name);
+      if (slot >= 0) changed.SetStart(slot, object->Start);
     }
-    directory.Write();
+    WriteDirectory(disc_, sector, changed);
   }
 
   Disc& disc_;

@@ -100,7 +100,7 @@ Outcome Deletion::FirstEntry(std::int32_t dirSector, const Entry& entry) {
 bool Deletion::GoesOnAfterEvents(const TrackedSector& parent, const TrackedSector& dir,
                                  const std::string& name) {
   // Every change to a directory gives it another sequence number.
-  const auto sequence = [&] { return DirectoryAt(disc_, parent).Sequence(); };
+  const auto sequence = [&] { return SequenceAt(disc_, parent); };
   const std::int32_t compactions = disc_.Compactions;
   const std::uint8_t before = sequence();
   disc_.Host.PumpEvents();

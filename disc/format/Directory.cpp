@@ -119,21 +119,23 @@ bool Directory::IsFull() const {
 
 std::int32_t Directory::Find(std::string_view name) const {
   const std::string wanted = FoldName(name);
-  const std::vector<Entry> entries = Entries();
-  const auto found = std::find_if(entries.begin(), entries.end(), [&](const Entry& entry) {
-    return FoldName(entry.Name()) == wanted;
-  });
-  return found == entries.end() ? -1 : static_cast<std::int32_t>(found - entries.begin());
+  for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
+    const Entry entry = At(slot);
+    if (entry.IsEmpty()) break;
+    if (FoldName(entry.Name()) == wanted) return slot;
+  }
+  return -1;
 }
 
 Place Directory::FindPlace(std::string_view name) const {
   const std::string wanted = FoldName(name);
   Place place;
-  for (const Entry& entry : Entries()) {
+  for (; place.Slot < kEntryCount; ++place.Slot) {
+    const Entry entry = At(place.Slot);
+    if (entry.IsEmpty()) break;
     const int order = FoldName(entry.Name()).compare(wanted);
     place.Taken = order == 0;
     if (order >= 0) break;
-    ++place.Slot;
   }
   return place;
 }
@@ -180,7 +182,7 @@ void Directory::SetText(std::int32_t at, std::string_view text) {
 
 void Directory::SetBytes(std::size_t at, std::span<const std::uint8_t> bytes) {
   std::copy(bytes.begin(), bytes.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(at));
-  for (std::size_t i = at; i < at + bytes.size(); ++i) set_.set(i);
+  set_.Set(at, bytes.size());
 }
 
 std::uint8_t NextSequence(std::uint8_t b) {

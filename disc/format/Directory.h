@@ -1,13 +1,13 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "disc/format/ByteSet.h"
 #include "disc/format/Entry.h"
 #include "disc/format/Format.h"
 
@@ -40,8 +40,8 @@ class Directory {
   [[nodiscard]] static Directory MakeEmpty(const Entry& entry, std::int32_t parent);
 
   [[nodiscard]] const Bytes& Raw() const { return bytes_; }
-  // True if an operation of this class has put a value into the byte.
-  [[nodiscard]] bool WasSet(std::size_t byte) const { return set_[byte]; }
+  // The bytes that the operations of this class have put a value into.
+  [[nodiscard]] const ByteSet<format::kDirSize>& WasSet() const { return set_; }
 
   // --- Header and tail -------------------------------------------------------------------------
   // True if the first mark is there. Every reader here tests this mark and nothing else.
@@ -97,7 +97,7 @@ class Directory {
   void SetBytes(std::size_t at, std::span<const std::uint8_t> bytes);
 
   Bytes bytes_;
-  std::bitset<format::kDirSize> set_;
+  ByteSet<format::kDirSize> set_;
 };
 
 // The sequence number after b, both two BCD digits; 00 follows 99.

@@ -5,7 +5,6 @@
 
 #include "disc/format/LittleEndian.h"
 #include "disc/format/Names.h"
-#include "disc/format/Text.h"
 
 namespace sectorbox {
 
@@ -36,9 +35,11 @@ bool Entry::IsUnused() const {
 std::string Entry::Name() const {
   std::string name;
   for (std::size_t i = 0; i < kNameLength; ++i) {
-    name += static_cast<char>(bytes_[kEntryName + i] & kLowBits);
+    const auto c = static_cast<char>(bytes_[kEntryName + i] & kLowBits);
+    if (c == '\r') break;
+    name += c;
   }
-  return CutAt(name, '\r');
+  return name;
 }
 
 bool Entry::Has(Attribute attribute) const {

@@ -88,12 +88,12 @@ void MapSectors::SetNumber(std::int32_t at, std::int32_t value) {
   const auto place = static_cast<std::size_t>(at);
   WriteLittleEndian(std::span(bytes_).subspan(place, kSectorNumberSize),
                     static_cast<std::uint32_t>(value));
-  for (std::size_t i = 0; i < kSectorNumberSize; ++i) set_.set(place + i);
+  set_.Set(place, kSectorNumberSize);
 }
 
 void MapSectors::SetByte(std::int32_t at, std::uint8_t value) {
   bytes_[static_cast<std::size_t>(at)] = value;
-  set_.set(static_cast<std::size_t>(at));
+  set_.Set(static_cast<std::size_t>(at), 1);
 }
 
 }  // namespace sectorbox

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <array>
-#include <bitset>
 #include <cstdint>
 #include <span>
 #include <vector>
 
+#include "disc/format/ByteSet.h"
 #include "disc/format/Format.h"
 
 namespace sectorbox {
@@ -35,7 +35,8 @@ class MapSectors {
   explicit MapSectors(std::span<const std::uint8_t> bytes);
 
   [[nodiscard]] const Bytes& Raw() const { return bytes_; }
-  [[nodiscard]] bool WasSet(std::size_t byte) const { return set_[byte]; }
+  // The bytes that were set.
+  [[nodiscard]] const ByteSet<format::kMapSize>& WasSet() const { return set_; }
 
   // Sectors on the disc.
   [[nodiscard]] std::int32_t DiscSize() const;
@@ -70,7 +71,7 @@ class MapSectors {
   void SetByte(std::int32_t at, std::uint8_t value);
 
   Bytes bytes_{};
-  std::bitset<format::kMapSize> set_;
+  ByteSet<format::kMapSize> set_;
 };
 
 }  // namespace sectorbox

@@ -50,12 +50,9 @@ MapSectors ReadMap(Disc& disc) {
 
 void WriteMap(Disc& disc, const MapSectors& map) {
   const std::span<const std::uint8_t> bytes(map.Raw());
-  for (std::size_t at = 0; at < bytes.size();) {
-    std::size_t end = at;
-    while (end < bytes.size() && map.WasSet(end)) ++end;
-    disc.TheDisc.StoreBytes(static_cast<std::int64_t>(at), bytes.subspan(at, end - at));
-    at = end + 1;
-  }
+  map.WasSet().ForEachRun([&](std::size_t at, std::size_t count) {
+    disc.TheDisc.StoreBytes(static_cast<std::int64_t>(at), bytes.subspan(at, count));
+  });
 }
 
 std::int32_t MapDiscSize(Disc& disc) {
