@@ -12,11 +12,11 @@ bool IsDirectory(Disc& disc, std::int32_t dirSector) {
 }
 
 std::string GetEntryName(Disc& disc, std::int32_t dirSector, std::int32_t slot) {
-  return DirectoryAt(disc, dirSector).At(slot).Name();
+  return EntryAt(disc, dirSector, slot).Name();
 }
 
 std::string GetEntryAttributes(Disc& disc, std::int32_t dirSector, std::int32_t slot) {
-  return DirectoryAt(disc, dirSector).At(slot).Letters();
+  return EntryAt(disc, dirSector, slot).Letters();
 }
 
 std::int32_t FindEntry(Disc& disc, std::int32_t dirSector, std::string_view name) {

@@ -80,6 +80,13 @@ std::optional<Directory> ReadDirectory(Disc& disc, std::int32_t sector) {
   return directory;
 }
 
+Entry EntryAt(Disc& disc, std::int32_t sector, std::int32_t slot) {
+  Entry::Bytes bytes;
+  disc.TheDisc.FetchBytes(SectorOffset(sector) + kDirEntries + std::int64_t{slot} * kEntrySize,
+                          bytes);
+  return Entry(bytes);
+}
+
 std::uint8_t SequenceAt(Disc& disc, std::int32_t sector) {
   return disc.TheDisc.Fetch(SectorOffset(sector) + kDirSequence);
 }

@@ -78,7 +78,7 @@ Outcome Deletion::DeleteOne(std::int32_t dirSector, const std::string& name, boo
         (isDir ? "Cannot Delete Locked Directory : " : "Cannot Delete Locked File : ") + name);
   }
   const std::int32_t start = entry.Start();
-  if (isDir && DirectoryAt(disc_, start).HasEntries()) {
+  if (isDir && !EntryAt(disc_, start, 0).IsUnused()) {
     return Refuse(disc_, "Cannot Delete Non Empty Directory : " + name);
   }
   const std::uint32_t length = isDir ? std::uint32_t{kDirSize} : entry.Length();
@@ -114,7 +114,7 @@ Outcome Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir
   // A directory that overlaps another one may never become empty, so there are only as many turns
   // as there are slots.
   for (std::int32_t turn = 0; turn < kEntryCount; ++turn) {
-    const Entry first = DirectoryAt(disc_, dir).At(0);
+    const Entry first = EntryAt(disc_, dir, 0);
     if (first.IsEmpty()) break;
     const Outcome outcome = FirstEntry(dir, first);
     if (outcome != Outcome::kDone) return outcome;

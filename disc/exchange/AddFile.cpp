@@ -155,7 +155,7 @@ Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
 
 Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path) {
   // A pipe or a device has no length, and reading it may never end.
-  if (HostFileExists(path) && !HostFileIsPlain(path)) throw HostError(path, "Not a regular file");
+  if (KindOfHostFile(path) != HostFileKind::kPlain) throw HostError(path, "Not a regular file");
   const auto length =
       static_cast<std::uint32_t>(std::min<std::uint64_t>(HostFileLength(path), UINT32_MAX));
   if (FindFreeRun(disc, length) < 0) return Refuse(disc, kNoSpaceMessage);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 
 #include "disc/format/LittleEndian.h"
 #include "disc/format/Names.h"
@@ -158,13 +159,19 @@ void Directory::SetStart(std::int32_t slot, std::int32_t sector) {
 
 void Directory::Insert(std::int32_t slot, const Entry& entry) {
   if (slot >= kEntryCount) return;
-  for (std::int32_t to = kEntryCount - 1; to > slot; --to) Put(to, At(to - 1));
+  MoveEntries(slot, slot + 1, kEntryCount - 1 - slot);
   Put(slot, entry);
 }
 
 void Directory::Remove(std::int32_t slot) {
-  for (; slot < kEntryCount - 1; ++slot) Put(slot, At(slot + 1));
+  MoveEntries(slot + 1, slot, kEntryCount - 1 - slot);
   Put(kEntryCount - 1, Entry());
+}
+
+void Directory::MoveEntries(std::int32_t from, std::int32_t to, std::int32_t count) {
+  const std::size_t size = SlotOffset(count) - SlotOffset(0);
+  std::memmove(&bytes_[SlotOffset(to)], &bytes_[SlotOffset(from)], size);
+  set_.Set(SlotOffset(to), size);
 }
 
 std::string Directory::Text(std::int32_t at, std::int32_t length) const {

@@ -95,6 +95,8 @@ class Directory {
   [[nodiscard]] std::string Text(std::int32_t at, std::int32_t length) const;
   void SetText(std::int32_t at, std::string_view text);
   void SetBytes(std::size_t at, std::span<const std::uint8_t> bytes);
+  // Copies count entries from slot from on to slot to on; both ranges may overlap.
+  void MoveEntries(std::int32_t from, std::int32_t to, std::int32_t count);
 
   Bytes bytes_;
   ByteSet<format::kDirSize> set_;

@@ -49,11 +49,11 @@ bool HostFolderExists(const std::string& path) {
 }
 
 std::uint64_t HostFileLength(const std::string& path) {
-  if (KindOfHostFile(path) != HostFileKind::kPlain) return 0;
   std::error_code error;
   const std::uint64_t length = fs::file_size(path, error);
-  if (error) ThrowHostError(path, error);
-  return length;
+  if (!error) return length;
+  if (KindOfHostFile(path) == HostFileKind::kPlain) ThrowHostError(path, error);
+  return 0;
 }
 
 std::vector<std::uint8_t> ReadHostFile(const std::string& path, std::uint64_t offset,

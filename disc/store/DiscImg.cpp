@@ -170,7 +170,11 @@ void DiscImg::StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> byt
   Slot& slot = LocateBlock(offset);
   const std::size_t in = InBlock(offset);
   std::uint8_t* to = slot.Data.data() + in * layout_.Stride;
-  for (std::size_t i = 0; i < bytes.size(); ++i) to[i * layout_.Stride] = bytes[i];
+  if (layout_.Stride == 1) {
+    std::copy(bytes.begin(), bytes.end(), to);
+  } else {
+    for (std::size_t i = 0; i < bytes.size(); ++i) to[i * layout_.Stride] = bytes[i];
+  }
   slot.Dirty = true;
   if (!slot.ReadFailed) return;
   for (std::size_t i = in; i < in + bytes.size(); ++i) slot.Stored.set(i);
