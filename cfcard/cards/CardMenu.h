@@ -6,7 +6,7 @@
 
 #include "disc/store/Disc.h"
 
-// The commands of the CF Card menu. Each saves or drops the current image, lets the user choose a
+// The commands on a card. Each saves or drops the current image, lets the user choose a
 // partition, does its work, and leaves a disc open. If the user declines, that is an empty disc
 // named "NewDisc.adl", as the dialog's scan has closed the image that was open before.
 namespace sectorbox {
@@ -31,7 +31,7 @@ void RunCFCardBackup(Disc& disc, CardDialogs& dialogs, bool wholeCard);
 // opened.
 void RunCFCardRestore(Disc& disc, CardDialogs& dialogs);
 
-// The twenty formats by size, which belong to no menu entry. Each size comes twice: with a wipe,
+// The twenty formats by size, which no user can choose today. Each size comes twice: with a wipe,
 // where the plain dialog asks for the partition, and without one, where the format dialog asks.
 struct SizedFormat {
   std::int32_t Sectors;  // of the disc that is made

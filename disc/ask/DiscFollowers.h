@@ -7,7 +7,7 @@
 namespace sectorbox {
 
 // The parts of a front end that show the disc and have to follow it: the panes, the caption, the
-// menu entries. A front end without such parts does nothing.
+// commands that need an open image. A front end without such parts does nothing.
 class DiscFollowers {
  public:
   virtual ~DiscFollowers() = default;
@@ -22,8 +22,7 @@ class DiscFollowers {
   // new one. Everything that holds sectors of directories, such as the tree's nodes, takes the new
   // ones.
   virtual void DirectoriesMoved(const std::map<std::int32_t, std::int32_t>& moves) = 0;
-  // An image is open: the menu entries for the map, for saving and for the boot option become
-  // usable.
+  // An image is open: the commands for the map, for saving and for the boot option become usable.
   virtual void EnableDiscEntries() = 0;
   // Keeps the path of the image that was opened last, as "Root" of the settings.
   virtual void StoreRoot(const std::string& path) = 0;

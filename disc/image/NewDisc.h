@@ -6,10 +6,10 @@
 
 #include "disc/store/Disc.h"
 
-// Making empty discs in every size of the menu.
+// Making empty discs, in every size that a user can choose.
 namespace sectorbox {
 
-// One size of the menu.
+// One size that a user can choose.
 struct NewDiscSize {
   std::int32_t Tracks;  // a side
   std::int32_t Heads;
@@ -51,8 +51,9 @@ void WriteEmptyDisc(Disc& disc, std::int32_t total);
 [[nodiscard]] std::string NewDiscADL(Disc& disc);
 [[nodiscard]] std::string NewDiscDAT(Disc& disc);
 
-// Runs a menu entry for a new disc: the question about unsaved changes, the dialog, CreateDisc,
-// RebuildTree. HostError as for CreateDisc; ImageName is then again that of the open disc.
+// Makes a new disc for a user who has chosen its size: the question about unsaved changes, the
+// dialog, CreateDisc, RebuildTree. HostError as for CreateDisc; ImageName is then again that of the
+// open disc.
 void RunNewDisc(Disc& disc, const NewDiscSize& size);
 
 }  // namespace sectorbox

@@ -10,8 +10,8 @@
 // each function refuses with a HostError: the backup would replace the card that it is read from.
 namespace sectorbox {
 
-// The menu entry mnuDiscSave: asks "Are You Sure ?" with the title "Save Changes", and runs
-// SaveImageAs unless the answer is No.
+// Saves for a user who has chosen to save: asks "Are You Sure ?" with the title "Save Changes", and
+// runs SaveImageAs unless the answer is No.
 void RunSaveCommand(Disc& disc);
 
 // Asks for a name, makes it ImageName, and saves. The disc's size decides the kind of the file, not

@@ -51,7 +51,7 @@ void ResetLink(Link& link);
 // the number has reached 2^40, further digits are left out.
 [[nodiscard]] std::int64_t LeadingNumber(std::string_view text);
 
-// The menu entry "Reconnect": closes the port and connects anew. True if the BBC answered. If it
+// Closes the port and connects anew. True if the BBC answered. If it
 // didn't, or the port failed, a box has told the user.
 bool Reconnect(Link& link);
 

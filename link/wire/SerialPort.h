@@ -14,8 +14,9 @@ namespace sectorbox {
 // Bytes pass unchanged in both directions: eight bits, no code page, no line ends. The handshake is
 // RTS/CTS. If the port fails or vanishes (the user pulls an adapter out), the first call that
 // notices it closes the port and throws a HostError with the device and the system's text. Calls on
-// a closed port do nothing: no bytes wait, none are queued, both lines read as up. So a menu entry
-// that closes the port in the middle of a transfer leaves the transfer to its own time-outs.
+// a closed port do nothing: no bytes wait, none are queued, both lines read as up. So a
+// command that closes the port in the middle of a transfer leaves the transfer to its own
+// time-outs.
 class SerialPort {
  public:
   virtual ~SerialPort() = default;

@@ -17,9 +17,9 @@ void TraceLine(Link& link, const std::string& text);
 // as text with bit 7 ignored. No bytes give no line.
 void TraceHex(Link& link, std::string_view bytes, bool isTx);
 
-// The menu entry "To File...": asks for the log file, asks whether an existing one is to be
-// replaced, and opens it. The log goes on until the user chooses another file or the program ends.
-// A failure of the host is shown and ends the choice.
+// Asks for the log file, asks whether an existing one is to be replaced, and opens it. The log goes
+// on until the user chooses another file or the program ends. A failure of the host is shown and
+// ends the choice.
 void ChooseTraceFile(Link& link);
 
 // The text with CR LF for every CR. An LF that is there already stays.

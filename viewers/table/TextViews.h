@@ -10,8 +10,8 @@
 #include "disc/store/Disc.h"
 #include "viewers/text/TextView.h"
 
-// The table of the text views. The text window, the window program's menus, sbx and the golden
-// tests all read it, so a new view is its generator, a line in the table and a golden file.
+// The table of the text views. The text window, both front ends and the golden tests read it, so a
+// new view is its generator, a line in the table and a golden file.
 namespace sectorbox {
 
 // What a view shows.
@@ -41,12 +41,11 @@ inline constexpr int kNoNumber = -1;
 
 // One text view. The generator sets the window's caption itself.
 struct TextViewKind {
-  // What the view is called, in capitals and small letters. The front ends make their own names
-  // from it: a menu entry's object name ends in it (shell/commands/ViewCommands), the word of sbx
-  // and the folder of the golden files are SmallNameOf it.
+  // What the view is called, in capitals and small letters. Each front end makes its own
+  // names from it. The folder of the golden files is SmallNameOf it.
   std::string_view Name;
   // What a launcher writes into the Tag of the text window. A view of a directory has a second
-  // number for its launch from the Directory menu. There is no number 13.
+  // number, for its launch on the current directory and not on a row. There is no number 13.
   int Number;
   int DirectoryNumber;
   ViewSubject Subject;

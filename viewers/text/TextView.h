@@ -13,7 +13,8 @@ struct TextStyle {
 };
 
 // The sink of a text generator, and all that a generator asks of its window. The view window
-// implements it, and so do sbx and a collector for tests. Texts are BBC bytes.
+// implements it, and so do the writer to a host file and a collector for tests. Texts are BBC
+// bytes.
 //
 // A generator is a free function over the disc. It reads what it shows through the store, sets
 // caption and DefaultName, and leaves Finished true (the generators that don't say so). A close
