@@ -57,10 +57,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       (void)ReadSectors(link, sectors, 0, 0, 4);
       break;
     case 1:
-      RunStarCommand(link, "CAT", [](const std::string&) {});
+      (void)RunStarCommand(link, "CAT", [](const std::string&) {});
       break;
     case 2:
-      Reconnect(link);
+      (void)Reconnect(link);
       break;
     default:
       std::copy_n(data + 1, std::min<std::size_t>(size - 1, 512), sectors);

@@ -13,6 +13,6 @@ enum class BoxIcon { kNone, kInformation, kExclamation, kCritical };
 void ShowBox(QWidget* parent, const QString& text,
              const QString& title = QStringLiteral("Sectorbox"), BoxIcon icon = BoxIcon::kNone);
 // A box with Yes and No; true for Yes. Closing the box is No.
-bool AskYesNoBox(QWidget* parent, const QString& text, const QString& title);
+[[nodiscard]] bool AskYesNoBox(QWidget* parent, const QString& text, const QString& title);
 
 }  // namespace sectorbox

@@ -12,7 +12,7 @@ class CardDevice final : public RawDevice {
   CardDevice(const CardDrives& drives, std::unique_ptr<RawDevice> device)
       : drives_(drives), device_(std::move(device)) {}
 
-  bool Open(const std::string& path) override {
+  [[nodiscard]] bool Open(const std::string& path) override {
     device_->Close();
     const bool isLetter = path.size() == 2 && path[1] == ':';
     const std::string found = isLetter ? drives_.PathOf(path[0]) : std::string();
@@ -20,10 +20,11 @@ class CardDevice final : public RawDevice {
     return known_ && device_->Open(found);
   }
   bool IsOpen() const override { return device_->IsOpen(); }
-  std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
+  [[nodiscard]] std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
     return device_->Read(offset, buffer);
   }
-  std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) override {
+  [[nodiscard]] std::size_t Write(std::uint64_t offset,
+                                  std::span<const std::uint8_t> buffer) override {
     return device_->Write(offset, buffer);
   }
   void Close() override { device_->Close(); }

@@ -44,7 +44,7 @@ class CliLinkHost final : public LinkHost {
   bool CheckBeforeTransfer() override { return check_; }
   bool PlayWaveOnSuccess() override { return false; }
   std::string ProgramFolder() override;
-  bool PlayWave(const std::string&, bool) override { return false; }
+  [[nodiscard]] bool PlayWave(const std::string&, bool) override { return false; }
   void ShowTrace(const std::string&) override {}
 
   // Shows the progress line if standard error is a terminal. An empty text clears it.

@@ -18,12 +18,13 @@ class RawDevice {
   // Closes what was open before, then opens an existing device for reading and writing. A block
   // device is opened without buffering, and not while the system itself uses it (a mounted file
   // system). False if that fails; LastError tells why, and nobody else is told.
-  virtual bool Open(const std::string& path) = 0;
+  [[nodiscard]] virtual bool Open(const std::string& path) = 0;
   [[nodiscard]] virtual bool IsOpen() const = 0;
   // Both give the count of bytes done. It is smaller than the buffer at the end of the device, on a
   // fault, and while nothing is open (0). A device never grows.
-  virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
-  virtual std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) = 0;
+  [[nodiscard]] virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
+  [[nodiscard]] virtual std::size_t Write(std::uint64_t offset,
+                                          std::span<const std::uint8_t> buffer) = 0;
   // Closes the device. What was written is on the medium then, unless LastError says otherwise.
   // Nothing happens if no device is open.
   virtual void Close() = 0;

@@ -53,7 +53,7 @@ std::uint64_t PlaceOfBlock(std::int64_t block) {
 CardMedium::CardMedium(const std::string& name, std::int32_t partition, RawDevice& device,
                        StatusLine& status)
     : name_(name), partition_(0), device_(device), status_(status) {
-  device_.Open(DeviceOf(name));
+  (void)device_.Open(DeviceOf(name));  // the store asks DeviceIsOpen
   // The probe counts from the start of the card, whatever the partition.
   Probe();
   partition_ = partition;

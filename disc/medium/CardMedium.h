@@ -32,7 +32,7 @@ class CardMedium final : public Medium {
              StatusLine& status);
 
   [[nodiscard]] Layout BlockLayout() const override { return {kCardBlockSize, 2}; }
-  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
+  [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
   void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
   void WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
                    const StoredBytes& stored) override;

@@ -16,7 +16,7 @@ class FileMedium final : public Medium {
   // reading, and Storable then throws a HostError with the host's reason.
   explicit FileMedium(const std::string& path);
 
-  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
+  [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
   void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
   [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override;
   [[nodiscard]] std::size_t WriteRun(std::int64_t offset,

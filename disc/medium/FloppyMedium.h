@@ -50,7 +50,7 @@ class FloppyMedium final : public Medium, private DiscBytes {
   [[nodiscard]] bool InMemory() const override { return true; }
   [[nodiscard]] std::span<std::uint8_t> Memory() override { return image_; }
   [[nodiscard]] std::vector<std::uint8_t> WholeFile() override;
-  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
+  [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
   void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
   [[nodiscard]] std::int64_t Extent() const override { return EndOfData(); }
   [[nodiscard]] std::int64_t EndOfData() const override {

@@ -64,7 +64,7 @@ std::string ReadCompanionFile(Link& link, const char* name) {
 
 template <typename Lines>
 void TypeLines(Link& link, const Lines& lines) {
-  for (const char* line : lines) SendCommand(link, std::string(line) + "\r", false);
+  for (const char* line : lines) (void)SendCommand(link, std::string(line) + "\r", false);
 }
 
 // The line that begins at position. position moves behind the line's end: a CR, an LF, or CR and
@@ -89,7 +89,7 @@ void SendBasicProgram(Link& link, const BootstrapProgress& progress) {
   const std::string listing = ReadCompanionFile(link, "adfsxfer.bas");
   progress(0);
   for (std::size_t position = 0; position < listing.size() && !link.AbortRequested;) {
-    SendCommand(link, std::string(TakeLine(listing, position)) + "\r", false);
+    (void)SendCommand(link, std::string(TakeLine(listing, position)) + "\r", false);
     progress(Percent(position, listing.size()));
     PumpEvents(link);
   }

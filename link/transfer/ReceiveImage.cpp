@@ -89,7 +89,7 @@ Transfer::Progress Receiver::RunChunk() {
   switch (CompareFirst()) {
     case Compared::kAborted:
       link_.AbortRequested = false;
-      SendCommand(link_, std::string(wire::kAbandon), false);
+      (void)SendCommand(link_, std::string(wire::kAbandon), false);
       return Abandon();
     case Compared::kNoReply:
       CountRetry();

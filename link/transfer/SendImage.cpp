@@ -93,7 +93,7 @@ bool Sender::FitsDrive() {
 
 Transfer::Progress Sender::Abandon() {
   link_.AbortRequested = false;  // the flag would refuse the order to abandon, too
-  SendCommand(link_, std::string(wire::kAbandon), false);
+  (void)SendCommand(link_, std::string(wire::kAbandon), false);
   ResetLink(link_);
   link_.Host.CloseTransfer();
   return Progress::kAbandoned;
@@ -133,7 +133,7 @@ bool Sender::AnnounceChunk() {
                        std::to_string(current_) + " from BBC\r");
   const bool abortWanted = link_.AbortRequested;
   link_.AbortRequested = false;
-  SendCommand(link_, std::string(wire::kAbandon), false);
+  (void)SendCommand(link_, std::string(wire::kAbandon), false);
   ResetLink(link_);
   CountRetry();
   // An Abort may have come while the acknowledge was awaited; the next chunk takes it up at its

@@ -13,7 +13,7 @@ constexpr char kNoAnswer[] = "Problem sending * Command";
 
 void ShowErrorText(Link& link) {
   // The token without a CR asks the server for the text of the error.
-  SendCommand(link, std::string(wire::kStarError), false);
+  (void)SendCommand(link, std::string(wire::kStarError), false);
   std::string text;
   link.Host.ShowMessage(ReadReply(link, text) ? text : kNoAnswer, kErrorTitle);
 }
@@ -32,7 +32,7 @@ void CollectOutput(Link& link, std::string text,
     // Silence ends the loop, and not the token: the BBC may print in bursts.
     link.Host.Sleep(wire::kConsolePause);
     text.clear();
-    if (link.Port.InBufferCount() > 0) ReadReply(link, text);
+    if (link.Port.InBufferCount() > 0) (void)ReadReply(link, text);
   }
 }
 

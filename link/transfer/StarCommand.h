@@ -15,7 +15,7 @@ namespace sectorbox {
 // the words for no answer. This call doesn't connect: it opens a closed port with the settings that
 // it has. If the last transfer left AbortRequested set, every command fails at once. If
 // AbortRequested is set while the output comes in, the command ends behind the piece that has come.
-bool RunStarCommand(Link& link, const std::string& command,
-                    const std::function<void(const std::string&)>& show);
+[[nodiscard]] bool RunStarCommand(Link& link, const std::string& command,
+                                  const std::function<void(const std::string&)>& show);
 
 }  // namespace sectorbox

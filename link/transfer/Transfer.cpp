@@ -97,7 +97,8 @@ void Transfer::Finish() {
   }
   link_.Host.FinishTransfer();
   if (!link_.Host.PlayWaveOnSuccess()) return;
-  link_.Host.PlayWave(JoinHostPath(link_.Host.ProgramFolder(), "xfer.wav"), false);
+  // A sound that can't be played changes nothing about the transfer.
+  (void)link_.Host.PlayWave(JoinHostPath(link_.Host.ProgramFolder(), "xfer.wav"), false);
 }
 
 void Transfer::BeginChunk() {
@@ -114,7 +115,7 @@ std::string Transfer::ChunkCommand(char letter) const {
 }
 
 Transfer::Compared Transfer::CompareWithDrive(std::uint32_t crc) {
-  SendCommand(link_, ChunkCommand('c'), false);
+  (void)SendCommand(link_, ChunkCommand('c'), false);
   std::string reply;
   const bool replied = ReadReply(link_, reply);
   if (link_.AbortRequested) return Compared::kAborted;

@@ -43,7 +43,7 @@ std::string SendCommand(Link& link, const std::string& command, bool expectReply
   link.Port.Output(command);
   TraceHex(link, command, true);
   std::string reply;
-  if (expectReply) ReadReply(link, reply);
+  if (expectReply) (void)ReadReply(link, reply);  // reply is empty if none came
   return reply;
 }
 
@@ -97,13 +97,13 @@ std::string ConnectToBBC(Link& link) {
   link.Port.Settings(wire::LineSettings(wire::kBootstrapSpeed));
   const std::int32_t ticked = link.Host.TickedSpeed();
   const std::int32_t speed = ticked > 0 ? ticked : wire::kDefaultSpeed;
-  SendCommand(link, "S" + std::to_string(speed) + "\r", false);
+  (void)SendCommand(link, "S" + std::to_string(speed) + "\r", false);
   // Close lets the command out before it closes the port.
   link.Port.Close();
   link.Port.Settings(wire::LineSettings(speed));
   link.Port.Open();
   std::string reply;
-  ReadReply(link, reply);
+  (void)ReadReply(link, reply);  // reply is empty if none came
   return reply;
 }
 

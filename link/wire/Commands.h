@@ -17,7 +17,7 @@ namespace sectorbox {
 // is no time limit on the wait for the lines: events run meanwhile, and AbortRequested ends it.
 // The result is the reply. It is empty if no reply is expected, if AbortRequested stopped the
 // write, or if no reply came.
-std::string SendCommand(Link& link, const std::string& command, bool expectReply);
+[[nodiscard]] std::string SendCommand(Link& link, const std::string& command, bool expectReply);
 
 // Writes without a trace, and without a wait for the lines. It waits only for room in the port's
 // queue. If AbortRequested is set, before or during that wait, nothing is written.
@@ -26,7 +26,7 @@ void SendRaw(Link& link, std::string_view text);
 // Reads one burst of bytes. The first byte has to come within ten seconds. The burst ends when the
 // line has been silent for a tenth of a second, as a reply has neither a length nor an end mark.
 // False, with an empty text, if nothing came.
-bool ReadReply(Link& link, std::string& text);
+[[nodiscard]] bool ReadReply(Link& link, std::string& text);
 
 // Waits for one byte. Nothing if none came within Timer4's interval, counted from this call on.
 [[nodiscard]] std::optional<std::uint8_t> ReadByte(Link& link);
@@ -51,9 +51,9 @@ void ResetLink(Link& link);
 // the number has reached 2^40, further digits are left out.
 [[nodiscard]] std::int64_t LeadingNumber(std::string_view text);
 
-// Closes the port and connects anew. True if the BBC answered. If it
-// didn't, or the port failed, a box has told the user.
-bool Reconnect(Link& link);
+// Closes the port and connects anew. True if the BBC answered. If it didn't, or the port failed, a
+// box has told the user.
+[[nodiscard]] bool Reconnect(Link& link);
 
 // For the end of the program. If the port is open, this tells the server to listen at 1200 baud
 // again, and closes the port. A port that fails meanwhile is simply closed.

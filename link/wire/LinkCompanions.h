@@ -13,7 +13,7 @@ class LinkCompanions {
   [[nodiscard]] virtual std::string ProgramFolder() = 0;
   // Plays a sound file, to its end if wait is set. False if it didn't start; a missing file is
   // simply not heard.
-  virtual bool PlayWave(const std::string& path, bool wait) = 0;
+  [[nodiscard]] virtual bool PlayWave(const std::string& path, bool wait) = 0;
 };
 
 }  // namespace sectorbox

@@ -126,10 +126,10 @@ bool TraceCRCs(Link& link, std::string_view reply, std::uint32_t crc) {
 SectorStatus ReadSectors(Link& link, std::span<std::uint8_t> buffer, std::int32_t drive,
                          std::int32_t start, std::int32_t count) {
   std::uint32_t crc = 0;
-  SendCommand(link,
-              "A" + std::to_string(drive) + "\r" + std::to_string(start) + "\r" +
-                  std::to_string(count) + "\r",
-              false);
+  (void)SendCommand(link,
+                    "A" + std::to_string(drive) + "\r" + std::to_string(start) + "\r" +
+                        std::to_string(count) + "\r",
+                    false);
   const SectorStatus status = ReceivePacket(link, buffer, crc, count);
   if (status != SectorStatus::kSuccess) return ResetAndGive(link, status);
   TraceLine(link, "Waiting for CRC\r");

@@ -21,7 +21,8 @@ void CFCommands::OnCommand(const char* name, void (*run)(Disc& disc, CardDialogs
 }
 
 void CFCommands::FormatBySize(const SizedFormat& format) {
-  window_.Start(CommandKind::kChange, [&] { RunSizedFormat(window_.OpenDisc(), *this, format); });
+  (void)window_.Start(CommandKind::kChange,
+                      [&] { RunSizedFormat(window_.OpenDisc(), *this, format); });
 }
 
 void CFCommands::ShowCF() {

@@ -26,7 +26,7 @@ DirectoryCommands::DirectoryCommands(MainWindow& window, Panes& panes)
   window.OnCommand("mnuDirectoryExport", [this] { mnuDirectoryExport(); });
   window.OnCommand("mnuDirectoryTitle", [this] { mnuDirectoryTitle(); });
   connect(&panes.Tree(), &DirTree::NameEdited, this, [this](DirNode* node, const QString& text) {
-    window_.Start(CommandKind::kChange, [&] { tvwDB_AfterLabelEdit(*node, text); });
+    (void)window_.Start(CommandKind::kChange, [&] { tvwDB_AfterLabelEdit(*node, text); });
   });
 }
 

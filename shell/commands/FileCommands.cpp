@@ -25,7 +25,7 @@ FileCommands::FileCommands(MainWindow& window, Panes& panes) : window_(window), 
   window.OnCommand("mnuFileRename", [this] { mnuFileRename(); });
   window.OnCommand("mnuFileExport", [this] { mnuFileExport(); });
   connect(&panes_.List(), &FileList::NameEdited, this, [this](int row, const QString& text) {
-    window_.Start(CommandKind::kChange, [&] { lvwDB_AfterLabelEdit(row, text); });
+    (void)window_.Start(CommandKind::kChange, [&] { lvwDB_AfterLabelEdit(row, text); });
   });
 }
 

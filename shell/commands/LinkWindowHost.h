@@ -42,7 +42,7 @@ class LinkWindowHost final : public LinkHost {
   bool CheckBeforeTransfer() override;
   bool PlayWaveOnSuccess() override;
   std::string ProgramFolder() override;
-  bool PlayWave(const std::string& path, bool wait) override;
+  [[nodiscard]] bool PlayWave(const std::string& path, bool wait) override;
   void ShowTrace(const std::string& text) override;
 
  private:

@@ -67,7 +67,7 @@ void XferCommands::ConnectSerialMenu() {
   for (const std::int32_t speed : wire::kSpeeds) {
     window_.OnCommand(SpeedEntry(speed).c_str(), [this, speed] { ChooseSpeed(speed); });
   }
-  OnTransfer("mnuXferSerialReconnect", [this] { Reconnect(link_); });
+  OnTransfer("mnuXferSerialReconnect", [this] { (void)Reconnect(link_); });
   // Users plug adapters in and out while the program runs.
   connect(window_.Action("mnuXferSerial")->menu(), &QMenu::aboutToShow, this,
           [this] { ShowDevices(); });

@@ -56,7 +56,7 @@ bool Panes::TreeKey(const QKeyEvent& event) {
       window_.Action("mnuDirectoryRename")->trigger();
       return true;
     case Qt::Key_F5:
-      window_.Start(CommandKind::kSmall, [this] { RebuildTree(); });
+      (void)window_.Start(CommandKind::kSmall, [this] { RebuildTree(); });
       return true;
     default:
       return CommonKey(event);
@@ -72,7 +72,7 @@ bool Panes::ListKey(const QKeyEvent& event) {
       window_.Action("mnuFileRename")->trigger();
       return true;
     case Qt::Key_F5:
-      window_.Start(CommandKind::kSmall, [this] { GetRootTitles(); });
+      (void)window_.Start(CommandKind::kSmall, [this] { GetRootTitles(); });
       return true;
     default:
       return CommonKey(event);
@@ -87,7 +87,7 @@ bool Panes::CommonKey(const QKeyEvent& event) {
 
 void Panes::GoUp() {
   if (CurrentNode_ == nullptr || CurrentNode_->Parent() == nullptr) return;
-  window_.Start(CommandKind::kSmall, [this] { tvwDB_NodeClick(*CurrentNode_->Parent()); });
+  (void)window_.Start(CommandKind::kSmall, [this] { tvwDB_NodeClick(*CurrentNode_->Parent()); });
 }
 
 template <typename Run>

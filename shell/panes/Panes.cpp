@@ -65,10 +65,10 @@ Panes::Panes(MainWindow& window, std::string tempFolder)
 void Panes::ConnectTree() {
   DirTree& tree = Tree();
   connect(&tree, &DirTree::NodeClicked, this, [this](DirNode* node) {
-    window_.Start(CommandKind::kSmall, [this, node] { tvwDB_NodeClick(*node); });
+    (void)window_.Start(CommandKind::kSmall, [this, node] { tvwDB_NodeClick(*node); });
   });
   connect(&tree, &DirTree::NodeToggled, this, [this](DirNode* node, bool expanded) {
-    window_.Start(CommandKind::kSmall, [=, this] { NodeToggled(*node, expanded); });
+    (void)window_.Start(CommandKind::kSmall, [=, this] { NodeToggled(*node, expanded); });
   });
   connect(&tree, &DirTree::MenuWanted, this, [this](const QPoint& global) {
     if (CurrentNode_ != nullptr) PopUp("mnuDirectory", global);
@@ -78,7 +78,7 @@ void Panes::ConnectTree() {
     Tree().Select(CurrentNode_);
   });
   connect(&tree, &DirTree::Dropped, this, [this](const QMimeData& dropped) {
-    window_.Start(CommandKind::kChange, [&] { DropOnTree(*this, disc_, dropped); });
+    (void)window_.Start(CommandKind::kChange, [&] { DropOnTree(*this, disc_, dropped); });
   });
   tree.installEventFilter(this);
   tree.viewport()->installEventFilter(this);
@@ -87,20 +87,20 @@ void Panes::ConnectTree() {
 void Panes::ConnectList() {
   FileList& list = List();
   connect(&list, &FileList::RowClicked, this, [this](int row) {
-    if (!filling_) window_.Start(CommandKind::kSmall, [this, row] { lvwDB_ItemClick(row); });
+    if (!filling_) (void)window_.Start(CommandKind::kSmall, [this, row] { lvwDB_ItemClick(row); });
   });
   connect(&list, &FileList::RowDoubleClicked, this, [this](int row) {
-    window_.Start(CommandKind::kSmall, [this, row] { lvwDB_DblClick(row); });
+    (void)window_.Start(CommandKind::kSmall, [this, row] { lvwDB_DblClick(row); });
   });
   connect(&list, &FileList::HeadingClicked, this, [this](int column) {
-    window_.Start(CommandKind::kSmall, [this, column] { lvwDB_ColumnClick(column); });
+    (void)window_.Start(CommandKind::kSmall, [this, column] { lvwDB_ColumnClick(column); });
   });
   connect(&list, &FileList::MenuWanted, this, [this](const QPoint& global) {
     if (CurrentItem() != nullptr) PopUp("mnuFile", global);
   });
   connect(&list, &FileList::DragWanted, this, [this] { Drag(List(), ExportForListDrag); });
   connect(&list, &FileList::Dropped, this, [this](const QMimeData& dropped) {
-    window_.Start(CommandKind::kChange, [&] { DropOnList(*this, disc_, dropped); });
+    (void)window_.Start(CommandKind::kChange, [&] { DropOnList(*this, disc_, dropped); });
   });
   list.installEventFilter(this);
   list.viewport()->installEventFilter(this);
@@ -109,7 +109,7 @@ void Panes::ConnectList() {
 // The drag itself is no command: a drop on a pane of this window arrives while the drag runs.
 void Panes::Drag(QWidget& source, std::vector<std::string> (*exportFiles)(Panes& panes)) {
   std::vector<std::string> paths;
-  window_.Start(CommandKind::kChange, [&] {
+  (void)window_.Start(CommandKind::kChange, [&] {
     const BusyPointer busy(disc_.Host);
     paths = exportFiles(*this);
   });

@@ -206,7 +206,7 @@ void frmMain::Load(const std::string& commandLine) {
   panes_->Tree().setFocus();
   show();
   LoadSettings(*this);
-  Start(CommandKind::kChange, [&] {
+  (void)Start(CommandKind::kChange, [&] {
     disc_.ImageName = "NewDisc.adl";
     CreateDisc(disc_, disc_.ImageName, 80, 2, 16, kAdl);
     panes_->RebuildTree();

@@ -56,7 +56,7 @@ class frmMain : public MainWindow {
 
   QAction* Action(const char* name) const override;
   CommandGuard& Guard() override { return guard_; }
-  StartResult Start(CommandKind kind, const std::function<void()>& work) override;
+  [[nodiscard]] StartResult Start(CommandKind kind, const std::function<void()>& work) override;
   void Guarded(const std::function<void()>& work) override;
   void Fail(const QString& reason, const QString& title = QStringLiteral("Sectorbox")) override;
   std::optional<CurrentDirectory> CurrentNode() const override;

@@ -43,17 +43,18 @@ class MainWindow : public QMainWindow {
   }
 
   // --- Commands --------------------------------------------------------------------------------
-  // Who is at work; see CommandGuard. What the user does goes through Start.
+  // Knows which commands run now. Everything that the user starts goes through Start.
   virtual CommandGuard& Guard() = 0;
-  // Runs what the user has chosen, to its end, guarded as Guarded does. Does nothing (kRefused)
-  // where the guard says that it must not start now.
-  virtual StartResult Start(CommandKind kind, const std::function<void()>& work) = 0;
-  // Runs a piece of a command: a HostError becomes a box with its text and leaves the window alive;
-  // any other failure ends the program by way of Fail. What the engine noted meanwhile (DiscHost::
-  // Note) stands in panel 2 afterwards, also where the refilled panes have put their path there.
+  // Runs the work that the user has chosen, to its end, as Guarded does. If the guard says that it
+  // must not start now, nothing happens and the result is kRefused. A caller that has nothing to
+  // undo then may drop the result.
+  [[nodiscard]] virtual StartResult Start(CommandKind kind, const std::function<void()>& work) = 0;
+  // Runs a piece of a command. A HostError becomes a box with its text, and the window goes on. Any
+  // other failure ends the program through Fail. Afterwards panel 2 shows the last line that the
+  // engine has noted meanwhile (StatusLine::Note), even if the panes have put their path there.
   virtual void Guarded(const std::function<void()>& work) = 0;
-  // The program can't go on: an unsaved disc in memory goes to a recovery file, the user is told
-  // the reason and where, and the program ends.
+  // The program can't go on. An unsaved disc in memory is written to a recovery file. A box tells
+  // the user the reason and where that file is. Then the program ends.
   virtual void Fail(const QString& reason, const QString& title = QStringLiteral("Sectorbox")) = 0;
 
   // --- What is current -------------------------------------------------------------------------

@@ -58,7 +58,7 @@ class FaultyMedium final : public Medium {
   [[nodiscard]] std::span<std::uint8_t> Memory() override { return inner_->Memory(); }
   [[nodiscard]] std::vector<std::uint8_t> WholeFile() override { return inner_->WholeFile(); }
   [[nodiscard]] Layout BlockLayout() const override { return inner_->BlockLayout(); }
-  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override {
+  [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override {
     if (Meets(FaultPlan::Operation::kRead, plan_.Reads)) Fail();
     return inner_->ReadBlock(block, data);
   }

@@ -19,7 +19,7 @@ class MemoryMedium final : public Medium {
  public:
   explicit MemoryMedium(std::shared_ptr<MemoryBlocks> blocks) : blocks_(std::move(blocks)) {}
 
-  bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override {
+  [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override {
     std::fill(data.begin(), data.end(), std::uint8_t{0});
     const auto found = blocks_->find(block);
     if (found != blocks_->end()) {

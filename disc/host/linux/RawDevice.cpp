@@ -21,7 +21,7 @@ class HostDevice final : public RawDevice {
   HostDevice() : buffer_(kLargestTransfer + kAlignment) {}
   ~HostDevice() override { HostDevice::Close(); }
 
-  bool Open(const std::string& path) override {
+  [[nodiscard]] bool Open(const std::string& path) override {
     Close();
     lastError_ = 0;
     struct stat info {};
@@ -50,7 +50,7 @@ class HostDevice final : public RawDevice {
     return own.st_dev == other.st_dev && own.st_ino == other.st_ino;
   }
 
-  std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
+  [[nodiscard]] std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) override {
     lastError_ = 0;
     std::size_t total = 0;
     while (IsOpen() && total < buffer.size()) {
@@ -66,7 +66,8 @@ class HostDevice final : public RawDevice {
     return total;
   }
 
-  std::size_t Write(std::uint64_t offset, std::span<const std::uint8_t> buffer) override {
+  [[nodiscard]] std::size_t Write(std::uint64_t offset,
+                                  std::span<const std::uint8_t> buffer) override {
     lastError_ = 0;
     // A card doesn't grow, so neither does the file that stands for one.
     if (offset >= limit_) return 0;

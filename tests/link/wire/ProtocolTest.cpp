@@ -73,7 +73,7 @@ class PacketTest : public ::testing::Test {
   SectorStatus Receive(const Bytes& stream, std::int32_t sectors) {
     rig.Bbc.StarReplies["GO"] = {{0, std::string(stream.begin(), stream.end())}};
     rig.Bbc.Acknowledge = "";
-    SendCommand(rig.TheLink, "*GO\r", false);
+    (void)SendCommand(rig.TheLink, "*GO\r", false);
     crc = 0;
     return ReceivePacket(rig.TheLink,
                          std::span(buffer).first(256 * static_cast<std::size_t>(sectors)), crc,
@@ -267,7 +267,7 @@ TEST(Commands, AClosedPortIsOpenedAtTheSettingsThatStand) {
   LinkRig rig;
   rig.Port.Settings("4800,N,8,1");
   rig.Host.Log.clear();
-  SendCommand(rig.TheLink, "*X\r", false);
+  (void)SendCommand(rig.TheLink, "*X\r", false);
   rig.Port.Close();
   SendRaw(rig.TheLink, "raw");
   EXPECT_EQ(rig.Port.Written, "*X\rraw");
@@ -309,7 +309,7 @@ TEST(Commands, AResetThrowsAwayWhatComesInUntilTwoSecondsOfSilence) {
   LinkRig rig;
   rig.Connect();
   rig.Bbc.StarReplies["X"] = {{0, "noise"}, {1500, "more"}};
-  SendCommand(rig.TheLink, "*X\r", false);
+  (void)SendCommand(rig.TheLink, "*X\r", false);
   ResetLink(rig.TheLink);
   EXPECT_EQ(rig.Port.InBufferCount(), 0U);
   // The last byte has come in after 1.52 seconds.
