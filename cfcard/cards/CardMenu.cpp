@@ -4,6 +4,7 @@
 #include "cfcard/cards/OpenedCard.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
+#include "disc/image/ImageFiles.h"
 #include "disc/image/NewDisc.h"
 #include "disc/image/OpenImage.h"
 #include "disc/image/SaveImage.h"
@@ -52,14 +53,6 @@ void RunEntry(Disc& disc, const Dialog& dialog, const Work& work) {
 
 }  // namespace
 
-void OpenBlankImage(Disc& disc) {
-  constexpr std::int32_t kTracks = 80;
-  constexpr std::int32_t kHeads = 2;
-  constexpr std::int32_t kSectors = 16;
-  disc.ImageName = "NewDisc.adl";
-  CreateDisc(disc, disc.ImageName, kTracks, kHeads, kSectors, kAdl);
-}
-
 std::string BackupFileName(const std::string& imageName) {
   if (imageName.empty()) return "drive_.dat";
   return std::string("drive_") + imageName.front() + imageName.back() + ".dat";
@@ -67,7 +60,7 @@ std::string BackupFileName(const std::string& imageName) {
 
 void BackupPartition(Disc& disc, bool wholeCard) {
   const std::string name = disc.Host.AskSaveFileName(
-      {"Backup CF Card Image As", "ADFS Disc (*.dat)|*.dat", BackupFileName(disc.ImageName)});
+      {"Backup CF Card Image As", FilterOfKind("ADFS Disc", kDat), BackupFileName(disc.ImageName)});
   if (!name.empty()) SaveDatImage(disc, name, wholeCard);
 }
 

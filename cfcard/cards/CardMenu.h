@@ -45,7 +45,5 @@ void RunSizedFormat(Disc& disc, CardDialogs& dialogs, const SizedFormat& format)
 void BackupPartition(Disc& disc, bool wholeCard);
 // The name that a backup's save dialog proposes: "E:,0" gives "drive_E0.dat".
 [[nodiscard]] std::string BackupFileName(const std::string& imageName);
-// Opens an empty double-sided floppy in memory in place of what was open.
-void OpenBlankImage(Disc& disc);
 
 }  // namespace sectorbox

@@ -8,6 +8,7 @@
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
 #include "disc/host/HostError.h"
+#include "disc/image/ImageFiles.h"
 #include "disc/image/Session.h"
 #include "disc/medium/Companion.h"
 
@@ -17,6 +18,7 @@ namespace {
 using namespace format;
 
 constexpr std::int32_t kTracksBetweenPumps = 1024;
+constexpr const char* kBlankName = "NewDisc.adl";
 
 void ZeroTracks(Disc& disc, std::int32_t tracks, std::int32_t sectors) {
   const std::vector<std::uint8_t> zeros(static_cast<std::size_t>(sectors) * kSectorSize);
@@ -88,16 +90,25 @@ void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, st
   if (EndsInDat(fileName)) WriteCompanion(fileName, {tracks, heads});
 }
 
+void OpenBlankImage(Disc& disc) {
+  disc.ImageName = kBlankName;
+  CreateDisc(disc, disc.ImageName, kBlankDisc.Tracks, kBlankDisc.Heads, kBlankDisc.Sectors,
+             kBlankDisc.DiscType);
+}
+
 std::string NewDiscADF(Disc& disc) {
-  return AskNewName(disc, {"Save ADFS Disc Image As", "Create Disc (*.adf)|*.adf", "NewDisc.adf"});
+  return AskNewName(disc,
+                    {"Save ADFS Disc Image As", FilterOfKind("Create Disc", kAdf), "NewDisc.adf"});
 }
 
 std::string NewDiscADL(Disc& disc) {
-  return AskNewName(disc, {"Create ADFS Disc Image As", "ADFS Disc (*.adl)|*.adl", "NewDisc.adl"});
+  return AskNewName(disc,
+                    {"Create ADFS Disc Image As", FilterOfKind("ADFS Disc", kAdl), kBlankName});
 }
 
 std::string NewDiscDAT(Disc& disc) {
-  return AskNewName(disc, {"Create ADFS Disc Image As", "ADFS Disc (*.dat)|*.dat", "NewDisc.dat"});
+  return AskNewName(disc,
+                    {"Create ADFS Disc Image As", FilterOfKind("ADFS Disc", kDat), "NewDisc.dat"});
 }
 
 void RunNewDisc(Disc& disc, const NewDiscSize& size) {

@@ -17,10 +17,13 @@ struct NewDiscSize {
   sectorbox::DiscType DiscType;
 };
 
+// The disc that the program has open while the user has opened none.
+inline constexpr NewDiscSize kBlankDisc = {80, 2, 16, kAdl};
+
 inline constexpr std::array<NewDiscSize, 13> kNewDiscs = {{
     {40, 1, 16, kAdf},
     {80, 1, 16, kAdf},
-    {80, 2, 16, kAdl},
+    kBlankDisc,
     {32, 4, 33, kDat},
     {64, 4, 33, kDat},
     {128, 4, 33, kDat},
@@ -39,6 +42,9 @@ inline constexpr std::array<NewDiscSize, 13> kNewDiscs = {{
 // be opened: the disc that was open stays open.
 void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
                 std::int32_t sectors, DiscType type);
+
+// Opens an empty double-sided floppy in memory, named "NewDisc.adl", in place of what was open.
+void OpenBlankImage(Disc& disc);
 
 // Writes the map, with both checksums, and the empty root of a disc of that many sectors, as
 // CreateDisc does. Bytes of the first seven sectors that belong to no field of these stay as they

@@ -6,6 +6,7 @@
 #include "disc/ask/BusyPointer.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
+#include "disc/image/ImageFiles.h"
 #include "disc/medium/Companion.h"
 #include "disc/medium/FloppyMedium.h"
 
@@ -14,7 +15,6 @@ namespace {
 
 using namespace format;
 
-constexpr const char* kSaveFilter = "ADFS Disc (*.adl;*.adf;*.dat)|*.adl;*.adf;*.dat";
 constexpr std::int32_t kSectorsBetweenPumps = 256;
 
 // The progress dialog for the length of a scope.
@@ -63,7 +63,8 @@ class ClearedChanges {
 // at each 256th sector. Events run there too, so the user can abort there; one more sector is then
 // copied. False after an abort.
 template <typename Copy>
-bool CopySectors(Disc& disc, const std::string& verb, std::int32_t sectors, Copy copy) {
+[[nodiscard]] bool CopySectors(Disc& disc, const std::string& verb, std::int32_t sectors,
+                               Copy copy) {
   for (std::int32_t i = 0; i < sectors; i += kSectorsBetweenPumps) {
     const double percent = sectors > 1 ? 100.0 * i / (sectors - 1) : 0.0;
     disc.Host.ShowProgress(
@@ -104,7 +105,7 @@ void RunSaveCommand(Disc& disc) {
 
 void SaveImageAs(Disc& disc) {
   const std::string name =
-      disc.Host.AskSaveFileName({"Save ADFS Disc Image As", kSaveFilter, disc.ImageName});
+      disc.Host.AskSaveFileName({"Save ADFS Disc Image As", FilterOfImageFiles(), disc.ImageName});
   if (!name.empty()) SaveImageTo(disc, name);
 }
 
@@ -113,10 +114,10 @@ void SaveImageTo(Disc& disc, const std::string& fileName) {
   disc.ImageName = fileName;
   try {
     // The disc's own size decides, not the extension, because nothing is converted.
-    const std::int32_t size = MapDiscSize(disc);
-    if (size == 2560) {
+    const DiscType type = KindOfDiscSize(MapDiscSize(disc));
+    if (type == kAdl) {
       SaveAdlImage(disc, fileName);
-    } else if (size == 640 || size == 1280) {
+    } else if (type == kAdf) {
       SaveAdfImage(disc, fileName);
     } else {
       SaveDatImage(disc, fileName, false);
@@ -201,7 +202,9 @@ void RestoreImage(Disc& disc, const std::string& fileName) {
                    std::to_string(there) + " fit on the partition");
     sectors = there;
   }
-  CopySectors(disc, "Restoring", sectors, [&](std::int32_t first, std::int32_t count) {
+  // Only the user's own Abort ends the copy early. What was copied until then stays on the disc. A
+  // failure of the host throws, and a card tells of its own faults.
+  (void)CopySectors(disc, "Restoring", sectors, [&](std::int32_t first, std::int32_t count) {
     const auto part = static_cast<std::size_t>(count) * kSectorSize;
     std::vector<std::uint8_t> bytes =
         ReadHostFile(fileName, static_cast<std::uint64_t>(SectorOffset(first)), part);

@@ -2,14 +2,10 @@
 
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
+#include "disc/image/ImageFiles.h"
 #include "disc/image/SaveImage.h"
 
 namespace sectorbox {
-namespace {
-
-constexpr const char* kOpenFilter = "ADFS Disc (*.adl;*.adf;*.dat)|*.adl;*.adf;*.dat";
-
-}  // namespace
 
 void QuerySaveChanges(Disc& disc) {
   // This comes first, so that the question comes once, also after No and after a cancelled dialog.
@@ -29,7 +25,7 @@ void QuerySaveChanges(Disc& disc) {
 
 std::string ChooseImageFile(Disc& disc) {
   if (disc.ImageChanged) QuerySaveChanges(disc);
-  std::string name = disc.Host.AskOpenFileName({"Open ADFS Disc Image", kOpenFilter, ""});
+  std::string name = disc.Host.AskOpenFileName({"Open ADFS Disc Image", FilterOfImageFiles(), ""});
   if (name.empty()) return "";
   if (!HostFileExists(name)) {
     disc.Host.ShowMessage("File Not Found : " + name);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "disc/format/FloppyTracks.h"
 #include "disc/format/Format.h"
 #include "disc/format/MapSectors.h"
 #include "disc/host/HostFile.h"
@@ -9,7 +10,7 @@
 namespace sectorbox {
 
 std::int32_t LoadedTrack(std::int32_t fileTrack, bool interleaved) {
-  return interleaved ? (fileTrack % 2) * format::kFloppyTracks + fileTrack / 2 : fileTrack;
+  return interleaved ? format::DiscTrackOfInterleaved(fileTrack) : fileTrack;
 }
 
 std::int32_t StoredTracks(std::int32_t discSize, std::size_t bytesInMemory) {

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "disc/host/HostError.h"
+#include "disc/image/ImageFiles.h"
 #include "link/transfer/Transfer.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"
@@ -56,13 +57,9 @@ bool Receiver::ReadMap() {
 
 // The disc's size alone decides the kind of image: one of the three floppies, or a hard disc.
 std::string Receiver::AskFile() {
-  const char* filter = "ADFS (*.dat)|*.dat";
-  if (map_.DiscSize == 640 || map_.DiscSize == 1280) filter = "ADFS (*.adf)|*.adf";
-  if (map_.DiscSize == 2560) {
-    filter = "ADFS (*.adl)|*.adl";
-    layout_ = FileLayout::kDoubleSided;
-  }
-  return link_.Host.AskSaveFileName({"Receive ADFS Image", filter, ""});
+  const DiscType type = KindOfDiscSize(map_.DiscSize);
+  layout_ = LayoutOf(type);
+  return link_.Host.AskSaveFileName({"Receive ADFS Image", FilterOfKind("ADFS", type), ""});
 }
 
 // Nothing is sent to the server: it has finished its exchange, or it notices the silence. Only

@@ -6,6 +6,7 @@
 
 #include "disc/format/Text.h"
 #include "disc/host/HostError.h"
+#include "disc/image/ImageFiles.h"
 #include "disc/store/Disc.h"
 #include "link/transfer/Transfer.h"
 #include "link/wire/Commands.h"
@@ -37,7 +38,6 @@ class Sender final : public Transfer {
  private:
   static constexpr Words kWords = {"Send Image", "Sending",       "Written",
                                    "Writing",    "Error writing", "CRC Match - don't write"};
-  enum class Kind { kAdf, kAdl, kDat };
 
   bool ChooseFile();
   bool AskDriveSize();
@@ -49,23 +49,18 @@ class Sender final : public Transfer {
   Progress Abandon();
 
   std::string fileName_;
-  Kind kind_ = Kind::kAdf;
+  DiscType type_ = kAdf;           // by the file's extension
   std::int64_t driveSectors_ = 0;  // free and used sectors of the drive together
 };
 
 bool Sender::ChooseFile() {
-  fileName_ = link_.Host.AskOpenFileName(
-      {"Send ADFS Image", "ADFS Disc (*.adl;*.adf;*.dat)|*.adl;*.adf;*.dat", ""});
+  fileName_ = link_.Host.AskOpenFileName({"Send ADFS Image", FilterOfImageFiles(), ""});
   if (fileName_.empty()) return false;
-  const std::string upper = UpperCase(fileName_);
-  if (upper.ends_with(".ADF")) return true;
-  if (upper.ends_with(".ADL")) {
-    kind_ = Kind::kAdl;
-    layout_ = FileLayout::kDoubleSided;
-    return true;
-  }
-  kind_ = Kind::kDat;
-  return upper.ends_with(".DAT") || Refuse("Unknown image type");
+  const MediumKind* kind = KindOfExtension(fileName_);
+  if (kind == nullptr) return Refuse("Unknown image type");
+  type_ = kind->Type;
+  layout_ = LayoutOf(type_);
+  return true;
 }
 
 // *FREE prints the free sectors in hex at the start of its first line, and the used ones at the
@@ -87,7 +82,7 @@ bool Sender::FitsDrive() {
   map_ = ParseTransferMap(link_, sectors);
   // A hard disc image is sent whatever its size: the user may know more of the drive than *FREE
   // tells.
-  if (kind_ == Kind::kDat || map_.DiscSize <= driveSectors_) return true;
+  if (type_ == kDat || map_.DiscSize <= driveSectors_) return true;
   return Refuse("Drive " + std::to_string(drive_) + " is too small for the image");
 }
 

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "disc/format/FloppyTracks.h"
 #include "disc/format/Format.h"
 
 namespace sectorbox {
 namespace {
 
 using format::kFloppySectors;
-using format::kFloppyTracks;
 using format::kSectorSize;
 
 std::size_t ByteIndex(std::int32_t sector) {
@@ -17,10 +17,13 @@ std::size_t ByteIndex(std::int32_t sector) {
 
 }  // namespace
 
+FileLayout LayoutOf(DiscType type) {
+  return type == kAdl ? FileLayout::kDoubleSided : FileLayout::kLinear;
+}
+
 std::int64_t TransferOffset(FileLayout layout, std::int32_t sector) {
   if (layout == FileLayout::kLinear) return std::int64_t{sector} * kSectorSize;
-  const std::int32_t track = sector / kFloppySectors;
-  const std::int32_t stored = track / kFloppyTracks + track % kFloppyTracks * 2;
+  const std::int32_t stored = format::InterleavedTrackOfDisc(sector / kFloppySectors);
   return (std::int64_t{stored} * kFloppySectors + sector % kFloppySectors) * kSectorSize;
 }
 

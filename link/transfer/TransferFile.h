@@ -5,6 +5,7 @@
 #include <string>
 
 #include "disc/host/HostFile.h"
+#include "disc/medium/MediumKinds.h"
 
 namespace sectorbox {
 
@@ -13,6 +14,9 @@ enum class FileLayout {
   kLinear,       // sector s at s x 256
   kDoubleSided,  // an .adl: tracks of the two sides in turn
 };
+
+// The layout of the image files of that kind.
+[[nodiscard]] FileLayout LayoutOf(DiscType type);
 
 // Byte offset of a sector in the file. In a double-sided file track 0 of side 1 (sector 1280 on)
 // comes right behind track 0 of side 0.

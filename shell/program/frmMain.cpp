@@ -207,8 +207,7 @@ void frmMain::Load(const std::string& commandLine) {
   show();
   LoadSettings(*this);
   (void)Start(CommandKind::kChange, [&] {
-    disc_.ImageName = "NewDisc.adl";
-    CreateDisc(disc_, disc_.ImageName, 80, 2, 16, kAdl);
+    OpenBlankImage(disc_);
     panes_->RebuildTree();
     RemoveHostTree(GetTempFolder() + "adfs_temp");
     panes_->ResetDragFolders();
