@@ -234,6 +234,15 @@ TEST(Architecture, OnlyFilesInLinuxFoldersCallTheSystem) {
   }
 }
 
+// Files and their errors are reached through disc/host alone.
+TEST(Architecture, OnlyTheRoomOfTheHostUsesTheHostsFiles) {
+  for (const Include& include : AllIncludes()) {
+    if (include.Name != "filesystem" && include.Name != "cerrno") continue;
+    EXPECT_TRUE(IsForOneSystem(include.File) || include.File.parent_path().filename() == "host")
+        << include.File << " includes " << include.Name;
+  }
+}
+
 // What a linux folder declares is for its own room's system files: everybody else includes the
 // header beside that folder.
 TEST(Architecture, NobodyElseIncludesWhatIsForOneSystem) {

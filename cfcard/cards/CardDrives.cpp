@@ -1,7 +1,7 @@
 #include "cfcard/cards/CardDrives.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace sectorbox {
@@ -29,7 +29,9 @@ class CardDevice final : public RawDevice {
   }
   void Close() override { device_->Close(); }
   bool Is(const std::string& path) const override { return device_->Is(path); }
-  int LastError() const override { return known_ ? device_->LastError() : ENODEV; }
+  int LastError() const override {
+    return known_ ? device_->LastError() : static_cast<int>(std::errc::no_such_device);
+  }
 
  private:
   const CardDrives& drives_;

@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <cerrno>
+#include <system_error>
 
 #include "disc/catalogue/Directories.h"
 #include "disc/change/DirectoryEdit.h"
@@ -60,7 +60,9 @@ Outcome AddHostFolder(Disc& disc, std::int32_t dirSector, const std::string& fol
     return Outcome::kDone;
   }
   // A deeper tree could be made, but no walk over the disc would reach its lowest directories.
-  if (walk.Folders.size() + 2 >= kMaxWalkDepth) ThrowHostError(folder, ENAMETOOLONG);
+  if (walk.Folders.size() + 2 >= kMaxWalkDepth) {
+    ThrowHostError(folder, std::make_error_code(std::errc::filename_too_long));
+  }
   const std::vector<std::string> paths = PathsInFolder(folder);
   std::string name = HostBaseName(folder);
   if (const auto line = ReadSidecarLine(folder)) name = ParseFolderSidecar(*line).value_or(name);

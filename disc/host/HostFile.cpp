@@ -48,6 +48,11 @@ bool HostFolderExists(const std::string& path) {
   return KindOf(path) == HostFileKind::kFolder;
 }
 
+bool HostPathIsTaken(const std::string& path) {
+  std::error_code ignored;
+  return fs::exists(fs::symlink_status(path, ignored));
+}
+
 std::uint64_t HostFileLength(const std::string& path) {
   std::error_code error;
   const std::uint64_t length = fs::file_size(path, error);
@@ -83,6 +88,24 @@ void DeleteHostFile(const std::string& path) {
   if (fs::remove(path, error)) return;
   if (error) ThrowHostError(path, error);
   ThrowHostError(path, ENOENT);
+}
+
+void RemoveHostTree(const std::string& path) {
+  // Each file is removed by itself, so that one that can't be removed doesn't keep the others.
+  std::error_code ignored;
+  if (fs::symlink_status(path, ignored).type() == fs::file_type::directory) {
+    for (fs::directory_iterator entry(path, ignored), end; !ignored && entry != end;
+         entry.increment(ignored)) {
+      RemoveHostTree(entry->path().string());
+    }
+  }
+  std::error_code kept;
+  fs::remove(path, kept);
+}
+
+void RemoveHostLink(const std::string& path) {
+  std::error_code ignored;
+  if (fs::is_symlink(fs::symlink_status(path, ignored))) fs::remove(path, ignored);
 }
 
 void CreateHostFolder(const std::string& path) {

@@ -25,6 +25,8 @@ enum class HostFileKind {
 [[nodiscard]] bool HostFileExists(const std::string& path);   // anything that isn't a folder
 [[nodiscard]] bool HostFileIsPlain(const std::string& path);  // a regular file
 [[nodiscard]] bool HostFolderExists(const std::string& path);
+// True if anything has that path: a link counts, even if it leads nowhere.
+[[nodiscard]] bool HostPathIsTaken(const std::string& path);
 
 // Bytes in a regular file; 0 for anything else. HostError if nothing is there.
 [[nodiscard]] std::uint64_t HostFileLength(const std::string& path);
@@ -37,6 +39,13 @@ void OverwriteHostFile(const std::string& path, std::uint64_t offset,
                        std::span<const std::uint8_t> bytes);
 // Deletes a file. HostError if that fails, also if the file doesn't exist.
 void DeleteHostFile(const std::string& path);
+
+// Deletes a file, or a folder with all that is in it, as far as that can be done. Failures are
+// ignored. Links are removed and never followed.
+void RemoveHostTree(const std::string& path);
+
+// Removes path if it is a link, wherever it leads. Failures are ignored.
+void RemoveHostLink(const std::string& path);
 
 // Makes a folder inside one that exists. A folder that is already there stays as it is.
 void CreateHostFolder(const std::string& path);

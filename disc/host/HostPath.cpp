@@ -31,6 +31,13 @@ std::string HostFolderOf(const std::string& path) {
   return folder.empty() ? "." : folder.string();
 }
 
+std::string GetTempFolder() {
+  std::error_code failed;
+  const fs::path folder = fs::temp_directory_path(failed);
+  if (failed) return {};
+  return (folder / "").string();  // an empty name at the end leaves a separator there
+}
+
 std::string AbsoluteHostPath(const std::string& path) {
   if (path.empty()) ThrowHostError(path, ENOENT);
   std::error_code error;

@@ -19,6 +19,9 @@ namespace sectorbox {
 // The folder that a file's path lies in: "/a/b" gives "/a", a lone name gives ".".
 [[nodiscard]] std::string HostFolderOf(const std::string& path);
 
+// The host's folder for temporary files, with a separator at its end; empty if there is none.
+[[nodiscard]] std::string GetTempFolder();
+
 // --- What a path stands for ------------------------------------------------------------------
 
 // The same path from the root on. HostError for an empty path, and for a relative one if the

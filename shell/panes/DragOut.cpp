@@ -1,27 +1,17 @@
 #include "shell/panes/DragOut.h"
 
-#include <filesystem>
-
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostFile.h"
 #include "shell/panes/RowExport.h"
 
 namespace sectorbox {
-namespace {
-
-bool AnythingThere(const std::string& path) {
-  std::error_code failed;
-  return std::filesystem::exists(std::filesystem::symlink_status(path, failed));
-}
-
-}  // namespace
 
 std::string DragOut::temp_root() {
   std::string folder;
   do {
     folder = tempFolder_ + "adfs_temp/temp_" + std::to_string(DragFolderCount);
     ++DragFolderCount;
-  } while (AnythingThere(folder));
+  } while (HostPathIsTaken(folder));
   return folder;
 }
 
@@ -38,14 +28,11 @@ void DragOut::AddPath(const std::string& path) {
   ++DragFileCount;
 }
 
-// All users of the host share the temporary folder. Where somebody has put a symbolic link in the
+// All users of the host share the temporary folder. If somebody has put a symbolic link in the
 // log's place, the log replaces the link and isn't written through it.
 void DragOut::WriteLog() const {
   const std::string path = tempFolder_ + "drag.log";
-  std::error_code ignored;
-  if (std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored))) {
-    std::filesystem::remove(path, ignored);
-  }
+  RemoveHostLink(path);
   OutputFile log = CreateOutputFile(path);
   for (std::int16_t i = 0; i < DragFileCount; ++i) {
     log.Write(DragFiles[static_cast<std::size_t>(i)] + "\n");

@@ -22,7 +22,6 @@
 #include "shell/panes/Panes.h"
 #include "shell/panes/StatusBar.h"
 #include "shell/program/Application.h"
-#include "shell/program/HostFolders.h"
 #include "shell/program/MainSettings.h"
 #include "shell/program/MenuTable.h"
 #include "shell/program/ProgramEnd.h"

@@ -111,6 +111,31 @@ TEST(HostFolders, AFolderListsAllThatIsInIt) {
   EXPECT_THROW(CreateHostFolder(folder / "none" + "/sub"), HostError);
 }
 
+TEST(HostFolders, ATreeIsRemovedAndNoLinkIsFollowed) {
+  const TempFolder folder;
+  CreateHostFolder(folder / "mine");
+  WriteText(folder / "mine/file", "abc");
+  CreateHostFolder(folder / "tree");
+  CreateHostFolder(folder / "tree/sub");
+  WriteText(folder / "tree/sub/file", "abc");
+  fs::create_directory_symlink(folder / "mine", folder / "tree/link");
+  RemoveHostTree(folder / "tree");
+  EXPECT_FALSE(HostPathIsTaken(folder / "tree"));
+  EXPECT_TRUE(HostFileExists(folder / "mine/file"));
+  RemoveHostTree(folder / "none");
+}
+
+TEST(HostFolders, OnlyALinkIsRemovedAsALink) {
+  const TempFolder folder;
+  WriteText(folder / "file", "abc");
+  fs::create_symlink(folder / "none", folder / "link");
+  EXPECT_TRUE(HostPathIsTaken(folder / "link"));
+  EXPECT_FALSE(HostPathIsTaken(folder / "none"));
+  for (const char* name : {"link", "file", "none"}) RemoveHostLink(folder / name);
+  EXPECT_FALSE(HostPathIsTaken(folder / "link"));
+  EXPECT_TRUE(HostPathIsTaken(folder / "file"));
+}
+
 TEST(HostFiles, TheKindOfAFileIsTold) {
   const TempFolder folder;
   WriteText(folder / "file", "abc");

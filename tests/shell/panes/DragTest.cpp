@@ -8,7 +8,6 @@
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "shell/panes/PaneDrops.h"
-#include "shell/program/HostFolders.h"
 #include "tests/support/WindowFixture.h"
 #include "toolkit/FileLists.h"
 #include "toolkit/Text.h"
