@@ -1,6 +1,7 @@
 #include "shell/commands/ViewCommands.h"
 
 #include "shell/window/MainWindow.h"
+#include "shell/window/ViewEntries.h"
 
 namespace sectorbox {
 
@@ -8,29 +9,24 @@ ViewCommands::ViewCommands(MainWindow& window) : window_(window) {
   for (const TextViewKind& kind : TextViews()) ConnectEntries(kind);
 }
 
-// The views use what this owns. While the program runs they are all gone, or about to go with it.
+// The views use what this object owns, so it deletes those that are still open.
 ViewCommands::~ViewCommands() {
   for (const QPointer<frmView>& view : views_) delete view;
 }
 
 template <typename Command>
 void ViewCommands::OnEntry(const std::string& entry, Command command) {
-  const bool exists = window_.findChild<QAction*>(QString::fromStdString(entry)) != nullptr;
-  if (exists) window_.OnCommand(entry.c_str(), command);
+  if (FindViewEntry(window_, entry) != nullptr) window_.OnCommand(entry.c_str(), command);
 }
 
-// The object names of a view's entries are the menu's stem and the view's name: mnuDiscMap,
-// mnuFileViewCat, mnuDirectoryCat. A view of which the menu tree has no entry is reached through
-// sbx alone.
 void ViewCommands::ConnectEntries(const TextViewKind& kind) {
-  const std::string name(kind.Name);
   if (kind.Subject == ViewSubject::kDisc) {
-    OnEntry("mnuDisc" + name, [this, &kind] { Launch(kind.Number, {}); });
+    OnEntry(DiscEntryOf(kind), [this, &kind] { Launch(kind.Number, {}); });
     return;
   }
-  OnEntry("mnuFileView" + name, [this, &kind] { LaunchOnRow(kind.Number); });
+  OnEntry(FileEntryOf(kind), [this, &kind] { LaunchOnRow(kind.Number); });
   if (kind.Subject != ViewSubject::kDirectory) return;
-  OnEntry("mnuDirectory" + name, [this, &kind] { LaunchOnNode(kind.DirectoryNumber); });
+  OnEntry(DirectoryEntryOf(kind), [this, &kind] { LaunchOnNode(kind.DirectoryNumber); });
 }
 
 void ViewCommands::LaunchOnRow(int number) {

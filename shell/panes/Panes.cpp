@@ -7,6 +7,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "shell/panes/PaneDrops.h"
+#include "shell/window/ViewEntries.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -328,17 +329,18 @@ void Panes::lvwDB_ColumnClick(int column) {
 }
 
 void Panes::UpdateFileMenu() {
-  static constexpr const char* kFileViews[] = {
-      "mnuFileViewText",     "mnuFileViewBasic",    "mnuFileViewDis", "mnuFileViewHex",
-      "mnuFileViewWordwise", "mnuFileViewTeletext", "mnuFileViewMode"};
-  static constexpr const char* kDirectoryViews[] = {"mnuFileViewCat", "mnuFileViewCatAll",
-                                                    "mnuFileViewEx", "mnuFileViewExAll"};
   const ListRow* item = CurrentItem();
   const bool directory = item != nullptr && item->IsDirectory();
-  for (const char* name : kFileViews) {
-    window_.Action(name)->setEnabled(item != nullptr && !directory);
+  const bool file = item != nullptr && !directory;
+  for (const TextViewKind& kind : TextViews()) {
+    QAction* entry = FindViewEntry(window_, FileEntryOf(kind));
+    if (entry == nullptr) continue;
+    // A view of any entry can show a directory too, but the menu offers it for files only.
+    entry->setEnabled(kind.Subject == ViewSubject::kDirectory ? directory : file);
   }
-  for (const char* name : kDirectoryViews) window_.Action(name)->setEnabled(directory);
+  for (const char* name : {"mnuFileViewTeletext", "mnuFileViewMode"}) {
+    window_.Action(name)->setEnabled(file);
+  }
 }
 
 void Panes::SelectAll() {
