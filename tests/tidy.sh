@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # clang-tidy over the files that changed last: what git doesn't have yet, then the files of the last
-# commit. A file that was clean is not checked again until it changes, or a header
-# of the tree that it includes, or .clang-tidy.
+# commit. A file that was clean is not checked again until it changes, or a header of the
+# tree that it includes, directly or through others, or .clang-tidy.
 #
 # Usage: tests/tidy.sh [--all] [--build FOLDER] [FILE...]
 #   --all     every source that FOLDER builds, without a limit of time (more than an hour)
@@ -25,7 +25,8 @@ done
 
 command -v clang-tidy >/dev/null || { echo "tidy: no clang-tidy: run ./setup test" >&2; exit 1; }
 [ -f "$build/compile_commands.json" ] || { echo "tidy: not configured: $build" >&2; exit 1; }
-export work=$build/tidy root=$PWD
+export work=$build/tidy root=$PWD tool
+tool=$(clang-tidy --version)
 mkdir -p "$work/clean"
 
 # clang can't read the precompiled headers of another compiler. Without them it also sees whether a
@@ -65,20 +66,27 @@ sources_of() {
   done | awk '!seen[$0]++'
 }
 
-# What the answer for a source depends on: the tool, its settings, the source, the headers of the tree
-# that it includes, and the header of its name with those that this one includes.
+# Prints the source and all headers of the tree that it includes, directly or through others. Includes
+# are written by the path from the top of the tree.
+files_of() {
+  awk 'function walk(path, line, lines, count, i) {
+         if (path in seen) return
+         seen[path] = 1
+         while ((getline line <path) > 0) {
+           if (line ~ /^#include "/) { split(line, lines, "\""); names[path, ++count] = lines[2] }
+           found[path] = 1
+         }
+         close(path)
+         if (path in found) print path
+         for (i = 1; i <= count; ++i) walk(names[path, i])
+       }
+       BEGIN { walk(ARGV[1]) }' "$1"
+}
+
+# What the answer for a source depends on: the tool, its settings, the source, and all headers of the
+# tree that it includes.
 key_of() {
-  local source=$1 header=${1%.cpp}.h
-  {
-    clang-tidy --version
-    cat .clang-tidy "$source"
-    for file in "$source" "$header"; do
-      [ -f "$file" ] || continue
-      sed -nE 's,^#include "(.*)".*,\1,p' "$file" | while read -r name; do
-        if [ -f "$name" ]; then cat "$name"; fi
-      done
-    done
-  } | sha256sum | cut -d ' ' -f 1
+  { echo "$tool"; cat .clang-tidy; files_of "$1" | xargs cat; } | sha256sum | cut -d ' ' -f 1
 }
 
 # Checks one source, or notes that there was no time for it.
@@ -99,7 +107,7 @@ check() {
   fi
   rm -f "$work/noise.$$"
 }
-export -f key_of check
+export -f files_of key_of check
 
 stop=$(($(date +%s) + ${TIDY_SECONDS:-240}))
 [ -z "$all" ] || stop=$(($(date +%s) + 1000000))
