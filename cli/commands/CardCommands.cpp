@@ -1,4 +1,4 @@
-// Cards: listing them, and work on a whole partition. Here DEVICE,P stands without "cf:".
+// Lists cards, and works on whole partitions. Here DEVICE,P is written without "cf:".
 
 #include <algorithm>
 #include <cstdio>
@@ -66,8 +66,8 @@ int RunScan(const CommandLine& line) {
   const CardScan scan = ScanCards(session.Open, sources, line.Has("non-adfs"));
   for (const std::string& row : scan.Rows) std::printf("%s\n", row.c_str());
   if (scan.Rows.empty()) session.Host.Note(kNoCardText);
-  // It is a failure if a device can't be opened that the call names. It is none for a device that
-  // the command has found on this machine.
+  // If the user has named a device that can't be opened, that is a failure. If the command has
+  // found the device itself on this machine, it isn't.
   return scan.AllOpened || line.Arguments.size() == kFirstWord ? kDone : kRefused;
 }
 
@@ -96,7 +96,7 @@ int RunRestore(const CommandLine& line) {
   line.Expect(3, 3);
   const std::string& file = line.Arguments[2];
   if (!HostFileExists(file)) throw Failure("File Not Found : " + file);
-  // A pipe has no length, so that nothing would be restored.
+  // A pipe has no length, so nothing would be restored from it.
   if (!HostFileIsPlain(file)) throw Failure(file + ": not a plain file");
   ImageSession session(line);
   Disc& disc = session.Open;

@@ -17,8 +17,7 @@ std::int32_t DriveOf(const std::string& word) {
   throw UsageError("DRIVE is 0, 1, 4 or 5");
 }
 
-// Gives the exit status of a command. An aborted one has shown no message, so its line comes from
-// here.
+// Gives the exit status of a command. An aborted command has shown no message, so this prints one.
 int EndOf(const CliLink& connection, bool done, const char* aborted = "Transfer Aborted") {
   if (!done && !connection.Host.MessageShown) std::fprintf(stderr, "%s\n", aborted);
   return done && !connection.Host.MessageShown ? kDone : kRefused;

@@ -38,7 +38,7 @@ std::string PortOf(const CommandLine& line) {
 }
 
 // The text with a blank for each line end, and without blanks around it. The BBC puts line ends
-// into its texts, which would spread a message over several lines.
+// into its texts. They would spread a message over several lines.
 std::string OnOneLine(std::string text) {
   for (char& c : text) {
     if (c == '\r' || c == '\n') c = ' ';

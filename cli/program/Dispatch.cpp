@@ -31,8 +31,8 @@ int Complain(int status, const char* what) {
   return status;
 }
 
-// UsageError for an option that the command doesn't take, even if another command takes it. To
-// leave out the file of -o without a word would be worse than an error.
+// UsageError for an option that the command doesn't take, even if another command takes it. An
+// error is better than a file of -o that is silently not written.
 void ExpectOptions(const CommandLine& line, const Command& command) {
   static constexpr std::array<std::string_view, 7> kEverywhere = {"help",
                                                                   "version",
@@ -98,7 +98,7 @@ int RunSbx(const std::vector<std::string>& words) {
   } catch (const std::bad_alloc&) {
     status = Complain(kRefused, "out of memory");
   } catch (const std::exception& error) {
-    // An exception of a library: this program always ends with a line and a status.
+    // A library has thrown an exception. The program still ends with a line and a status.
     status = Complain(kRefused, error.what());
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)

@@ -23,7 +23,7 @@ constexpr std::array<const char*, 7> kInstructions = {
     "*FX 7,4",
     "*FX 8,4",
     "*FX 2,1"};
-constexpr int kFirstTyped = 2;  // the user types the lines from here on at the BBC
+constexpr int kFirstTyped = 2;  // from this line on the user types the lines at the BBC
 
 }  // namespace
 

@@ -10,10 +10,10 @@ class QPushButton;
 
 namespace sectorbox {
 
-// What the two bootstrap dialogs share: what to type at the BBC, Go and Cancel.
-// Link::AbortRequested is the dialog's state: set means idle. The constructor sets it, so that
-// Cancel closes the dialog. Cancel during a send stops the send, and the dialog closes when the
-// send has ended. link outlives the dialog.
+// What the two bootstrap dialogs share: what to type at the BBC, Go and Cancel. The dialog keeps
+// its state in Link::AbortRequested: if it is set, the dialog is idle. The constructor sets it, so
+// that Cancel closes the dialog. Cancel during a send stops the send, and the dialog closes when
+// the send has ended. link outlives the dialog.
 class frmBootstrap : public QDialog {
  protected:
   // name is the dialog's object name, caption its title.

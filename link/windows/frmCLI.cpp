@@ -60,7 +60,7 @@ bool frmCLI::eventFilter(QObject* watched, QEvent* event) {
 void frmCLI::RunCommand() {
   const bool done = RunStarCommand(link_, ToBbc(txtCmd_->text()),
                                    [this](const std::string& text) { Insert(text); });
-  if (!done) return;  // the command stays, ready to be mended
+  if (!done) return;  // the command stays, so that the user can correct it
   txtCmd_->clear();
   Area().moveCursor(QTextCursor::End);
 }
@@ -69,11 +69,11 @@ void frmCLI::Insert(const std::string& text) {
   Area().AppendText(text, {});
   Area().Flush();
   Area().ensureCursorVisible();
-  // The wait for more of the output runs no events, so the area shows what is here first.
+  // No events run while the console waits for more output. So the area is painted now.
   Area().repaint();
 }
 
-// Where nothing is selected the clipboard keeps what it has.
+// If nothing is selected, the clipboard stays as it is.
 void frmCLI::mnuEditCopy_Click() {
   Area().copy();
 }

@@ -12,8 +12,8 @@ class QMenuBar;
 namespace sectorbox {
 
 // The BBC's prompt: Enter sends a command, and what the BBC prints stays here until the window
-// closes. The window doesn't connect: the server must be listening at the speed that stands. link
-// and search, which all text windows of the program share, outlive the window.
+// closes. The window doesn't connect: the server must be listening at the port's present speed.
+// link and search outlive the window. All text windows of the program share search.
 class frmCLI : public QDialog, public TextWindow {
  public:
   frmCLI(Link& link, TextSearch& search, QWidget* parent);
@@ -21,7 +21,8 @@ class frmCLI : public QDialog, public TextWindow {
 
  protected:
   void resizeEvent(QResizeEvent* event) override;
-  // Escape, which at a BBC ends whatever runs, doesn't close the window and lose its output.
+  // Escape doesn't close the window. At a BBC, Escape ends the running program, so users may press
+  // it here out of habit, and they would lose the output.
   void keyPressEvent(QKeyEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 

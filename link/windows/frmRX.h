@@ -30,7 +30,7 @@ class frmRX : public QDialog {
 
  protected:
   // While the transfer runs, Escape and the close box do what Abort does, so that no transfer goes
-  // on unseen.
+  // on without its dialog.
   void reject() override;
   void closeEvent(QCloseEvent* event) override;
 

@@ -12,8 +12,8 @@ namespace {
 constexpr qsizetype kMostCharacters = 32000;
 constexpr qsizetype kDroppedAtOnce = 4096;
 
-// Characters in the widget as the trace counts them: the widget keeps one for a line end, the trace
-// two.
+// The number of characters in the widget. A line end counts as two, though the widget keeps one
+// character for it.
 qsizetype LengthOf(const QPlainTextEdit& text) {
   return text.document()->characterCount() - 1 + text.blockCount() - 1;
 }

@@ -17,7 +17,7 @@ class frmTrace : public QWidget {
   void Append(const QString& text);
 
  Q_SIGNALS:
-  // The user closes the window, which goes away behind this signal.
+  // The user has closed the window. It is deleted after this signal.
   void Closed();
 
  protected:

@@ -40,8 +40,8 @@ void DirectoryCommands::mnuDirectoryNew() {
   panes_.Tree().editItem(node, 0);
 }
 
-// The node is removed also where the engine has refused; then F5 on the tree brings it back. After
-// an attempt on the root the whole tree is read again.
+// The node is removed even if the engine has refused. The user then brings it back with F5 on the
+// tree. After an attempt to delete the root the whole tree is read again.
 void DirectoryCommands::mnuDirectoryDelete() {
   DirNode* node = panes_.CurrentDirNode();
   if (node == nullptr) return;

@@ -87,9 +87,9 @@ void FileCommands::ApplyAddresses(int row) {
   ShowFreeSpace(disc);
 }
 
-// A delete may compact the disc. The directory and the rows then take their new sectors, so each
-// turn of the loop reads its sectors again. The rows keep their places, since the list is only
-// filled at the end.
+// A delete may compact the disc. The directory and the rows then have new sectors, so each turn of
+// the loop reads its sectors again. The rows keep their places, since the list is only filled at
+// the end.
 void FileCommands::mnuFileDelete() {
   if (panes_.CurrentItem() == nullptr) return;
   Disc& disc = window_.OpenDisc();

@@ -7,7 +7,7 @@ namespace sectorbox {
 class frmAbout;
 class MainWindow;
 
-// The Help menu. The program ships without a help file, which both help entries say.
+// The Help menu. The program has no help file. Both help entries tell the user so.
 class HelpCommands : public QObject {
  public:
   explicit HelpCommands(MainWindow& window);

@@ -17,8 +17,8 @@ LinkWindowHost::LinkWindowHost(MainWindow& window) : window_(window) {
   clock_.start();
 }
 
-// Where a modal dialog is up, a box belongs to that dialog: otherwise nobody could press its
-// button.
+// If a modal dialog is open, a box belongs to that dialog. Otherwise the user couldn't press the
+// box's button.
 QWidget* LinkWindowHost::BoxParent() const {
   QWidget* modal = QApplication::activeModalWidget();
   return modal != nullptr ? modal : static_cast<QWidget*>(&window_);
@@ -43,7 +43,7 @@ std::string LinkWindowHost::DateAndTime() {
 }
 
 void LinkWindowHost::ShowMessage(const std::string& text, const std::string& title) {
-  // Error texts of the BBC come this way, which are bytes. Our own words are plain ASCII.
+  // The BBC's error texts come this way. They are bytes of the BBC. Our own words are plain ASCII.
   ShowBox(BoxParent(), FromBbc(text), FromHost(title));
 }
 

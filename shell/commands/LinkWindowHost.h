@@ -12,7 +12,8 @@ namespace sectorbox {
 
 class MainWindow;
 
-// What the link wants from outside, given by the main window: ticks, boxes, frmRX and frmTrace.
+// Gives the link what it wants from outside, with the help of the main window: the options, boxes,
+// frmRX and frmTrace.
 class LinkWindowHost final : public LinkHost {
  public:
   explicit LinkWindowHost(MainWindow& window);

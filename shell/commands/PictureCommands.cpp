@@ -27,7 +27,7 @@ const ListRow* PictureCommands::CurrentItem() const {
   return window_.CurrentItem();
 }
 
-// Without its font the program doesn't go on at all. Fail keeps what isn't saved.
+// The program can't go on without its font. Fail keeps the disc's unsaved changes.
 void PictureCommands::mnuFileViewTeletext() {
   if (window_.CurrentItem() == nullptr) return;
   const auto font = LoadTeletextFont(JoinHostPath(fontFolder_, kTeletextFontFile));

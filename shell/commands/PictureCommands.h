@@ -23,7 +23,7 @@ class PictureCommands : public QObject, private CurrentRow {
   void SetFontFolder(const std::string& folder) { fontFolder_ = folder; }
 
  private:
-  // What the pictures ask at each drawing.
+  // The pictures call this at each drawing.
   const ListRow* CurrentItem() const override;
   void mnuFileViewTeletext();
   void mnuFileViewMode(int mode);

@@ -42,8 +42,8 @@ void ViewCommands::LaunchOnNode(int number) {
   Launch(number, target);
 }
 
-// Nothing but the window itself is touched after Show_File: the main window may have been closed
-// while the view ran.
+// The main window may be closed while the view runs. So nothing is used after Show_File, neither
+// this object nor the main window.
 void ViewCommands::Launch(int number, const ViewTarget& target) {
   std::erase_if(views_, [](const QPointer<frmView>& view) { return view.isNull(); });
   auto* view = new frmView(window_.OpenDisc(), shared_);

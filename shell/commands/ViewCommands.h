@@ -13,8 +13,8 @@ namespace sectorbox {
 class MainWindow;
 
 // The text views of the Disc, Directory and File menus. Each use makes a new window; earlier ones
-// stay open. They go by the current row and the current node, not by the selection, and show any
-// file in any way.
+// stay open. A view shows the current row or the current node, whatever is selected. Every view can
+// show every file.
 class ViewCommands : public QObject {
  public:
   explicit ViewCommands(MainWindow& window);

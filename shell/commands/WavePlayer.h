@@ -13,8 +13,8 @@ class WavePlayer {
   WavePlayer();
   ~WavePlayer();
 
-  // False if there is no such file, or no device to play it on. With wait it returns at the end of
-  // the sound, else at once.
+  // False if there is no such file, or no device to play it on. If wait is set, it returns at the
+  // end of the sound, else at once.
   bool Play(const std::string& path, bool wait);
 
  private:

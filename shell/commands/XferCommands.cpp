@@ -77,7 +77,7 @@ void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
   std::string fileName;
   if (!ReceiveImage(link_, drive, dataOnly, fileName)) return;
   if (!window_.Checked("mnuOptionsAutoLoad")) return;
-  // From here on the transfer changes the disc.
+  // From here on the command opens another disc, so it counts as a change.
   const CommandGuard::Running opening(window_.Guard(), CommandKind::kChange);
   OpenImage(window_.OpenDisc(), fileName);
 }
@@ -91,8 +91,8 @@ void XferCommands::ChooseCom(std::int16_t number) {
   SelectDevice();
 }
 
-// The port's settings stay as they are: a closed port makes the next transfer connect, and
-// connecting reads the tick.
+// This leaves the port's settings as they are. The next transfer finds the port closed, so it
+// connects, and it reads then which speed is ticked.
 void XferCommands::ChooseSpeed(std::int32_t speed) {
   for (const std::int32_t one : wire::kSpeeds) {
     window_.Action(SpeedEntry(one).c_str())->setChecked(one == speed);
@@ -110,7 +110,7 @@ void XferCommands::ShowDevices() {
   }
 }
 
-// A port without a device gets a name all the same, so that the message of its failure has one.
+// A port gets a name even if there is no device for it, so that an error message can name the port.
 void XferCommands::SelectDevice() {
   const std::string device = deviceOfPort_(comPort_);
   port_->SelectDevice(device.empty() ? "Com " + std::to_string(comPort_) : device);

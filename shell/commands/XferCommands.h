@@ -18,7 +18,7 @@ class ViewCommands;
 // The ADFS Xfer menu. It owns the program's one serial port and the state of its link.
 class XferCommands : public QObject {
  public:
-  // The path of the device that "Com 1" to "Com 4" stand for now, empty where there is none.
+  // Gives the path of the device that "Com 1" to "Com 4" stand for now. Empty if there is none.
   using DeviceOfPort = std::string (*)(std::int16_t number);
 
   // views holds the program's one search text; it outlives this.
@@ -27,10 +27,10 @@ class XferCommands : public QObject {
   // The number of the serial port: setting "ComPort".
   std::int16_t ComPort() const { return comPort_; }
   void SetComPort(std::int16_t port) { comPort_ = port; }
-  // For the start of the program, after the port's number was read: sets the line to "1200,N,8,1"
-  // and RTS handshaking. The port stays closed.
+  // The program calls this at its start, after it has read the port's number. It sets the line to
+  // "1200,N,8,1" and RTS handshaking. The port stays closed.
   void SetUpPort();
-  // For the end of the program: sends "Q" on an open port and closes it.
+  // The program calls this at its end. It sends "Q" on an open port and closes it.
   void ClosePort();
   // Closes the trace log, if one is open.
   void CloseTrace();

@@ -43,7 +43,8 @@ frmAddr::frmAddr(QWidget* parent)
 
 void frmAddr::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  // A window that comes back from an icon isn't used anew: what the user has typed so far stays.
+  // The window also gets this event when the user has minimised it and opens it again. Then the
+  // texts that the user has typed stay.
   if (event->spontaneous()) return;
   txtLoad_->setText(FromBbc(LoadText));
   txtExec_->setText(FromBbc(ExecText));

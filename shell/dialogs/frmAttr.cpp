@@ -33,7 +33,8 @@ frmAttr::frmAttr(QWidget* parent)
 
 void frmAttr::showEvent(QShowEvent* event) {
   QDialog::showEvent(event);
-  // A window that comes back from an icon isn't used anew: what the user has ticked so far stays.
+  // The window also gets this event when the user has minimised it and opens it again. Then the
+  // ticks that the user has set stay.
   if (event->spontaneous()) return;
   chkRead_->setChecked(AttrRead);
   chkWrite_->setChecked(AttrWrite);
@@ -41,8 +42,8 @@ void frmAttr::showEvent(QShowEvent* event) {
   chkRead_->setFocus();
 }
 
-// A box in its third state, if a style has one, counts as ticked for Locked and as not ticked for
-// the others: one lock too many is better than one too few.
+// If a check box is in a third state, it counts as ticked for Locked and as not ticked for the
+// others, because a lock too many does less harm than a lock too few.
 void frmAttr::cmdOK_Click() {
   AttrRead = chkRead_->checkState() == Qt::Checked;
   AttrWrite = chkWrite_->checkState() == Qt::Checked;

@@ -13,8 +13,8 @@ class frmAttr : public QDialog {
   bool AttrRead = false;
   bool AttrWrite = false;
   bool AttrLocked = false;
-  // OK sets it, Cancel clears it. Nothing clears it when the dialog opens, so the close box leaves
-  // it as the last use left it.
+  // OK sets it, Cancel clears it. Nothing clears it when the dialog opens, so after the close box
+  // it has the value of the last use.
   bool DialogAccepted = false;
 
   void cmdOK_Click();

@@ -9,9 +9,9 @@ class QProgressBar;
 
 namespace sectorbox {
 
-// The progress of a copy from or to the whole disc. While it is up the user can use no other
-// window. Making it sets the disc's flag ProgressRunning; Abort clears the flag, which the copy
-// tests after each sector.
+// The progress of a copy from or to the whole disc. While it is open the user can use no other
+// window. The constructor sets the disc's flag ProgressRunning. Abort clears the flag. The copy
+// tests it after each sector.
 class frmSave : public QDialog {
  public:
   frmSave(QWidget* parent, Disc& disc);
@@ -20,7 +20,7 @@ class frmSave : public QDialog {
   void Show(const QString& line, double percent);
 
  protected:
-  // Escape and the close box do what Abort does. The dialog goes at the end of the copy.
+  // Escape and the close box do what Abort does. The dialog closes when the copy has ended.
   void reject() override;
   void closeEvent(QCloseEvent* event) override;
 

@@ -6,7 +6,8 @@
 
 namespace sectorbox {
 
-// "Set Directory Title" of one directory. Any text goes; the disc cuts what it can't hold.
+// "Set Directory Title" of one directory. The user may type any text; the disc keeps as much of it
+// as it can hold.
 class frmTitle : public QDialog {
  public:
   // title is the directory's title as it stands, in the BBC's bytes.

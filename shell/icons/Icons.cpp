@@ -2,8 +2,8 @@
 
 #include <QString>
 
-// Qt finds the drawings of a static library only after this, which must stand outside of
-// namespaces.
+// Qt finds the drawings of a static library only after this call. The call must stand outside of
+// all namespaces.
 static void RegisterDrawings() {
   Q_INIT_RESOURCE(icons);
 }

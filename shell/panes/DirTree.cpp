@@ -27,7 +27,7 @@ DirNode::DirNode(const std::string& text, std::int32_t tag) : Tag(tag) {
   QTreeWidgetItem::setIcon(0, NodeIcon(false));
   Qt::ItemFlags all =
       Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
-  // No directory has an entry for the root that could be renamed.
+  // The root can't be renamed, because no directory has an entry for it.
   if (tag != format::kRootSector) all |= Qt::ItemIsEditable;
   setFlags(all);
 }
@@ -130,16 +130,16 @@ void DirTree::dropEvent(QDropEvent* event) {
   SetDropHighlight(nullptr);
 }
 
-// The right button pops up the menu for what is current. It selects nothing. A press with the left
-// button doesn't change the current directory yet: the click changes it when the button is
-// released, so that a drag that begins on another node still takes the current directory.
+// The right button opens the menu for the current directory. It selects nothing. The left button
+// changes the current directory only when the user releases it. So a drag that begins on another
+// node still takes the current directory.
 void DirTree::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) {
     event->accept();
     Q_EMIT MenuWanted(event->globalPosition().toPoint());
     return;
   }
-  // A press beside all nodes doesn't take the mark off the current node.
+  // A press on the empty part of the pane leaves the current node marked.
   if (itemAt(event->position().toPoint()) == nullptr) {
     event->accept();
     return;
@@ -163,7 +163,7 @@ void DirTree::mouseReleaseEvent(QMouseEvent* event) {
   QTreeWidget::mouseReleaseEvent(event);
 }
 
-// mousePressEvent serves the mouse; this serves the menu key of the keyboard.
+// This is for the menu key of the keyboard. The mouse comes to mousePressEvent.
 void DirTree::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
   if (event->reason() != QContextMenuEvent::Mouse) {
@@ -171,8 +171,8 @@ void DirTree::contextMenuEvent(QContextMenuEvent* event) {
   }
 }
 
-// The column is as wide as its longest path of names, so that deep trees scroll, but never narrower
-// than the pane, so that a selected row is marked over its whole width.
+// The column is as wide as its widest row, so that the user can scroll to the end of every row. It
+// is at least as wide as the pane, so that the mark of a selected row reaches over the whole pane.
 void DirTree::resizeEvent(QResizeEvent* event) {
   header()->setMinimumSectionSize(viewport()->width());
   QTreeWidget::resizeEvent(event);

@@ -43,7 +43,7 @@ class DirTree : public QTreeWidget {
   DirNode* DropHighlight() const { return highlight_; }
   void SetDropHighlight(DirNode* node);
 
-  // What the user does on this pane.
+  // The user has done this on the pane.
  Q_SIGNALS:
   void NodeClicked(DirNode* node);  // with the mouse or by moving with the keys
   void NodeToggled(DirNode* node, bool expanded);

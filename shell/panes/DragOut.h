@@ -9,13 +9,13 @@
 #include "disc/catalogue/Catalogue.h"
 #include "disc/store/Disc.h"
 
-// Dragging things out of the panes. What is on a disc is no host file, so a drag first writes what
-// it takes to a new folder of the host, with sidecars, and then offers the paths.
+// Dragging things out of the panes. The objects on a disc are no host files. So a drag first writes
+// the objects to a new folder of the host, with sidecars, and then offers their paths.
 namespace sectorbox {
 
 // Below the temporary folder T each drag makes one folder, T + "adfs_temp/temp_N". The next start
-// of the program removes these folders, and nothing does before. T + "drag.log" has a line for each
-// path of the last drag. It stays, so that a user can look up what a drag did.
+// of the program removes these folders. T + "drag.log" has a line for each path of the last drag.
+// It stays, so that a user can look up what a drag did.
 class DragOut {
  public:
   // tempFolder ends with a separator.
@@ -25,7 +25,7 @@ class DragOut {
   std::int16_t DragFileCount = 0;
   std::int16_t DragFolderCount = 0;  // next number of a drag folder
 
-  // A path for a folder, at which there is nothing yet. Doesn't make the folder.
+  // Gives a path for a new folder, where nothing is yet. Doesn't make the folder.
   [[nodiscard]] std::string temp_root();
 
   // Each writes its part below a folder of its own, writes the log, and gives the paths to offer,

@@ -126,7 +126,7 @@ void FileList::SetMode(ListLook mode) {
   setWrapping(mode != ListLook::kReport);
   setIconSize(large ? QSize(kLargeIcon, kLargeIcon) : QSize(kSmallIcon, kSmallIcon));
   setGridSize(GridOf(mode, fontMetrics()));
-  // IconMode turns these off.
+  // Qt's IconMode turns these off. This turns them on again.
   setDragEnabled(true);
   setAcceptDrops(true);
   viewport()->setAcceptDrops(true);
@@ -195,8 +195,7 @@ void FileList::startDrag(Qt::DropActions) {
   Q_EMIT DragWanted();
 }
 
-// The pane takes every list of files, wherever the pointer is: a drop goes to the directory that is
-// shown.
+// The pane takes files at every point: a drop goes to the directory that is shown.
 void FileList::dragEnterEvent(QDragEnterEvent* event) {
   if (!event->mimeData()->hasUrls()) return;
   event->setDropAction(Qt::CopyAction);
@@ -215,7 +214,7 @@ void FileList::dropEvent(QDropEvent* event) {
   Q_EMIT Dropped(*event->mimeData());
 }
 
-// The right button pops up the menu for what is current. It selects nothing.
+// The right button opens the menu for the current row. It selects nothing.
 void FileList::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) {
     event->accept();
@@ -238,8 +237,8 @@ void FileList::mouseReleaseEvent(QMouseEvent* event) {
   QListView::mouseReleaseEvent(event);
 }
 
-// Qt's own handling comes first: it calls off the in-place edit that the first click on a selected
-// row has set going.
+// Qt's own handling comes first: the first click on a selected row has started the timer of an
+// in-place edit, and Qt stops that timer here.
 void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
   quiet_ = true;
   QListView::mouseDoubleClickEvent(event);
@@ -248,7 +247,7 @@ void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && index.isValid()) Q_EMIT RowDoubleClicked(index.row());
 }
 
-// mousePressEvent serves the mouse; this serves the menu key of the keyboard.
+// This is for the menu key of the keyboard. The mouse comes to mousePressEvent.
 void FileList::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
   if (event->reason() != QContextMenuEvent::Mouse) {
@@ -264,7 +263,7 @@ void FileList::focusInEvent(QFocusEvent* event) {
   quiet_ = false;
 }
 
-// Moving with the keys makes a row current as a click does.
+// When the user moves with the keys, the row becomes current, as after a click.
 void FileList::currentChanged(const QModelIndex& current, const QModelIndex& previous) {
   QListView::currentChanged(current, previous);
   if (!quiet_ && current.isValid()) Q_EMIT RowClicked(current.row());

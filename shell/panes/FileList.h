@@ -13,9 +13,9 @@ namespace sectorbox {
 
 enum class ListLook { kReport, kLargeIcons, kList, kSmallIcons };
 
-// lvwDB: the entries of one directory, in four view modes. It is one list widget in all of them, so
-// selection, editing and dragging are the same everywhere; in the report mode it wears a heading
-// and paints all seven columns of a row below it.
+// lvwDB: the entries of one directory, in four view modes. All modes use this one list widget, so
+// selection, editing and dragging are the same in each. In the report mode it has a heading, and it
+// paints all seven columns of each row below the heading.
 class FileList : public QListView {
   Q_OBJECT
 
@@ -26,7 +26,8 @@ class FileList : public QListView {
   QHeaderView* Header() { return header_; }
   ListLook Mode() const { return mode_; }
   void SetMode(ListLook mode);
-  // The width of a column in twips; forgets what the user dragged it to.
+  // Sets the width of a column in twips. It forgets the width that the user has dragged the column
+  // to.
   void SetColumnWidth(int column, double twips);
   // Widens the columns whose texts would be cut. A column that the user dragged stays as it is.
   void FitColumns();
@@ -35,10 +36,10 @@ class FileList : public QListView {
   // Starts the in-place edit of a row's name.
   void EditName(int row);
 
-  // For the delegate: where column's cell lies in a row painted at rowRect.
+  // The delegate asks this: where the column's cell lies in a row that is painted at rowRect.
   [[nodiscard]] QRect CellRect(const QRect& rowRect, int column) const;
 
-  // What the user does on this pane.
+  // The user has done this on the pane.
  Q_SIGNALS:
   void RowClicked(int row);  // with the mouse or by moving with the keys
   void RowDoubleClicked(int row);

@@ -10,7 +10,8 @@
 namespace sectorbox {
 namespace {
 
-// A column after all that a heading can name: the place of a row in the old order.
+// Gives the rows in the order of a column's texts, each row as its place in rows. Rows with equal
+// texts keep their order.
 std::vector<std::size_t> SortedOrder(const std::vector<ListRow>& rows, int column,
                                      Qt::SortOrder order) {
   std::vector<std::size_t> places(rows.size());

@@ -4,9 +4,10 @@
 
 namespace sectorbox {
 
-// In-place editing of a name. The editor never writes the edited text into the pane: it tells the
-// text by Edited, and the listener asks the disc and then shows what the disc made of it. An edit
-// that leaves the text as it was, or that ends with Escape, tells nothing.
+// In-place editing of a name. The editor never writes the edited text into the pane. It emits
+// Edited with the text. The listener then renames the entry on the disc and shows the name that the
+// disc has now. If the user leaves the text as it was, or ends the edit with Escape, nothing is
+// emitted.
 class NameEditor : public QStyledItemDelegate {
   Q_OBJECT
 

@@ -1,5 +1,5 @@
-// The keys, pop-up menus and toolbar of the panes: each leads to a menu entry or to an operation of
-// the panes.
+// The keys, pop-up menus and toolbar of the panes. Each of them runs a menu entry or an operation
+// of the panes.
 
 #include <QKeyEvent>
 #include <QMenu>

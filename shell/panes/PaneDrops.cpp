@@ -14,7 +14,7 @@
 namespace sectorbox {
 namespace {
 
-// The pointer carries the picture of a file or of a folder, as the first path is.
+// During the drag the pointer shows a file or a folder, whichever the first path is.
 void ShowDragged(QDrag& drag, const std::string& first) {
   constexpr int kSide = 32;
   const QIcon icon = LoadIcon(HostFolderExists(first) ? "closed" : "leaf");
@@ -22,8 +22,8 @@ void ShowDragged(QDrag& drag, const std::string& first) {
   drag.setHotSpot({kSide / 4, kSide / 4});
 }
 
-// Adds the paths one by one until one is refused. folder becomes true once a folder was among them,
-// also where the host then refuses it.
+// Adds the paths one by one until one is refused. folder becomes true when a folder is among them,
+// even if the host then refuses that folder.
 void AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths, bool& folder) {
   const TrackedSector target(disc, sector);
   for (const auto& path : paths) {
@@ -97,7 +97,8 @@ void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
   try {
     AddAll(disc, panes.CurrentSector(), PathsOf(data), folder);
   } catch (const HostError&) {
-    // What came before the path that the host refused is on the disc: the panes show it.
+    // The host has refused a path. The paths before it are on the disc already, so the panes show
+    // them.
     follow();
     throw;
   }

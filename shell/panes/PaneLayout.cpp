@@ -92,8 +92,8 @@ void PaneLayout::StartMoving() {
   SplitterMoving = true;
 }
 
-// The bar goes nearer to the edges than the layout allows. When the user releases it there, the
-// border snaps back to the layout's limit.
+// The user can drag the bar nearer to the edges than the layout allows. When the user releases it
+// there, the border goes back to the layout's limit.
 void PaneLayout::MoveTo(double pointerX) {
   if (!SplitterMoving) return;
   const double wanted = splitterLeft_ + pointerX;

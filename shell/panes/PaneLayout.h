@@ -9,8 +9,8 @@
 
 namespace sectorbox {
 
-// imgSplitter: the invisible strip between the panes by which their border is dragged. Positions
-// are twips from the strip's own left edge.
+// imgSplitter: the invisible strip between the panes. The user drags it to move their border.
+// Positions are twips from the strip's own left edge.
 class SplitterStrip : public QWidget {
   Q_OBJECT
 
@@ -38,9 +38,9 @@ class PaneLayout : public QWidget {
   FileList& List() { return *lvwDB_; }
   QToolBar& Bar() { return *tbToolBar_; }
 
-  // Lays out tree, border and list for a tree that is x twips wide; x comes back as the width that
-  // it could have: at least 3000, but then at most the window's width less 3000. In a window
-  // narrower than 6000 the second rule wins.
+  // Lays out tree, border and list for a tree that is x twips wide. x becomes the width that the
+  // tree has got: at least 3000, and at most the window's width less 3000. In a window narrower
+  // than 6000 the second rule holds.
   void SizeControls(double& x);
   // The layout after the window changed its size.
   void Form_Resize();

@@ -15,9 +15,10 @@ namespace {
 
 constexpr std::array<double, kColumns> kColumnTwips = {1200, 700, 500, 1000, 1000, 1000, 1000};
 
-// Hides the tree and blocks its signals: a hidden tree doesn't lay itself out for each node. At the
-// end the tree gets the focus back if it had the focus of its window, also where the window isn't
-// active yet: at the start of the program the window may become active at any time.
+// Hides the tree and blocks its signals: a hidden tree doesn't lay itself out for each node. If the
+// tree had the focus of its window, it gets the focus back at the end. This doesn't depend on
+// whether the window is active: at the start of the program the window may become active at any
+// time.
 class HiddenTree {
  public:
   explicit HiddenTree(DirTree& tree) : tree_(tree), focus_(tree.window()->focusWidget() == &tree) {
@@ -107,7 +108,8 @@ void Panes::ConnectList() {
   list.viewport()->installEventFilter(this);
 }
 
-// The drag itself is no command: a drop on a pane of this window arrives while the drag runs.
+// The guard doesn't count the drag as a running command, because a drop on a pane of this window
+// comes while the drag runs, and it has to start.
 void Panes::Drag(QWidget& source, std::vector<std::string> (*exportFiles)(Panes& panes)) {
   std::vector<std::string> paths;
   (void)window_.Start(CommandKind::kChange, [&] {
@@ -156,7 +158,7 @@ DirNode& Panes::FillTree() {
   return *root;
 }
 
-// Leaves no row of the former disc, which a command would take for one of the new disc.
+// Clears the list, so that no command takes a row of the former disc for a row of the new one.
 void Panes::EmptyPanes() {
   CurrentItem_ = QPersistentModelIndex();
   List().Model().SetRows({});
@@ -304,8 +306,8 @@ void Panes::ShowRowPath(int row) {
   window_.SetPanel2(FromBbc(CurrentDirPath() + "." + item.Name()));
 }
 
-// A double click opens directories and nothing else: there are many views of a file, so a view
-// stays a menu command. This finds the row's node by its name.
+// A double click opens a directory. It doesn't open a file, because a file has many views, and the
+// user chooses one in the menu. This finds the row's node by its name.
 void Panes::lvwDB_DblClick(int row) {
   lvwDB_ItemClick(row);
   if (CurrentNode_ == nullptr) return;

@@ -12,9 +12,9 @@
 
 namespace sectorbox {
 
-// The two panes at work: what a click or a key does, what is current, and how they follow the disc.
-// There is no catalogue in memory beside them: a command finds its target through the current node
-// and the current row and goes back to the disc by sector and by name.
+// The two panes: what a click or a key does, what is current, and how the panes follow the disc.
+// There is no catalogue in memory. A command finds its target through the current node and the
+// current row, and then reads the disc again by sector and by name.
 class Panes : public PaneLayout {
   Q_OBJECT
 
@@ -25,17 +25,17 @@ class Panes : public PaneLayout {
   // --- Following the disc ----------------------------------------------------------------------
   // Sets the seven headings and their widths, and sorts by name again.
   void MakeRootColumns();
-  // Fills tree and list anew; the root is current afterwards. Events run meanwhile, but the guard
-  // lets no command start in them. A disc that can't be read (HostError) leaves both panes empty.
+  // Fills tree and list anew. The root is current afterwards. Events run meanwhile, but the guard
+  // lets no command start in them. If the disc can't be read (HostError), both panes are empty
+  // afterwards.
   void RebuildTree();
-  // Fills the list from the current directory and makes its first row current. A directory that
-  // can't be read (HostError) leaves the list empty.
+  // Fills the list from the current directory and makes its first row current. If the directory
+  // can't be read (HostError), the list is empty afterwards.
   void GetRootTitles();
-  // The directories that a compaction moved: nodes and rows take the new sectors.
+  // A compaction has moved directories: nodes and rows take the new sectors.
   void FollowMoves(const std::map<std::int32_t, std::int32_t>& moves);
   void SetTreeReady() { TreeReady = true; }
-  // Adds the node of a directory that has just come into being below the current one, and makes it
-  // current.
+  // Adds a node for a new directory in the current one, and makes that node current.
   DirNode* AddNode(const std::string& name, std::int32_t sector);
   // Adds a node below the target for each subdirectory that it has, whether or not the tree shows
   // that subdirectory already.
@@ -60,8 +60,8 @@ class Panes : public PaneLayout {
   void UpdateFileMenu();
   // Panel 2: the path of the current row.
   void ShowRowPath(int row);
-  // Takes a node out of the tree; the tree's selected node becomes current. Where the selected node
-  // goes with it, the next node beside it is selected, else the one before, else its parent.
+  // Takes a node out of the tree. The tree's selected node becomes current. If the selected node is
+  // taken out too, the next node beside it is selected, else the one before, else its parent.
   void RemoveNode(DirNode& node);
   void SelectAll();
 
@@ -71,8 +71,8 @@ class Panes : public PaneLayout {
 
  protected:
   // The keys of both panes. While the guard lets no small step start, the panes take no input at
-  // all: a click would change the selection that a command is working through. While it lets no
-  // change start they take no drops.
+  // all, because a click would change the selection that a command is working on. While the guard
+  // lets no change start, the panes take no drops.
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -87,7 +87,8 @@ class Panes : public PaneLayout {
   void EmptyPanes();
   void NodeToggled(DirNode& node, bool expanded);
   void GoUp();
-  // Exports with exportFiles, and then drags what it gives from the source, until the user lets go.
+  // Exports with exportFiles, and then runs a drag of the paths that it gives, until the user
+  // releases the button.
   void Drag(QWidget& source, std::vector<std::string> (*exportFiles)(Panes& panes));
   bool SwallowInput(QEvent& event);
   // Each is true if the pane took the key.

@@ -7,9 +7,9 @@
 
 namespace sectorbox {
 
-// Writes the row's file, or its directory with everything in it, to hostPath, with its sidecar.
-// Throws a HostError that names hostPath for a length that no file of the BBC can have (above
-// 0x7FFFFFFF).
+// Writes the row's file, or its directory with everything in it, to hostPath, with its sidecar. If
+// the length is one that no file of the BBC can have (above 0x7FFFFFFF), it throws a HostError that
+// names hostPath.
 void ExportRow(Disc& disc, const ListRow& row, const std::string& hostPath);
 
 }  // namespace sectorbox

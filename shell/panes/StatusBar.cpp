@@ -23,7 +23,7 @@ QString ShortTime(const QTime& time) {
   return QLocale().toString(time, pattern);
 }
 
-// Names on a disc may look like markup, which a tool tip would take for markup.
+// A name on a disc may look like HTML. This keeps a tool tip from showing it as HTML.
 QString AsToolTip(const QString& text) {
   return Qt::mightBeRichText(text) ? text.toHtmlEscaped() : text;
 }
@@ -94,7 +94,8 @@ void StatusBar::SetPath(const QString& text) {
 }
 
 void StatusBar::SetNote(const QString& text) {
-  // Both ends of the line are worth reading: the first names the thing, the last the reason.
+  // The line is cut in its middle, because both ends matter: the start names the thing, the end
+  // tells the reason.
   ShowInPanel2(text, Qt::ElideMiddle, true);
 }
 

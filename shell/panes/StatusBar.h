@@ -6,7 +6,8 @@
 
 namespace sectorbox {
 
-// A label that shortens its text with an ellipsis instead of forcing its width on the window.
+// A label that shortens its text with an ellipsis, so that a long text doesn't make the window
+// wider.
 class Panel : public QLabel {
  public:
   Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent);
@@ -28,8 +29,8 @@ class StatusBar : public QStatusBar {
 
   void SetText(const QString& text);  // panel 1
   void SetPath(const QString& text);  // panel 2, which takes up the spare width
-  // A line about what happened, also in panel 2. The other panels are hidden until the next path:
-  // in a small window they would leave the line room for a word or two.
+  // A line about what happened, also in panel 2. The other panels are hidden until the next path,
+  // because in a small window they would leave no room for the line.
   void SetNote(const QString& text);
 
  private:

@@ -9,9 +9,9 @@ namespace sectorbox {
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
   setApplicationName(QStringLiteral("Sectorbox"));
   setDesktopFileName(QStringLiteral("sectorbox"));
-  // For every window: the views have no parent that they could take the icon from.
+  // This icon is for every window. The views have no parent window whose icon they could use.
   setWindowIcon(LoadIcon("sectorbox"));
-  // The program ends when its main window says so.
+  // The program doesn't end when the last window closes. The main window ends it.
   setQuitOnLastWindowClosed(false);
 }
 

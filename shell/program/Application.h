@@ -5,10 +5,11 @@
 
 namespace sectorbox {
 
-// The application object. A failure that reaches the event loop, from whichever window, goes to
-// Failed. The main window listens, and tells it as it tells those of its own commands: a failure of
-// the host is a box and the program goes on, anything else ends it by way of frmMain::Fail. While
-// nobody listens the failure goes on to whoever runs the event loop.
+// The application object. It catches each exception that reaches the event loop from any window,
+// and emits Failed. The main window listens to Failed and treats the exception like one of its own
+// commands: after a HostError it shows a box and the program goes on; any other exception ends the
+// program through frmMain::Fail. If nobody listens to Failed, the exception is thrown on to the
+// code that runs the event loop.
 class Application : public QApplication {
   Q_OBJECT
 

@@ -53,8 +53,8 @@ void LoadSettings(frmMain& window) {
   window.Xfer().SetComPort(store.GetInt16("ComPort", 1));
   const std::int16_t speed = store.GetInt16("BaudRate", wire::kDefaultSpeed);
   CheckPort(window, window.Xfer().ComPort());
-  // The line itself starts at 1200 whatever the setting says: the speed is only a check mark until
-  // a transfer raises the line to it.
+  // The line itself starts at 1200, whatever the setting is. Until a transfer raises the line to
+  // the chosen speed, that speed is only a check mark.
   window.Xfer().SetUpPort();
   CheckSpeed(window, speed);
   for (const auto& flag : kFlags) {

@@ -19,7 +19,7 @@ struct MenuEntry {
   const char* Name;    // the object name of its QAction (and of its QMenu)
   const char* Caption;
   MenuKind Kind = kCommand;
-  bool StartsDisabled = false;              // driven by UpdateFileMenu
+  bool StartsDisabled = false;              // Panes::UpdateFileMenu enables it
   CommandKind Runs = CommandKind::kChange;  // what the guard takes the entry's command for
 };
 

@@ -14,7 +14,8 @@ double SystemHooks::Seconds() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-// A turn of the events with a rest, so that waiting for the splash doesn't keep a processor busy.
+// Handles events and then rests for a moment, so that the wait for the splash doesn't keep a
+// processor busy.
 void SystemHooks::Pump() {
   QEventLoop loop;
   QTimer::singleShot(20, &loop, &QEventLoop::quit);

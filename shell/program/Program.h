@@ -8,8 +8,8 @@
 
 namespace sectorbox {
 
-// What the start of the program takes from the system, so that a test can do without four seconds
-// and without ending.
+// What the start of the program takes from the system. A test gives other hooks, so that it doesn't
+// wait for four seconds and doesn't end.
 class StartHooks : public ProgramEnd {
  public:
   // A clock of any origin, in seconds with fractions.
@@ -30,7 +30,7 @@ class SystemHooks : public StartHooks {
 
 // The one way into the program: the splash, then the main window. Between the splash's end and the
 // main window's load there is nothing on the screen. disc, host and hooks outlive the window. Gives
-// null if the program must not go on: the user has been told, and EndProgram was called.
+// null if the program must not go on. A box has told the user then, and EndProgram was called.
 [[nodiscard]] std::unique_ptr<frmMain> StartProgram(Disc& disc, WindowHost& host, StartHooks& hooks,
                                                     const std::string& commandLine);
 

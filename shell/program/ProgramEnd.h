@@ -2,12 +2,13 @@
 
 namespace sectorbox {
 
-// How the program ends. The program's own ends the process; a test's notes the call.
+// Ends the program. The program's own class ends the process. The class of the tests only notes the
+// call.
 class ProgramEnd {
  public:
   virtual ~ProgramEnd() = default;
 
-  // Ends the program with that status at once, without a turn for other windows.
+  // Ends the program with that status at once. Other windows get no more events.
   virtual void EndProgram(int status) = 0;
 };
 

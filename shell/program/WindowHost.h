@@ -12,8 +12,8 @@ namespace sectorbox {
 class frmMain;
 class frmSave;
 
-// Gives the disc engine what it wants from outside, by way of the main window. It is made before
-// the disc and the window. While no window is attached its answers are harmless and it shows
+// Gives the disc engine what it wants from outside, with the help of the main window. It is made
+// before the disc and the window. While no window is attached its answers are harmless and it shows
 // nothing.
 class WindowHost : public DiscHost {
  public:
@@ -26,8 +26,8 @@ class WindowHost : public DiscHost {
   // The drives that may hold a card. The disc's device looks its drive letters up here.
   CardDrives Drives;
 
-  // The host keeps the last Note until somebody takes it. This shows it once more, after something
-  // else has stood in its place; it does nothing if there is none.
+  // The host keeps the last Note until TakeNote. This shows it once more, after another text has
+  // taken its place. It does nothing if there is no Note.
   void ShowNoteAgain();
   // Gives the kept note, empty if there is none, and forgets it.
   [[nodiscard]] std::string TakeNote() { return std::exchange(note_, {}); }

@@ -74,7 +74,7 @@ void frmMain::MakeMenus() {
       menus.insert(name, menu);
       action = menu->menuAction();
     } else {
-      // Qt would draw a line with a caption as the heading of a section.
+      // A separator gets no caption, because Qt would draw it as the heading of a section.
       action = new QAction(entry.Kind == kSeparator ? QString() : caption, this);
       action->setCheckable(entry.Kind == kCheck);
       action->setSeparator(entry.Kind == kSeparator);
@@ -127,8 +127,8 @@ StartResult frmMain::Start(CommandKind kind, const std::function<void()>& work) 
 }
 
 void frmMain::Guarded(const std::function<void()>& work) {
-  // Where an event has brought us here from inside another guarded piece, the note of that piece
-  // comes back after ours.
+  // An event may call this function while an outer call of it runs. The outer call's note is taken
+  // now, and is kept again at the end if this call has none of its own.
   const std::string outer = host_.TakeNote();
   ++pieces_;
   RunGuarded(work);
@@ -247,9 +247,11 @@ void frmMain::QuerySaveAtExit() {
   if (disc_.ImageChanged) ++refusedSaves_;
 }
 
-// Where the user wanted to save and the host took the changes nowhere, they go to the recovery
-// file. The changes of a .dat or a card are on the medium already, but for its last blocks, which
-// are written when it is closed. The boot option changes such a block without setting ImageChanged.
+// If the user wanted to save and the host refused, the changes go to the recovery file. The changes
+// of a .dat or a card are on the medium already, except those in its last two blocks. CloseFile
+// writes these. If ImageChanged is set, the question has called CloseFile already, and it has
+// failed. If ImageChanged isn't set, there may still be a block to write, because the boot option
+// changes a block without setting it.
 void frmMain::KeepOrCloseDisc() {
   if (disc_.TheDisc.InMemory()) {
     const QString kept = KeepUnsavedDisc(disc_);

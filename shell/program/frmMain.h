@@ -25,15 +25,15 @@ class WindowHost;
 class XferCommands;
 
 // The main window: the hub of the program. It makes the menus, owns the panes and the command
-// classes, and holds what belongs to the window. What a command does stands in the command classes,
-// one for each menu, which connect themselves to the entries by name (OnCommand).
+// classes, and holds what belongs to the window. The commands themselves are in the command
+// classes, one class for each menu. Each class connects itself to its entries by their names
+// (OnCommand).
 //
 // disc, host and end outlive the window. Between construction and Load nothing is shown and no disc
 // is open; Load is the second half of the program's start.
 //
-// Closing the window ends the program. Where the guard says that the program must not end now,
-// because a command is at work on the disc, the close is refused and made up for at that command's
-// end.
+// Closing the window ends the program. If a command is at work on the disc, the guard doesn't let
+// the program end. The window then refuses to close, and closes when that command has ended.
 class frmMain : public MainWindow {
   Q_OBJECT
 
@@ -67,8 +67,8 @@ class frmMain : public MainWindow {
   // pointer and shows "Ready". Caption and path are brought up to date.
   void SetStatus(const QString& text, bool busy);
   void SetPanel2(const QString& text) override;
-  // A line of what happened, in panel 2 and over the whole bar until the next path; on standard
-  // error once the window is closing.
+  // Shows a line about what happened, in panel 2, over the whole bar until the next path. While the
+  // window is closing, the line also goes to standard error.
   void ShowNote(const std::string& line);
   void RefreshCaption() override;
 
@@ -82,9 +82,9 @@ class frmMain : public MainWindow {
   void RunGuarded(const std::function<void()>& work);
   void TellFailure(const std::exception_ptr& failure);
   void OpenFromCommandLine(const std::string& commandLine);
-  // At the end of the program: the question about unsaved changes, if there are any. A save that
-  // the host refused is told and asked about again, but only once; Form_Unload keeps what is then
-  // still unsaved.
+  // At the end of the program: the question about unsaved changes, if there are any. If the host
+  // refuses the save, a box tells the user, and the question comes once more. If the changes are
+  // still unsaved then, Form_Unload keeps them.
   void QuerySaveAtExit();
   void Form_QueryUnload();
   void Form_Unload();
@@ -99,7 +99,7 @@ class frmMain : public MainWindow {
   StatusBar* status_ = nullptr;
   bool unloaded_ = false;
   bool exitWanted_ = false;  // the user has ended the program while the guard refused it
-  int pieces_ = 0;           // how deep Guarded is in itself
+  int pieces_ = 0;           // how many calls of Guarded run, one inside the other
   int refusedSaves_ = 0;     // at the end of the program
   std::unique_ptr<DiscCommands> discCommands_;
   std::unique_ptr<DirectoryCommands> directory_;

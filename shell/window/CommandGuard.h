@@ -5,7 +5,7 @@
 
 namespace sectorbox {
 
-// What the user can start, by what it may disturb.
+// The kinds of commands that the user can start. The guard decides by the kind.
 enum class CommandKind {
   kChange,    // changes the disc, opens another one, or keeps the user in a dialog
   kTransfer,  // talks to the BBC; leaves the disc alone
@@ -16,21 +16,22 @@ enum class CommandKind {
 inline constexpr int kCommandKinds = 5;
 
 // The one guard against commands inside commands. A long command lets events run, so that its
-// buttons work and the windows are painted. In these events the user may choose the next command:
-// this class decides whether that one starts. What doesn't start is dropped; it doesn't wait.
+// buttons work and the windows are painted. In these events the user may choose another command.
+// This class decides whether that command starts. If it doesn't start, it is dropped: it isn't kept
+// until the first command ends.
 //
 //   inside kChange, kSmall, kExit   nothing starts
-//   inside kTransfer                kSmall and kExit start: a transfer may take an hour, and moving
-//                                   about in the panes doesn't touch the line. A view doesn't
-//                                   start: some views are dialogs, and the BBC would wait for their
-//                                   end
-//   inside kView                    everything starts: a view only reads, and its window is often
-//                                   left open while the user goes on working. It reads the bytes as
-//                                   they are when it comes to them
+//   inside kTransfer                kSmall and kExit start: a transfer may take an hour, and a move
+//                                   in the panes doesn't use the line. A view doesn't start: some
+//                                   views are dialogs, and the BBC would wait until the user closes
+//                                   them
+//   inside kView                    everything starts: a view only reads, and users often leave its
+//                                   window open while they go on working. The view shows each byte
+//                                   as it is when the view reads it
 class CommandGuard {
  public:
-  // Marks a command of that kind as running for as long as it lives. It asks nobody: whoever starts
-  // what a user has chosen asks MayStart first.
+  // While this object lives, a command of that kind counts as running. The constructor doesn't ask
+  // MayStart. The code that starts a command asks it first.
   class Running {
    public:
     Running(CommandGuard& guard, CommandKind kind) : guard_(guard), kind_(kind) {

@@ -31,10 +31,10 @@ class MainWindow : public QMainWindow {
   // --- Menus -----------------------------------------------------------------------------------
   // The entry of that name; for a menu, the action that opens it. The name must exist.
   virtual QAction* Action(const char* name) const = 0;
-  // The check mark of an option, its only home while the program runs.
+  // True if the option has its check mark. While the program runs, an option is kept nowhere else.
   bool Checked(const char* name) const { return Action(name)->isChecked(); }
-  // Runs the command each time the entry is chosen, as Start does with the entry's kind. A refusal
-  // is a beep, and an entry with a check mark keeps the mark that it had.
+  // Runs the command each time the entry is chosen, as Start does with the entry's kind. If Start
+  // refuses, the program beeps, and an entry with a check mark keeps the mark that it had.
   template <typename Command>
   void OnCommand(const char* name, Command command) {
     QAction* entry = Action(name);

@@ -10,7 +10,7 @@ namespace sectorbox {
 using Colour = std::uint32_t;
 
 // A drawn picture: Width x Height pixels, rows from the top, left to right. The window only paints
-// it; the savers write it as it stands.
+// it. The functions that save it write it unchanged.
 struct Picture {
   int Width = 0;
   int Height = 0;

@@ -17,7 +17,7 @@ std::vector<std::uint8_t> EncodePng(const Picture& picture);
 
 // Writes the file at path, replacing one that is there. HostError if that fails.
 void SaveBmp(const Picture& picture, const std::string& path);
-// The same. The file is a PNG where path ends in ".png", in upper or lower case, and else a Windows
+// The same. The file is a PNG if path ends in ".png", in upper or lower case, and else a Windows
 // bitmap.
 void SavePicture(const Picture& picture, const std::string& path);
 

@@ -45,7 +45,7 @@ inline constexpr int kScreenHeight = 512;
 class ScreenPalette {
  public:
   ScreenPalette();
-  // Gives one mode the BBC's own colours back. The other modes keep theirs.
+  // Sets the colours of one mode to the BBC's own. The other modes keep theirs.
   void Reset(const ScreenMode& mode);
   Colour Get(const ScreenMode& mode, int logical) const;
   // logical is from 0 to mode.BaseColours - 1.

@@ -144,7 +144,7 @@ class PageDrawer {
     }
   }
 
-  // A control code that has no case here does nothing.
+  // A control code without a case here does nothing.
   void Obey(std::uint8_t code, RowState& state, Colour& cellFore) {
     if (code >= kTextRed && code <= kTextWhite) SetColour(state, code - kTextRed + 1, false);
     if (code >= kMosaicRed && code <= kMosaicWhite) SetColour(state, code - kMosaicRed + 1, true);

@@ -12,8 +12,8 @@ namespace sectorbox {
 
 // The name of the font file, which lies in the program's own folder, and the text and title of the
 // box (stop icon) that the window program shows before it ends, when LoadTeletextFont gives no
-// font. A page without letters would tell lies about the user's files, so no program goes on
-// without it.
+// font. A page without letters would show the user's files wrongly. So neither program goes on
+// without the font.
 inline constexpr char kTeletextFontFile[] = "teletext.fnt";
 inline constexpr char kTeletextFontMissing[] = "Cannot open Teletext font file teletext.fnt";
 inline constexpr char kTeletextFontTitle[] = "WindowTitle";

@@ -41,8 +41,8 @@ inline constexpr int kNoNumber = -1;
 
 // One text view. The generator sets the window's caption itself.
 struct TextViewKind {
-  // What the view is called, in capitals and small letters. Each front end makes its own
-  // names from it. The folder of the golden files is SmallNameOf it.
+  // What the view is called, in capitals and small letters. Each front end makes its own names from
+  // it. The folder of the golden files is SmallNameOf it.
   std::string_view Name;
   // What a launcher writes into the Tag of the text window. A view of a directory has a second
   // number, for its launch on the current directory and not on a row. There is no number 13.
@@ -57,9 +57,9 @@ struct TextViewKind {
 // All views, in the order in which a user reads their names.
 std::span<const TextViewKind> TextViews();
 
-// The view of that number, whichever of its two it is; null where no view has it.
+// The view that has that number as one of its two; null if no view has it.
 [[nodiscard]] const TextViewKind* FindTextView(int number);
-// The view of that small name; null where there is none.
+// The view of that small name; null if there is none.
 [[nodiscard]] const TextViewKind* FindTextView(std::string_view smallName);
 // The view's name in small letters.
 std::string SmallNameOf(const TextViewKind& kind);

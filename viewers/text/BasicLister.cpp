@@ -58,8 +58,8 @@ void Lister::ListLine(int lineNumber) {
   text_.assign(kNumberWidth - number.size(), ' ');
   text_ += number;
   inQuotes_ = false;
-  // This doesn't stop at the file's end but only at the image's. A line whose end was cut off shows
-  // what lies behind the file on the disc.
+  // This stops at the image's end and not at the file's. If a line's end was cut off, the listing
+  // shows the bytes behind the file on the disc.
   while (!AtImageEnd()) {
     const std::uint8_t c = Next();
     if (c == '"') inQuotes_ = !inQuotes_;

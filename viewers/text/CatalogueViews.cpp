@@ -77,9 +77,9 @@ bool ShowEntries(Disc& disc, std::int32_t sector, Layout layout, StopTest test, 
   return true;
 }
 
-// Shows a directory and then all below it. A subdirectory goes by the name in its own tail, not the
-// one in the entry. Every directory sets the name that is offered for saving after those below it,
-// so the outermost one's name is what stays.
+// Shows a directory and then all below it. A subdirectory is shown with the name in its own tail,
+// and not with the name in its entry. Each directory sets the name that is offered for saving after
+// the directories below it. So the name of the outermost one stays in the end.
 class WholeTree : public DirectoryVisitor {
  public:
   WholeTree(Disc& disc, Layout layout, std::string path, TextView& view)
@@ -102,7 +102,8 @@ class WholeTree : public DirectoryVisitor {
   }
 
  private:
-  // False if there is nothing below to go into.
+  // False if the walk must not go on below: there is no directory at sector, or a close request has
+  // come.
   bool ShowDirectory(std::int32_t sector);
 
   Disc& disc_;
@@ -125,7 +126,7 @@ bool WholeTree::ShowDirectory(std::int32_t sector) {
   return true;
 }
 
-// Unlike the list of entries, the walk looks at all 47 slots, past an empty one too.
+// The list of entries ends at the first empty slot. This walk looks at all 47 slots.
 void ShowTree(Disc& disc, std::int32_t sector, const std::string& path, Layout layout,
               TextView& view) {
   WholeTree tree(disc, layout, path, view);

@@ -17,15 +17,16 @@ void ShowHeader(Disc& disc, std::int32_t sector, TextView& view);
 // Four entries to a line, 20 columns each.
 void ShowCat(Disc& disc, std::int32_t sector, TextView& view);
 
-// One entry to a line with its addresses, length and start sector. It has no test for a close
-// request and doesn't set Finished, which its caller does. A request that came meanwhile is lost,
+// One entry to a line with its addresses, length and start sector. It doesn't test for a close
+// request and doesn't set Finished; its caller sets it. If a request comes meanwhile, it is lost,
 // and the user has to close the window again. This view has always been like that.
 void ShowEx(Disc& disc, std::int32_t sector, TextView& view);
 
 // The same for a directory and all below it: each directory whole, behind a banner with its path,
 // then its subdirectories in entry order. path is the banner of the outermost one. A close request
-// takes effect at the next entry. The two are recursive and neither close the window nor set
-// Finished: their caller does. A walk that finds no end stops at the bounds of WalkDirectories.
+// takes effect at the next entry. The two views are recursive. They don't close the window and
+// don't set Finished; their caller does both. A walk that has no end of its own stops at the bounds
+// of WalkDirectories.
 void ShowCatAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view);
 void ShowExAll(Disc& disc, std::int32_t sector, const std::string& path, TextView& view);
 

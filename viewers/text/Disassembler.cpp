@@ -42,8 +42,8 @@ int AppendOperand(ByteReader& reader, std::int64_t pointer, std::uint32_t addres
   return static_cast<int>(text.size() - before);
 }
 
-// The lowest byte that shows as itself is 31 here and 32 in the hex view. Listings have always come
-// out like that, so it stays.
+// The lowest byte that is shown as its character is 31 here and 32 in the hex view. Listings have
+// always been like that, so it stays.
 char Character(std::uint8_t byte) {
   const std::uint8_t low = byte & format::kLowBits;
   return low < 31 || low == 127 ? '.' : static_cast<char>(low);

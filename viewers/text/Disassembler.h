@@ -13,8 +13,8 @@ namespace sectorbox {
 // The file as 65C02 code, an instruction a line, from the file's load address on. The view steps by
 // the lengths of the instructions: it doesn't follow the code and doesn't recognise data. A file
 // that begins with 13 and ends with 255 gives one line that calls it a BASIC program. The last
-// instruction is shown whole, if need be with bytes from beyond the file. A close request takes
-// effect at the next line.
+// instruction is always shown whole. If the file ends inside it, the rest is taken from the bytes
+// behind the file. A close request takes effect at the next line.
 void ShowDis(Disc& disc, const ListRow& row, TextView& view);
 
 // Appends the line of one instruction to text, without the final carriage return: address, bytes,

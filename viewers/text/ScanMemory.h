@@ -6,9 +6,9 @@
 namespace sectorbox {
 
 // Remembers where a forward search for a certain set of bytes has ended. A document can make the
-// formatter search the same long stretch thousands of times; with this the whole search still takes
-// time linear in the document's length. It keeps the longest stretch searched and the latest other
-// one.
+// formatter search the same long stretch thousands of times; with this class all searches together
+// take a time that is linear in the document's length. It keeps two stretches that were searched:
+// the longest one, and the latest other one.
 class ScanMemory {
  public:
   // Calls found(at) for rising at, beginning with from, until it is true or at is end. Gives that

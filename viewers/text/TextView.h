@@ -17,7 +17,7 @@ struct TextStyle {
 // bytes.
 //
 // A generator is a free function over the disc. It reads what it shows through the store, sets
-// caption and DefaultName, and leaves Finished true (the generators that don't say so). A close
+// caption and DefaultName, and sets Finished at its end, unless its header says otherwise. A close
 // request can arrive inside ShowData and ShowMessage and nowhere else. The window then sets
 // Finished, and the generator stops where it tests Finished next, if it does.
 class TextView {

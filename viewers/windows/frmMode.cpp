@@ -45,8 +45,8 @@ frmMode::frmMode(Disc& disc, const CurrentRow& row) : disc_(disc), row_(row) {
 QLayout* frmMode::MakeControls() {
   QWidget* frame = MakePaletteFrame();
   QLayout* modes = MakeModeButtons();
-  // The frame's title is above its buttons. As much room above these buttons puts all of them on
-  // one line.
+  // The frame has a title above its buttons. These buttons get the same room above them, so that
+  // all buttons stand on one line.
   const QMargins inFrame = frame->contentsMargins();
   modes->setContentsMargins(0, inFrame.top(), 0, inFrame.bottom());
   auto* controls = new QHBoxLayout;
@@ -156,8 +156,8 @@ void frmMode::cmdReset_Click() {
 // This draws directly, since Show_File would begin the flashing anew.
 void frmMode::Timer1_Timer() {
   FlashOn = !FlashOn;
-  // Without a row Render closes the window. That would take away a dialog which still waits for the
-  // user.
+  // If there is no row, Render closes the window. That would also close a dialog that still waits
+  // for the user.
   if (row_.CurrentItem() == nullptr && QApplication::activeModalWidget() != nullptr) return;
   Render();
 }

@@ -9,7 +9,7 @@
 
 namespace sectorbox {
 
-// A button that is a patch of its colour. Without a colour it looks like any other button.
+// A button that shows one colour. Without a colour it looks like any other button.
 class ColourButton : public QPushButton {
   Q_OBJECT
 
@@ -19,7 +19,7 @@ class ColourButton : public QPushButton {
   void ClearBackColour();  // the system's button colour
   // The patch's name, for a tool tip and for a screen reader.
   void SetSpokenName(const QString& name);
-  // -1 without a colour of its own.
+  // -1 if the button shows no colour.
   std::int32_t BackColour() const { return back_; }
 
  protected:
@@ -36,7 +36,7 @@ class frmPalette : public QDialog {
  public:
   explicit frmPalette(QWidget* parent);
 
-  // The colour that the user chose; none as long as the dialog waits, and after Cancel.
+  // The colour that the user has chosen. None while the dialog waits, and after Cancel.
   std::optional<Colour> SelectedColour;
 };
 

@@ -50,9 +50,9 @@ void PictureBox::paintEvent(QPaintEvent*) {
   frame.state |= QStyle::State_Sunken;
   frame.lineWidth = 1;
   style()->drawPrimitive(QStyle::PE_Frame, &frame, &painter, this);
-  // From here on the painter counts pixels of the whole screen: at a scale between whole numbers
-  // the box itself may begin within a pixel. The scale comes from the painter's own transform,
-  // since the painter's device doesn't know it when the box is rendered elsewhere.
+  // From here on the painter counts pixels of the whole screen. If the scale isn't a whole number,
+  // the box may begin inside a pixel. The scale comes from the painter's own transform, since the
+  // painter's device doesn't know it when the box is rendered elsewhere.
   const QTransform toScreen = painter.deviceTransform();
   painter.setWorldTransform(toScreen.inverted());
   const int square = std::max(1, static_cast<int>(toScreen.m11()));

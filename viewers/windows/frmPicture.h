@@ -35,8 +35,8 @@ class CurrentRow {
 
 // Picture1: a sunken box around a picture, two pixels wider on each side than the picture itself.
 // Each pixel of the picture is a square of whole pixels of the screen, so it stays crisp at every
-// scale: at 200 % a square of two by two. At a scale between whole numbers the squares are as large
-// as fit, and the picture stands in the middle of the box.
+// scale: at 200 % a square of two by two. If the scale isn't a whole number, the squares are as
+// large as the box allows, and the picture stands in the middle of the box.
 class PictureBox : public QWidget {
   Q_OBJECT
 

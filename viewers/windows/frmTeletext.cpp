@@ -10,7 +10,7 @@ namespace sectorbox {
 namespace {
 
 constexpr int kWidth = 520;
-constexpr int kExtraHeight = 110;  // of the window over the rows of the page
+constexpr int kExtraHeight = 110;  // how much higher the window is than the rows of the page
 
 }  // namespace
 

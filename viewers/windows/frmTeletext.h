@@ -10,8 +10,8 @@
 
 namespace sectorbox {
 
-// A file as a teletext page, flashing twice a second. Shown modally (exec), so nothing changes the
-// disc under its timer.
+// A file as a teletext page, flashing twice a second. The dialog is modal (exec), so nothing
+// changes the disc while its timer draws.
 class frmTeletext : public QDialog {
   Q_OBJECT
 

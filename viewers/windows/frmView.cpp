@@ -76,8 +76,8 @@ void frmView::Show_File(const ViewTarget& target) {
   if (unloaded_) deleteLater();
 }
 
-// False when the user cancelled or the file can't be made. The window then stays as it is, loaded
-// and hidden.
+// False if the user has cancelled or the file can't be made. The window then stays loaded and
+// hidden.
 bool frmView::OpenOutput() {
   OutputName = AskSaveFile(this, TextFileQuestion("*.txt"));
   if (OutputName.empty()) return false;
@@ -90,8 +90,8 @@ bool frmView::OpenOutput() {
   return true;
 }
 
-// This function tells the user itself what the host refuses, since Show_File has to come to its end
-// either way. An incomplete file doesn't replace the old one.
+// If the host refuses, this function tells the user itself, because Show_File has to go on to its
+// end in every case. An incomplete file doesn't replace the old one.
 void frmView::RunGenerator(const ViewTarget& target) {
   try {
     const BusyPointer busy(disc_.Host);
@@ -112,8 +112,8 @@ void frmView::SetCaption(const std::string& caption) {
 }
 
 // The box isn't modal. A document may show thousands of boxes, and then the user closes the window
-// to get out of them. A view that goes to a file has no window to close: there the user closes the
-// box instead of pressing OK.
+// to get out of them. If the view goes to a file, there is no window to close. Then the user closes
+// the box and doesn't press OK.
 void frmView::ShowMessage(const std::string& text) {
   Area().Flush();
   QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Sectorbox"), FromBbc(text), QMessageBox::Ok,

@@ -22,7 +22,7 @@ struct ViewShared {
 };
 
 // The text window of all views. A launcher makes it, sets Tag and calls Show_File; from then on the
-// window looks after itself and deletes itself in the end. Any number of windows can be open, and
+// window needs nobody, and it deletes itself in the end. Any number of windows can be open, and
 // several may be running, one inside the event loop of the other.
 class frmView : public QMainWindow, public TextView, public TextWindow {
   Q_OBJECT
@@ -39,7 +39,7 @@ class frmView : public QMainWindow, public TextView, public TextWindow {
   bool ToFile = false;
   std::string OutputName;
 
-  // Runs the view named by Tag, to its end or to a close request, and comes back then. The launcher
+  // Runs the view that Tag names, and returns at its end or after a close request. The launcher
   // takes target from the main window when the view starts: the panes may change while it runs.
   void Show_File(const ViewTarget& target);
 

@@ -25,9 +25,9 @@ void WordwiseFormatter::DoCommand() {
   SkipArgs();
 }
 
-// Gives the command on whose start Pos stands. Where there is none the result is null and EndFlag
-// is set; a box names the two letters, but a control character in place of the first one is passed
-// over in silence.
+// Gives the command that starts at Pos. If there is no such command, the result is null, EndFlag is
+// set, and a box names the two letters. No box comes if the first of the two is a control
+// character.
 const WordwiseFormatter::Command* WordwiseFormatter::ParseCommand() {
   EndFlag = true;
   const std::uint8_t first = ByteOrZero(std::int64_t{Pos} + 1);
@@ -40,7 +40,7 @@ const WordwiseFormatter::Command* WordwiseFormatter::ParseCommand() {
     EndFlag = false;
     return &command;
   }
-  // After a close request no more boxes stand in the way.
+  // After a close request no more boxes are shown.
   if (!view_.Finished) {
     view_.ShowMessage("Unrecognised Command " + letters);
     reader_.Forget();
@@ -89,8 +89,9 @@ void WordwiseFormatter::Defer() {
 
 // Runs one group of deferred commands. It ends with DeferredIndex on the group's closing zero, and
 // no step passes that zero. The second group of a line therefore first runs the zero as if it were
-// a command at the document's start, and takes the bytes at offsets 1 and 2 for its letters. Where
-// they are no command, a box appears. A line with US and UE at two places has always shown it.
+// a command at the document's start, and takes the bytes at offsets 1 and 2 for its letters. If
+// these aren't the letters of a command, a box appears. For a line with US and UE at two places
+// this box has always appeared.
 void WordwiseFormatter::RunDeferred() {
   const SavedPos saved = SavePos();
   do {
@@ -139,8 +140,8 @@ void WordwiseFormatter::SkipArg() {
   EndFlag = true;
 }
 
-// Gives the number of up to three digits at Pos. Pos stays, and Count is the number of digits.
-// EndFlag is set where there is no digit.
+// Gives the number of up to three digits at Pos. Pos stays, and Count is the number of digits. If
+// there is no digit, EndFlag is set.
 std::int16_t WordwiseFormatter::ReadNumber() {
   std::int16_t number = 0;
   for (Count = 0; Count < 3; ++Count) {

@@ -80,8 +80,8 @@ std::int16_t WordwiseFormatter::EdgeLines(std::int16_t fallback) {
   return NumberWithin(0, kMostEdgeLines, fallback);
 }
 
-// On an empty line the number is taken as it is. Only an indent that begins with the next line has
-// its size tested.
+// On an empty line the number is taken as it is. Its size is tested only if the indent begins with
+// the next line.
 void WordwiseFormatter::DoIN() {
   const std::int16_t number = ReadNumber();
   if (LineIsEmpty()) {
@@ -203,8 +203,8 @@ void WordwiseFormatter::DoDT() {
 }
 
 // "Get file" on the BBC puts the named file in place of the name. Here no file is fetched. DoGF
-// puts a carriage return behind the name, as for a call of the filing system, and then the quote
-// again, so that the byte ends as it was.
+// puts a carriage return behind the name, as a call of the filing system needs it, and then puts
+// the quote back, so that the byte is as before.
 void WordwiseFormatter::DoGF() {
   ++Pos;
   const std::int64_t from = start_ + Pos;
@@ -217,7 +217,8 @@ void WordwiseFormatter::DoGF() {
     disc_.TheDisc.Store(quote, kParagraphEnd);
     disc_.TheDisc.Store(quote, '"');
   } catch (const HostError&) {
-    // An image that can't be written loses nothing by it, and its documents can still be read.
+    // If the image can't be written, nothing is lost: the byte would be put back anyway. So the
+    // document can still be read.
   }
 }
 

@@ -5,9 +5,9 @@ namespace sectorbox {
 
 using namespace wordwise;
 
-// A line is set right or centred only where the end of a paragraph has ended it. A line is
-// justified only where wrapping has broken it. So a centred line that wraps is justified, where
-// justification is on.
+// A line is set right or centred only if the end of a paragraph has ended it. A line is justified
+// only if wrapping has broken it. So if justification is on, a centred line that wraps is
+// justified.
 void WordwiseFormatter::AdjustLine() {
   const bool paragraphEnded = EndFlag && Ch == kParagraphEnd;
   if (align_.FlushRight && paragraphEnded) {

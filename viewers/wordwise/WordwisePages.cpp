@@ -40,8 +40,9 @@ void WordwiseFormatter::Format() {
   while (FormatLine()) EmitLineEnds();
 }
 
-// Reads the first line of the page ahead and forgets it, so that the commands at the top of a page
-// act before its head is printed. They therefore act twice: an unknown one shows its box twice.
+// Reads the first line of the page once before the head is printed, and drops it, so that the
+// commands at the top of a page act before its head is printed. They therefore act twice: an
+// unknown one shows its box twice.
 void WordwiseFormatter::BeginPage() {
   const std::int32_t pos = Pos;
   ReadLine();
@@ -127,8 +128,8 @@ WordwiseFormatter::SavedPos WordwiseFormatter::SavePos() const {
 }
 
 // The first lost place sends the formatter back, into what lies before the document and then
-// through the document again. A second lost place would send it round for ever, so the document
-// ends there.
+// through the document again. After a second lost place the formatter would do that for ever, so
+// the document ends there.
 void WordwiseFormatter::RestorePos(const SavedPos& saved) {
   Pos = saved.Value;
   if (!saved.Lost) return;

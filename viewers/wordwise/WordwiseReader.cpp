@@ -7,8 +7,8 @@ namespace sectorbox {
 
 using namespace wordwise;
 
-// A line has room for one character at least: an indent that leaves no room counts as 0. Otherwise
-// the document would never come to its end.
+// A line has room for at least one character: an indent that leaves no room counts as 0. Otherwise
+// the formatter would never reach the document's end.
 std::int16_t WordwiseFormatter::UsableIndent(std::int16_t indent) const {
   return indent >= margins_.LineLength || indent > 255 ? std::int16_t{0} : indent;
 }
@@ -43,8 +43,8 @@ void WordwiseFormatter::ReadLine() {
   }
 }
 
-// Fills the line up to the first stop beyond the next column. Where that column is a stop itself,
-// or lies beyond all stops, nothing happens.
+// Fills the line up to the first stop beyond the next column. If that column is a stop itself, or
+// lies beyond all stops, nothing happens.
 void WordwiseFormatter::Tab() {
   const std::int32_t p = (line_.LinePos + 1) % 256;
   for (const std::int16_t stop : margins_.TabStops) {

@@ -108,7 +108,8 @@ void OutputFile::SendOn(std::size_t bytes) {
   waiting_ += bytes;
   if (waiting_ < kSendOnEvery) return;
   waiting_ = 0;
-  // No more than a hint: Close waits for the bytes all the same, and hears what went wrong.
+  // This is only a hint to the host. Close waits for the bytes in any case, and Close reports a
+  // failure.
   (void)::sync_file_range(file_.Get(), 0, 0, SYNC_FILE_RANGE_WRITE);
 }
 
