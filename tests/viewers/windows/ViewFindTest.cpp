@@ -9,11 +9,17 @@
 namespace sectorbox::testing {
 namespace {
 
-class ViewFindTest : public ViewWindowTest {};
+class ViewFindTest : public ViewWindowTest {
+ protected:
+  // Starts the program and shows the file Alpha as text.
+  frmView& StartWithAlpha() {
+    StartWithFiles();
+    return ViewRow("Alpha", "mnuFileViewText");
+  }
+};
 
 TEST_F(ViewFindTest, TheFindDialogHasItsTexts) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  frmView& view = StartWithAlpha();
   player_.Expect([](QWidget& dialog) {
     EXPECT_EQ(dialog.findChild<QLabel*>("lblFind")->text(), QStringLiteral("Find :"));
     EXPECT_EQ(dialog.findChild<QPushButton*>("cmdOK")->text(), QStringLiteral("OK"));
@@ -25,8 +31,7 @@ TEST_F(ViewFindTest, TheFindDialogHasItsTexts) {
 }
 
 TEST_F(ViewFindTest, FindIgnoresCaseAndFindNextGoesOn) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  frmView& view = StartWithAlpha();
   ExpectFind("TWO");
   ChooseIn(view, "mnuEditFind");
   EXPECT_EQ(view.FindPos, 4);
@@ -40,8 +45,7 @@ TEST_F(ViewFindTest, FindIgnoresCaseAndFindNextGoesOn) {
 }
 
 TEST_F(ViewFindTest, AFindThatFailsSaysSoAndFindNextThenDoesNothing) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  frmView& view = StartWithAlpha();
   ExpectFind("nowhere");
   player_.ExpectBox("Text Not Found");
   ChooseIn(view, "mnuEditFind");
@@ -51,8 +55,7 @@ TEST_F(ViewFindTest, AFindThatFailsSaysSoAndFindNextThenDoesNothing) {
 }
 
 TEST_F(ViewFindTest, ACancelledFindMakesFindNextDoNothing) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  frmView& view = StartWithAlpha();
   ExpectFind("two");
   ChooseIn(view, "mnuEditFind");
   ExpectFind(nullptr);
@@ -63,8 +66,7 @@ TEST_F(ViewFindTest, ACancelledFindMakesFindNextDoNothing) {
 }
 
 TEST_F(ViewFindTest, TheTextLookedForIsSharedAndAFreshWindowFindsNextFromPositionOne) {
-  StartWithFiles();
-  frmView& first = ViewRow("Alpha", "mnuFileViewText");
+  frmView& first = StartWithAlpha();
   ExpectFind("o");
   ChooseIn(first, "mnuEditFind");
   EXPECT_EQ(first.FindPos, 0);
@@ -75,8 +77,7 @@ TEST_F(ViewFindTest, TheTextLookedForIsSharedAndAFreshWindowFindsNextFromPositio
 }
 
 TEST_F(ViewFindTest, FindPosFollowsTheCaretWhenItMovesByHand) {
-  StartWithFiles();
-  frmView& view = ViewRow("Alpha", "mnuFileViewText");
+  frmView& view = StartWithAlpha();
   Press(TextOf(view), Qt::Key_Down);
   EXPECT_EQ(view.FindPos, 4);
   Press(TextOf(view), Qt::Key_Right);
