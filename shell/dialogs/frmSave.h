@@ -11,7 +11,7 @@ namespace sectorbox {
 
 // The progress of a copy from or to the whole disc. While it is open the user can use no other
 // window. The constructor sets the disc's flag ProgressRunning. Abort clears the flag. The copy
-// tests it after each sector.
+// tests it each time it shows its progress.
 class frmSave : public QDialog {
  public:
   frmSave(QWidget* parent, Disc& disc);
