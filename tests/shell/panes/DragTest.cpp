@@ -7,6 +7,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
+#include "disc/host/HostPath.h"
 #include "shell/panes/PaneDrops.h"
 #include "tests/support/WindowFixture.h"
 #include "toolkit/FileLists.h"
