@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # clang-tidy over the files that changed last: what git doesn't have yet, then the files of the last
-# commit. A file that was clean is not checked again until it changes, or a header of the
-# tree that it includes, directly or through others, or .clang-tidy.
+# twenty commits, the newest first. A file that was clean is not checked again until it changes, or a
+# header of the tree that it includes, directly or through others, or .clang-tidy.
 #
 # Usage: tests/tidy.sh [--all] [--build FOLDER] [FILE...]
 #   --all     every source that FOLDER builds, without a limit of time (more than an hour)
@@ -11,12 +11,11 @@
 # TIDY_JOBS, how many run at a time (1).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
-# The tests' own code is looked at only with --all.
-rooms='disc viewers link cfcard cli shell toolkit bench fuzz data'
+rooms='disc viewers link cfcard cli shell toolkit bench fuzz data tests'
 build=build/asan all= files=()
 while [ $# -gt 0 ]; do
   case $1 in
-    --all) all=1; rooms+=' tests' ;;
+    --all) all=1 ;;
     --build) build=$2; shift ;;
     *) files+=("$1") ;;
   esac
@@ -41,7 +40,7 @@ changed() {
   if git rev-parse -q --verify HEAD^ >/dev/null 2>&1; then
     git diff --name-only HEAD
     git ls-files --others --exclude-standard
-    git log -n 1 -m --first-parent --name-only --format=
+    git log -n 20 -m --first-parent --name-only --format=
   else
     cat "$work/sources"
   fi
@@ -86,7 +85,7 @@ files_of() {
 # What the answer for a source depends on: the tool, its settings, the source, and all headers of the
 # tree that it includes.
 key_of() {
-  { echo "$tool"; cat .clang-tidy; files_of "$1" | xargs cat; } | sha256sum | cut -d ' ' -f 1
+  { echo "$tool"; cat .clang-tidy tests/.clang-tidy; files_of "$1" | xargs cat; } | sha256sum | cut -d ' ' -f 1
 }
 
 # Checks one source, or notes that there was no time for it.

@@ -47,6 +47,7 @@ std::uint8_t MapSectors::EndPointer() const {
 std::vector<FreeRun> MapSectors::Runs() const {
   const std::int32_t count = std::min((EndPointer() + 1) / kMapEntrySize, kMapEntriesInMemory);
   std::vector<FreeRun> runs;
+  runs.reserve(static_cast<std::size_t>(count));
   for (std::int32_t i = 0; i < count; ++i) runs.push_back(RunAt(i));
   return runs;
 }
@@ -70,7 +71,7 @@ std::uint8_t MapSectors::StoredChecksum(std::int32_t sector) const {
 }
 
 std::uint8_t MapSectors::RightChecksum(std::int32_t sector) const {
-  const auto at = static_cast<std::size_t>(sector * kSectorSize);
+  const auto at = static_cast<std::size_t>(sector) * kSectorSize;
   return MapChecksum(std::span(bytes_).subspan(at).first<kSectorSize>());
 }
 

@@ -95,8 +95,8 @@ TEST_F(DrivesTest, ALetterIsNeverGivenToAnotherDevice) {
 }
 
 TEST_F(DrivesTest, MoreDevicesThanLettersLeaveTheRestOut) {
-  std::vector<std::string> files;
-  for (int i = 0; i < 40; ++i) files.push_back("/card" + std::to_string(i));
+  std::vector<std::string> files(40, "/card");
+  for (std::size_t i = 0; i < files.size(); ++i) files[i] += std::to_string(i);
   CardDrives drives(Devices());
   drives.SetCardFiles(files);
   drives.Refresh();

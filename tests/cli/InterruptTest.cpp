@@ -43,7 +43,7 @@ class InterruptTest : public ::testing::Test {
       Rest(300);
       sbx.Interrupt();
     }
-    const SbxResult result = sbx.Wait();
+    SbxResult result = sbx.Wait();
     line.Stop();
     return result;
   }

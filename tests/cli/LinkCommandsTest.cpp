@@ -15,7 +15,7 @@ class LinkCommandsTest : public ::testing::TestWithParam<DiscKind> {
   SbxResult Run(std::vector<std::string> arguments) {
     arguments.insert(arguments.end(), {"--port", line.Device()});
     line.Start();
-    const SbxResult result = RunSbx(arguments);
+    SbxResult result = RunSbx(arguments);
     line.Stop();
     return result;
   }

@@ -302,7 +302,9 @@ TEST_F(AddFileTest, ANameEndsAtACarriageReturn) {
 }
 
 TEST_F(AddFileTest, ANameWithANulInItComesFromASidecarAndHarmsNothing) {
-  Sidecar("x", std::string("A\0B        00000000 00000000 00000001 WR", 41));
+  std::string line = "A B        00000000 00000000 00000001 WR";
+  line[1] = '\0';
+  Sidecar("x", line);
   EXPECT_EQ(Add("x", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Add("Z", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(2), std::string("A\0B Z", 5));
