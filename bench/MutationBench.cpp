@@ -157,7 +157,7 @@ void Compact(benchmark::State& state) {
   MustBeSound(state, image.Path(), 80);
   const auto compact = [&] {
     OpenDisc open(image.Path());
-    CompactDisc(open.disc);
+    (void)CompactDisc(open.disc);
     open.disc.TheDisc.CloseFile();
   };
   Compare(state, {compact, [&] { image.Write(); }},

@@ -113,8 +113,8 @@ int RunAccess(const CommandLine& line) {
   const auto has = [&](char letter) { return letters.find(letter) != std::string::npos; };
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
     const PathTarget target = RequireEntry(disc, line.Arguments[1]);
-    SetEntryAttributes(disc, target.DirSector, target.Name, has('R'), has('W'), has('L'));
-    return true;
+    return SetEntryAttributes(disc, target.DirSector, target.Name, has('R'), has('W'), has('L')) ==
+           Outcome::kDone;
   });
 }
 
@@ -129,8 +129,7 @@ int RunAddress(const CommandLine& line) {
       host.ShowMessage(message);
       return false;
     }
-    SetEntryAddresses(disc, target.DirSector, target.Name, load, exec);
-    return true;
+    return SetEntryAddresses(disc, target.DirSector, target.Name, load, exec) == Outcome::kDone;
   });
 }
 
@@ -154,20 +153,16 @@ int RunBoot(const CommandLine& line) {
   line.Expect(2, 2);
   const std::uint8_t option = BootOptionOf(line.Arguments[1]);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    SetBootOption(disc, option);
     // Unlike in the window, nothing else will write the map afterwards, and with a stale checksum
     // the BBC would refuse the disc.
-    UpdateMapChecksums(disc);
-    return true;
+    return SetBootOption(disc, option, MapSums::kUpdate) == Outcome::kDone;
   });
 }
 
 int RunCompact(const CommandLine& line) {
   line.Expect(1, 1);
-  return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    CompactDisc(disc);
-    return true;
-  });
+  return RunWriting(line, line.Arguments[0],
+                    [&](Disc& disc, CliHost&) { return CompactDisc(disc) == Outcome::kDone; });
 }
 
 int RunResize(const CommandLine& line) {

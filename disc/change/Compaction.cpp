@@ -11,6 +11,9 @@
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
+#include "disc/change/DirectoryEdit.h"
+#include "disc/change/FreeMap.h"
 #include "disc/format/Names.h"
 
 namespace sectorbox {
@@ -27,12 +30,15 @@ struct ObjectRecord {
   std::int32_t Sectors = 0;
   bool IsEmpty = false;    // a file of no bytes; the BBC gives it no sector
   std::int32_t Slot = -1;  // of the object's entry in Parent; -1 if it has to be looked for
+  bool HasMoved = false;
+  // The parent that a directory names at its old place, if another one was written there meanwhile.
+  std::optional<std::int32_t> OldParent = std::nullopt;
 };
 
 // The largest disc has about this many sectors, so it can't hold more objects. A damaged disc may
 // seem to.
 constexpr std::size_t kMaxObjects = 0x210000;
-// At least this many bytes are moved before the entries of what was moved are written.
+// Objects that move together are copied when they are at least this many bytes.
 constexpr std::int32_t kMoveSize = 1048576;
 
 // Collects the objects. The visitor ends the walk if the walk comes to a directory a second time,
@@ -46,8 +52,8 @@ class Collector : public DirectoryVisitor {
     if (!directory.HasMark() || Objects.size() + kEntryCount > kMaxObjects) return Walk::kStop;
     // A directory's entry is looked for by the name and the parent that the directory itself holds.
     // On a damaged disc these may differ from its entry.
-    ObjectRecord object{
-        NameOf(at, directory), false, directory.Parent(), at.Sector, kDirSectors, false, -1};
+    ObjectRecord object{NameOf(at, directory), false, directory.Parent(), at.Sector,
+                        kDirSectors,           false};
     const bool listedRight = at.Listed != nullptr && object.Parent == at.Parent->Sector &&
                              FoldName(object.Name) == FoldName(at.Listed->Name());
     if (listedRight) object.Slot = FirstSlotOf(at.Listed->Name());
@@ -149,13 +155,12 @@ void MoveSectors(Disc& disc, const MovingRun& run, std::vector<std::uint8_t>& pa
 // written later, many at a time, directory by directory. The disc then holds the same bytes as if
 // each object had been moved alone and its entry written at once.
 //
-// An object's old place keeps its bytes until other objects are moved over it. The entries are
-// written before that happens, so that a program that dies in between loses no object. But if the
-// free space below is so small that each entry would have to be written by itself, the entries of
-// up to kMoveSize bytes of objects wait together, and these objects can be lost.
+// A long compaction is made safe in parts. At the end of each part the disc is sound: every entry
+// and every directory is right, and the map has one hole where the objects have moved away.
 class Mover {
  public:
-  Mover(Disc& disc, std::vector<ObjectRecord>& objects) : disc_(disc), objects_(objects) {
+  Mover(Disc& disc, std::vector<ObjectRecord>& objects)
+      : disc_(disc), objects_(objects), formerMap_(ReadMap(disc)), formerRuns_(FreeRuns(disc)) {
     std::unordered_set<std::int32_t> directories = {kRootSector};
     for (ObjectRecord& object : objects_) {
       children_[object.Parent].push_back(&object);
@@ -168,40 +173,43 @@ class Mover {
     });
   }
 
-  // Moves everything, and gives the first sector behind all objects.
-  std::int32_t MoveAllDown() {
+  // Moves everything, and writes the map.
+  void MoveAllDown() {
     std::int32_t next = kFirstFreeSector;
     for (ObjectRecord& object : objects_) {
-      if (object.Start != next) Move(object, next);
+      if (object.Start != next) {
+        // An object without sectors of its own may lie where others have moved away.
+        const bool mayEnd = !oneByOne_ && object.Sectors > 0;
+        if (mayEnd && Change::StepIsDue(disc_)) EndPart(next, object.Start);
+        Move(object, next);
+      }
       next += object.Sectors;
     }
     WriteEntries();
-    for (const ObjectRecord& object : objects_) {
-      if (!object.IsFile) WriteParent(object);
-    }
-    return next;
+    WriteParents();
+    WriteOneRun(next);
+    ReadFreeMap(disc_);
+    disc_.ImageChanged = true;
+    ++disc_.Compactions;
+    NoteMoves();
   }
-
-  const std::map<std::int32_t, std::int32_t>& Moves() const { return moves_; }
 
  private:
   void Move(ObjectRecord& object, std::int32_t to) {
     const std::int32_t old = object.Start;
-    if (waiting_.empty()) {
-      keptUpTo_ = old;
-      movedAtOnce_ = 0;
-    } else if (to + object.Sectors > keptUpTo_ &&
-               SectorOffset(movedAtOnce_ + object.Sectors) > kMoveSize) {
-      WriteEntries();
-      keptUpTo_ = old;
-      movedAtOnce_ = 0;
-    }
+    // So that StepIsDue sees what has been moved.
+    if (SectorOffset(run_.Sectors) >= kMoveSize) MoveRun();
     // Objects that the directory lists may have moved already. Their entries are written now, so
     // that they move with the directory.
     if (!object.IsFile) WriteEntriesOf(old);
     AddToRun(object, to);
-    movedAtOnce_ += object.Sectors;
+    if (object.OldParent) {
+      // What is left behind is what always was there.
+      MoveRun();
+      WriteParent(old, *object.OldParent);
+    }
     object.Start = to;
+    object.HasMoved = true;
     waiting_[object.Parent].push_back(&object);
     if (oneByOne_) WriteEntries();
     if (object.IsFile) return;
@@ -211,10 +219,66 @@ class Mover {
     for (ObjectRecord* child : children->second) child->Parent = to;
   }
 
-  void WriteParent(const ObjectRecord& object) {
+  // Makes safe what has been moved so far. The objects from here on lie where they lay.
+  void EndPart(std::int32_t next, std::int32_t firstUnmoved) {
+    std::vector<FreeRun> runs = {{next, firstUnmoved - next}};
+    for (const FreeRun& run : formerRuns_) {
+      if (run.Start >= firstUnmoved) runs.push_back(run);
+    }
+    // Sectors that belonged to nothing may have become one run more than the map has room for.
+    if (runs.size() > static_cast<std::size_t>(kMapEntries)) return;
+    WriteEntries();
+    KeepOldParents();
+    WriteParents();
+    KeepFreeRuns(disc_, runs);
+    WriteFreeMap(disc_);
+    mapWasWritten_ = true;
+    disc_.ImageChanged = true;
+    NoteMoves();
+    Change::Step(disc_);
+  }
+
+  void WriteOneRun(std::int32_t start) {
+    MapSectors map = formerMap_;
+    // What stands behind the end pointer is what stood there before, also if the map of a part was
+    // longer.
+    if (mapWasWritten_) disc_.TheDisc.StoreBytes(0, map.Raw());
+    const std::array<FreeRun, 1> runs = {{{start, map.DiscSize() - start}}};
+    map.SetRuns(runs);
+    map.UpdateChecksums();
+    WriteMap(disc_, map);
+  }
+
+  // Keeps the parents of the directories that haven't moved yet, but whose parents have.
+  void KeepOldParents() {
+    for (ObjectRecord& object : objects_) {
+      if (object.IsFile || object.HasMoved || object.OldParent) continue;
+      const std::int32_t parent = DirectoryAt(disc_, object.Start).Parent();
+      if (parent != object.Parent) object.OldParent = parent;
+    }
+  }
+
+  void WriteParents() {
+    for (const ObjectRecord& object : objects_) {
+      if (!object.IsFile) WriteParent(object.Start, object.Parent);
+    }
+  }
+
+  void WriteParent(std::int32_t directory, std::int32_t parent) {
     Directory changed(Directory::Bytes{});
-    changed.SetParent(object.Parent);
-    WriteDirectory(disc_, object.Start, changed);
+    changed.SetParent(parent);
+    WriteDirectory(disc_, directory, changed);
+  }
+
+  // The tracked sectors follow the directories at once. The panes hear of the moves at the end of
+  // the change.
+  void NoteMoves() {
+    if (moves_.empty()) return;
+    for (std::int32_t* held : disc_.TrackedSectors) {
+      const auto move = moves_.find(*held);
+      if (move != moves_.end()) *held = move->second;
+    }
+    disc_.UntoldMoves.push_back(std::exchange(moves_, {}));
   }
 
   void AddToRun(const ObjectRecord& object, std::int32_t to) {
@@ -231,12 +295,11 @@ class Mover {
     run_.Sectors = 0;
   }
 
-  // Writes the new places of all objects that have moved into their entries, down to the medium.
+  // Writes the new places of all objects that have moved into their entries.
   void WriteEntries() {
     MoveRun();
     for (const auto& [directory, objects] : waiting_) WriteEntries(directory, objects);
     waiting_.clear();
-    disc_.TheDisc.WriteBack();
   }
 
   void WriteEntriesOf(std::int32_t directory) {
@@ -266,31 +329,15 @@ class Mover {
   std::map<std::int32_t, std::int32_t> moves_;
   MovingRun run_;
   // Moved objects whose entries aren't written yet, by the present sector of the directory that
-  // lists them. The first of their old places is at keptUpTo_; together these objects have
-  // movedAtOnce_ sectors.
+  // lists them.
   std::map<std::int32_t, std::vector<const ObjectRecord*>> waiting_;
-  std::int32_t keptUpTo_ = 0;
-  std::int32_t movedAtOnce_ = 0;
   std::vector<std::uint8_t> part_;
   bool oneByOne_ = false;
+  // The map and the free list before the compaction.
+  const MapSectors formerMap_;
+  const std::vector<FreeRun> formerRuns_;
+  bool mapWasWritten_ = false;
 };
-
-void WriteOneRun(Disc& disc, std::int32_t start) {
-  MapSectors map = ReadMap(disc);
-  const std::array<FreeRun, 1> runs = {{{start, map.DiscSize() - start}}};
-  map.SetRuns(runs);
-  map.UpdateChecksums();
-  WriteMap(disc, map);
-}
-
-void TellMoves(Disc& disc, const std::map<std::int32_t, std::int32_t>& moves) {
-  if (moves.empty()) return;
-  for (std::int32_t* held : disc.TrackedSectors) {
-    const auto move = moves.find(*held);
-    if (move != moves.end()) *held = move->second;
-  }
-  disc.Host.DirectoriesMoved(moves);
-}
 
 // False if the disc is too damaged; nothing has changed then.
 bool TryToCompact(Disc& disc) {
@@ -298,19 +345,16 @@ bool TryToCompact(Disc& disc) {
   const BusyPointer busy(disc.Host);
   auto objects = PlanMoves(disc);
   if (!objects) return false;
-  Mover mover(disc, *objects);
-  WriteOneRun(disc, mover.MoveAllDown());
-  ReadFreeMap(disc);
-  disc.ImageChanged = true;
-  ++disc.Compactions;
-  TellMoves(disc, mover.Moves());
+  Mover(disc, *objects).MoveAllDown();
   return true;
 }
 
 }  // namespace
 
-void CompactDisc(Disc& disc) {
-  if (!TryToCompact(disc)) disc.Host.ShowMessage(kCannotCompactMessage);
+Outcome CompactDisc(Disc& disc) {
+  return InChange(disc, [&] {
+    return TryToCompact(disc) ? Outcome::kDone : Refuse(disc, kCannotCompactMessage);
+  });
 }
 
 void CompactAfterRelease(Disc& disc) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "disc/change/Outcome.h"
 #include "disc/store/Disc.h"
 
 // Closing up the holes on a disc.
@@ -12,7 +13,7 @@ inline constexpr const char* kCannotCompactMessage = "Cannot Compact A Damaged D
 // A damaged disc stays as it is, and the user sees kCannotCompactMessage. A disc counts as damaged
 // if its directories lead in a circle or lack their mark, or if its objects overlap or need more
 // room than there is.
-void CompactDisc(Disc& disc);
+[[nodiscard]] Outcome CompactDisc(Disc& disc);
 // The same, but the engine starts it by itself when the free list grows long. For a damaged disc
 // the message is then only a note.
 void CompactAfterRelease(Disc& disc);

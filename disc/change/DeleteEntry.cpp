@@ -2,6 +2,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
@@ -118,6 +119,7 @@ Outcome Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir
     if (first.IsEmpty()) break;
     const Outcome outcome = FirstEntry(dir, first);
     if (outcome != Outcome::kDone) return outcome;
+    Change::Step(disc_);
     if (!GoesOnAfterEvents(parent, dir, name)) return Outcome::kStopped;
   }
   return Outcome::kDone;
@@ -142,7 +144,8 @@ Outcome Deletion::Tree(std::int32_t parentSector, std::int32_t dirSector, const 
 
 Outcome DeleteEntry(Disc& disc, std::int32_t dirSector, const std::string& name, bool isDir,
                     bool ignoreLock) {
-  return Deletion(disc, ignoreLock).DeleteOne(dirSector, name, isDir);
+  return InChange(disc,
+                  [&] { return Deletion(disc, ignoreLock).DeleteOne(dirSector, name, isDir); });
 }
 
 Outcome DeleteTree(Disc& disc, std::int32_t parent, std::int32_t dirSector, const std::string& name,
@@ -150,7 +153,9 @@ Outcome DeleteTree(Disc& disc, std::int32_t parent, std::int32_t dirSector, cons
   if (deleteNonEmpty && !MayBeEmptied(disc, dirSector)) {
     return Refuse(disc, "Cannot Delete Damaged Directory : " + name);
   }
-  return Deletion(disc, ignoreLock).Tree(parent, dirSector, name, deleteNonEmpty);
+  return InChange(disc, [&] {
+    return Deletion(disc, ignoreLock).Tree(parent, dirSector, name, deleteNonEmpty);
+  });
 }
 
 }  // namespace sectorbox

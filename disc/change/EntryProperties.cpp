@@ -1,6 +1,7 @@
 // Attributes, addresses, titles and the boot option: changes that move nothing.
 
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"
@@ -30,21 +31,27 @@ std::optional<Entry> ChangeEntry(Disc& disc, std::int32_t dirSector, const std::
 
 }  // namespace
 
-void SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string& name, bool read,
-                        bool write, bool locked) {
-  const auto entry = ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
-    changed.Set(Attribute::kRead, read);
-    changed.Set(Attribute::kWrite, write);
-    changed.Set(Attribute::kLocked, locked);
+Outcome SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string& name, bool read,
+                           bool write, bool locked) {
+  return InChange(disc, [&] {
+    const auto entry = ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
+      changed.Set(Attribute::kRead, read);
+      changed.Set(Attribute::kWrite, write);
+      changed.Set(Attribute::kLocked, locked);
+    });
+    if (entry) CopyNameToDirectory(disc, *entry, kAttributeBytes);
+    return Outcome::kDone;
   });
-  if (entry) CopyNameToDirectory(disc, *entry, kAttributeBytes);
 }
 
-void SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
-                       const std::string& load, const std::string& exec) {
-  (void)ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
-    changed.SetExec(ParseAddress(exec));
-    changed.SetLoad(ParseAddress(load));
+Outcome SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
+                          const std::string& load, const std::string& exec) {
+  return InChange(disc, [&] {
+    (void)ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
+      changed.SetExec(ParseAddress(exec));
+      changed.SetLoad(ParseAddress(load));
+    });
+    return Outcome::kDone;
   });
 }
 
@@ -54,27 +61,27 @@ Outcome SetDirTitle(Disc& disc, std::int32_t dirSector, const std::string& title
   if (HoldsIllegalCharacters(cut, "-.:*#$&@^")) {
     return Refuse(disc, "Title " + cut + " Contains Illegal Characters");
   }
-  EditedDirectory directory(disc, dirSector);
-  directory.Now.SetTitle(PadTitle(cut));
-  (void)directory.Now.BumpSequence();
-  directory.Write();
-  disc.ImageChanged = true;
-  return Outcome::kDone;
+  return InChange(disc, [&] {
+    EditedDirectory directory(disc, dirSector);
+    directory.Now.SetTitle(PadTitle(cut));
+    (void)directory.Now.BumpSequence();
+    directory.Write();
+    disc.ImageChanged = true;
+    return Outcome::kDone;
+  });
 }
 
 // The map's checksum stays stale, and the program won't ask the user to save: the option of an
 // image in memory reaches its file only if something else leads to a save. The window has always
 // worked so.
-void SetBootOption(Disc& disc, std::uint8_t option) {
-  MapSectors map = ReadMap(disc);
-  map.SetBootOption(option);
-  WriteMap(disc, map);
-}
-
-void UpdateMapChecksums(Disc& disc) {
-  MapSectors map = ReadMap(disc);
-  map.UpdateChecksums();
-  WriteMap(disc, map);
+Outcome SetBootOption(Disc& disc, std::uint8_t option, MapSums sums) {
+  return InChange(disc, [&] {
+    MapSectors map = ReadMap(disc);
+    map.SetBootOption(option);
+    if (sums == MapSums::kUpdate) map.UpdateChecksums();
+    WriteMap(disc, map);
+    return Outcome::kDone;
+  });
 }
 
 }  // namespace sectorbox

@@ -34,19 +34,23 @@ namespace sectorbox {
                                                        const std::string& name);
 
 // Sets these three attributes and leaves the others. Nothing happens if there is no such entry.
-void SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string& name, bool read,
-                        bool write, bool locked);
-// load and exec are eight hex digits each. Nothing happens if there is no such entry.
-void SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
-                       const std::string& load, const std::string& exec);
+// kRefused only if the disc may not be changed (MayChange).
+[[nodiscard]] Outcome SetEntryAttributes(Disc& disc, std::int32_t dirSector,
+                                         const std::string& name, bool read, bool write,
+                                         bool locked);
+// load and exec are eight hex digits each. Nothing happens if there is no such entry. kRefused only
+// if the disc may not be changed.
+[[nodiscard]] Outcome SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
+                                        const std::string& load, const std::string& exec);
 // Gives a directory another title, cut to 19 characters.
 [[nodiscard]] Outcome SetDirTitle(Disc& disc, std::int32_t dirSector, const std::string& title);
 
-// Writes byte 509 alone, as the window's boot dialog does. The map's checksum and ImageChanged stay
-// as they were.
-void SetBootOption(Disc& disc, std::uint8_t option);
-// Writes the right values into both of the map's checksums. The BBC refuses a disc with a wrong
+// What SetBootOption does with the two checksums of the map. The BBC refuses a disc with a wrong
 // one.
-void UpdateMapChecksums(Disc& disc);
+enum class MapSums { kLeave, kUpdate };
+
+// Writes byte 509. With kLeave that is all, as the window's boot dialog does it. ImageChanged stays
+// as it was. kRefused only if the disc may not be changed.
+[[nodiscard]] Outcome SetBootOption(Disc& disc, std::uint8_t option, MapSums sums);
 
 }  // namespace sectorbox

@@ -1,4 +1,5 @@
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"
@@ -21,10 +22,7 @@ Entry MakeEntry(const std::string& name, std::int32_t start, std::uint8_t sequen
   return entry;
 }
 
-}  // namespace
-
-std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t dirSector,
-                                         const std::string& name) {
+std::optional<std::int32_t> Make(Disc& disc, std::int32_t dirSector, const std::string& name) {
   const auto refuse = [&](const std::string& message) {
     disc.Host.ShowMessage(message);
     return std::nullopt;
@@ -46,6 +44,17 @@ std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t dirSector,
   disc.TheDisc.StoreBytes(SectorOffset(start), Directory::MakeEmpty(entry, dirSector).Raw());
   TakeSectors(disc, run, kDirSectors);
   return start;
+}
+
+}  // namespace
+
+std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t dirSector,
+                                         const std::string& name) {
+  if (!MayChange(disc)) return std::nullopt;
+  Change change(disc);
+  const auto made = Make(disc, dirSector, name);
+  change.Commit();
+  return made;
 }
 
 }  // namespace sectorbox

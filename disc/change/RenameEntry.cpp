@@ -1,12 +1,14 @@
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"
 
 namespace sectorbox {
+namespace {
 
-Outcome RenameEntry(Disc& disc, const std::string& newName, const std::string& oldName,
-                    std::int32_t dirSector, bool ignoreLock) {
+Outcome Rename(Disc& disc, const std::string& newName, const std::string& oldName,
+               std::int32_t dirSector, bool ignoreLock) {
   EditedDirectory directory(disc, dirSector);
   const std::int32_t slot = directory.Now.Find(oldName);
   if (slot < 0) return Outcome::kRefused;
@@ -31,6 +33,13 @@ Outcome RenameEntry(Disc& disc, const std::string& newName, const std::string& o
   disc.ImageChanged = true;
   CopyNameToDirectory(disc, entry, format::kNameLength);
   return Outcome::kDone;
+}
+
+}  // namespace
+
+Outcome RenameEntry(Disc& disc, const std::string& newName, const std::string& oldName,
+                    std::int32_t dirSector, bool ignoreLock) {
+  return InChange(disc, [&] { return Rename(disc, newName, oldName, dirSector, ignoreLock); });
 }
 
 }  // namespace sectorbox

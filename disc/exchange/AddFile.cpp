@@ -5,6 +5,7 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
@@ -69,13 +70,17 @@ Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
 }
 
 // The start sector of the directory that the file goes to. It is made if there is none; none if
-// that was refused. An entry of that name that is a file is taken for the directory too: nothing
-// has ever looked at its D attribute here.
+// that was refused. An entry of that name that is a file is taken for the directory too, if its
+// bytes are one: nothing has ever looked at its D attribute here.
 std::optional<std::int32_t> FindTarget(Disc& disc, std::int32_t dir, const Incoming& file) {
   if (file.Prefix == '\0') return dir;
   const std::string letter(1, file.Prefix);
   const std::int32_t target = GetEntrySector(disc, dir, letter);
-  if (target >= 0) return target;
+  if (target >= 0 && IsDirectory(disc, target)) return target;
+  if (target >= 0) {
+    (void)Refuse(disc, "File " + file.HostName + ": " + letter + " Is Not A Directory");
+    return std::nullopt;
+  }
   const auto made = NewDirectory(disc, dir, letter);
   disc.Host.SetTreeReady();
   return made;
@@ -153,6 +158,19 @@ Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
   return Attempt::kReplaced;
 }
 
+// Adds the file in one piece: a replaced file goes only if the new one is there.
+Outcome AddIncoming(Disc& disc, std::int32_t dirSector, const Incoming& file) {
+  const TrackedSector dir(disc, dirSector);
+  // A sound directory holds a name once. In a damaged one each entry may have it, and each takes a
+  // round.
+  for (std::int32_t round = 0; round <= kEntryCount; ++round) {
+    const Attempt attempt = TryToAdd(disc, dir, file);
+    if (attempt == Attempt::kReplaced) continue;
+    return attempt == Attempt::kDone ? Outcome::kDone : Outcome::kRefused;
+  }
+  return Outcome::kStopped;
+}
+
 Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path) {
   // A pipe or a device has no length, and reading it may never end.
   if (KindOfHostFile(path) != HostFileKind::kPlain) throw HostError(path, "Not a regular file");
@@ -164,15 +182,8 @@ Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path
   if (badPrefix || NameCannotBeStored(file.Name)) {
     return Refuse(disc, IllegalNameMessage(file.HostName));
   }
-  const TrackedSector dir(disc, dirSector);
-  // A sound directory holds a name once. In a damaged one each entry may have it, and each takes a
-  // round.
-  for (std::int32_t round = 0; round <= kEntryCount; ++round) {
-    const Attempt attempt = TryToAdd(disc, dir, file);
-    if (attempt == Attempt::kReplaced) continue;
-    return attempt == Attempt::kDone ? Outcome::kDone : Outcome::kRefused;
-  }
-  return Outcome::kStopped;
+  return InChange(
+      disc, [&] { return AddIncoming(disc, dirSector, file); }, Change::Parts::kNone);
 }
 
 }  // namespace
@@ -185,8 +196,10 @@ Outcome AddHostPath(Disc& disc, std::int32_t dirSector, const std::string& hostP
 }
 
 Outcome AddFile(Disc& disc, std::int32_t dirSector, const std::string& hostPath) {
-  ImportWalk walk;
-  return AddHostPath(disc, dirSector, ResolveHostPath(hostPath), walk);
+  return InChange(disc, [&] {
+    ImportWalk walk;
+    return AddHostPath(disc, dirSector, ResolveHostPath(hostPath), walk);
+  });
 }
 
 }  // namespace sectorbox

@@ -2,6 +2,7 @@
 #include <system_error>
 
 #include "disc/catalogue/Directories.h"
+#include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
@@ -46,6 +47,7 @@ Outcome AddContents(Disc& disc, std::int32_t dirSector, const std::vector<std::s
     }
     const Outcome outcome = AddHostPath(disc, dir, path, walk);
     if (outcome != Outcome::kDone) return outcome;
+    Change::Step(disc);
   }
   return Outcome::kDone;
 }
@@ -76,8 +78,10 @@ Outcome AddHostFolder(Disc& disc, std::int32_t dirSector, const std::string& fol
 }
 
 Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& folder) {
-  ImportWalk walk;
-  return AddHostFolder(disc, dirSector, ResolveHostPath(folder), walk);
+  return InChange(disc, [&] {
+    ImportWalk walk;
+    return AddHostFolder(disc, dirSector, ResolveHostPath(folder), walk);
+  });
 }
 
 }  // namespace sectorbox

@@ -114,6 +114,12 @@ void CreateHostFolder(const std::string& path) {
   if (error) ThrowHostError(path, error);
 }
 
+void CreateHostFolders(const std::string& path) {
+  std::error_code error;
+  fs::create_directories(path, error);
+  if (error) ThrowHostError(path, error);
+}
+
 std::vector<std::string> ListHostFolder(const std::string& folder) {
   std::error_code error;
   std::vector<std::string> names;

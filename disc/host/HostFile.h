@@ -49,8 +49,15 @@ void RemoveHostLink(const std::string& path);
 
 // Makes a folder inside one that exists. A folder that is already there stays as it is.
 void CreateHostFolder(const std::string& path);
+// The same with all folders on the way to it.
+void CreateHostFolders(const std::string& path);
 // The names of all that is in a folder, hidden files included, in no order.
 [[nodiscard]] std::vector<std::string> ListHostFolder(const std::string& folder);
+
+// Returns when the names in a folder are safe, also against a power cut: those of files that were
+// made there, put in place or deleted. A host that can't do that for a folder isn't an error.
+// HostError if the host fails.
+void SyncHostFolder(const std::string& folder);
 
 // --- Open files --------------------------------------------------------------------------------
 

@@ -55,6 +55,12 @@ std::string ResolveHostPath(const std::string& path) {
   return real.string();
 }
 
+std::string RealHostPath(const std::string& path) {
+  std::error_code error;
+  const fs::path real = fs::canonical(path, error);
+  return error ? path : real.string();
+}
+
 std::optional<FileIdentity> IdentityOfPath(const std::string& path) {
   try {
     return RequireIdentity(path);

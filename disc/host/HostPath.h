@@ -32,6 +32,14 @@ namespace sectorbox {
 // the end can't be followed.
 [[nodiscard]] std::string ResolveHostPath(const std::string& path);
 
+// The path from the root on of what path names, with every link followed. If nothing is there, or
+// the host can't tell, the path as it was given.
+[[nodiscard]] std::string RealHostPath(const std::string& path);
+
+// The folder in which this user's programs keep what has to survive a restart, with a folder of our
+// own in it: "sectorbox". It may not be there yet. HostError if the host has no such place.
+[[nodiscard]] std::string HostStateFolder();
+
 // Which file an open file or a path is, whatever its name. Two are equal only if they are the same
 // file on the same file system. The numbers mean nothing outside this process.
 struct FileIdentity {

@@ -25,6 +25,8 @@ class RawDevice {
   [[nodiscard]] virtual std::size_t Read(std::uint64_t offset, std::span<std::uint8_t> buffer) = 0;
   [[nodiscard]] virtual std::size_t Write(std::uint64_t offset,
                                           std::span<const std::uint8_t> buffer) = 0;
+  // Returns when what was written is on the medium. False if that fails.
+  [[nodiscard]] virtual bool Sync() { return true; }
   // Closes the device. What was written is on the medium then, unless LastError says otherwise.
   // Nothing happens if no device is open.
   virtual void Close() = 0;

@@ -57,6 +57,7 @@ CardMedium::CardMedium(const std::string& name, std::int32_t partition, RawDevic
   // The probe counts from the start of the card, whatever the partition.
   Probe();
   partition_ = partition;
+  journal_ = StateJournal(KindOfJournal());
 }
 
 void CardMedium::CountFault(const std::string& what) {
@@ -67,6 +68,11 @@ void CardMedium::CountFault(const std::string& what) {
   const std::string trouble = error == 0 ? "" : ": " + std::generic_category().message(error);
   firstFault_ = what + trouble;
   status_.Note(name_ + ": " + firstFault_);
+}
+
+void CardMedium::CountWriteFault(const std::string& what) {
+  ++writeFaults_;
+  CountFault(what);
 }
 
 std::int64_t CardMedium::WritableBytes() const {
@@ -81,10 +87,10 @@ std::span<const std::uint8_t> CardMedium::Storable(std::int64_t offset,
       std::min<std::int64_t>(room, static_cast<std::int64_t>(bytes.size())));
   if (there < bytes.size()) {
     const std::int64_t sector = std::max(offset, WritableBytes()) / format::kSectorSize;
-    CountFault("sector " + std::to_string(sector) +
-               " lies outside the partition and isn't written");
+    CountWriteFault("sector " + std::to_string(sector) +
+                    " lies outside the partition and isn't written");
   }
-  if (there > 0 && !device_.IsOpen()) CountFault("not open, so that nothing is written");
+  if (there > 0 && !device_.IsOpen()) CountWriteFault("not open, so that nothing is written");
   return bytes.first(there);
 }
 
@@ -167,7 +173,7 @@ std::size_t CardMedium::ReadRun(std::int64_t offset, std::span<std::uint8_t> byt
 void CardMedium::WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) {
   const auto bytes = data.first(kCardBlockSize);
   if (DeviceWrite(PlaceOfBlock(block), bytes) == bytes.size()) return;
-  CountFault(BlockRange(block) + " can't be written in full");
+  CountWriteFault(BlockRange(block) + " can't be written in full");
 }
 
 void CardMedium::WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
@@ -190,13 +196,30 @@ void CardMedium::WriteStoredSector(std::int32_t block, std::int32_t sector,
     if (stored[first + i]) device[2 * i] = data[2 * (first + i)];
   }
   if (DeviceWrite(PlaceOf(number), device) == device.size()) return;
-  CountFault(SectorRange(number, 1) + " can't be written");
+  CountWriteFault(SectorRange(number, 1) + " can't be written");
 }
 
 void CardMedium::WriteDeviceSectors(std::int32_t sector, std::span<const std::uint8_t> bytes) {
   if (DeviceWrite(PlaceOf(sector), bytes) == bytes.size()) return;
   const auto count = static_cast<std::int64_t>(bytes.size() / kDeviceSector);
-  CountFault(SectorRange(sector, count) + " can't be written in full");
+  CountWriteFault(SectorRange(sector, count) + " can't be written in full");
+}
+
+void CardMedium::Sync() {
+  if (device_.IsOpen() && !device_.Sync()) CountWriteFault("what was written may be lost");
+}
+
+std::string CardMedium::KindOfJournal() const {
+  return "card-" + std::to_string(deviceSectors_) + "-" + std::to_string(partition_);
+}
+
+std::vector<std::unique_ptr<JournalPlace>> CardMedium::OldJournals() {
+  std::vector<std::unique_ptr<JournalPlace>> all;
+  if (!device_.IsOpen()) return all;
+  for (const std::string& path : StateJournal::FilesOf(KindOfJournal())) {
+    all.push_back(std::make_unique<JournalFile>(path));
+  }
+  return all;
 }
 
 void CardMedium::Close() {

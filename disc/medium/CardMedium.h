@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "disc/ask/StatusLine.h"
 #include "disc/host/RawDevice.h"
+#include "disc/medium/JournalPlace.h"
 #include "disc/medium/Medium.h"
 
 namespace sectorbox {
@@ -37,6 +40,11 @@ class CardMedium final : public Medium {
   void WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
                    const StoredBytes& stored) override;
   [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  void Sync() override;
+  // In the user's state folder, with the size of the card and the partition in its name.
+  [[nodiscard]] JournalPlace* Journal() override { return &journal_; }
+  [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override;
+  [[nodiscard]] std::int32_t WriteFaults() const override { return writeFaults_; }
   [[nodiscard]] std::int64_t Extent() const override { return kPartitionBytes; }
   // The room that a partition can have, since the probed size may be wrong where sectors are bad.
   [[nodiscard]] std::int64_t EndOfData() const override { return kPartitionBytes; }
@@ -64,8 +72,11 @@ class CardMedium final : public Medium {
   [[nodiscard]] bool ProbeRead(std::int32_t sector);
   // How many disc bytes may be stored in the partition.
   [[nodiscard]] std::int64_t WritableBytes() const;
+  [[nodiscard]] std::string KindOfJournal() const;
   // Counts one more fault of the card. what says what failed, such as "sector 7 can't be read".
   void CountFault(const std::string& what);
+  // The same for a write, which counts among the WriteFaults too.
+  void CountWriteFault(const std::string& what);
   // Both give the count of bytes done. Without an open device all bytes count as done. A write is
   // cut at the end of the partition, and the bytes that were cut count as done. offset counts
   // device bytes from the start of the partition.
@@ -81,7 +92,9 @@ class CardMedium final : public Medium {
   StatusLine& status_;
   std::int32_t deviceSectors_ = 0;
   std::int32_t faults_ = 0;
+  std::int32_t writeFaults_ = 0;
   std::string firstFault_;
+  StateJournal journal_{""};
 };
 
 }  // namespace sectorbox

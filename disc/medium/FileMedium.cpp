@@ -13,11 +13,26 @@ std::uint64_t PlaceOf(std::int32_t block) {
 
 }  // namespace
 
-FileMedium::FileMedium(const std::string& path) : file_(path, FileAccess::kCreateOrFallBack) {}
+FileMedium::FileMedium(const std::string& path)
+    : file_(path, FileAccess::kCreateOrFallBack), journalPath_(RealHostPath(path) + "-journal") {}
+
+std::vector<std::unique_ptr<JournalPlace>> FileMedium::OldJournals() {
+  std::vector<std::unique_ptr<JournalPlace>> all;
+  if (HostFileIsPlain(journalPath_)) all.push_back(std::make_unique<JournalFile>(journalPath_));
+  return all;
+}
+
+void FileMedium::ReadAt(std::uint64_t place, std::span<std::uint8_t> bytes) const {
+  const std::size_t done = file_.ReadAt(place, bytes);
+  if (done == bytes.size()) return;
+  // Behind its end a file reads as zeros. A file that ends earlier than the host says is one that
+  // the host can't read.
+  if (place + done < file_.Length()) throw HostError(file_.Path(), "Unexpected end of file");
+  std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(done), bytes.end(), std::uint8_t{0});
+}
 
 bool FileMedium::ReadBlock(std::int32_t block, std::span<std::uint8_t> data) {
-  const std::size_t done = file_.ReadAt(PlaceOf(block), data);
-  std::fill(data.begin() + static_cast<std::ptrdiff_t>(done), data.end(), std::uint8_t{0});
+  ReadAt(PlaceOf(block), data);
   return true;
 }
 
@@ -27,8 +42,7 @@ void FileMedium::WriteBlock(std::int32_t block, std::span<const std::uint8_t> da
 
 std::size_t FileMedium::ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
   if (offset < 0) return 0;
-  const std::size_t done = file_.ReadAt(static_cast<std::uint64_t>(offset), bytes);
-  std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(done), bytes.end(), std::uint8_t{0});
+  ReadAt(static_cast<std::uint64_t>(offset), bytes);
   return bytes.size();
 }
 

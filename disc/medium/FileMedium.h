@@ -1,9 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "disc/host/HostFile.h"
+#include "disc/medium/JournalPlace.h"
 #include "disc/medium/Medium.h"
 
 namespace sectorbox {
@@ -22,6 +25,9 @@ class FileMedium final : public Medium {
   [[nodiscard]] std::size_t WriteRun(std::int64_t offset,
                                      std::span<const std::uint8_t> bytes) override;
   void Sync() override { file_.Sync(); }
+  // Beside the file, with "-journal" behind its name.
+  [[nodiscard]] JournalPlace* Journal() override { return &journal_; }
+  [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override;
   [[nodiscard]] std::int64_t EndOfData() const override;
   [[nodiscard]] std::int64_t LongestFile() const override;
   [[nodiscard]] std::span<const std::uint8_t> Storable(
@@ -31,7 +37,12 @@ class FileMedium final : public Medium {
   void Close() override { file_.Close(); }
 
  private:
+  // Reads all of bytes. What lies behind the end of the file are zeros.
+  void ReadAt(std::uint64_t place, std::span<std::uint8_t> bytes) const;
+
   RandomAccessFile file_;
+  std::string journalPath_;
+  JournalFile journal_{journalPath_};
 };
 
 }  // namespace sectorbox

@@ -4,12 +4,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace sectorbox {
+
+class JournalPlace;
 
 // What lies under the store of a disc: the bytes of a floppy image in memory, a file, or a
 // partition of a card. Offsets and lengths count bytes of the disc, unless the comment says
@@ -64,6 +67,15 @@ class Medium {
                                              std::span<const std::uint8_t> bytes);
   // Returns when everything that was written is safe on the medium. HostError if the host fails.
   virtual void Sync() {}
+  // Where the journal of a change to this medium is kept; null if changes to it need none. The
+  // medium owns the place.
+  [[nodiscard]] virtual JournalPlace* Journal() { return nullptr; }
+
+  // The journals that an earlier program may have left for this medium. Some may be for others that
+  // look the same.
+  [[nodiscard]] virtual std::vector<std::unique_ptr<JournalPlace>> OldJournals();
+  // How many writes and syncs have failed without a HostError since the medium was opened.
+  [[nodiscard]] virtual std::int32_t WriteFaults() const { return 0; }
 
   // --- Bounds ----------------------------------------------------------------------------------
   // A byte at this offset or behind it has no place on the medium: it reads as zero and isn't

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -14,6 +15,8 @@
 #include "disc/store/DiscImg.h"
 
 namespace sectorbox {
+
+class Change;
 
 // The one shared state of the engine: the store, the open disc's name and dirty flag, and the free
 // list in memory. There is one in each program, made in main; a test makes its own. Every operation
@@ -45,6 +48,18 @@ struct Disc : private ImageRules {
   // How many times a disc has been compacted here. Code that notes down where objects lie compares
   // this number, to learn that they have moved.
   std::int32_t Compactions = 0;
+  // Moves of directories that the panes haven't been told yet (Change tells them).
+  std::vector<std::map<std::int32_t, std::int32_t>> UntoldMoves;
+  // The change that runs now, of which all others are parts; null if none runs.
+  Change* RunningChange = nullptr;
+  // How many running changes have to be whole: while there are any, no part of a change is made
+  // safe before its end (Change.h).
+  std::int32_t WholeChanges = 0;
+  // A long change is made safe in parts of about this many bytes, so that no more has to be held.
+  std::size_t StepBytes = std::size_t{8} << 20;
+  // What FindContradiction has found (Agreement.h), and the opening of the disc that it holds for.
+  std::string Contradiction;
+  std::int64_t ComparedAt = -1;
 
   DiscImg TheDisc;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "disc/host/HostError.h"
 #include "disc/medium/CardMedium.h"
 
 namespace sectorbox {
@@ -54,10 +55,12 @@ void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
   suspended_ = false;
   mTracks = request_.Shape.Tracks;
   mNumSecs = medium_->DeviceSectors();
+  ++openings_;
   EmptySlots();
   // A card has longer blocks than a file. A store that once had a card keeps the long blocks, and
   // then also reads and writes that many bytes for each block of a file.
   for (Slot& slot : slots_) slot.Data.resize(std::max(slot.Data.size(), layout_.BlockBytes));
+  Recover();
 }
 
 void DiscImg::CloseFile() {
@@ -67,6 +70,11 @@ void DiscImg::CloseFile() {
     return;
   }
   if (!medium_->IsOpen()) return;
+  if (held_.IsSealed()) {
+    PlaceHeld();
+  } else if (held_.IsActive()) {
+    CommitChange();
+  }
   WriteBack();
   EmptySlots();
   suspended_ = true;
@@ -93,6 +101,105 @@ bool DiscImg::ReadyForBlocks() {
   return medium_->IsReady();
 }
 
+// --- Changes -------------------------------------------------------------------------------------
+
+void DiscImg::BeginChange(std::vector<FreeRun> free) {
+  if (held_.IsSealed()) PlaceHeld();
+  // What was stored before belongs to no change.
+  if (!InMemory()) WriteBack();
+  held_.Begin(std::move(free));
+  formerFaults_ = WriteFaults();
+}
+
+void DiscImg::CommitChange() {
+  if (!held_.IsActive() || held_.IsSealed()) return;
+  if (!InMemory()) {
+    WriteBack();
+    if (held_.WroteFree()) medium_->Sync();
+    if (WriteFaults() != formerFaults_) {
+      throw HostError(request_.Name, "the card has failed, so nothing was changed");
+    }
+  }
+  if (held_.All().empty()) {
+    held_.End();
+    return;
+  }
+  if (JournalPlace* journal = medium_->Journal()) WriteJournal(*journal, *medium_, held_.All());
+  held_.Seal();
+  PlaceHeld();
+}
+
+void DiscImg::PlaceHeld() {
+  const std::int32_t former = WriteFaults();
+  PutInPlace(*medium_, held_.All());
+  JournalPlace* journal = medium_->Journal();
+  if (journal != nullptr && WriteFaults() != former) {
+    throw HostError(request_.Name,
+                    "the card has failed; the change will be finished when it is opened again");
+  }
+  if (journal != nullptr) journal->Remove();
+  held_.End();
+}
+
+std::int32_t DiscImg::WriteFaults() const {
+  return medium_ == nullptr ? 0 : medium_->WriteFaults();
+}
+
+void DiscImg::DropChange() noexcept {
+  if (!held_.IsActive() || held_.IsSealed()) return;
+  if (InMemory()) {
+    held_.Restore(memory_);
+  } else {
+    EmptySlots();
+  }
+  held_.End();
+}
+
+void DiscImg::Recover() {
+  if (InMemory()) return;
+  for (const auto& journal : medium_->OldJournals()) {
+    switch (FinishJournal(*journal, *medium_)) {
+      case JournalEnd::kFinished:
+        status_.Note(request_.Name + ": a change that was interrupted has been finished");
+        break;
+      case JournalEnd::kDropped:
+        status_.Note(request_.Name + ": a change that was interrupted has been dropped");
+        break;
+      case JournalEnd::kForeign:
+        // A card's journals may be for other cards.
+        if (!kind_->IsPartition) {
+          status_.Note(request_.Name + ": the journal beside it belongs to another disc");
+        }
+        break;
+      case JournalEnd::kNone:
+        break;
+    }
+  }
+}
+
+void DiscImg::CopyHeld(std::int64_t offset, std::span<std::uint8_t> bytes) const {
+  const std::int64_t end = offset + static_cast<std::int64_t>(bytes.size());
+  const auto& all = held_.All();
+  auto at = all.lower_bound(static_cast<std::int32_t>(offset / kBlockSize));
+  for (; at != all.end() && OffsetOfBlock(at->first) < end; ++at) {
+    const std::int64_t first = std::max(OffsetOfBlock(at->first), offset);
+    const std::int64_t last = std::min(OffsetOfBlock(at->first) + kBlockSize, end);
+    for (std::int64_t i = first; i < last; ++i) {
+      bytes[static_cast<std::size_t>(i - offset)] = at->second.Data[InBlock(i) * layout_.Stride];
+    }
+  }
+}
+
+std::size_t DiscImg::AlikeAt(std::int32_t block, std::size_t size) const {
+  const std::size_t blocks = size / kBlockSize;
+  std::size_t count = 0;
+  const bool isFree = held_.WasFree(block);
+  while (count < blocks && held_.WasFree(block + static_cast<std::int32_t>(count)) == isFree) {
+    ++count;
+  }
+  return count * kBlockSize;
+}
+
 // --- The two blocks ------------------------------------------------------------------------------
 
 void DiscImg::EmptySlots() {
@@ -112,14 +219,29 @@ void DiscImg::WriteBack() {
 }
 
 void DiscImg::WriteSlot(Slot& slot) {
+  const std::size_t blockBytes = layout_.BlockBytes;
   // All of Data is written. If it is longer than a block, its rest goes to the place of the next
   // block, so the rest has to be what that block holds now.
-  if (slot.Data.size() > layout_.BlockBytes) RefreshOverhang(slot);
-  if (slot.ReadFailed) {
-    medium_->WriteStored(slot.Block, slot.Data, slot.Stored);
-  } else {
-    medium_->WriteBlock(slot.Block, slot.Data);
+  if (slot.Data.size() > blockBytes) RefreshOverhang(slot);
+  const std::span<const std::uint8_t> data(slot.Data);
+  for (std::size_t at = 0; at < data.size(); at += blockBytes) {
+    const auto part = data.subspan(at, blockBytes);
+    const auto block = slot.Block + static_cast<std::int32_t>(at / blockBytes);
+    PutBlock(block, {{part.begin(), part.end()}, slot.ReadFailed, slot.Stored});
   }
+}
+
+void DiscImg::PutBlock(std::int32_t block, NewBlock bytes) {
+  if (held_.IsActive() && !held_.WasFree(block)) {
+    held_.Hold(block, std::move(bytes));
+    return;
+  }
+  if (bytes.IsPartial) {
+    medium_->WriteStored(block, bytes.Data, bytes.Stored);
+  } else {
+    medium_->WriteBlock(block, bytes.Data);
+  }
+  held_.NoteWrite();
 }
 
 void DiscImg::RefreshOverhang(Slot& slot) {
@@ -127,6 +249,8 @@ void DiscImg::RefreshOverhang(Slot& slot) {
   const Slot& other = slots_[&slot == &slots_[0] ? 1 : 0];
   if (other.Block == slot.Block + 1) {
     std::copy_n(other.Data.begin(), overhang.size(), overhang.begin());
+  } else if (const NewBlock* held = held_.Find(slot.Block + 1)) {
+    std::copy_n(held->Data.begin(), overhang.size(), overhang.begin());
   } else {
     // The user hears of a block that can't be read; its bytes are then what the medium gave.
     (void)medium_->ReadBlock(slot.Block + 1, overhang);
@@ -149,11 +273,19 @@ DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {
   if (slot.Block != -1 && slot.Dirty) WriteSlot(slot);
   slot.Block = -1;
   slot.Dirty = false;
-  slot.ReadFailed = !medium_->ReadBlock(block, slot.Data);
   slot.Stored.reset();
+  slot.ReadFailed = !ReadBlock(slot, block);
   slot.Block = block;
   for (Slot& one : slots_) one.Recent = &one == &slot;
   return slot;
+}
+
+bool DiscImg::ReadBlock(Slot& slot, std::int32_t block) {
+  const NewBlock* held = held_.Find(block);
+  if (held == nullptr) return medium_->ReadBlock(block, slot.Data);
+  std::copy(held->Data.begin(), held->Data.end(), slot.Data.begin());
+  slot.Stored = held->Stored;
+  return !held->IsPartial;
 }
 
 void DiscImg::FetchFromSlot(std::int64_t offset, std::span<std::uint8_t> bytes) {
@@ -190,6 +322,7 @@ std::size_t DiscImg::FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes
     if (isBad) bytes = bytes.first(std::min(bytes.size(), static_cast<std::size_t>(room)));
   }
   const std::size_t run = medium_->ReadRun(offset, bytes);
+  CopyHeld(offset, bytes.first(run));
   const std::int64_t end = offset + static_cast<std::int64_t>(run);
   for (const Slot& slot : slots_) {
     if (slot.Block == -1) continue;
@@ -207,7 +340,7 @@ std::size_t DiscImg::StoreRun(std::int64_t offset, std::span<const std::uint8_t>
   // slots then.
   const bool fits = slots_[0].Data.size() == layout_.BlockBytes;
   if (InMemory() || bytes.size() < kSmallestRun || !fits) return 0;
-  const std::size_t run = medium_->WriteRun(offset, bytes);
+  const std::size_t run = WriteRun(offset, bytes);
   const std::int64_t end = offset + static_cast<std::int64_t>(run);
   for (Slot& slot : slots_) {
     const std::int64_t at = OffsetOfBlock(slot.Block);
@@ -216,6 +349,23 @@ std::size_t DiscImg::StoreRun(std::int64_t offset, std::span<const std::uint8_t>
     slot.Dirty = false;
   }
   return run;
+}
+
+std::size_t DiscImg::WriteRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  if (!held_.IsActive()) return medium_->WriteRun(offset, bytes);
+  if (offset < 0 || InBlock(offset) != 0 || layout_.Stride != 1) return 0;
+  const auto first = static_cast<std::int32_t>(offset / kBlockSize);
+  const auto part = bytes.first(AlikeAt(first, bytes.size()));
+  if (held_.WasFree(first)) {
+    held_.NoteWrite();
+    return medium_->WriteRun(offset, part);
+  }
+  for (std::size_t at = 0; at < part.size(); at += kBlockSize) {
+    const auto block = part.subspan(at, kBlockSize);
+    const auto number = first + static_cast<std::int32_t>(at / kBlockSize);
+    held_.Hold(number, {{block.begin(), block.end()}, false, {}});
+  }
+  return part.size();
 }
 
 // --- Bytes ---------------------------------------------------------------------------------------
@@ -276,6 +426,7 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
       size = TogetherAt(offset, bytes.size());
       const auto part = bytes.first(size);
       if (Holds(offset) && InMemory()) {
+        if (held_.IsActive()) held_.KeepOld(memory_, static_cast<std::size_t>(offset), size);
         std::copy(part.begin(), part.end(), memory_.begin() + offset);
       } else if (Holds(offset)) {
         StoreToSlot(offset, part);
@@ -334,6 +485,9 @@ std::int64_t DiscImg::EndOfData() {
   std::int64_t end = medium_->EndOfData();
   for (const Slot& slot : slots_) {
     if (slot.Dirty) end = std::max(end, OffsetOfBlock(slot.Block) + kBlockSize);
+  }
+  if (!held_.All().empty()) {
+    end = std::max(end, OffsetOfBlock(held_.All().rbegin()->first) + kBlockSize);
   }
   return end;
 }

@@ -11,6 +11,7 @@
 #include "disc/medium/FloppyMedium.h"
 #include "disc/medium/Medium.h"
 #include "disc/medium/MediumKinds.h"
+#include "disc/store/HeldBlocks.h"
 
 namespace sectorbox {
 
@@ -68,6 +69,27 @@ class DiscImg final : public DiscBytes {
   // Writes the first secs x 512 bytes of the transfer buffer to the partition, at device byte
   // sector x 512. A larger secs than 64 counts as 64.
   void WriteCFSector(std::int32_t sector, std::int32_t secs);
+
+  // --- A change that is whole or not at all ----------------------------------------------------
+  // Begins a change; Change (disc/change/Change.h) is the only caller. free are the disc's free
+  // runs. Until the change ends, no block that the disc needs is written to its medium. HostError
+  // if the host fails; no change runs then.
+  void BeginChange(std::vector<FreeRun> free);
+  // Ends the change: writes the held blocks to the journal and then to their places. HostError if
+  // the host fails. If the journal wasn't whole then, the change is still running and can only be
+  // dropped. If it was, ChangeIsMade tells, and the blocks go to their places before the next
+  // change, at CloseFile, or when the disc is opened again.
+  void CommitChange();
+  // Ends the change; the bytes are what they were when it began. Nothing happens if no change runs
+  // or ChangeIsMade.
+  void DropChange() noexcept;
+  [[nodiscard]] bool IsChanging() const { return held_.IsActive(); }
+  [[nodiscard]] bool ChangeIsMade() const { return held_.IsSealed(); }
+  // Bytes of the blocks that the running change holds.
+  [[nodiscard]] std::size_t HeldBytes() const { return held_.Bytes(); }
+
+  // How many times a disc has been opened here.
+  [[nodiscard]] std::int64_t Openings() const { return openings_; }
 
   void Store(std::int64_t offset, std::uint8_t value);
   [[nodiscard]] std::uint8_t Fetch(std::int64_t offset);
@@ -133,6 +155,21 @@ class DiscImg final : public DiscBytes {
   void Reopen();
   // The slot with the block that holds offset; the block is read if no slot has it.
   Slot& LocateBlock(std::int64_t offset);
+  // Reads a block as it is now: as the running change holds it, or else from the medium. The result
+  // is that of Medium::ReadBlock.
+  [[nodiscard]] bool ReadBlock(Slot& slot, std::int32_t block);
+  // Writes one block, without what lies behind it, or holds it for the running change.
+  void PutBlock(std::int32_t block, NewBlock bytes);
+  // Copies what the running change holds over bytes that were read from the medium.
+  void CopyHeld(std::int64_t offset, std::span<std::uint8_t> bytes) const;
+  // The longest front part of bytes, which begin with a block, that can be treated alike: all of
+  // its blocks were free when the change began, or none was.
+  [[nodiscard]] std::size_t AlikeAt(std::int32_t block, std::size_t size) const;
+  [[nodiscard]] std::int32_t WriteFaults() const;
+  // Puts the blocks of a sealed change in place.
+  void PlaceHeld();
+  // Finishes or drops a change that an earlier program began.
+  void Recover();
   // The slot whose block makes room for another one.
   Slot& ChooseVictim();
   void WriteSlot(Slot& slot);
@@ -145,6 +182,9 @@ class DiscImg final : public DiscBytes {
   // Stores a front part of bytes, whole blocks, straight on the medium and into the slots that hold
   // them. Gives its length; 0 if the bytes have to be stored block by block.
   [[nodiscard]] std::size_t StoreRun(std::int64_t offset, std::span<const std::uint8_t> bytes);
+  // Writes a front part of bytes, whole blocks, or holds it for the running change. Gives its
+  // length.
+  [[nodiscard]] std::size_t WriteRun(std::int64_t offset, std::span<const std::uint8_t> bytes);
   void FetchFromSlot(std::int64_t offset, std::span<std::uint8_t> bytes);
   void StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> bytes);
   // How many of want bytes from offset on lie together: in one block, in the image in memory, or
@@ -168,6 +208,9 @@ class DiscImg final : public DiscBytes {
   bool suspended_ = false;  // closed by CloseFile, to be opened again at the next byte access
   std::array<std::uint8_t, kTransferSize> transfer_{};
   std::array<Slot, 2> slots_;
+  HeldBlocks held_;
+  std::int32_t formerFaults_ = 0;  // the medium's WriteFaults when the change began
+  std::int64_t openings_ = 0;
 };
 
 }  // namespace sectorbox

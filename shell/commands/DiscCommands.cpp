@@ -85,11 +85,14 @@ DiscCommands::DiscCommands(MainWindow& window, Panes& panes) : window_(window), 
 void DiscCommands::mnuDiscBoot() {
   Disc& disc = window_.OpenDisc();
   frmBoot dialog(&window_, disc.TheDisc.Fetch(format::kMapBootOption));
-  if (dialog.exec() == QDialog::Accepted) SetBootOption(disc, dialog.Option());
+  if (dialog.exec() != QDialog::Accepted) return;
+  // The user has been told of a refusal.
+  (void)SetBootOption(disc, dialog.Option(), MapSums::kLeave);
 }
 
 void DiscCommands::mnuDiscCompact() {
-  CompactDisc(window_.OpenDisc());
+  // The user has been told of a refusal.
+  (void)CompactDisc(window_.OpenDisc());
   panes_.RebuildTree();
 }
 

@@ -54,7 +54,10 @@ FileCommands::Applied FileCommands::ApplyAttributes(int row) {
   FileListModel& model = panes_.List().Model();
   const std::int32_t sector = panes_.CurrentSector();
   const std::string name = model.Rows()[static_cast<std::size_t>(row)].Name();
-  SetEntryAttributes(disc, sector, name, attr_->AttrRead, attr_->AttrWrite, attr_->AttrLocked);
+  const Outcome outcome =
+      SetEntryAttributes(disc, sector, name, attr_->AttrRead, attr_->AttrWrite, attr_->AttrLocked);
+  // What was refused once is refused for every row.
+  if (outcome != Outcome::kDone) return Applied::kNoEntry;
   const std::int32_t slot = FindEntry(disc, sector, name);
   if (slot == -1) return Applied::kNoEntry;
   model.SetRow(row, ReadRow(disc, sector, slot));
@@ -80,7 +83,8 @@ void FileCommands::ApplyAddresses(int row) {
   // After a refused OK the close box counts as accepted. The texts may be no addresses then, and
   // nothing is written.
   if (!CheckAddresses(addr_->LoadText, addr_->ExecText).empty()) return;
-  SetEntryAddresses(disc, sector, name, addr_->LoadText, addr_->ExecText);
+  const Outcome outcome = SetEntryAddresses(disc, sector, name, addr_->LoadText, addr_->ExecText);
+  if (outcome != Outcome::kDone) return;
   const std::int32_t slot = FindEntry(disc, sector, name);
   if (slot == -1) return;
   model.SetRow(row, ReadRow(disc, sector, slot));

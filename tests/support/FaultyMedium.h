@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "disc/host/HostError.h"
+#include "disc/medium/JournalPlace.h"
 #include "disc/medium/Medium.h"
 #include "disc/medium/MediumKinds.h"
 
@@ -22,6 +24,7 @@ struct FaultPlan {
     kFail,  // the operation is a HostError and does nothing
     kTear,  // half of a write reaches the medium, then it is a HostError; a read or sync fails
     kLast,  // the operation is done, and no later write reaches the medium: the program was killed
+    kCut,   // as kLast, and some of what was written since the last sync is lost: a power cut
   };
 
   Operation What = Operation::kWrite;
@@ -31,7 +34,14 @@ struct FaultPlan {
   int Reads = 0;
   int Writes = 0;
   int Syncs = 0;
-  bool Dead = false;  // after kLast: writes are lost without a word
+  bool Dead = false;  // after kLast and kCut: writes are lost without a word
+  // Which blocks a power cut takes away: bit n stands for the blocks whose number is n modulo 8.
+  // Bit 8 stands for the removal of a journal.
+  unsigned Lost = 0;
+  // What stood in the blocks before they were written, since the last sync.
+  std::map<std::int32_t, std::vector<std::uint8_t>> Unsynced;
+  // The journal that was removed last, until another one is written.
+  std::vector<std::uint8_t> RemovedJournal;
 
   [[nodiscard]] int Count() const {
     switch (What) {
@@ -45,7 +55,13 @@ struct FaultPlan {
     return 0;
   }
   // Starts to count anew, with a fault at an operation.
-  void Set(Operation what, Kind fault, int at) { *this = {what, fault, at, 0, 0, 0, false}; }
+  void Set(Operation what, Kind fault, int at, unsigned lost = 0) {
+    *this = {};
+    What = what;
+    Fault = fault;
+    At = at;
+    Lost = lost;
+  }
 };
 
 // A medium that passes everything on to another one and does what its plan says.
@@ -63,11 +79,21 @@ class FaultyMedium final : public Medium {
     return inner_->ReadBlock(block, data);
   }
   void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override {
-    Write([&] { inner_->WriteBlock(block, data); }, [&] { TearBlock(block, data); });
+    Write(
+        [&] {
+          KeepOld(block);
+          inner_->WriteBlock(block, data);
+        },
+        [&] { TearBlock(block, data); });
   }
   void WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
                    const StoredBytes& stored) override {
-    Write([&] { inner_->WriteStored(block, data, stored); }, [] {});
+    Write(
+        [&] {
+          KeepOld(block);
+          inner_->WriteStored(block, data, stored);
+        },
+        [] {});
   }
   [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override {
     if (Meets(FaultPlan::Operation::kRead, plan_.Reads)) Fail();
@@ -76,14 +102,30 @@ class FaultyMedium final : public Medium {
   [[nodiscard]] std::size_t WriteRun(std::int64_t offset,
                                      std::span<const std::uint8_t> bytes) override {
     std::size_t done = bytes.size() - bytes.size() % kBlockSize;
-    Write([&] { done = inner_->WriteRun(offset, bytes); },
-          [&] { (void)inner_->WriteRun(offset, bytes.first(bytes.size() / 2)); });
+    Write(
+        [&] {
+          for (std::size_t at = 0; at < done; at += kBlockSize) {
+            KeepOld(
+                static_cast<std::int32_t>((offset + static_cast<std::int64_t>(at)) / kBlockSize));
+          }
+          done = inner_->WriteRun(offset, bytes);
+        },
+        [&] { (void)inner_->WriteRun(offset, bytes.first(bytes.size() / 2)); });
     return done;
   }
   void Sync() override {
     if (Meets(FaultPlan::Operation::kSync, plan_.Syncs)) Fail();
-    if (!plan_.Dead) inner_->Sync();
+    if (plan_.Dead) return;
+    inner_->Sync();
+    plan_.Unsynced.clear();
   }
+  [[nodiscard]] JournalPlace* Journal() override {
+    return inner_->Journal() == nullptr ? nullptr : &journal_;
+  }
+  [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override {
+    return inner_->OldJournals();
+  }
+  [[nodiscard]] std::int32_t WriteFaults() const override { return inner_->WriteFaults(); }
   [[nodiscard]] std::int64_t Extent() const override { return inner_->Extent(); }
   [[nodiscard]] std::int64_t EndOfData() const override { return inner_->EndOfData(); }
   [[nodiscard]] std::int64_t LongestFile() const override { return inner_->LongestFile(); }
@@ -112,13 +154,41 @@ class FaultyMedium final : public Medium {
   }
 
  private:
+  // The journal of the inner medium. Writing it and removing it are writes of the plan.
+  class FaultyJournal final : public JournalPlace {
+   public:
+    explicit FaultyJournal(FaultyMedium& medium) : medium_(medium) {}
+    [[nodiscard]] std::vector<std::uint8_t> Read() override { return Inner().Read(); }
+    void Write(std::span<const std::uint8_t> bytes) override {
+      medium_.Write(
+          [&] {
+            Inner().Write(bytes);
+            medium_.plan_.RemovedJournal.clear();
+          },
+          [&] { Inner().Write(bytes.first(bytes.size() / 2)); });
+    }
+    void Remove() override {
+      medium_.Write(
+          [&] {
+            medium_.plan_.RemovedJournal = Inner().Read();
+            Inner().Remove();
+          },
+          [] {});
+    }
+
+   private:
+    JournalPlace& Inner() { return *medium_.inner_->Journal(); }
+
+    FaultyMedium& medium_;
+  };
+
   [[noreturn]] static void Fail() { throw HostError("faulty medium", "Input/output error"); }
 
   // Counts the operation. True if it fails.
   bool Meets(FaultPlan::Operation what, int& count) {
     const int number = count++;
-    if (plan_.What != what || number != plan_.At) return false;
-    if (plan_.Fault == FaultPlan::Kind::kLast) plan_.Dead = true;
+    if (plan_.What != what || number != plan_.At || plan_.Dead) return false;
+    plan_.Dead = plan_.Fault == FaultPlan::Kind::kLast || plan_.Fault == FaultPlan::Kind::kCut;
     return plan_.Fault == FaultPlan::Kind::kFail || plan_.Fault == FaultPlan::Kind::kTear;
   }
 
@@ -129,7 +199,26 @@ class FaultyMedium final : public Medium {
       if (plan_.Fault == FaultPlan::Kind::kTear && !wasDead) torn();
       Fail();
     }
-    if (!wasDead) whole();
+    if (wasDead) return;
+    whole();
+    if (plan_.Dead && plan_.Fault == FaultPlan::Kind::kCut) LoseUnsynced();
+  }
+
+  void KeepOld(std::int32_t block) {
+    if (plan_.Unsynced.contains(block)) return;
+    std::vector<std::uint8_t> old(inner_->BlockLayout().BlockBytes);
+    (void)inner_->ReadBlock(block, old);
+    plan_.Unsynced[block] = std::move(old);
+  }
+
+  // The power is cut: the blocks that the plan names are what they were at the last sync.
+  void LoseUnsynced() {
+    for (const auto& [block, old] : plan_.Unsynced) {
+      if ((plan_.Lost >> (block % 8) & 1U) != 0) inner_->WriteBlock(block, old);
+    }
+    if ((plan_.Lost >> 8 & 1U) != 0 && !plan_.RemovedJournal.empty()) {
+      inner_->Journal()->Write(plan_.RemovedJournal);
+    }
   }
 
   // The front half of a block is new, the rest is what stood there.
@@ -142,6 +231,7 @@ class FaultyMedium final : public Medium {
 
   std::unique_ptr<Medium> inner_;
   FaultPlan& plan_;
+  FaultyJournal journal_{*this};
 };
 
 // Puts a FaultyMedium around every medium that a store opens.

@@ -112,6 +112,15 @@ void RandomAccessFile::Close() {
   if (const int error = file_.Close(); error != 0) ThrowHostError(path_, error);
 }
 
+void SyncHostFolder(const std::string& folder) {
+  OpenFileNumber opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  // A folder that may be written but not read can't be opened.
+  if (!opened.IsOpen() && errno == EACCES) return;
+  if (!opened.IsOpen()) ThrowHostError(folder, errno);
+  if (::fsync(opened.Get()) == 0 || errno == EINVAL || errno == EROFS) return;
+  ThrowHostError(folder, errno);
+}
+
 void AppendedFile::Open(const std::string& path) {
   (void)file_.Close();
   path_ = path;

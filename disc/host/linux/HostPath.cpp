@@ -5,10 +5,20 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "disc/host/HostError.h"
 
 namespace sectorbox {
+
+std::string HostStateFolder() {
+  const char* state = std::getenv("XDG_STATE_HOME");
+  // A relative path there counts as none.
+  if (state != nullptr && state[0] == '/') return JoinHostPath(state, "sectorbox");
+  const char* home = std::getenv("HOME");
+  if (home == nullptr || home[0] != '/') throw HostError("HOME", "No such folder");
+  return JoinHostPath(home, ".local/state/sectorbox");
+}
 
 FileIdentity RequireIdentity(const std::string& path) {
   struct stat info {};

@@ -88,6 +88,11 @@ class HostDevice final : public RawDevice {
     return total;
   }
 
+  bool Sync() override {
+    lastError_ = 0;
+    return file_ < 0 || ::fsync(file_) == 0 || Fail(errno);
+  }
+
   void Close() override {
     if (file_ < 0) return;
     lastError_ = 0;

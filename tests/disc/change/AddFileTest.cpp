@@ -183,9 +183,20 @@ TEST_F(AddFileTest, NothingDeeperThanOnePrefixIsRecognised) {
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "A")), "B.C");
 }
 
-TEST_F(AddFileTest, APrefixThatNamesAFileIsFollowedAsIfItWereADirectory) {
+TEST_F(AddFileTest, APrefixThatNamesAFileIsRefusedAndTheFileStaysWhole) {
   ImageBuilder image(640);
-  const std::int32_t file = image.AddFile(2, {"B", Bytes(1280), 0, 0, "WR"});
+  image.AddFile(2, {"B", Bytes(1280), 0, 0, "WR"});
+  Open(image);
+  const Bytes before = Image();
+  host_.ExpectedMessages = {"File B.X: B Is Not A Directory"};
+  EXPECT_EQ(Add("B.X", Pattern(1)), Outcome::kRefused);
+  EXPECT_TRUE(Image() == before);
+}
+
+TEST_F(AddFileTest, APrefixThatNamesAFileWithTheBytesOfADirectoryIsFollowed) {
+  ImageBuilder image(640);
+  const std::int32_t file = image.AddDirectory(2, "B");
+  image.Poke(517 + 3, 0x80 ^ image.Peek(517 + 3));  // no longer a directory by its entry
   Open(image);
   EXPECT_EQ(Add("B.X", Pattern(1)), Outcome::kDone);
   EXPECT_EQ(Names(file), "X");

@@ -344,33 +344,45 @@ TEST_F(DeleteTest, EmptyFilesGoOnBeingToldApartAfterACompactionInTheirTree) {
   EXPECT_EQ(Faults(), std::vector<std::string>());
 }
 
-TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapOrBeyondTheDiscDoesNotComeFree) {
+TEST_F(DeleteTest, WhatADamagedEntryClaimsOfTheMapAndTheRootDoesNotComeFree) {
   ImageBuilder image(640);
   image.AddFile(2, {"LOW", Pattern(2560), 0, 0, "WR"});
-  image.AddFile(2, {"PAST", Pattern(512), 0, 0, "WR"});
-  image.Poke(517 + 22, 0);          // LOW starts in the map
-  image.Poke(517 + 26 + 18, 0xFF);  // PAST is four gigabytes long
-  for (int i = 19; i < 22; ++i) image.Poke(517 + 26 + i, 0xFF);
+  image.Poke(517 + 22, 0);  // LOW starts in the map
   image.SetFreeRuns({});
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), Outcome::kDone);
-  EXPECT_EQ(Runs(), "17+623");
   EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), Outcome::kDone);
-  EXPECT_EQ(Runs(), "7+3 17+623");
+  EXPECT_EQ(Runs(), "7+3");
 }
 
-TEST_F(DeleteTest, NothingComesFreeWhereAnEntryClaimsNoSectorThatFilesCanHave) {
+TEST_F(DeleteTest, NothingComesFreeWhereAnEntryClaimsOnlyTheMapAndTheRoot) {
   ImageBuilder image(640);
   image.AddFile(2, {"LOW", Pattern(7 * 256), 0, 0, "WR"});
-  image.AddFile(2, {"PAST", Pattern(512), 0, 0, "WR"});
-  image.Poke(517 + 22, 0);  // LOW is the map and the root
-  image.Poke(517 + 26 + 22, 640 & 255);
-  image.Poke(517 + 26 + 23, 640 >> 8);
+  image.Poke(517 + 22, 0);
   image.SetFreeRuns({});
   Open(image);
-  EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), Outcome::kDone);
   EXPECT_EQ(DeleteEntry(disc_, 2, "LOW", false, true), Outcome::kDone);
   EXPECT_EQ(disc_.FreeCount, 0);
+}
+
+TEST_F(DeleteTest, NothingIsDeletedWhereAnEntryClaimsSectorsBehindTheDisc) {
+  for (const bool startsThere : {false, true}) {
+    ImageBuilder image(640);
+    image.AddFile(2, {"LOW", Pattern(2560), 0, 0, "WR"});
+    image.AddFile(2, {"PAST", Pattern(512), 0, 0, "WR"});
+    if (startsThere) {
+      image.Poke(517 + 26 + 22, 640 & 255);
+      image.Poke(517 + 26 + 23, 640 >> 8);
+    } else {
+      for (int i = 18; i < 22; ++i) image.Poke(517 + 26 + i, 0xFF);
+    }
+    image.SetFreeRuns({});
+    Open(image);
+    const Bytes before = Image();
+    host_.ExpectedMessages = {
+        "Cannot Change A Damaged Disc : $.PAST: runs past the end of the disc"};
+    EXPECT_EQ(DeleteEntry(disc_, 2, "PAST", false, true), Outcome::kRefused);
+    EXPECT_TRUE(Image() == before);
+  }
 }
 
 }  // namespace

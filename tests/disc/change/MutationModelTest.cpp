@@ -343,7 +343,8 @@ class MutationModelTest : public EngineTest {
     node->Read = Pick(2) == 0;
     node->Write = Pick(2) == 0;
     node->Locked = Pick(4) == 0;
-    SetEntryAttributes(disc_, place.Sector, node->Name, node->Read, node->Write, node->Locked);
+    (void)SetEntryAttributes(disc_, place.Sector, node->Name, node->Read, node->Write,
+                             node->Locked);
     place.Dir->Bump(node);
   }
 
@@ -353,7 +354,8 @@ class MutationModelTest : public EngineTest {
     last_ += "address " + node->Name;
     node->Load = static_cast<std::uint32_t>(random_());
     node->Exec = static_cast<std::uint32_t>(random_());
-    SetEntryAddresses(disc_, place.Sector, node->Name, Hex(node->Load, 8), Hex(node->Exec, 8));
+    (void)SetEntryAddresses(disc_, place.Sector, node->Name, Hex(node->Load, 8),
+                            Hex(node->Exec, 8));
     place.Dir->Bump(node);
   }
 
@@ -367,7 +369,7 @@ class MutationModelTest : public EngineTest {
 
   void Compact() {
     last_ += "compact";
-    CompactDisc(disc_);
+    (void)CompactDisc(disc_);
     ASSERT_EQ(ReadFreeRuns(Image()).size(), 1U);
   }
 

@@ -41,12 +41,12 @@ class DamagedDiscTest : public EngineTest {
     attempt([&] { ExportFiles(disc_, folder_ / ("out" + std::to_string(round)), 2); });
     attempt([&] { (void)AddFile(disc_, 2, file); });
     attempt([&] { (void)RenameEntry(disc_, "RENAMED", "B", 2, true); });
-    attempt([&] { SetEntryAttributes(disc_, 2, "RENAMED", true, false, false); });
-    attempt([&] { SetEntryAddresses(disc_, 2, "G1", "12345678", "0"); });
+    attempt([&] { (void)SetEntryAttributes(disc_, 2, "RENAMED", true, false, false); });
+    attempt([&] { (void)SetEntryAddresses(disc_, 2, "G1", "12345678", "0"); });
     attempt([&] { (void)NewDirectory(disc_, 2, "MADE"); });
     attempt([&] { (void)SetDirTitle(disc_, 12, "TITLE"); });
     attempt([&] { (void)DeleteEntry(disc_, 2, "G2", false, true); });
-    attempt([&] { CompactDisc(disc_); });
+    attempt([&] { (void)CompactDisc(disc_); });
     attempt([&] {
       (void)DeleteTree(disc_, 2, GetEntrySector(disc_, 2, "RENAMED"), "RENAMED", true, true);
     });

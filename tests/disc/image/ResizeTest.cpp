@@ -125,7 +125,7 @@ TEST_F(ResizeTest, ATooShortFileIsAFailureAndStaysAsItIs) {
 TEST_F(ResizeTest, BlocksOfTheOpenImageThatWaitInMemoryDoNotUndoIt) {
   const std::string path = Make(ImageBuilder(4224));
   OpenImage(disc_, path);
-  SetBootOption(disc_, 3);
+  ASSERT_EQ(SetBootOption(disc_, 3, MapSums::kLeave), Outcome::kDone);
   ResizeImageFile(disc_, path, 64, 4, 33);
   disc_.TheDisc.CloseFile();
   const Bytes after = ReadAll(path);

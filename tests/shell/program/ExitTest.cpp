@@ -197,7 +197,7 @@ TEST_F(ExitTest, TheBootOptionOfAHardDiscReachesItsFile) {
   ImageBuilder image(4224);
   image.WriteTo(folder_ / "disc.dat");
   Start("\"" + (folder_ / "disc.dat") + "\"");
-  SetBootOption(*disc_, 2);
+  ASSERT_EQ(SetBootOption(*disc_, 2, MapSums::kLeave), Outcome::kDone);
   window_->close();
   EXPECT_EQ(ReadAll(folder_ / "disc.dat")[509], 2);
 }
