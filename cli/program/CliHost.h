@@ -46,6 +46,7 @@ class CliHost : public DiscHost {
   bool PadDiscImages() const override { return pad_; }
   bool InterleavedDisc() const override { return interleave_; }
   bool OverwriteLocked() const override { return overwriteLocked_; }
+  std::chrono::milliseconds LockPatience() const override { return std::chrono::seconds(5); }
 
  private:
   bool pad_;

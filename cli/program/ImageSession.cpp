@@ -1,6 +1,7 @@
 #include "cli/program/ImageSession.h"
 
 #include "cli/program/Dispatch.h"
+#include "disc/host/FileLock.h"
 #include "disc/host/HostError.h"
 #include "disc/image/OpenImage.h"
 
@@ -35,6 +36,18 @@ void OpenForReading(Disc& disc, const std::string& image) {
   }
 }
 
+void OpenForChanges(ImageSession& session, const std::string& image) {
+  // An image is locked before it is read: what another program is about to save would be lost.
+  if (image.rfind(kCardPrefix, 0) != 0) {
+    FileLock lock;
+    if (!lock.Take(image, session.Host.LockPatience())) {
+      throw Failure(HostBaseName(image) + " is in use by another program");
+    }
+    session.Open.TheDisc.Adopt(std::move(lock));
+  }
+  OpenForReading(session.Open, image);
+}
+
 int StatusOf(const Disc& disc) {
   return disc.TheDisc.CardFaults() == 0 ? kDone : kRefused;
 }
@@ -42,7 +55,7 @@ int StatusOf(const Disc& disc) {
 int RunWriting(const CommandLine& line, const std::string& image,
                const std::function<bool(Disc& disc, CliHost& host)>& change) {
   ImageSession session(line);
-  OpenForReading(session.Open, image);
+  OpenForChanges(session, image);
   bool done = false;
   try {
     done = change(session.Open, session.Host) && !session.Host.MessageShown;

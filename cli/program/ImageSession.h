@@ -24,6 +24,10 @@ struct ImageSession {
 // UsageError if P isn't 0 or 1.
 void OpenForReading(Disc& disc, const std::string& image);
 
+// The same for a command that changes the disc. Waits while another program changes it, at most
+// five seconds, and then fails with "NAME is in use by another program".
+void OpenForChanges(ImageSession& session, const std::string& image);
+
 // Opens "DEVICE,P", a partition of a card, which becomes ImageName. The same errors.
 void OpenCard(Disc& disc, const std::string& name);
 

@@ -72,7 +72,7 @@ std::string NameOf(Disc& disc, const Used& used) {
 std::string PastTheEnd(Disc& disc, const std::vector<Used>& used, std::int32_t size) {
   const auto past = std::ranges::find_if(used, [&](const Used& one) { return one.End > size; });
   if (past == used.end()) return "";
-  return NameOf(disc, *past) + ": runs past the end of the disc";
+  return NameOf(disc, *past) + ": " + kPastTheEnd;
 }
 
 std::string UnderAFreeRun(Disc& disc, const std::vector<Used>& used) {
@@ -109,9 +109,7 @@ std::string OverlappingRuns(const Disc& disc) {
 }
 
 std::string Compare(Disc& disc) {
-  if (!ReadDirectory(disc, kRootSector)) {
-    return "$: is no directory: the mark at its start is missing";
-  }
+  if (!ReadDirectory(disc, kRootSector)) return kNoRoot;
   const UsedSectors used(disc);
   std::string found = PastTheEnd(disc, used.All, MapDiscSize(disc));
   if (found.empty()) found = UnderAFreeRun(disc, used.All);

@@ -6,6 +6,13 @@
 
 namespace sectorbox {
 
+// How the text of a contradiction ends if the disc's size is too small.
+inline constexpr const char* kPastTheEnd = "runs past the end of the disc";
+// The contradiction of something that isn't a disc at all.
+inline constexpr const char* kNoRoot = "$: is no directory: the mark at its start is missing";
+// What the user is told before the contradiction, when a change is refused.
+inline constexpr const char* kDamagedDiscMessage = "Cannot Change A Damaged Disc : ";
+
 // Compares the map of the open disc with its catalogue, once after each opening. Gives the first
 // place where changing the disc would lose something, in the words of the check, such as
 // "$.GAMES.ELITE: overlaps free run 0":

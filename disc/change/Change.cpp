@@ -78,9 +78,20 @@ void Change::Step(Disc& disc) {
 
 bool MayChange(Disc& disc) {
   if (disc.TheDisc.IsChanging()) return true;
+  const std::string name = HostBaseName(disc.TheDisc.FileName());
+  switch (disc.TheDisc.LockForChanges()) {
+    case DiscImg::LockResult::kTaken:
+      break;
+    case DiscImg::LockResult::kInUse:
+      disc.Host.ShowMessage(name + " is in use by another program");
+      return false;
+    case DiscImg::LockResult::kChanged:
+      disc.Host.ShowMessage(name + " was changed by another program. Open it again");
+      return false;
+  }
   const std::string& contradiction = FindContradiction(disc);
   if (contradiction.empty()) return true;
-  disc.Host.ShowMessage("Cannot Change A Damaged Disc : " + contradiction);
+  disc.Host.ShowMessage(kDamagedDiscMessage + contradiction);
   return false;
 }
 

@@ -59,8 +59,9 @@ class Change {
   std::vector<std::pair<std::int32_t*, std::int32_t>> tracked_;
 };
 
-// True if the open disc may be changed. Else the user has been told why: its map and its catalogue
-// contradict each other, so that a change could lose something.
+// True if the open disc may be changed. Else the user has been told why: another program works on
+// it or has changed it since it was opened, or its map and its catalogue contradict each other, so
+// that a change could lose something.
 [[nodiscard]] bool MayChange(Disc& disc);
 
 // Runs work, which gives an Outcome, in a change. kRefused if the disc may not be changed.

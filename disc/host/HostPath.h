@@ -49,6 +49,18 @@ struct FileIdentity {
   bool operator==(const FileIdentity&) const = default;
 };
 
+// What tells whether a file was changed or replaced.
+struct FileStamp {
+  FileIdentity Identity;
+  std::uint64_t Length = 0;
+  std::int64_t Changed = 0;  // the time of the last change to its bytes, in the host's own units
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+// The stamp of what path names now; none if nothing is there or the host can't tell.
+[[nodiscard]] std::optional<FileStamp> StampOfPath(const std::string& path);
+
 // The identity of the file or folder that path names; links are followed. HostError if there is no
 // such file, or if the host doesn't let us look.
 [[nodiscard]] FileIdentity RequireIdentity(const std::string& path);

@@ -8,6 +8,7 @@
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
 #include "disc/host/HostError.h"
+#include "disc/host/HostFile.h"
 #include "disc/image/ImageFiles.h"
 #include "disc/image/Session.h"
 #include "disc/medium/Companion.h"
@@ -17,15 +18,53 @@ namespace {
 
 using namespace format;
 
-constexpr std::int32_t kTracksBetweenPumps = 1024;
 constexpr const char* kBlankName = "NewDisc.adl";
 
-void ZeroTracks(Disc& disc, std::int32_t tracks, std::int32_t sectors) {
-  const std::vector<std::uint8_t> zeros(static_cast<std::size_t>(sectors) * kSectorSize);
-  for (std::int32_t i = 0; i < tracks; ++i) {
-    disc.TheDisc.StoreBytes(SectorOffset(i) * sectors, zeros);
-    if (i % kTracksBetweenPumps == 0) disc.Host.PumpEvents();
+constexpr std::int32_t kTracksBetweenPumps = 1024;
+
+// The map and the root of an empty disc; former is what stands at their place.
+std::vector<std::uint8_t> EmptyDisc(std::span<const std::uint8_t> former, std::int32_t total) {
+  MapSectors map(former.first(kMapSize));
+  const std::array<FreeRun, 1> runs = {{{kFirstFreeSector, total - kFirstFreeSector}}};
+  map.SetDiscSize(total);
+  map.SetRuns(runs);
+  map.UpdateChecksums();
+
+  Directory::Bytes rootBytes;
+  std::ranges::copy(former.subspan(kMapSize), rootBytes.begin());
+  Directory root(rootBytes);
+  root.SetSequence(1);
+  root.SetMarks();
+  root.SetName("$\r");
+  root.SetTitle("$\r");
+  std::vector<std::uint8_t> bytes(map.Raw().begin(), map.Raw().end());
+  bytes.insert(bytes.end(), root.Raw().begin(), root.Raw().end());
+  return bytes;
+}
+
+// Copies what a file holds from offset on.
+void CopyTail(const std::string& fileName, std::uint64_t offset, OutputFile& output) {
+  constexpr std::uint64_t kPart = 1 << 20;
+  if (!HostFileIsPlain(fileName)) return;
+  for (;; offset += kPart) {
+    const std::vector<std::uint8_t> part = ReadHostFile(fileName, offset, kPart);
+    output.Write(part);
+    if (part.size() < kPart) return;
   }
+}
+
+// Makes a hard disc image, or replaces one. What a longer file held behind the disc stays there.
+void WriteHardDisc(Disc& disc, const std::string& fileName, std::int32_t tracks,
+                   std::int32_t sectors) {
+  const std::int32_t total = tracks * sectors;
+  const std::vector<std::uint8_t> zeros(kMapSize + kDirSize);
+  const std::vector<std::uint8_t> front = EmptyDisc(zeros, total);
+  OutputFile output = CreateOutputFile(fileName);
+  output.Write(front);
+  output.Skip(static_cast<std::uint64_t>(SectorOffset(total)) - front.size());
+  for (std::int32_t i = 0; i < tracks; i += kTracksBetweenPumps) disc.Host.PumpEvents();
+  CopyTail(fileName, static_cast<std::uint64_t>(SectorOffset(total)), output);
+  output.Close();
 }
 
 std::string AskNewName(Disc& disc, const FileQuestion& question) {
@@ -57,34 +96,33 @@ bool EndsInDat(const std::string& name) {
 }  // namespace
 
 void WriteEmptyDisc(Disc& disc, std::int32_t total) {
-  MapSectors map = ReadMap(disc);
-  const std::array<FreeRun, 1> runs = {{{kFirstFreeSector, total - kFirstFreeSector}}};
-  map.SetDiscSize(total);
-  map.SetRuns(runs);
-  map.UpdateChecksums();
-  WriteMap(disc, map);
-
-  EditedDirectory root(disc, kRootSector);
-  root.Now.SetSequence(1);
-  root.Now.SetMarks();
-  root.Now.SetName("$\r");
-  root.Now.SetTitle("$\r");
-  root.Write();
+  std::vector<std::uint8_t> former(kMapSize + kDirSize);
+  disc.TheDisc.FetchBytes(0, former);
+  disc.TheDisc.StoreBytes(0, EmptyDisc(former, total));
 }
 
 void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
                 std::int32_t sectors, DiscType type) {
   const BusyPointer busy(disc.Host);
-  // The file is opened before the old disc's state is lost: a file that can't be opened changes
-  // nothing.
+  // The file is made and opened before the old disc's state is lost: a file that can't be opened
+  // changes nothing.
+  const bool isFile = KindOf(type).HasCompanion;
+  if (isFile) {
+    if (disc.TheDisc.IsOpenMedium(fileName)) disc.TheDisc.CloseFile();
+    WriteHardDisc(disc, fileName, tracks * heads, sectors);
+  }
   disc.TheDisc.OpenFile(fileName, type, tracks, heads, sectors);
   ReadFreeMap(disc);
   disc.ImageChanged = false;
   disc.DiscTracks = tracks;
   disc.DiscHeads = heads;
   disc.DiscSectors = sectors;
-  ZeroTracks(disc, tracks * heads, sectors);
-  WriteEmptyDisc(disc, tracks * heads * sectors);
+  if (!isFile) {
+    const auto bytes = static_cast<std::size_t>(SectorOffset(tracks * heads * sectors));
+    disc.TheDisc.StoreBytes(0, std::vector<std::uint8_t>(bytes));
+    disc.Host.PumpEvents();
+    WriteEmptyDisc(disc, tracks * heads * sectors);
+  }
   ReadFreeMap(disc);
   // Only this spelling counts. A floppy image has no companion.
   if (EndsInDat(fileName)) WriteCompanion(fileName, {tracks, heads});

@@ -1,13 +1,18 @@
 #include "disc/image/Resize.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <vector>
 
+#include "disc/catalogue/Agreement.h"
+#include "disc/host/FileLock.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/image/OpenImage.h"
 #include "disc/image/Session.h"
+#include "disc/medium/BlockJournal.h"
+#include "disc/medium/FileMedium.h"
 
 namespace sectorbox {
 namespace {
@@ -32,6 +37,15 @@ void ResizeLastRun(MapSectors& map, std::int32_t newSize) {
     return;
   }
   map.SetRuns(runs);
+}
+
+// Through a journal, as every change.
+void WriteFirstBlock(FileMedium& file, const std::vector<std::uint8_t>& bytes) {
+  const NewBlocks blocks = {{0, {bytes, false, {}}}};
+  WriteJournal(*file.Journal(), file, blocks);
+  PutInPlace(file, blocks);
+  file.Journal()->Remove();
+  file.Close();
 }
 
 }  // namespace
@@ -61,14 +75,34 @@ void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t track
   }
   // If the image is open, blocks that wait in memory would later be written over the new map.
   if (disc.TheDisc.IsOpenMedium(fileName)) disc.TheDisc.CloseFile();
-  const std::vector<std::uint8_t> bytes = ReadHostFile(fileName, 0, kMapSize);
-  if (bytes.size() < kMapSize) throw HostError(fileName, "Too short for a disc image");
+  FileLock lock;
+  const bool isOurs = disc.TheDisc.HasLockOn(fileName);
+  if (!isOurs && !lock.Take(fileName, disc.Host.LockPatience())) {
+    disc.Host.ShowMessage(HostBaseName(fileName) + " is in use by another program");
+    return;
+  }
+  FileMedium file(fileName);
+  for (const auto& journal : file.OldJournals()) (void)FinishJournal(*journal, file);
+  std::vector<std::uint8_t> bytes = ReadHostFile(fileName, 0, Medium::kBlockSize);
+  if (bytes.size() < Medium::kBlockSize) throw HostError(fileName, "Too short for a disc image");
+  if (!std::ranges::equal(std::span(bytes).subspan(kMapSize + kDirMark, kHugoLength),
+                          std::span(kHugo, kHugoLength))) {
+    disc.Host.ShowMessage(std::string(kDamagedDiscMessage) + kNoRoot);
+    return;
+  }
+  // HostError if the file can't be written.
+  (void)file.Storable(0, bytes);
   MapSectors map(bytes);
   ResizeLastRun(map, static_cast<std::int32_t>(size));
   map.SetDiscSize(static_cast<std::int32_t>(size));
   map.UpdateChecksums();
-  OverwriteHostFile(fileName, 0, map.Raw());
+  std::copy(map.Raw().begin(), map.Raw().end(), bytes.begin());
+  WriteFirstBlock(file, bytes);
+  lock.Release();
   OpenImage(disc, fileName);
+  if (FindContradiction(disc).ends_with(kPastTheEnd)) {
+    disc.Host.Note("The disc holds more than that: make it larger again before you change it");
+  }
 }
 
 }  // namespace sectorbox

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "disc/ask/BusyPointer.h"
+#include "disc/catalogue/Agreement.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/image/ImageFiles.h"
@@ -77,8 +78,16 @@ template <typename Copy>
   return true;
 }
 
+// How many sectors a disc is saved with. If its map and its catalogue contradict each other, nobody
+// can tell what is free or where the disc ends, so all that is there is saved.
 std::int32_t SectorsToSave(Disc& disc) {
   const std::int32_t discSize = MapDiscSize(disc);
+  if (!FindContradiction(disc).empty()) {
+    const std::int64_t there = disc.TheDisc.HasFixedSize()
+                                   ? disc.TheDisc.DiscSize()
+                                   : (disc.TheDisc.EndOfData() + kSectorSize - 1) / kSectorSize;
+    return static_cast<std::int32_t>(std::max<std::int64_t>(discSize, there));
+  }
   if (disc.Host.PadDiscImages()) return discSize;
   return TrimmedSize(disc, discSize).value_or(discSize);
 }
@@ -97,6 +106,17 @@ void WriteWhole(const std::string& fileName, const std::vector<std::uint8_t>& by
   output.Close();
 }
 
+void SaveWholeMemory(Disc& disc, const std::string& fileName) {
+  ClearedChanges changes(disc);
+  WriteWhole(fileName, disc.TheDisc.WholeFile());
+  changes.Done();
+}
+
+bool MayReplace(Disc& disc, const std::string& fileName) {
+  return disc.Host.AskYesNo(
+      HostBaseName(fileName) + " was changed by another program. Replace it ?", "Save Changes");
+}
+
 }  // namespace
 
 void RunSaveCommand(Disc& disc) {
@@ -110,12 +130,17 @@ void SaveImageAs(Disc& disc) {
 }
 
 void SaveImageTo(Disc& disc, const std::string& fileName) {
+  const bool isItself = disc.TheDisc.InMemory() && fileName == disc.TheDisc.FileName();
+  if (isItself && disc.TheDisc.WasReplacedOnHost() && !MayReplace(disc, fileName)) return;
   const std::string former = disc.ImageName;
   disc.ImageName = fileName;
   try {
-    // The disc's own size decides, not the extension, because nothing is converted.
+    // The disc's own size decides, not the extension, because nothing is converted. The size of a
+    // damaged disc may be wrong.
     const DiscType type = KindOfDiscSize(MapDiscSize(disc));
-    if (type == kAdl) {
+    if (disc.TheDisc.InMemory() && !FindContradiction(disc).empty()) {
+      SaveWholeMemory(disc, fileName);
+    } else if (type == kAdl) {
       SaveAdlImage(disc, fileName);
     } else if (type == kAdf) {
       SaveAdfImage(disc, fileName);
@@ -126,6 +151,7 @@ void SaveImageTo(Disc& disc, const std::string& fileName) {
     disc.ImageName = former;
     throw;
   }
+  if (isItself) disc.TheDisc.NoteSaved();
   disc.Host.RefreshCaption();
 }
 

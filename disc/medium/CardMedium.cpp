@@ -205,6 +205,10 @@ void CardMedium::WriteDeviceSectors(std::int32_t sector, std::span<const std::ui
   CountWriteFault(SectorRange(sector, count) + " can't be written in full");
 }
 
+std::string CardMedium::HostPath() const {
+  return DeviceOf(name_);
+}
+
 void CardMedium::Sync() {
   if (device_.IsOpen() && !device_.Sync()) CountWriteFault("what was written may be lost");
 }

@@ -55,6 +55,7 @@ class CardMedium final : public Medium {
   [[nodiscard]] bool IsOpen() const override { return device_.IsOpen(); }
   [[nodiscard]] bool IsReady() const override { return true; }
   [[nodiscard]] bool Is(const std::string& path) const override { return device_.Is(path); }
+  [[nodiscard]] std::string HostPath() const override;
   [[nodiscard]] bool MayBeReplaced() const override { return false; }
   void Close() override;
 

@@ -18,6 +18,8 @@ FileMedium::FileMedium(const std::string& path)
 
 std::vector<std::unique_ptr<JournalPlace>> FileMedium::OldJournals() {
   std::vector<std::unique_ptr<JournalPlace>> all;
+  // A change can't be finished in a file that can't be written.
+  if (file_.WriteError() != 0) return all;
   if (HostFileIsPlain(journalPath_)) all.push_back(std::make_unique<JournalFile>(journalPath_));
   return all;
 }

@@ -33,6 +33,7 @@ class FileMedium final : public Medium {
   [[nodiscard]] std::span<const std::uint8_t> Storable(
       std::int64_t offset, std::span<const std::uint8_t> bytes) override;
   [[nodiscard]] bool IsOpen() const override { return file_.IsOpen(); }
+  [[nodiscard]] std::string HostPath() const override { return file_.Path(); }
   [[nodiscard]] bool Is(const std::string& path) const override;
   void Close() override { file_.Close(); }
 

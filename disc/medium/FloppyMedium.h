@@ -52,6 +52,7 @@ class FloppyMedium final : public Medium, private DiscBytes {
   [[nodiscard]] std::vector<std::uint8_t> WholeFile() override;
   [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override;
   void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override;
+  [[nodiscard]] std::string HostPath() const override { return path_; }
   [[nodiscard]] std::int64_t Extent() const override { return EndOfData(); }
   [[nodiscard]] std::int64_t EndOfData() const override {
     return static_cast<std::int64_t>(image_.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -15,6 +16,8 @@ class ImageRules {
   [[nodiscard]] virtual bool InterleavedDisc() const = 0;
   // The sectors that a single-sided image is stored with; none if it is stored in full.
   [[nodiscard]] virtual std::optional<std::int32_t> SectorsToStore() = 0;
+  // How long to wait until another program is done with the image.
+  [[nodiscard]] virtual std::chrono::milliseconds LockPatience() const = 0;
   // Called when an image has been loaded into memory: the disc has no unsaved changes now.
   virtual void ImageLoaded() = 0;
 };

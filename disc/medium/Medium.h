@@ -121,6 +121,8 @@ class Medium {
     (void)path;
     return false;
   }
+  // The path of the file or device that the medium works on; empty if there is none.
+  [[nodiscard]] virtual std::string HostPath() const { return {}; }
   // True if a new file may replace the one that the medium works on. A card must not be replaced:
   // it would be lost.
   [[nodiscard]] virtual bool MayBeReplaced() const { return true; }

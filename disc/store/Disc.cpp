@@ -16,6 +16,10 @@ std::optional<std::int32_t> Disc::SectorsToStore() {
   return TrimmedSize(*this, MapDiscSize(*this));
 }
 
+std::chrono::milliseconds Disc::LockPatience() const {
+  return Host.LockPatience();
+}
+
 void Disc::ImageLoaded() {
   ImageChanged = false;
 }

@@ -66,6 +66,7 @@ struct Disc : private ImageRules {
  private:
   [[nodiscard]] bool InterleavedDisc() const override;
   [[nodiscard]] std::optional<std::int32_t> SectorsToStore() override;
+  [[nodiscard]] std::chrono::milliseconds LockPatience() const override;
   void ImageLoaded() override;
 };
 

@@ -39,8 +39,11 @@ void DiscImg::OpenFile(const std::string& fileName, DiscType type, std::int32_t 
                        std::int32_t heads, std::int32_t sectors) {
   if (!InMemory()) CloseFile();
   const bool isPartition = KindOf(type).IsPartition;
+  const bool isOther = medium_ == nullptr || request_.Name != fileName;
   OpenMedium(KindOf(type), isPartition ? MediumRequest{fileName, {}, tracks}
                                        : MediumRequest{fileName, {tracks, heads, sectors}, 0});
+  if (isOther && !lock_.IsOn(medium_->HostPath())) lock_.Release();
+  stamp_ = StampOfPath(medium_->HostPath());
 }
 
 void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
@@ -66,7 +69,11 @@ void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
 void DiscImg::CloseFile() {
   if (medium_ == nullptr) return;
   if (InMemory()) {
+    if (WasReplacedOnHost()) {
+      throw HostError(request_.Name, "another program has changed it, so it isn't replaced");
+    }
     medium_->Close();
+    NoteSaved();
     return;
   }
   if (!medium_->IsOpen()) return;
@@ -99,6 +106,30 @@ bool DiscImg::ReadyForBlocks() {
   if (medium_ == nullptr) return false;
   if (suspended_) Reopen();
   return medium_->IsReady();
+}
+
+// --- Other programs ------------------------------------------------------------------------------
+
+DiscImg::LockResult DiscImg::LockForChanges() {
+  if (medium_ == nullptr) return LockResult::kTaken;
+  const std::string path = medium_->HostPath();
+  if (path.empty() || lock_.IsOn(path)) return LockResult::kTaken;
+  if (!lock_.Take(path, rules_.LockPatience())) return LockResult::kInUse;
+  // What was read from a disc that is written in place may be out of date now. A disc in memory is
+  // compared with its file when it is saved.
+  const bool isFile = !InMemory() && !kind_->IsPartition;
+  if (!isFile || !stamp_ || stamp_ == StampOfPath(path)) return LockResult::kTaken;
+  lock_.Release();
+  return LockResult::kChanged;
+}
+
+bool DiscImg::WasReplacedOnHost() const {
+  const auto now = StampOfPath(request_.Name);
+  return now && now != stamp_;
+}
+
+void DiscImg::NoteSaved() {
+  stamp_ = StampOfPath(request_.Name);
 }
 
 // --- Changes -------------------------------------------------------------------------------------
@@ -157,7 +188,13 @@ void DiscImg::DropChange() noexcept {
 
 void DiscImg::Recover() {
   if (InMemory()) return;
-  for (const auto& journal : medium_->OldJournals()) {
+  const auto journals = medium_->OldJournals();
+  if (journals.empty()) return;
+  // A journal of a program that is still at work is none of ours.
+  const std::string path = medium_->HostPath();
+  FileLock lock;
+  if (!lock_.IsOn(path) && !lock.Take(path, rules_.LockPatience())) return;
+  for (const auto& journal : journals) {
     switch (FinishJournal(*journal, *medium_)) {
       case JournalEnd::kFinished:
         status_.Note(request_.Name + ": a change that was interrupted has been finished");
@@ -242,6 +279,8 @@ void DiscImg::PutBlock(std::int32_t block, NewBlock bytes) {
     medium_->WriteBlock(block, bytes.Data);
   }
   held_.NoteWrite();
+  // Our own writes change the stamp.
+  stamp_.reset();
 }
 
 void DiscImg::RefreshOverhang(Slot& slot) {
@@ -352,6 +391,7 @@ std::size_t DiscImg::StoreRun(std::int64_t offset, std::span<const std::uint8_t>
 }
 
 std::size_t DiscImg::WriteRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
+  stamp_.reset();
   if (!held_.IsActive()) return medium_->WriteRun(offset, bytes);
   if (offset < 0 || InBlock(offset) != 0 || layout_.Stride != 1) return 0;
   const auto first = static_cast<std::int32_t>(offset / kBlockSize);

@@ -3,10 +3,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "disc/host/FileLock.h"
 #include "disc/host/RawDevice.h"
 #include "disc/medium/FloppyMedium.h"
 #include "disc/medium/Medium.h"
@@ -69,6 +71,24 @@ class DiscImg final : public DiscBytes {
   // Writes the first secs x 512 bytes of the transfer buffer to the partition, at device byte
   // sector x 512. A larger secs than 64 counts as 64.
   void WriteCFSector(std::int32_t sector, std::int32_t secs);
+
+  // --- Other programs --------------------------------------------------------------------------
+  enum class LockResult {
+    kTaken,    // nobody else changes the disc until another one is opened
+    kInUse,    // another program has the lock
+    kChanged,  // another program has changed the disc since it was opened
+  };
+  // Locks the open disc's file or device, if it isn't locked yet, so that it can be changed.
+  [[nodiscard]] LockResult LockForChanges();
+  // True if the open disc holds the lock on the file that path names.
+  [[nodiscard]] bool HasLockOn(const std::string& path) const { return lock_.IsOn(path); }
+  // A lock on the file that is about to be opened, which the caller has taken before it is read.
+  void Adopt(FileLock lock) { lock_ = std::move(lock); }
+  // True if another program has changed or replaced the file of a disc in memory since it was read
+  // or saved here.
+  [[nodiscard]] bool WasReplacedOnHost() const;
+  // The disc has been saved in the file that it was opened from.
+  void NoteSaved();
 
   // --- A change that is whole or not at all ----------------------------------------------------
   // Begins a change; Change (disc/change/Change.h) is the only caller. free are the disc's free
@@ -211,6 +231,9 @@ class DiscImg final : public DiscBytes {
   HeldBlocks held_;
   std::int32_t formerFaults_ = 0;  // the medium's WriteFaults when the change began
   std::int64_t openings_ = 0;
+  FileLock lock_;
+  // The stamp of the file when the disc was opened or saved; none if it isn't known.
+  std::optional<FileStamp> stamp_;
 };
 
 }  // namespace sectorbox

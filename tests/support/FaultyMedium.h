@@ -144,6 +144,7 @@ class FaultyMedium final : public Medium {
   [[nodiscard]] bool IsOpen() const override { return inner_->IsOpen(); }
   [[nodiscard]] bool IsReady() const override { return inner_->IsReady(); }
   [[nodiscard]] bool Is(const std::string& path) const override { return inner_->Is(path); }
+  [[nodiscard]] std::string HostPath() const override { return inner_->HostPath(); }
   [[nodiscard]] bool MayBeReplaced() const override { return inner_->MayBeReplaced(); }
   void Close() override {
     if (inner_->InMemory()) {

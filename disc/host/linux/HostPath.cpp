@@ -20,6 +20,15 @@ std::string HostStateFolder() {
   return JoinHostPath(home, ".local/state/sectorbox");
 }
 
+std::optional<FileStamp> StampOfPath(const std::string& path) {
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return std::nullopt;
+  constexpr std::int64_t kNanoseconds = 1'000'000'000;
+  return FileStamp{{info.st_dev, info.st_ino},
+                   static_cast<std::uint64_t>(info.st_size),
+                   info.st_mtim.tv_sec * kNanoseconds + info.st_mtim.tv_nsec};
+}
+
 FileIdentity RequireIdentity(const std::string& path) {
   struct stat info {};
   if (::stat(path.c_str(), &info) != 0) ThrowHostError(path, errno);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include <algorithm>
 
 #include "disc/medium/MediumKinds.h"
@@ -22,6 +24,7 @@ class WholeImages final : public ImageRules {
  public:
   bool InterleavedDisc() const override { return true; }
   std::optional<std::int32_t> SectorsToStore() override { return std::nullopt; }
+  std::chrono::milliseconds LockPatience() const override { return {}; }
   void ImageLoaded() override {}
 };
 
