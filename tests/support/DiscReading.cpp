@@ -169,4 +169,25 @@ Faults FaultsOf(const Bytes& disc) {
   return faults;
 }
 
+namespace {
+
+std::string Describe(const ReadObject& object, const std::string& path) {
+  std::string text = path + " " + object.Attr + " " + std::to_string(object.Load) + " " +
+                     std::to_string(object.Exec) + " " + std::to_string(object.Length) + " " +
+                     object.Title + "\n";
+  text.append(object.Bytes.begin(), object.Bytes.end());
+  for (const ReadObject& inner : object.Contents) text += Describe(inner, path + "." + inner.Name);
+  return text;
+}
+
+}  // namespace
+
+std::string DescribeDisc(const std::vector<std::uint8_t>& disc) {
+  std::string text = Describe(ReadTree(disc), "$") + "boot " + std::to_string(disc[509] & 3);
+  for (const FreeRun& run : ReadFreeRuns(disc)) {
+    text += " " + std::to_string(run.Start) + "+" + std::to_string(run.Length);
+  }
+  return text;
+}
+
 }  // namespace sectorbox::testing

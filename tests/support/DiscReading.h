@@ -39,4 +39,8 @@ std::vector<FreeRun> ReadFreeRuns(const std::vector<std::uint8_t>& disc);
 // its entry.
 std::vector<std::string> FaultsOf(const std::vector<std::uint8_t>& disc);
 
+// All that a user can see of a disc, as one text: its objects with their bytes, but not their
+// places, the boot option, and the free runs.
+std::string DescribeDisc(const std::vector<std::uint8_t>& disc);
+
 }  // namespace sectorbox::testing

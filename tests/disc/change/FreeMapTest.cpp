@@ -141,6 +141,7 @@ TEST_F(FreeMapTest, ADamagedDiscWithAFullListLosesNoRunToARelease) {
   image.AddDirectory(2, "LOOP");
   image.Poke(512 + 5 + 22, 2);  // LOOP is the root itself, so no compaction is possible
   std::vector<std::pair<std::int32_t, std::int32_t>> runs;
+  runs.reserve(82);
   for (int i = 0; i < 82; ++i) runs.push_back({100 + 10 * i, 1});
   image.SetFreeRuns(runs);
   Open(image, kAdl);

@@ -75,25 +75,6 @@ struct Kind {
 
 constexpr Kind kKinds[] = {{"Dat", kDat}, {"Card", kCF}};
 
-// All that a user can see of a disc: its objects, their places apart, and its size, boot option and
-// free space.
-std::string Describe(const ReadObject& object, const std::string& path) {
-  std::string text = path + " " + object.Attr + " " + std::to_string(object.Load) + " " +
-                     std::to_string(object.Exec) + " " + std::to_string(object.Length) + " " +
-                     object.Title + "\n";
-  for (const std::uint8_t byte : object.Bytes) text += static_cast<char>(byte);
-  for (const ReadObject& inner : object.Contents) text += Describe(inner, path + "." + inner.Name);
-  return text;
-}
-
-std::string Describe(const Bytes& disc) {
-  std::string text = Describe(ReadTree(disc), "$") + "boot " + std::to_string(disc[509] & 3);
-  for (const auto& run : ReadFreeRuns(disc)) {
-    text += " " + std::to_string(run.Start) + "+" + std::to_string(run.Length);
-  }
-  return text;
-}
-
 using Parameters = std::tuple<Operation, Kind>;
 
 class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
@@ -101,9 +82,9 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
   WholeChangeTest() {
     WriteHostFiles();
     WriteDisc();
-    before_ = Describe(Discs());
+    before_ = DescribeDisc(Discs());
     Run({}, {});
-    after_ = Describe(Discs());
+    after_ = DescribeDisc(Discs());
   }
 
   // A disc with files in two directories, a hole, and an empty directory.
@@ -206,7 +187,7 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
   void ExpectBeforeOrAfter(Disc& disc, const std::string& what) {
     const Bytes bytes = InStore(disc);
     ASSERT_EQ(FaultsOf(bytes), std::vector<std::string>()) << what;
-    const std::string now = Describe(bytes);
+    const std::string now = DescribeDisc(bytes);
     EXPECT_TRUE(now == before_ || now == after_) << what;
     EXPECT_EQ(FreeSectors(disc), SectorsFree(bytes)) << what;
   }
@@ -231,7 +212,7 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
         EXPECT_EQ(AddFile(disc, 2, folder_ / "NEW"), Outcome::kDone) << name;
         EXPECT_EQ(FaultsOf(InStore(disc)), std::vector<std::string>()) << name;
         EXPECT_EQ(DeleteEntry(disc, 2, "NEW", false, false), Outcome::kDone) << name;
-        const std::string now = Describe(InStore(disc));
+        const std::string now = DescribeDisc(InStore(disc));
         EXPECT_TRUE(SameObjects(now)) << name;
       });
       // A fault may cut the number short, so the first run has only told that there is work to do.

@@ -66,6 +66,7 @@ TEST_F(CheckTest, AnEndPointerThatIsNoMultipleOfThree) {
 
 TEST_F(CheckTest, AnEndPointerAbove246) {
   std::vector<std::pair<std::int32_t, std::int32_t>> runs;
+  runs.reserve(82);
   for (int i = 0; i < 82; ++i) runs.push_back({15 + 2 * i, 1});
   runs.back().second = 640 - runs.back().first;
   image_.SetFreeRuns(runs);

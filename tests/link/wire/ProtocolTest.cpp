@@ -340,7 +340,7 @@ TEST(Trace, NoAppendsYesReplacesAndCancelAsksAgain) {
   LinkRig rig;
   const std::string path = rig.Folder / "x.log";
   WriteText(path, "old\r\n");
-  const auto choose = [&](std::vector<ReplaceAnswer> answers) {
+  const auto choose = [&](const std::vector<ReplaceAnswer>& answers) {
     for (const auto answer : answers) {
       rig.Host.FileAnswers.push_back(path);
       rig.Host.ReplaceAnswers.push_back(answer);

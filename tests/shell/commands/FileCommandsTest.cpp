@@ -117,6 +117,7 @@ TEST_F(FileCommandsTest, RowsOfDirectoriesFollowACompactionInTheMiddleOfADelete)
   const auto work = image.AddDirectory(2, "WORK");
   const auto other = image.AddDirectory(2, "OTHER");
   std::vector<std::int32_t> more;
+  more.reserve(4);
   for (int i = 0; i < 4; ++i) more.push_back(image.AddDirectory(2, "P" + std::to_string(i)));
   // 78 holes outside of WORK.
   std::vector<std::pair<std::int32_t, std::int32_t>> holes;

@@ -63,7 +63,7 @@ class XferTest : public WindowTest {
 
   // Runs action once, from the event pump, when the trace (whose window is opened for it) has
   // shown the text so many times.
-  void WhenTraced(const QString& text, std::function<void()> action, int times = 1) {
+  void WhenTraced(const QString& text, const std::function<void()>& action, int times = 1) {
     if (TraceWindow() == nullptr) Choose("mnuXferTracewindow");
     auto* trace = In<QPlainTextEdit>(*TraceWindow(), "txtTrace");
     auto* once = new QObject(trace);

@@ -18,6 +18,7 @@ namespace {
 std::vector<std::string> Rows(QWidget& dialog) {
   const auto& list = In<QComboBox>(dialog, "cmbCFCard");
   std::vector<std::string> rows;
+  rows.reserve(static_cast<std::size_t>(list.count()));
   for (int i = 0; i < list.count(); ++i) rows.push_back(list.itemText(i).toStdString());
   return rows;
 }
@@ -56,7 +57,7 @@ class CardDrop : public WindowTest {
     return folder_ / name;
   }
   // Shows frmCF, plays at it, and cancels it.
-  void AtTheDialog(std::function<void(QWidget&)> play) {
+  void AtTheDialog(const std::function<void(QWidget&)>& play) {
     player_.Expect([play](QWidget& dialog) {
       play(dialog);
       In<QPushButton>(dialog, "mnuCancel").click();

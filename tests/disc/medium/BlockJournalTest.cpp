@@ -1,0 +1,122 @@
+#include "disc/medium/BlockJournal.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "tests/support/MemoryMedium.h"
+#include "tests/support/TempFolder.h"
+
+namespace sectorbox {
+namespace {
+
+using namespace testing;
+using Bytes = std::vector<std::uint8_t>;
+
+class BlockJournalTest : public ::testing::Test {
+ protected:
+  BlockJournalTest() {
+    for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 1));
+    news_[1] = {Block(1, 2), false, {}};
+    news_[4] = {Block(4, 3), false, {}};
+    news_[5] = {Block(5, 4), false, {}};
+    WriteJournal(place_, medium_, news_);
+    journal_ = ReadAll(path_);
+  }
+
+  static Bytes Block(std::int32_t block, int seed) {
+    Bytes bytes(Medium::kBlockSize);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+      bytes[i] =
+          static_cast<std::uint8_t>(i * 7 + static_cast<std::size_t>(block * 31 + seed * 91));
+    }
+    return bytes;
+  }
+  Bytes Now(std::int32_t block) {
+    Bytes bytes(Medium::kBlockSize);
+    EXPECT_TRUE(medium_.ReadBlock(block, bytes));
+    return bytes;
+  }
+  bool IsOld() {
+    for (std::int32_t block = 0; block < 6; ++block) {
+      if (Now(block) != Block(block, 1)) return false;
+    }
+    return true;
+  }
+  bool IsNew() {
+    return Now(0) == Block(0, 1) && Now(1) == Block(1, 2) && Now(2) == Block(2, 1) &&
+           Now(3) == Block(3, 1) && Now(4) == Block(4, 3) && Now(5) == Block(5, 4);
+  }
+
+  TempFolder folder_;
+  const std::string path_ = folder_ / "x.dat-journal";
+  std::shared_ptr<MemoryBlocks> blocks_ = std::make_shared<MemoryBlocks>();
+  MemoryMedium medium_{blocks_};
+  JournalFile place_{path_};
+  NewBlocks news_;
+  Bytes journal_;
+};
+
+TEST_F(BlockJournalTest, AWholeJournalIsFinishedAndRemoved) {
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kFinished);
+  EXPECT_TRUE(IsNew());
+  EXPECT_FALSE(std::filesystem::exists(path_));
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kNone);
+}
+
+TEST_F(BlockJournalTest, AJournalThatEndsEarlyIsDroppedWhereverItEnds) {
+  for (std::size_t length = 1; length < journal_.size(); length += length < 200 ? 1 : 37) {
+    WriteAll(path_,
+             Bytes(journal_.begin(), journal_.begin() + static_cast<std::ptrdiff_t>(length)));
+    ASSERT_EQ(FinishJournal(place_, medium_), JournalEnd::kDropped) << length;
+    ASSERT_TRUE(IsOld()) << length;
+    ASSERT_FALSE(std::filesystem::exists(path_)) << length;
+  }
+}
+
+TEST_F(BlockJournalTest, AJournalWithOneWrongByteIsDroppedWhereverThatIs) {
+  for (std::size_t at = 0; at < journal_.size(); at += at < 200 ? 1 : 41) {
+    Bytes wrong = journal_;
+    wrong[at] ^= 0x40;
+    WriteAll(path_, wrong);
+    ASSERT_EQ(FinishJournal(place_, medium_), JournalEnd::kDropped) << at;
+    ASSERT_TRUE(IsOld()) << at;
+  }
+}
+
+TEST_F(BlockJournalTest, AJournalIsFinishedWhereSomeOfItsBlocksAreInPlaceAndOneSectorIsTorn) {
+  medium_.WriteBlock(4, Block(4, 3));
+  Bytes torn = Block(1, 1);
+  const Bytes whole = Block(1, 2);
+  std::copy_n(whole.begin(), 300, torn.begin());
+  medium_.WriteBlock(1, torn);
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kFinished);
+  EXPECT_TRUE(IsNew());
+}
+
+TEST_F(BlockJournalTest, AJournalOfAnotherDiscIsLeftAlone) {
+  for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 7));
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kForeign);
+  for (std::int32_t block = 0; block < 6; ++block) EXPECT_EQ(Now(block), Block(block, 7));
+  EXPECT_EQ(ReadAll(path_), journal_);
+}
+
+TEST_F(BlockJournalTest, AJournalIsLeftAloneWhereAnotherProgramHasChangedTheDiscSince) {
+  Bytes changed = Block(1, 1);
+  changed[0] ^= 1;
+  changed[1000] ^= 1;
+  medium_.WriteBlock(1, changed);
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kForeign);
+  EXPECT_EQ(Now(1), changed);
+}
+
+TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreKept) {
+  NewBlock partial{Block(2, 9), true, {}};
+  partial.Stored.set(3);
+  partial.Stored.set(1023);
+  WriteJournal(place_, medium_, {{2, partial}});
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kFinished);
+}
+
+}  // namespace
+}  // namespace sectorbox
