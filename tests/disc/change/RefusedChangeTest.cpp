@@ -141,7 +141,10 @@ INSTANTIATE_TEST_SUITE_P(EveryDamage, RefusedChangeTest,
                                   (std::get<1>(one.param) == kAdf ? "OnAFloppy" : "OnAHardDisc");
                          });
 
-class DamagedSaveTest : public EngineTest {};
+class DamagedSaveTest : public EngineTest {
+ protected:
+  DamagedSaveTest() { host_.ProgressRunning = &disc_.ProgressRunning; }
+};
 
 TEST_F(DamagedSaveTest, ADamagedFloppyIsSavedWholeHoweverSmallItsMapSaysItIs) {
   ImageBuilder image(2560);
@@ -165,6 +168,7 @@ TEST_F(DamagedSaveTest, ADamagedHardDiscIsSavedWithoutACut) {
   image.WriteTo(folder_ / "x.dat");
   OpenImage(disc_, folder_ / "x.dat");
   SaveImageTo(disc_, folder_ / "y.dat");
+  EXPECT_EQ(ReadAll(folder_ / "y.dat").size(), image.Bytes().size());
   EXPECT_TRUE(ReadAll(folder_ / "y.dat") == image.Bytes());
 }
 
@@ -173,10 +177,15 @@ class OtherProgramTest : public EngineTest {
   OtherProgramTest() : image_(640) {
     image_.AddFile(2, {"A", Pattern(900)});
     image_.WriteTo(folder_ / "x.adf");
-    image_.WriteTo(folder_ / "x.dat");
+    hard_.AddFile(2, {"A", Pattern(900)});
+    hard_.WriteTo(folder_ / "x.dat");
+    // The host's clock may be too coarse for two changes in one moment.
+    std::filesystem::last_write_time(
+        folder_ / "x.dat", std::filesystem::file_time_type::clock::now() - std::chrono::hours(1));
   }
 
   ImageBuilder image_;
+  ImageBuilder hard_{4224};
 };
 
 TEST_F(OtherProgramTest, ADiscThatAnotherProgramChangesIsNotChanged) {
