@@ -10,6 +10,7 @@
 
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
+#include "disc/catalogue/Agreement.h"
 #include "disc/catalogue/Directories.h"
 #include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
@@ -352,6 +353,8 @@ bool TryToCompact(Disc& disc) {
 }  // namespace
 
 Outcome CompactDisc(Disc& disc) {
+  // Where there is no root, compaction has its own words for it.
+  if (FindContradiction(disc) == kNoRoot) return Refuse(disc, kCannotCompactMessage);
   return InChange(disc, [&] {
     return TryToCompact(disc) ? Outcome::kDone : Refuse(disc, kCannotCompactMessage);
   });

@@ -206,9 +206,7 @@ TEST_F(DamagedCompactionTest, ADiscWhoseRootHasNoMarkDoesNotBecomeFree) {
   ImageBuilder image(640);
   image.AddFile(2, {"F", Pattern(900), 0, 0, "WR"});
   image.Poke(512 + 1, 0);
-  ExpectRefusal(image,
-                "Cannot Change A Damaged Disc : $: is no directory: the mark at its start is "
-                "missing");
+  ExpectRefusal(image);
 }
 
 TEST_F(DamagedCompactionTest, ObjectsThatOverlapAreLeftAlone) {
