@@ -4,7 +4,7 @@
 #include <sys/resource.h>
 
 #include <chrono>
-#include <memory>
+#include <thread>
 #include <vector>
 
 #include "tests/support/NoiseDiscs.h"
@@ -59,41 +59,38 @@ std::vector<HostileRun> AllRuns(const std::string& folder) {
   };
 }
 
+void ExpectEnd(const HostileRun& run) {
+  PtyBbc line;
+  line.Bbc.Drives[0] = NoiseDisc(640, {});
+  line.Flood = run.Sent;
+  line.FloodAfterCommands = run.AfterCommands;
+  line.FloodMilliseconds = run.Milliseconds;
+  line.TakesNothing = run.Milliseconds < 0;
+  std::vector<std::string> words = run.Arguments;
+  words.insert(words.end(), {"--port", line.Device()});
+  line.Start();
+  const auto start = Clock::now();
+  const SbxResult result = RunSbx(words);
+  const auto took = Clock::now() - start;
+  line.Stop();
+  const std::string name = run.Arguments[0] + " after " + std::to_string(run.AfterCommands) +
+                           ", every " + std::to_string(run.Milliseconds) + " ms";
+  EXPECT_LE(took, std::chrono::seconds(run.AtMost)) << name;
+  EXPECT_EQ(result.Status, 1) << name;
+  EXPECT_EQ(Lines(result.Err).size(), 1U) << name << result.Err;
+  if (!run.Err.empty()) {
+    EXPECT_EQ(result.Err, run.Err) << name;
+  }
+}
+
 TEST(HostileBbcTest, EveryCommandEndsWithAStatusAndALine) {
   TempFolder folder;
   WriteAll(folder / "sent.adf", NoiseDisc(640, {}));
-  struct Running {
-    PtyBbc Line;
-    std::unique_ptr<SbxProcess> Sbx;
-  };
-  const std::vector<HostileRun> runs = AllRuns(folder.Path());
-  std::vector<std::unique_ptr<Running>> all;
-  const auto start = Clock::now();
-  for (const HostileRun& run : runs) {
-    all.push_back(std::make_unique<Running>());
-    PtyBbc& line = all.back()->Line;
-    line.Bbc.Drives[0] = NoiseDisc(640, {});
-    line.Flood = run.Sent;
-    line.FloodAfterCommands = run.AfterCommands;
-    line.FloodMilliseconds = run.Milliseconds;
-    line.TakesNothing = run.Milliseconds < 0;
-    std::vector<std::string> words = run.Arguments;
-    words.insert(words.end(), {"--port", line.Device()});
-    line.Start();
-    all.back()->Sbx = std::make_unique<SbxProcess>(words);
+  std::vector<std::thread> threads;
+  for (const HostileRun& run : AllRuns(folder.Path())) {
+    threads.emplace_back([run] { ExpectEnd(run); });
   }
-  for (std::size_t i = 0; i < runs.size(); ++i) {
-    SCOPED_TRACE(runs[i].Arguments[0] + " after " + std::to_string(runs[i].AfterCommands) +
-                 ", every " + std::to_string(runs[i].Milliseconds) +
-                 " ms: " + runs[i].Sent.substr(0, 1));
-    const SbxResult result = all[i]->Sbx->Wait();
-    EXPECT_LE(Clock::now() - start, std::chrono::seconds(runs[i].AtMost + 15));
-    EXPECT_EQ(result.Status, 1);
-    if (!runs[i].Err.empty()) {
-      EXPECT_EQ(result.Err, runs[i].Err);
-    }
-    EXPECT_EQ(Lines(result.Err).size(), 1U);
-  }
+  for (std::thread& thread : threads) thread.join();
   rusage used{};
   ::getrusage(RUSAGE_CHILDREN, &used);
   EXPECT_LT(used.ru_maxrss, 64 * 1024);  // of the largest, in kilobytes

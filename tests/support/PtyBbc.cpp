@@ -31,6 +31,7 @@ PtyBbc::~PtyBbc() {
 }
 
 void PtyBbc::Start() {
+  if (TakesNothing) ::tcflow(slave_, TCOOFF);
   stop_ = false;
   thread_ = std::thread([this] { Run(); });
 }
@@ -38,6 +39,7 @@ void PtyBbc::Start() {
 void PtyBbc::Stop() {
   stop_ = true;
   if (thread_.joinable()) thread_.join();
+  if (TakesNothing && slave_ >= 0) ::tcflow(slave_, TCOON);
 }
 
 void PtyBbc::Unplug() {
@@ -76,7 +78,6 @@ void PtyBbc::SendFlood() {
 }
 
 void PtyBbc::Run() {
-  while (TakesNothing && !stop_) std::this_thread::sleep_for(std::chrono::milliseconds(10));
   for (;;) {
     if (IsFlooding()) {
       if (stop_) return;

@@ -32,7 +32,7 @@ class PtyBbc {
   std::string Flood;
   std::size_t FloodAfterCommands = 0;
   int FloodMilliseconds = 0;
-  // The BBC doesn't take what is sent: the system's queue of the line fills up.
+  // The BBC doesn't take what is sent.
   bool TakesNothing = false;
   // Everything that has come from the PC. A test looks at it after Stop.
   const std::string& Bytes() const { return bytes_; }
