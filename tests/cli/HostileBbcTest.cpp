@@ -52,7 +52,8 @@ std::vector<HostileRun> AllRuns(const std::string& folder) {
       {{"send", "0", sent}, kAtTheWrite, 80, "x", kSilent, 90},
       {{"star", "CAT"}, kAtOnce, 80, "x", kNotThere, 30},
       {{"star", "CAT"}, kAtTheStar, 0, noise, "Problem sending * Command\n", 30},
-      {{"star", "CAT"}, kAtTheStar, 80, "x", "Problem sending * Command\n", 30},
+      // On a busy machine some pauses are longer, and are taken for the end of a piece.
+      {{"star", "CAT"}, kAtTheStar, 80, "x", "", 90},
       {{"star", "CAT"}, kAtTheStar, 500, "x", "", 90},
       {{"bootstrap", "basic"}, kAtOnce, -1, "", kSilent, 90},
       {{"bootstrap", "format"}, kAtOnce, -1, "", kSilent, 90},
