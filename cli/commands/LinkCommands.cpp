@@ -18,9 +18,11 @@ std::int32_t DriveOf(const std::string& word) {
 }
 
 // Gives the exit status of a command. An aborted command has shown no message, so this prints one.
+// A transfer that gave sectors up isn't done; the host has told how many they are.
 int EndOf(const CliLink& connection, bool done, const char* aborted = "Transfer Aborted") {
   if (!done && !connection.Host.MessageShown) std::fprintf(stderr, "%s\n", aborted);
-  return done && !connection.Host.MessageShown ? kDone : kRefused;
+  const CliLinkHost& host = connection.Host;
+  return done && !host.MessageShown && host.Counters.GivenUp == 0 ? kDone : kRefused;
 }
 
 int RunReceive(const CommandLine& line) {

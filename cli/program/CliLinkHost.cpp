@@ -12,6 +12,7 @@
 #include "link/wire/Commands.h"
 #include "link/wire/Protocol.h"
 #include "link/wire/SerialDevices.h"
+#include "link/wire/Silence.h"
 
 namespace sectorbox::cli {
 namespace {
@@ -132,8 +133,7 @@ void CliLinkHost::FinishTransfer() {
   Finished = true;
   ShowProgressLine("");
   if (Counters.BadSectors == 0) return;
-  std::fprintf(stderr, "Bad Sectors: %d; the trace names those that were given up\n",
-               Counters.BadSectors);
+  std::fprintf(stderr, "Bad Sectors: %d; given up: %d\n", Counters.BadSectors, Counters.GivenUp);
 }
 
 void CliLinkHost::CloseTransfer() {
@@ -153,6 +153,7 @@ CliLink::CliLink(const CommandLine& line) : Host(line) {
   Port->SelectDevice(PortOf(line));
   if (line.Has("trace")) TheLink.TraceFile.Open(line.Option("trace", ""));
   CatchInterrupt();
+  WatchSilence(TheLink);
 }
 
 void CliLink::Disconnect() {

@@ -8,6 +8,7 @@
 #include "disc/host/HostFile.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 
 namespace sectorbox {
 namespace {
@@ -35,12 +36,12 @@ constexpr std::size_t kBytesBetweenPumps = 50;
 class BareLine {
  public:
   explicit BareLine(Link& link) : link_(link) {
-    link.Port.Settings(wire::LineSettings(wire::kBootstrapSpeed));
+    SetSpeed(link, wire::kBootstrapSpeed);
     link.AbortRequested = false;
   }
   ~BareLine() {
     link_.Port.Close();
-    link_.Port.Settings(wire::LineSettings(wire::kDefaultSpeed));
+    SetSpeed(link_, wire::kDefaultSpeed);
   }
   BareLine(const BareLine&) = delete;
   BareLine& operator=(const BareLine&) = delete;
@@ -62,9 +63,15 @@ std::string ReadCompanionFile(Link& link, const char* name) {
   return {bytes.begin(), bytes.end()};
 }
 
+// The BBC says nothing in a bootstrap. It lives as long as it takes what is sent.
+void TypeLine(Link& link, std::string_view line) {
+  (void)SendCommand(link, std::string(line) + "\r", false);
+  NoteValid(link);
+}
+
 template <typename Lines>
 void TypeLines(Link& link, const Lines& lines) {
-  for (const char* line : lines) (void)SendCommand(link, std::string(line) + "\r", false);
+  for (const char* line : lines) TypeLine(link, line);
 }
 
 // The line that begins at position. position moves behind the line's end: a CR, an LF, or CR and
@@ -89,7 +96,7 @@ void SendBasicProgram(Link& link, const BootstrapProgress& progress) {
   const std::string listing = ReadCompanionFile(link, "adfsxfer.bas");
   progress(0);
   for (std::size_t position = 0; position < listing.size() && !link.AbortRequested;) {
-    (void)SendCommand(link, std::string(TakeLine(listing, position)) + "\r", false);
+    TypeLine(link, TakeLine(listing, position));
     progress(Percent(position, listing.size()));
     PumpEvents(link);
   }
@@ -111,6 +118,7 @@ void SendFormatProgram(Link& link, const BootstrapProgress& progress) {
   progress(0);
   for (std::size_t position = 0; position < program.size() && !link.AbortRequested;) {
     SendRaw(link, std::string_view(program).substr(position, 1));
+    NoteValid(link);
     ++position;
     progress(Percent(position, program.size()));
     if (position % kBytesBetweenPumps == 0) PumpEvents(link);

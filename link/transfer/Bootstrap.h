@@ -11,6 +11,8 @@
 // Both leave the port closed and set to 19200 baud, whatever speed is ticked: the next transfer
 // connects at 1200 baud again. Both read a companion file from the program's folder; a missing one
 // is created, empty. If the port or a file fails, they throw HostError, and the port is closed.
+// If the silence of the link is watched, and the BBC takes no byte for a minute, they throw
+// BbcSilent (Silence.h).
 namespace sectorbox {
 
 // Called with 0 to 100, at the start and after each line or byte that was sent.

@@ -8,6 +8,7 @@
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 #include "link/wire/Trace.h"
 #include "link/wire/WireCRC.h"
 
@@ -52,7 +53,7 @@ bool Receiver::ReadMap() {
     return Refuse("Error reading free space map");
   }
   map_ = ParseTransferMap(link_, sectors);
-  return true;
+  return Advance();
 }
 
 // The disc's size alone decides the kind of image: one of the three floppies, or a hard disc.
@@ -144,6 +145,10 @@ bool ReceiveImage(Link& link, std::int32_t drive, bool dataOnly, std::string& fi
     // The user pulled the port out, or the host's disc is full. The file stays as far as it got.
     link.Host.CloseTransfer();
     link.Host.ShowWarning(error.what());
+    return false;
+  } catch (const BbcSilent& silent) {
+    link.Host.CloseTransfer();
+    link.Host.ShowMessage(silent.what(), kLinkTitle);
     return false;
   }
 }

@@ -14,8 +14,8 @@ namespace sectorbox {
 //
 // True only if the procedure ran to its end, also if it ended with the message of a mismatch.
 // fileName is the image then. A chunk that failed is tried again without limit; the user can press
-// Abort. If the port or the file fails, a box shows the system's words, and the file stays as far
-// as it got.
+// Abort, and a link whose silence is watched (Silence.h) ends it with a box. If the port or the
+// file fails, a box shows the system's words, and the file stays as far as it got.
 [[nodiscard]] bool ReceiveImage(Link& link, std::int32_t drive, bool dataOnly,
                                 std::string& fileName);
 

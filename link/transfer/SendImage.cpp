@@ -12,6 +12,7 @@
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 #include "link/wire/Trace.h"
 #include "link/wire/WireCRC.h"
 
@@ -73,7 +74,7 @@ bool Sender::AskDriveSize() {
   if (lineEnd == std::string::npos) return Refuse("Error getting free space");
   driveSectors_ = std::int64_t{ParseHex(reply.substr(0, kDigits))} +
                   ParseHex(reply.substr(lineEnd + 1, kDigits));
-  return true;
+  return Advance();
 }
 
 bool Sender::FitsDrive() {
@@ -178,6 +179,9 @@ void SendImage(Link& link, std::int32_t drive, bool dataOnly) {
   } catch (const HostError& error) {
     link.Host.CloseTransfer();
     link.Host.ShowWarning(error.what());
+  } catch (const BbcSilent& silent) {
+    link.Host.CloseTransfer();
+    link.Host.ShowMessage(silent.what(), kLinkTitle);
   }
 }
 

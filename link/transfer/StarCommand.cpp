@@ -1,8 +1,10 @@
 #include "link/transfer/StarCommand.h"
 
 #include "disc/host/HostError.h"
+#include "link/wire/AnswerBounds.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 #include "link/wire/Trace.h"
 
 namespace sectorbox {
@@ -18,9 +20,12 @@ void ShowErrorText(Link& link) {
   link.Host.ShowMessage(ReadReply(link, text) ? text : kNoAnswer, kErrorTitle);
 }
 
-void CollectOutput(Link& link, std::string text,
+// Shows what the BBC prints. False if that has no end.
+bool CollectOutput(Link& link, std::string text,
                    const std::function<void(const std::string&)>& show) {
+  AnswerBounds bounds(link, wire::kLongestOutput, wire::kOutputPatience);
   while (!text.empty()) {
+    if (!bounds.Take(text.size())) return false;
     const auto token = text.find(wire::kAcknowledge);
     if (token != std::string::npos) text.resize(token);
     const std::string shown = ExpandCarriageReturns(text);
@@ -28,27 +33,25 @@ void CollectOutput(Link& link, std::string text,
     show(shown);
     // No button can set the flag while the console waits, but Ctrl-C at a command line can. So the
     // user can end a command that never stops printing.
-    if (link.AbortRequested) return;
+    if (link.AbortRequested) return true;
     // Silence ends the loop, and not the token: the BBC may print in bursts.
     link.Host.Sleep(wire::kConsolePause);
     text.clear();
-    if (link.Port.InBufferCount() > 0) (void)ReadReply(link, text);
+    if (link.Port.InBufferCount() > 0 && !ReadReply(link, text, wire::kLongestOutput)) return false;
   }
+  return true;
 }
 
 bool Exchange(Link& link, const std::string& command,
               const std::function<void(const std::string&)>& show) {
-  const std::string reply = SendCommand(link, "*" + command + "\r", true);
+  const std::string reply = SendCommand(link, "*" + command + "\r", true, wire::kLongestOutput);
   if (IsStarError(reply)) {
     ShowErrorText(link);
     return false;
   }
-  if (reply.empty()) {
-    link.Host.ShowMessage(kNoAnswer, kErrorTitle);
-    return false;
-  }
-  CollectOutput(link, reply, show);
-  return true;
+  if (!reply.empty() && CollectOutput(link, reply, show)) return true;
+  link.Host.ShowMessage(kNoAnswer, kErrorTitle);
+  return false;
 }
 
 }  // namespace
@@ -59,6 +62,9 @@ bool RunStarCommand(Link& link, const std::string& command,
     return Exchange(link, command, show);
   } catch (const HostError& error) {
     link.Host.ShowWarning(error.what());
+    return false;
+  } catch (const BbcSilent& silent) {
+    link.Host.ShowMessage(silent.what(), kErrorTitle);
     return false;
   }
 }

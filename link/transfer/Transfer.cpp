@@ -8,6 +8,7 @@
 #include "link/wire/Commands.h"
 #include "link/wire/Packets.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 #include "link/wire/Trace.h"
 
 namespace sectorbox {
@@ -19,15 +20,26 @@ constexpr std::int64_t kMostBufferSectors = 4096;
 }  // namespace
 
 Transfer::Transfer(Link& link, std::int32_t drive, const Words& words)
-    : link_(link), drive_(drive), words_(words) {}
+    : link_(link), drive_(drive), words_(words) {
+  link_.Silence.DiscAtWork = true;
+}
+
+Transfer::~Transfer() {
+  link_.Silence.DiscAtWork = false;
+}
 
 bool Transfer::Refuse(const std::string& message) {
   link_.Host.ShowMessage(message, kLinkTitle);
   return false;
 }
 
+bool Transfer::Advance() {
+  NoteValid(link_);
+  return true;
+}
+
 bool Transfer::ConnectIfClosed() {
-  if (link_.Port.PortOpen() || IsAcknowledge(ConnectToBBC(link_))) return true;
+  if (link_.Port.PortOpen() || IsAcknowledge(ConnectToBBC(link_))) return Advance();
   return Refuse("Beeb Not Responding");
 }
 
@@ -38,15 +50,16 @@ bool Transfer::AskBufferSize() {
   if (sectors < 1) return Refuse("Error reading track buffer size");
   bufferSectors_ = static_cast<std::int32_t>(std::min(sectors, kMostBufferSectors));
   TraceLine(link_, "Transfer buffer is " + std::to_string(bufferSectors_) + " sectors\r");
-  return true;
+  return Advance();
 }
 
 bool Transfer::SelectDrive() {
   if (!IsAcknowledge(SendCommand(link_, "*FADFS\r", true))) {
     return Refuse("Error changing to ADFS");
   }
+  NoteValid(link_);
   const std::string drive = std::to_string(drive_);
-  if (IsAcknowledge(SendCommand(link_, "*MOUNT " + drive + "\r", true))) return true;
+  if (IsAcknowledge(SendCommand(link_, "*MOUNT " + drive + "\r", true))) return Advance();
   return Refuse("Error setting drive " + drive);
 }
 
@@ -63,6 +76,7 @@ bool Transfer::OpenFile(const std::string& fileName, TransferFile::Access access
 void Transfer::OpenDialog() {
   link_.AbortRequested = false;
   link_.Host.OpenTransfer(words_.Caption);
+  NoteValid(link_);
 }
 
 Transfer::Progress Transfer::RunAreas(bool dataOnly) {
@@ -126,6 +140,7 @@ Transfer::Compared Transfer::CompareWithDrive(std::uint32_t crc) {
 }
 
 void Transfer::AccountForChunk() {
+  NoteValid(link_);
   current_ += count_;
   done_ += count_;
   areaLeft_ -= count_;
@@ -137,6 +152,7 @@ void Transfer::CountSingle() {
 }
 
 void Transfer::GiveWay() {
+  NoteValid(link_);
   if (chunkLimit_ > 1) {
     chunkLimit_ = 1;
     singlesLeft_ = count_;
@@ -148,6 +164,8 @@ void Transfer::GiveWay() {
   ++done_;
   --areaLeft_;
   chunkLimit_ = bufferSectors_;
+  ++counters_.GivenUp;
+  ShowCounters();
 }
 
 void Transfer::CountRetry() {

@@ -32,7 +32,7 @@ class Transfer {
   enum class Progress { kGoOn, kAbandoned };
 
   Transfer(Link& link, std::int32_t drive, const Words& words);
-  virtual ~Transfer() = default;
+  virtual ~Transfer();
 
   // One exchange for the next chunk: it sets count_, moves the sectors, and accounts for them. A
   // chunk that failed isn't accounted for, and so it comes again.
@@ -44,6 +44,8 @@ class Transfer {
   [[nodiscard]] bool AskBufferSize();
   [[nodiscard]] bool SelectDrive();
   [[nodiscard]] bool OpenFile(const std::string& fileName, TransferFile::Access access);
+  // A step has gone well: notes that the BBC has answered (Silence.h); always true.
+  bool Advance();
   // Shows the message; always false.
   [[nodiscard]] bool Refuse(const std::string& message);
 

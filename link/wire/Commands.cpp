@@ -1,14 +1,13 @@
 #include "link/wire/Commands.h"
 
 #include "disc/host/HostError.h"
+#include "link/wire/AnswerBounds.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 #include "link/wire/Trace.h"
 
 namespace sectorbox {
 namespace {
-
-// More than any BBC prints at once. The bound keeps noise on the line from filling the memory.
-constexpr std::size_t kLongestReply = std::size_t{1} << 20;
 
 void OpenIfClosed(Link& link) {
   if (!link.Port.PortOpen()) link.Port.Open();
@@ -19,8 +18,19 @@ void Poll(Link& link) {
   link.Host.Sleep(1);
 }
 
+bool LinesAreUp(SerialPort& port) {
+  return port.DSRHolding() && port.CTSHolding();
+}
+
 bool ReadyForCommand(SerialPort& port) {
-  return port.OutBufferCount() == 0 && port.DSRHolding() && port.CTSHolding();
+  return port.OutBufferCount() == 0 && LinesAreUp(port);
+}
+
+// A poll of the wait for the lines.
+void PollForLines(Link& link) {
+  const std::int64_t before = link.Host.Milliseconds();
+  Poll(link);
+  if (!LinesAreUp(link.Port)) NoteLinesDown(link, link.Host.Milliseconds() - before);
 }
 
 bool IsTokenLine(std::string_view reply, std::string_view token) {
@@ -31,10 +41,11 @@ bool IsTokenLine(std::string_view reply, std::string_view token) {
 
 }  // namespace
 
-std::string SendCommand(Link& link, const std::string& command, bool expectReply) {
+std::string SendCommand(Link& link, const std::string& command, bool expectReply,
+                        std::size_t mostBytes) {
   OpenIfClosed(link);
   while (!ReadyForCommand(link.Port)) {
-    Poll(link);
+    PollForLines(link);
     if (link.AbortRequested) break;
   }
   // The flag refuses the write also if there was nothing to wait for. An aborted transfer leaves
@@ -43,7 +54,7 @@ std::string SendCommand(Link& link, const std::string& command, bool expectReply
   link.Port.Output(command);
   TraceHex(link, command, true);
   std::string reply;
-  if (expectReply) (void)ReadReply(link, reply);  // reply is empty if none came
+  if (expectReply) (void)ReadReply(link, reply, mostBytes);  // reply is empty if none came
   return reply;
 }
 
@@ -69,8 +80,9 @@ std::optional<std::uint8_t> ReadByte(Link& link) {
   return byte;
 }
 
-bool ReadReply(Link& link, std::string& text) {
+bool ReadReply(Link& link, std::string& text, std::size_t mostBytes) {
   text.clear();
+  link.LongestAnswer = mostBytes;
   link.Timer4.Interval = wire::kFirstByteLimit;
   std::optional<std::uint8_t> byte = ReadByte(link);
   if (!byte) {
@@ -78,29 +90,37 @@ bool ReadReply(Link& link, std::string& text) {
     return false;
   }
   link.Timer4.Interval = wire::kReplySilence;
-  for (; byte && text.size() < kLongestReply; byte = ReadByte(link)) {
+  AnswerBounds bounds(link, mostBytes, wire::kAnswerPatience);
+  bool isSound = true;
+  while (byte && isSound) {
     text += static_cast<char>(*byte);
+    isSound = bounds.Take();
+    if (isSound) byte = ReadByte(link);
   }
   TraceHex(link, text, false);
-  return true;
+  if (isSound) return true;
+  TraceLine(link, "Response without an end\r");
+  text.clear();
+  return false;
 }
 
 void ResetLink(Link& link) {
   link.Timer4.Interval = wire::kResetSilence;
-  while (ReadByte(link)) PumpEvents(link);
+  AnswerBounds bounds(link, link.LongestAnswer, wire::kAnswerPatience);
+  while (ReadByte(link) && bounds.Take()) PumpEvents(link);
   link.Port.Close();
   link.Host.Sleep(wire::kResetClosed);
   link.Port.Open();
 }
 
 std::string ConnectToBBC(Link& link) {
-  link.Port.Settings(wire::LineSettings(wire::kBootstrapSpeed));
+  SetSpeed(link, wire::kBootstrapSpeed);
   const std::int32_t ticked = link.Host.TickedSpeed();
   const std::int32_t speed = ticked > 0 ? ticked : wire::kDefaultSpeed;
   (void)SendCommand(link, "S" + std::to_string(speed) + "\r", false);
   // Close lets the command out before it closes the port.
   link.Port.Close();
-  link.Port.Settings(wire::LineSettings(speed));
+  SetSpeed(link, speed);
   link.Port.Open();
   std::string reply;
   (void)ReadReply(link, reply);  // reply is empty if none came
@@ -132,8 +152,13 @@ std::int64_t LeadingNumber(std::string_view text) {
 bool Reconnect(Link& link) {
   try {
     link.Port.Close();
-    if (IsAcknowledge(ConnectToBBC(link))) return true;
+    if (IsAcknowledge(ConnectToBBC(link))) {
+      NoteValid(link);
+      return true;
+    }
     link.Host.ShowMessage("Beeb Not Responding", kLinkTitle);
+  } catch (const BbcSilent& silent) {
+    link.Host.ShowMessage(silent.what(), kLinkTitle);
   } catch (const HostError& error) {
     link.Host.ShowWarning(error.what());
   }

@@ -5,9 +5,11 @@
 #include <vector>
 
 #include "disc/format/Text.h"
+#include "link/wire/AnswerBounds.h"
 #include "link/wire/Commands.h"
 #include "link/wire/Compression.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Silence.h"
 #include "link/wire/Trace.h"
 #include "link/wire/WireCRC.h"
 
@@ -28,8 +30,7 @@ class StreamDecoder {
       if (failure) return *failure;
     }
     if (position_ == limit_) return SectorStatus::kSuccess;
-    return Fail("Data Decompression Failed - Data Length = " + std::to_string(position_),
-                SectorStatus::kWrongLength);
+    return FailLength();
   }
 
  private:
@@ -37,12 +38,25 @@ class StreamDecoder {
     TraceLine(link_, text + "\r");
     return status;
   }
-  SectorStatus FailSilent() { return Fail("Timeout waiting for response", SectorStatus::kTimeOut); }
+  SectorStatus FailLength() {
+    return Fail("Data Decompression Failed - Data Length = " + std::to_string(position_),
+                SectorStatus::kWrongLength);
+  }
+  // No byte came, or the stream has no end.
+  SectorStatus FailUnended() {
+    if (bounds_ && bounds_->IsTooLong()) return FailLength();
+    return Fail("Timeout waiting for response", SectorStatus::kTimeOut);
+  }
 
+  // The next byte. Nothing if none came in time, or if the stream is longer or slower than any.
   std::optional<std::uint8_t> NextByte() {
     const auto byte = ReadByte(link_);
-    if (byte) UpdateCRC(crc_, *byte);
-    return byte;
+    if (!byte) return std::nullopt;
+    UpdateCRC(crc_, *byte);
+    // The BBC reads its disc before the first byte, so the time counts from that byte on. A single
+    // silence may still last as long as ReadByte lets it.
+    if (!bounds_) bounds_.emplace(link_, wire::MostBytesOfStream(limit_), wire::kStreamByteLimit);
+    return bounds_->Take() ? byte : std::nullopt;
   }
 
   void Put(std::uint8_t byte) {
@@ -53,7 +67,7 @@ class StreamDecoder {
   // Takes a byte, a run or an escape from the line. Nothing if all went well.
   std::optional<SectorStatus> TakeItem() {
     const auto byte = NextByte();
-    if (!byte) return FailSilent();
+    if (!byte) return FailUnended();
     if (*byte == wire::kEscape) return TakeEscape();
     Put(*byte);
     return std::nullopt;
@@ -61,7 +75,7 @@ class StreamDecoder {
 
   std::optional<SectorStatus> TakeEscape() {
     const auto code = NextByte();
-    if (!code) return FailSilent();
+    if (!code) return FailUnended();
     switch (*code) {
       case wire::kStreamRun:
         return TakeRun();
@@ -82,7 +96,7 @@ class StreamDecoder {
   std::optional<SectorStatus> TakeRun() {
     const auto count = NextByte();
     const auto value = count ? NextByte() : std::nullopt;
-    if (!value) return FailSilent();
+    if (!value) return FailUnended();
     for (int i = 0; i < *count; ++i) Put(*value);
     return std::nullopt;
   }
@@ -92,6 +106,7 @@ class StreamDecoder {
   std::uint32_t& crc_;
   std::size_t limit_;
   std::size_t position_ = 0;
+  std::optional<AnswerBounds> bounds_;  // since the first byte
   bool ended_ = false;
 };
 
@@ -110,6 +125,7 @@ SectorStatus ReceivePacket(Link& link, std::span<std::uint8_t> buffer, std::uint
                            std::int32_t sectors) {
   link.Timer4.Interval = wire::kStreamByteLimit;
   EnableTimer(link);
+  link.LongestAnswer = wire::MostBytesOfStream(BytesOf(sectors));
   return StreamDecoder(link, buffer, crc, BytesOf(sectors)).Run();
 }
 
@@ -126,6 +142,7 @@ bool TraceCRCs(Link& link, std::string_view reply, std::uint32_t crc) {
 SectorStatus ReadSectors(Link& link, std::span<std::uint8_t> buffer, std::int32_t drive,
                          std::int32_t start, std::int32_t count) {
   std::uint32_t crc = 0;
+  NoteExchange(link, LongestStream(BytesOf(count)));
   (void)SendCommand(link,
                     "A" + std::to_string(drive) + "\r" + std::to_string(start) + "\r" +
                         std::to_string(count) + "\r",
@@ -149,6 +166,7 @@ void SendPacket(Link& link, std::span<const std::uint8_t> buffer, std::uint32_t&
                       SignedDecimal(static_cast<std::int64_t>(stream.size())) + "\r");
   stream.push_back(wire::kEscape);
   stream.push_back(wire::kStreamEnd);
+  NoteExchange(link, LongestStream(length));
   crc = 0;
   for (std::size_t i = 0; i < stream.size(); ++i) {
     UpdateCRC(crc, stream[i]);

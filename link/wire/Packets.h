@@ -21,7 +21,9 @@ enum class SectorStatus {
 
 // Takes one data stream from the line into buffer, which holds at least sectors x 256 bytes.
 // Every byte on the wire goes into crc, escapes and end mark included. Of a stream that is too long
-// only what fits is stored; the rest is read and counted.
+// only what fits is stored; the rest is read and counted. A stream that doesn't end is cut off:
+// with kWrongLength if it has more bytes than any stream for so many sectors, and with kTimeOut if
+// it takes thirty seconds more than twice the time that its bytes take on the line.
 [[nodiscard]] SectorStatus ReceivePacket(Link& link, std::span<std::uint8_t> buffer,
                                          std::uint32_t& crc, std::int32_t sectors);
 

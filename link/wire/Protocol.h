@@ -46,12 +46,24 @@ inline std::string LineSettings(std::int32_t speed) {
 // that the time limit for the reply starts only when the stream has really gone out.
 inline constexpr std::size_t kOutBufferSize = 128;
 
+// The most bytes of a reply. Each reply but the output of a star command is a line or two.
+inline constexpr std::size_t kLongestReply = 1024;
+// The same for that output. It may be as long as a file that is listed.
+inline constexpr std::size_t kLongestOutput = std::size_t{1} << 20;
+// The most wire bytes of a stream that carries dataBytes: a run for each byte, and the end mark.
+// (Nobody sends such a stream. Runs of no byte aren't counted: they could go on for ever.)
+constexpr std::size_t MostBytesOfStream(std::size_t dataBytes) {
+  return 4 * dataBytes + 2;
+}
+
 // How long a wait lasts, in milliseconds.
 inline constexpr std::int32_t kFirstByteLimit = 10000;   // for the first byte of a reply
 inline constexpr std::int32_t kReplySilence = 100;       // the silence that ends a reply
 inline constexpr std::int32_t kStreamByteLimit = 30000;  // for each byte of a stream
 inline constexpr std::int32_t kResetSilence = 2000;      // the silence that a reset waits for
 inline constexpr std::int32_t kResetClosed = 500;        // how long a reset keeps the port closed
-inline constexpr std::int32_t kConsolePause = 1000;      // for more output of a star command
+inline constexpr std::int32_t kAnswerPatience = 10000;  // for an answer beyond its time on the line
+inline constexpr std::int32_t kOutputPatience = 60000;  // the same for all output of a star command
+inline constexpr std::int32_t kConsolePause = 1000;     // for more output of a star command
 
 }  // namespace sectorbox::wire

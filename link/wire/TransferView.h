@@ -5,11 +5,14 @@
 
 namespace sectorbox {
 
-// The three counters of a transfer, as the dialog shows them.
+// The counters of a transfer. The dialog shows the first three.
 struct TransferCounters {
   std::int32_t Retries = 0;
   std::int32_t BadCRCs = 0;
-  std::int32_t BadSectors = 0;
+  std::int32_t BadSectors = 0;  // exchanges that failed because of the BBC's disc
+  // Sectors that couldn't be read or written alone either, and were left out. The dialog doesn't
+  // show this number.
+  std::int32_t GivenUp = 0;
 };
 
 // The transfer dialog. Its Abort sets Link::AbortRequested and closes the dialog at once; the calls

@@ -70,7 +70,15 @@ std::string LinkWindowHost::AskOpenFileName(const FileQuestion& question) {
 }
 
 std::string LinkWindowHost::AskSaveFileName(const FileQuestion& question) {
-  return AskSaveFile(BoxParent(), question);
+  const std::string name = AskSaveFile(BoxParent(), question);
+  // A disc is going to be received into this file. If it is the image that is open, its last blocks
+  // are written now, and never over what is received.
+  Disc& disc = window_.OpenDisc();
+  if (!name.empty() && disc.TheDisc.IsOpenMedium(name)) {
+    disc.TheDisc.CloseFile();
+    disc.ImageChanged = false;
+  }
+  return name;
 }
 
 void LinkWindowHost::OpenTransfer(const std::string& caption) {

@@ -75,11 +75,15 @@ void XferCommands::ConnectSerialMenu() {
 
 void XferCommands::Receive(std::int32_t drive, bool dataOnly) {
   std::string fileName;
-  if (!ReceiveImage(link_, drive, dataOnly, fileName)) return;
-  if (!window_.Checked("mnuOptionsAutoLoad")) return;
+  const bool done = ReceiveImage(link_, drive, dataOnly, fileName);
+  Disc& disc = window_.OpenDisc();
+  // The image that is open has become another disc, if only in part. What the window shows and the
+  // store holds in memory is of the former one, so it is opened anew also without Auto Load.
+  const bool isOpen = !fileName.empty() && disc.TheDisc.IsOpenMedium(fileName);
+  if (!isOpen && (!done || !window_.Checked("mnuOptionsAutoLoad"))) return;
   // From here on the command opens another disc, so it counts as a change.
   const CommandGuard::Running opening(window_.Guard(), CommandKind::kChange);
-  OpenImage(window_.OpenDisc(), fileName);
+  OpenImage(disc, fileName);
 }
 
 void XferCommands::ChooseCom(std::int16_t number) {

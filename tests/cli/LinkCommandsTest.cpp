@@ -111,9 +111,25 @@ TEST_F(LinkCommandTest, AnUnreadableSectorIsToldAndTheRestArrives) {
   const std::string file = folder / "x.adf";
   const std::string log = folder / "trace.log";
   const SbxResult result = Run({"receive", "0", file, "--data-only", "--trace", log});
-  EXPECT_EQ(result.Status, 0);
-  EXPECT_NE(result.Err.find("Bad Sectors: 2"), std::string::npos);
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "Bad Sectors: 2; given up: 1\n");
   EXPECT_NE(ReadText(log).find("Error reading sector 000005, 5\r\n"), std::string::npos);
+}
+
+TEST_F(LinkCommandTest, ASectorThatCannotBeWrittenIsToldAndTheRestGoesAcross) {
+  line.Bbc.Drives[0] = Bytes(640 * 256);
+  line.Bbc.SetBuffer(2);
+  line.Bbc.Faults.CannotWrite = {5};
+  const Bytes disc = NoiseDisc(640, {{9, 631}});
+  const std::string file = folder / "x.adf";
+  WriteAll(file, disc);
+  const SbxResult result = Run({"send", "0", file, "--data-only"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "Bad Sectors: 2; given up: 1\n");
+  Bytes expected = disc;
+  std::fill_n(expected.begin() + 5 * 256, 256, std::uint8_t{0});
+  std::fill(expected.begin() + 9 * 256, expected.end(), std::uint8_t{0});
+  EXPECT_EQ(line.Bbc.Drives[0], expected);
 }
 
 TEST_F(LinkCommandTest, AnImageThatDoesNotFitIsRefusedInTheEnginesWords) {

@@ -26,7 +26,7 @@ struct LinkRig {
   // Opens the port, and connects the server at 19200 baud.
   void Connect() {
     Bbc.Speed = 19200;
-    Port.Settings("19200,N,8,1");
+    SetSpeed(TheLink, 19200);
     Port.Open();
     Host.Log.clear();
   }

@@ -31,6 +31,7 @@ PtyBbc::~PtyBbc() {
 }
 
 void PtyBbc::Start() {
+  if (TakesNothing) ::tcflow(slave_, TCOOFF);
   stop_ = false;
   thread_ = std::thread([this] { Run(); });
 }
@@ -38,6 +39,7 @@ void PtyBbc::Start() {
 void PtyBbc::Stop() {
   stop_ = true;
   if (thread_.joinable()) thread_.join();
+  if (TakesNothing && slave_ >= 0) ::tcflow(slave_, TCOON);
 }
 
 void PtyBbc::Unplug() {
@@ -60,10 +62,29 @@ void PtyBbc::Send(const std::string& bytes) {
   }
 }
 
+bool PtyBbc::IsFlooding() const {
+  return !Flood.empty() && Bbc.Heard.size() >= FloodAfterCommands;
+}
+
+// One turn of the flood. What the PC doesn't take is lost.
+void PtyBbc::SendFlood() {
+  if (FloodMilliseconds > 0) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(FloodMilliseconds));
+    const char byte = Flood[flooded_++ % Flood.size()];
+    (void)!::write(master_, &byte, 1);
+  } else if (::write(master_, Flood.data(), Flood.size()) < 0) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
 void PtyBbc::Run() {
   for (;;) {
+    if (IsFlooding()) {
+      if (stop_) return;
+      SendFlood();
+    }
     pollfd waiting{master_, POLLIN, 0};
-    if (::poll(&waiting, 1, 10) <= 0) {
+    if (::poll(&waiting, 1, IsFlooding() ? 0 : 10) <= 0) {
       if (stop_) return;
       continue;
     }
@@ -74,6 +95,7 @@ void PtyBbc::Run() {
       ++received_;
       Bbc.Receive(bytes[i]);
       for (const auto& burst : Bbc.TakeOutput()) {
+        if (IsFlooding()) continue;
         std::this_thread::sleep_for(std::chrono::milliseconds(burst.DelayMilliseconds));
         Send(burst.Bytes);
       }

@@ -26,6 +26,14 @@ class PtyBbc {
   void Stop();
   // Pulls the plug: the PC's side fails from now on.
   void Unplug();
+  // A peer that is out of its mind: as soon as the BBC has heard so many commands, these bytes come
+  // again and again, one every so many milliseconds, or without any pause (0), and nothing else
+  // comes. Set before Start; no bytes, no such peer.
+  std::string Flood;
+  std::size_t FloodAfterCommands = 0;
+  int FloodMilliseconds = 0;
+  // The BBC doesn't take what is sent.
+  bool TakesNothing = false;
   // Everything that has come from the PC. A test looks at it after Stop.
   const std::string& Bytes() const { return bytes_; }
   // How many bytes have come from the PC so far.
@@ -33,6 +41,8 @@ class PtyBbc {
 
  private:
   void Run();
+  void SendFlood();
+  [[nodiscard]] bool IsFlooding() const;
   void Send(const std::string& bytes);
 
   std::string device_;
@@ -40,6 +50,7 @@ class PtyBbc {
   int slave_ = -1;  // held open, so that the PC may close and open its own as it likes
   std::atomic<bool> stop_{false};
   std::atomic<std::size_t> received_{0};
+  std::size_t flooded_ = 0;
   std::string bytes_;
   std::thread thread_;
 };

@@ -41,7 +41,9 @@ bool SimulatedBbc::Due(int every, int& counter) const {
 }
 
 void SimulatedBbc::Say(const std::string& text, std::int32_t delay) {
-  if (!Faults.Mute && !text.empty()) output_.push_back({delay, text});
+  const std::size_t most =
+      Faults.MostBytesSaid < 0 ? text.size() : static_cast<std::size_t>(Faults.MostBytesSaid);
+  if (!Faults.Mute && !text.empty()) output_.push_back({delay, text.substr(0, most)});
 }
 
 std::vector<SimulatedBbc::Burst> SimulatedBbc::TakeOutput() {

@@ -25,7 +25,8 @@ struct BbcFaults {
   int LoseIncomingEvery = 0;   // bytes of the streams received
   std::set<std::int32_t> CannotRead;
   std::set<std::int32_t> CannotWrite;
-  bool Mute = false;  // hears everything, says nothing
+  int MostBytesSaid = -1;  // each thing that it says is cut there; -1 means that nothing is
+  bool Mute = false;       // hears everything, says nothing
 };
 
 // The BBC's end of the cable as the PC sees it: the transfer server in front of some drives. It is

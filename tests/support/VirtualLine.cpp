@@ -44,6 +44,10 @@ void VirtualPort::Close() {
 
 // The BBC may answer each byte at once, at the speed that it has then.
 void VirtualPort::Deliver(const Travelling& item) {
+  if (Echoes) {
+    toPc_.push_back(item);
+    return;
+  }
   if (item.Speed == bbc_.Speed) bbc_.Receive(item.Byte);
   for (const auto& burst : bbc_.TakeOutput()) {
     inFree_ = std::max(inFree_, item.Arrival) + burst.DelayMilliseconds * std::int64_t{1'000'000};
@@ -55,12 +59,21 @@ void VirtualPort::Deliver(const Travelling& item) {
   }
 }
 
+void VirtualPort::Drip() {
+  toPc_.clear();
+  if (nextDrip_ == 0) nextDrip_ = clock_.Nanoseconds;
+  for (; nextDrip_ <= clock_.Nanoseconds; nextDrip_ += DripEvery) {
+    if (open_) received_.push_back(DripByte());
+  }
+}
+
 void VirtualPort::Advance() {
   while (!toBbc_.empty() && toBbc_.front().Arrival <= clock_.Nanoseconds) {
     const Travelling item = toBbc_.front();
     toBbc_.pop_front();
     Deliver(item);
   }
+  if (DripEvery > 0) Drip();
   while (!toPc_.empty() && toPc_.front().Arrival <= clock_.Nanoseconds) {
     const Travelling item = toPc_.front();
     toPc_.pop_front();

@@ -33,6 +33,12 @@ class VirtualPort final : public SerialPort {
   bool CannotOpen = false;
   // The port vanishes after this many more bytes have come in or gone out.
   std::int64_t BytesUntilItVanishes = std::numeric_limits<std::int64_t>::max();
+  // A peer that is out of its mind: a byte comes every so many nanoseconds, whatever is sent. The
+  // BBC still hears, but nothing of what it says arrives. 0: there is no such peer.
+  std::int64_t DripEvery = 0;
+  std::function<std::uint8_t()> DripByte = [] { return std::uint8_t{0}; };
+  // What is written comes back, and reaches nobody else.
+  bool Echoes = false;
   std::int64_t NanosecondsBusy = 0;  // time in which the BBC was sending
   std::int64_t BytesFromBbc = 0;
   std::string Written;  // everything that was written
@@ -61,6 +67,7 @@ class VirtualPort final : public SerialPort {
   };
   static std::int64_t ByteTime(std::int32_t speed) { return 10'000'000'000 / speed; }
   void Deliver(const Travelling& item);
+  void Drip();
   void Note(const std::string& line);
   void CountByte();
 
@@ -72,6 +79,7 @@ class VirtualPort final : public SerialPort {
   bool open_ = false;
   std::int64_t outFree_ = 0;  // when each direction is free again
   std::int64_t inFree_ = 0;
+  std::int64_t nextDrip_ = 0;
   std::deque<Travelling> toBbc_;
   std::deque<Travelling> toPc_;
   std::deque<std::uint8_t> received_;

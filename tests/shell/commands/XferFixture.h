@@ -25,10 +25,10 @@ class XferTest : public WindowTest {
  protected:
   using Bytes = std::vector<std::uint8_t>;
 
-  void StartWired() {
+  void StartWired(const std::string& commandLine = {}) {
     SettingsStore().PutString("Com2Device", QString::fromStdString(line.Device()));
     SettingsStore().PutInt16("ComPort", 2);
-    Start();
+    Start(commandLine);
     line.Start();
   }
   // frmRX, or null. One that was closed lingers until its deletion is served.

@@ -108,6 +108,65 @@ TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
   EXPECT_EQ(std::count(line.Bbc.Heard.begin(), line.Bbc.Heard.end(), "S19200|"), 1);
 }
 
+// The program still has blocks of the old disc in memory: some that aren't written yet, and some
+// that it has read. None of them may come to stand among the received sectors.
+class OpenImageTest : public XferTest, public ::testing::WithParamInterface<bool> {};
+
+TEST_P(OpenImageTest, ADiscThatIsReceivedIntoItReplacesItWhole) {
+  const bool autoLoad = GetParam();
+  ImageBuilder theirs(1000);
+  theirs.AddFile(2, {"NEW", Bytes(300, 0x22)});
+  theirs.AddDirectory(2, "THEIRS");
+  const std::string file = folder_ / (autoLoad ? "auto.dat" : "open.dat");
+  ImageBuilder ours(1000);
+  ours.AddDirectory(2, "OURS");
+  ours.AddFile(2, {"OLD", Bytes(2000, 0x11)});
+  ours.WriteTo(file);
+  line.Bbc.Drives[0] = theirs.Bytes();
+  line.Bbc.SetBuffer(64);
+  StartWired("\"" + file + "\"");
+  ASSERT_EQ(Nodes(), List({"$", "OURS"}));
+  disc_->TheDisc.Store(2 * 256 + 100, 0x55);
+  disc_->TheDisc.Store(900 * 256, 0x55);
+  disc_->ImageChanged = true;
+  window_->Action("mnuOptionsAutoLoad")->setChecked(autoLoad);
+  player_.ExpectFileDialog(file);
+  Choose("mnuXferRX0");
+  PressOK();
+  EXPECT_EQ(ReadAll(file), theirs.Bytes()) << autoLoad;
+  EXPECT_EQ(Nodes(), List({"$", "THEIRS"}));
+  EXPECT_FALSE(disc_->ImageChanged);
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "MORE").has_value());
+  disc_->TheDisc.CloseFile();
+  const Bytes after = ReadAll(file);
+  EXPECT_TRUE(std::equal(after.begin() + 20 * 256, after.end(), theirs.Bytes().begin() + 20 * 256));
+  line.Stop();
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAutoLoadOrWithout, OpenImageTest, ::testing::Bool());
+
+// An Abort leaves a disc that is half old and half new. The window shows that, and no block of the
+// old disc comes back.
+TEST_F(XferTest, AReceiveIntoTheOpenImageThatIsAbortedLeavesWhatHasCome) {
+  ImageBuilder theirs(1000);
+  theirs.AddDirectory(2, "THEIRS");
+  const std::string file = folder_ / "open.dat";
+  ImageBuilder ours(1000);
+  ours.AddDirectory(2, "OURS");
+  ours.WriteTo(file);
+  line.Bbc.Drives[0] = theirs.Bytes();
+  line.Bbc.SetBuffer(64);
+  StartWired("\"" + file + "\"");
+  disc_->TheDisc.Store(3 * 256, 0x55);
+  WhenTraced(QStringLiteral("Read 128 of 1000"), [&] { TheLink().AbortRequested = true; });
+  player_.ExpectFileDialog(file);
+  Choose("mnuXferRX0");
+  EXPECT_EQ(Nodes(), List({"$", "THEIRS"}));
+  disc_->TheDisc.CloseFile();
+  const Bytes after = ReadAll(file);
+  EXPECT_TRUE(std::equal(after.begin(), after.begin() + 128 * 256, theirs.Bytes().begin()));
+}
+
 // No command starts that would hold up the transfer, or that changes its port or the disc. To look
 // into another directory takes no time.
 TEST_F(XferTest, WhileATransferRunsTheUserCanLookAroundButStartNoOtherCommand) {
