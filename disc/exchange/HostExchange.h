@@ -53,10 +53,13 @@ class HostNamesOfFolder {
 // Writes the same bytes to a host file. The zeros behind the end of the store take no room there.
 void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uint32_t length);
 
-// Writes one file of the disc to hostPath, and its sidecar beside it.
+// All exports below: a host file that is there is replaced, but never the open disc's own image
+// (disc/store/OpenDisc.h); a link that is there is replaced and not followed. OpenDiscError and
+// HostError end an export; what it has written stays. Writes one file of the disc to hostPath, and
+// its sidecar beside it.
 void ExportFile(Disc& disc, const std::string& hostPath, const Entry& file);
 // Writes hostPath + ".INF", the sidecar of a directory.
-void WriteDirectorySidecar(const std::string& hostPath, const Entry& directory);
+void WriteDirectorySidecar(const Disc& disc, const std::string& hostPath, const Entry& directory);
 // Writes what the entry names, with its sidecar: a file, or a directory with all that is in it.
 void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry);
 

@@ -108,6 +108,90 @@ TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {
   Refused({"export", image_, "NONE", folder_ / "out"}, "Not found: NONE");
 }
 
+TEST_F(WriteCommandsTest, NothingThatComesFromADiscReplacesThatDisc) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"disc/adf", Bytes(1000, 1), 0, 0, "WR"});
+  image.AddFile(2, {"other", Bytes(1000, 1), 0, 0, "WR"});
+  image.WriteTo(image_);
+  const Bytes before = ReadAll(image_);
+  namespace fs = std::filesystem;
+  fs::create_symlink(image_, folder_ / "link");
+  fs::create_hard_link(image_, folder_ / "second");
+  Refused({"export", image_, "disc/adf", folder_.Path()}, "disc.adf Is The Open Disc");
+  Refused({"export", image_, "$", folder_.Path()}, "disc.adf Is The Open Disc");
+  Refused({"export", folder_ / "link", "disc/adf", folder_.Path()}, "disc.adf Is The Open Disc");
+  for (const char* name : {"disc.adf", "link", "second"}) {
+    const std::string message = std::string(name) + " Is The Open Disc";
+    for (const char* view : {"get", "text", "hex", "dis", "basic", "wordwise"}) {
+      Refused({view, image_, "other", "-o", folder_ / name}, message);
+    }
+    for (const char* view : {"cat", "ex", "catall", "exall", "map"}) {
+      Refused({view, image_, "-o", folder_ / name}, message);
+    }
+    Refused({"teletext", image_, "other", "-o", folder_ / name}, message);
+    Refused({"mode", "4", image_, "other", "-o", folder_ / name}, message);
+  }
+  EXPECT_EQ(ReadAll(image_), before);
+}
+
+TEST_F(WriteCommandsTest, NothingThatComesFromAHardDiscOrACardReplacesIt) {
+  ImageBuilder image(4224);
+  image.AddFile(2, {"x/dat", Bytes(1000, 1), 0, 0, "WR"});
+  image.WriteTo(folder_ / "x.dat");
+  const Bytes before = ReadAll(folder_ / "x.dat");
+  SbxResult result = RunSbx({"export", folder_ / "x.dat", "x/dat", folder_.Path()});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "x.dat Is The Open Disc\n");
+  // The same file as a card.
+  result = RunSbx({"cat", "cf:" + (folder_ / "x.dat") + ",0", "-o", folder_ / "x.dat"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "x.dat Is The Open Disc\n");
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), before);
+}
+
+TEST_F(WriteCommandsTest, ASaveDoesNotPutTheCompanionOverTheDisc) {
+  ImageBuilder(4224).WriteTo(folder_ / "x.dsc");
+  const Bytes before = ReadAll(folder_ / "x.dsc");
+  const SbxResult result = RunSbx({"save", folder_ / "x.dsc", folder_ / "x.dat"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "x.dsc Is The Open Disc\n");
+  EXPECT_EQ(ReadAll(folder_ / "x.dsc"), before);
+}
+
+TEST_F(WriteCommandsTest, ASaveWritesItsCompanionIntoTheFolderOfTheImage) {
+  namespace fs = std::filesystem;
+  ImageBuilder(4224).WriteTo(folder_ / "big.dat");
+  fs::create_directories(folder_ / "q/folder");
+  EXPECT_EQ(RunSbx({"save", folder_ / "big.dat", folder_ / "q/folder/ab"}).Status, 0);
+  EXPECT_TRUE(fs::exists(folder_ / "q/folder/ab.dsc"));
+  EXPECT_FALSE(fs::exists(folder_ / "q/folde.dsc"));
+}
+
+TEST_F(WriteCommandsTest, AnExportReplacesALinkAndDoesNotFollowIt) {
+  namespace fs = std::filesystem;
+  fs::create_directory(folder_ / "out");
+  for (const char* name : {"README", "README.INF", "GAMES.INF"}) {
+    WriteText(folder_ / (std::string("victim-") + name), "precious");
+    fs::create_symlink(folder_ / (std::string("victim-") + name),
+                       folder_ / (std::string("out/") + name));
+  }
+  fs::create_directory(folder_ / "elsewhere");
+  fs::create_directory_symlink(folder_ / "elsewhere", folder_ / "out/GAMES");
+  Do({"export", image_, "$", folder_ / "out"});
+  EXPECT_TRUE(fs::is_empty(folder_ / "elsewhere"));
+  EXPECT_EQ(ReadAll(folder_ / "out/GAMES/ELITE"), Bytes(700, 7));
+  for (const char* name : {"README", "README.INF", "GAMES.INF"}) {
+    EXPECT_EQ(ReadText(folder_ / (std::string("victim-") + name)), "precious");
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder_ / (std::string("out/") + name))));
+  }
+  EXPECT_EQ(ReadAll(folder_ / "out/README"), Bytes(300, 9));
+  // The file of -o is the user's own word: there a link is followed.
+  fs::create_symlink(folder_ / "victim-README", folder_ / "mine");
+  Do({"text", image_, "README", "-o", folder_ / "mine"});
+  EXPECT_TRUE(fs::is_symlink(fs::symlink_status(folder_ / "mine")));
+  EXPECT_NE(ReadText(folder_ / "victim-README"), "precious");
+}
+
 TEST_F(WriteCommandsTest, DeleteTakesFilesAndTreesAndTheRootsContents) {
   EXPECT_EQ(Do({"delete", image_, "README"}).Contents.size(), 1U);
   EXPECT_EQ(Do({"delete", image_, "GAMES"}).Contents.size(), 0U);
