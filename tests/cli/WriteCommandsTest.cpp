@@ -89,14 +89,44 @@ TEST_F(WriteCommandsTest, AMessageInTheMidstOfAnAddLeavesTheImageAsItWas) {
           "Cannot Yet Overwrite A Directory");
 }
 
-TEST_F(WriteCommandsTest, AddReplacesALockedFileUnlessToldNotToAndThenSaysNothing) {
+TEST_F(WriteCommandsTest, AddReplacesALockedFileUnlessToldNotToAndThenSaysSo) {
   WriteText(folder_ / "ELITE", "new");
+  WriteText(folder_ / "Y", "yy");
   const Bytes before = Disc();
-  Do({"add", "--overwrite-locked", "off", image_, "GAMES", folder_ / "ELITE"});
-  EXPECT_EQ(Disc(), before);
+  const SbxResult result = RunSbx(
+      {"add", "--overwrite-locked", "off", image_, "GAMES", folder_ / "ELITE", folder_ / "Y"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "ELITE is locked and was left as it was\n");
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Contents[0].Bytes, Bytes(700, 7));
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Contents[1].Bytes, (Bytes{'y', 'y'}));
   const ReadObject root = Do({"add", image_, "GAMES", folder_ / "ELITE"});
   EXPECT_EQ(root.Contents[0].Contents[0].Bytes, (Bytes{'n', 'e', 'w'}));
   EXPECT_EQ(root.Contents[0].Contents[0].Attr, "WR");
+}
+
+TEST_F(WriteCommandsTest, OfTwoFilesWithOneNameTheFirstIsAddedAndTheStatusTells) {
+  WriteText(folder_ / "AB", "first");
+  WriteText(folder_ / "ab", "second");
+  const SbxResult result = RunSbx({"add", image_, "$", folder_ / "AB", folder_ / "ab"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, (folder_ / "ab") + " was not added: on the disc it has the name of " +
+                            (folder_ / "AB") + "\n");
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Bytes, (Bytes{'f', 'i', 'r', 's', 't'}));
+}
+
+TEST_F(WriteCommandsTest, ARefusedAddTellsHowManyEntriesAreMissing) {
+  WriteText(folder_ / "Y", "yy");
+  WriteText(folder_ / "Z", "zz");
+  WriteText(folder_ / "a.", "z");
+  // The image of a floppy stays as it was, so that nothing of the import is on it.
+  Refused({"add", image_, "$", folder_ / "Y", folder_ / "a.", folder_ / "Z"},
+          "File a. Contains Illegal Characters\n3 entries were not added");
+  ImageBuilder(4224).WriteTo(folder_ / "x.dat");
+  const SbxResult result =
+      RunSbx({"add", folder_ / "x.dat", "$", folder_ / "Y", folder_ / "a.", folder_ / "Z"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "File a. Contains Illegal Characters\n2 entries were not added\n");
+  EXPECT_EQ(ReadTree(ReadAll(folder_ / "x.dat")).Contents.size(), 1U);
 }
 
 TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {
