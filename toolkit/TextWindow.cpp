@@ -50,6 +50,7 @@ void TextWindow::mnuFileSave_Click() {
   const std::string path = AskSaveFile(&window_, TextFileQuestion(SaveName()));
   if (path.empty()) return;
   try {
+    CheckSavePath(path);
     OutputFile file = CreateOutputFile(path);
     file.Write(ToBbc(area_->WholeText()) + "\r\n");
     file.Close();

@@ -57,6 +57,8 @@ class TextWindow {
 
   // The host file name that the save dialog offers, with its extension.
   virtual std::string SaveName() const = 0;
+  // HostError if the text must not be written to path. The save dialog has given it.
+  virtual void CheckSavePath(const std::string& path) const { (void)path; }
   virtual void mnuEditCopy_Click();
 
   // A box with the error's text.

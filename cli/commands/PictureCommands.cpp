@@ -6,6 +6,7 @@
 #include "cli/program/ImageSession.h"
 #include "cli/program/ProgramFolder.h"
 #include "disc/host/HostPath.h"
+#include "disc/store/OpenDisc.h"
 #include "viewers/picture/Colours.h"
 #include "viewers/picture/PictureFile.h"
 #include "viewers/picture/ScreenMode.h"
@@ -33,6 +34,7 @@ int RunTeletext(const CommandLine& line) {
   const std::int16_t phase = ZeroOrOne(line, "phase") ? 1 : 0;
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
+  RefuseOpenDisc(session.Open, out);
   const ListRow row = RequireFileRow(session.Open, line.Arguments[1]);
   const auto font = LoadTeletextFont(JoinHostPath(ProgramFolder(), kTeletextFontFile));
   if (!font) throw Failure(kTeletextFontMissing);
@@ -80,6 +82,7 @@ int RunMode(const CommandLine& line) {
       FindCurrentColours(mode, PaletteOf(line, mode), ZeroOrOne(line, "flash"));
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[1]);
+  RefuseOpenDisc(session.Open, out);
   const ListRow row = RequireFileRow(session.Open, line.Arguments[2]);
   const auto bytes = ReadScreen(session.Open, mode, row.StartSector(), row.Length());
   SavePicture(DrawScreen(mode, bytes, colours), out);

@@ -12,6 +12,7 @@
 #include "disc/format/Text.h"
 #include "disc/health/Check.h"
 #include "disc/host/HostFile.h"
+#include "disc/store/OpenDisc.h"
 
 namespace sectorbox::cli {
 namespace {
@@ -106,7 +107,9 @@ int RunGet(const CommandLine& line) {
     PrintContents(session.Open, file.Sector, length);
     return StatusOf(session.Open);
   }
-  OutputFile output = CreateOutputFile(line.Option("o", ""));
+  const std::string out = line.Option("o", "");
+  RefuseOpenDisc(session.Open, out);
+  OutputFile output = CreateOutputFile(out);
   WriteContents(session.Open, output, file.Sector, length);
   output.Close();
   return StatusOf(session.Open);

@@ -5,6 +5,7 @@
 
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
+#include "disc/store/OpenDisc.h"
 #include "viewers/table/TextViews.h"
 #include "viewers/text/TextFile.h"
 
@@ -105,6 +106,7 @@ int RunTextView(const CommandLine& line) {
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
   const ViewTarget target = FindTarget(session.Open, line, kind.Subject);
+  if (line.Has("o")) RefuseOpenDisc(session.Open, line.Option("o", ""));
   TextStyle style;
   PrintedView view(line, session.Host, style);
   ShowTextView(kind, session.Open, target, view);

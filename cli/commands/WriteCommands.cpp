@@ -14,7 +14,6 @@
 #include "disc/format/Text.h"
 #include "disc/host/HostPath.h"
 #include "disc/image/Resize.h"
-#include "disc/store/TrackedSector.h"
 
 namespace sectorbox::cli {
 namespace {
@@ -41,11 +40,11 @@ std::int32_t RequireMarkedDirectory(Disc& disc, const std::string& path) {
 int RunAdd(const CommandLine& line) {
   line.Expect(3, kAnyNumber);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
-    const TrackedSector dir(disc, RequireMarkedDirectory(disc, line.Arguments[1]));
-    for (std::size_t i = 2; i < line.Arguments.size(); ++i) {
-      if (AddFile(disc, dir, line.Arguments[i]) != Outcome::kDone) return false;
-    }
-    return true;
+    const std::int32_t dir = RequireMarkedDirectory(disc, line.Arguments[1]);
+    // After a refusal the image of a floppy isn't stored.
+    const bool drops = disc.TheDisc.InMemory();
+    return AddFiles(disc, dir, {line.Arguments.begin() + 2, line.Arguments.end()},
+                    drops ? AfterRefusal::kDropsAll : AfterRefusal::kStays) == Outcome::kDone;
   });
 }
 

@@ -38,6 +38,11 @@ void CliHost::Note(const std::string& line) {
   std::fprintf(stderr, "%s\n", line.c_str());
 }
 
+void CliHost::NoteLeftOut(const std::string& line) {
+  LeftOut = true;
+  Note(line);
+}
+
 void CliHost::SetBusyPointer(bool) {}
 
 void CliHost::RefreshCaption() {}

@@ -20,6 +20,8 @@ class CliHost : public DiscHost {
   std::string FileAnswer;
   // A box was shown. Commands that write then end with status 1.
   bool MessageShown = false;
+  // Something was left out that the command was to do. It ends with status 1 then.
+  bool LeftOut = false;
   // Points at the open disc's go-on flag, which opening a progress line sets.
   bool* ProgressRunning = nullptr;
 
@@ -32,6 +34,7 @@ class CliHost : public DiscHost {
   std::string AskSaveFileName(const FileQuestion& question) override;
   void SetStatus(const std::string& text, bool busy) override;
   void Note(const std::string& line) override;
+  void NoteLeftOut(const std::string& line) override;
   void SetBusyPointer(bool busy) override;
   void RefreshCaption() override;
   void RebuildTree() override;

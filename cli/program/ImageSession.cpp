@@ -64,7 +64,7 @@ int RunWriting(const CommandLine& line, const std::string& image,
     throw;
   }
   if (done || WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
-  return done ? StatusOf(session.Open) : kRefused;
+  return done && !session.Host.LeftOut ? StatusOf(session.Open) : kRefused;
 }
 
 PathTarget RequirePath(Disc& disc, const std::string& path) {

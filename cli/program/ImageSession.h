@@ -36,7 +36,8 @@ void OpenCard(Disc& disc, const std::string& name);
 int StatusOf(const Disc& disc);
 
 // Opens IMAGE, runs change and stores the disc back as CloseFile does; gives the exit status.
-// change gives false if the engine has refused. A message that was shown meanwhile, and a card that
+// change gives false if the engine has refused. If something was left out (CliHost::LeftOut), the
+// disc is stored and the status is kRefused. A message that was shown meanwhile, and a card that
 // failed, count as refusals too. After a refusal or an exception from change an .adf or .adl is as
 // it was before; on a .dat or a card the changes up to then stay.
 int RunWriting(const CommandLine& line, const std::string& image,

@@ -26,6 +26,7 @@ using namespace format;
 // A host file with everything that is needed to add it. It is read before anything on the disc
 // changes, so that a file that can't be read leaves the disc as it was.
 struct Incoming {
+  std::string HostPath;
   std::string HostName;
   char Prefix = '\0';  // the letter of the directory in front of the name; '\0' for none
   std::string Name;
@@ -54,6 +55,7 @@ void SetIncomingName(Incoming& file, std::string name) {
 
 Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
   Incoming file;
+  file.HostPath = path;
   file.HostName = HostBaseName(path);
   file.HostLength = hostLength;
   const auto line = ReadSidecarLine(path);
@@ -124,10 +126,11 @@ void Insert(Disc& disc, const Incoming& file, EditedDirectory& directory, std::i
   TakeSectors(disc, run, SectorsOfLength(file.Length));
 }
 
-enum class Attempt { kDone, kRefused, kReplaced };
+enum class Attempt { kDone, kLeft, kRefused, kReplaced };
 
-// One round: adds the file, or deletes the entry that has its name. After kReplaced the caller
-// starts a new round, in which the old file's sectors are free.
+// One round: adds the file, or deletes the entry that has its name. After kLeft nothing has changed
+// and the user knows why; an import goes on. After kReplaced the caller starts a new round, in
+// which the old file's sectors are free.
 Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
   const auto refuse = [&](const std::string& message) {
     disc.Host.ShowMessage(message);
@@ -150,28 +153,46 @@ Attempt TryToAdd(Disc& disc, std::int32_t dir, const Incoming& file) {
   const Entry former = directory.Now.At(place.Slot);
   if (former.IsDirectory()) {
     disc.Host.ShowMessage("Cannot Yet Overwrite A Directory");
-    return Attempt::kDone;
+    return Attempt::kLeft;
   }
-  if (former.IsLocked() && !disc.Host.OverwriteLocked()) return Attempt::kDone;
+  if (former.IsLocked() && !disc.Host.OverwriteLocked()) {
+    disc.Host.NoteLeftOut(former.Name() + " is locked and was left as it was");
+    return Attempt::kLeft;
+  }
   // Nothing is refused here, because the lock is ignored.
   (void)DeleteEntry(disc, *target, file.Name, false, true);
   return Attempt::kReplaced;
 }
 
+// The start sector of the directory that the file goes to, as far as that is there; else -1.
+std::int32_t SectorOfTarget(Disc& disc, std::int32_t dir, const Incoming& file) {
+  return file.Prefix == '\0' ? dir : GetEntrySector(disc, dir, {&file.Prefix, 1});
+}
+
 // Adds the file in one piece: a replaced file goes only if the new one is there.
-Outcome AddIncoming(Disc& disc, std::int32_t dirSector, const Incoming& file) {
+Outcome AddIncoming(Disc& disc, std::int32_t dirSector, const Incoming& file, ImportWalk& walk) {
   const TrackedSector dir(disc, dirSector);
+  if (const std::string* other = walk.FindAdded(SectorOfTarget(disc, dir, file), file.Name)) {
+    disc.Host.NoteLeftOut(file.HostPath + " was not added: on the disc it has the name of " +
+                          *other);
+    return Outcome::kDone;
+  }
   // A sound directory holds a name once. In a damaged one each entry may have it, and each takes a
   // round.
   for (std::int32_t round = 0; round <= kEntryCount; ++round) {
     const Attempt attempt = TryToAdd(disc, dir, file);
     if (attempt == Attempt::kReplaced) continue;
-    return attempt == Attempt::kDone ? Outcome::kDone : Outcome::kRefused;
+    if (attempt == Attempt::kDone) {
+      walk.KeepAdded(SectorOfTarget(disc, dir, file), file.Name, file.HostPath);
+      ++walk.Added;
+    }
+    return attempt == Attempt::kRefused ? Outcome::kRefused : Outcome::kDone;
   }
   return Outcome::kStopped;
 }
 
-Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path) {
+Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path,
+                     ImportWalk& walk) {
   // A pipe or a device has no length, and reading it may never end.
   if (KindOfHostFile(path) != HostFileKind::kPlain) throw HostError(path, "Not a regular file");
   const auto length =
@@ -183,7 +204,7 @@ Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path
     return Refuse(disc, IllegalNameMessage(file.HostName));
   }
   return InChange(
-      disc, [&] { return AddIncoming(disc, dirSector, file); }, Change::Parts::kNone);
+      disc, [&] { return AddIncoming(disc, dirSector, file, walk); }, Change::Parts::kNone);
 }
 
 }  // namespace
@@ -192,14 +213,29 @@ Outcome AddHostPath(Disc& disc, std::int32_t dirSector, const std::string& hostP
                     ImportWalk& walk) {
   if (hostPath.ends_with(kSidecarEnding)) return Outcome::kDone;
   if (HostFolderExists(hostPath)) return AddHostFolder(disc, dirSector, hostPath, walk);
-  return AddPlainFile(disc, dirSector, hostPath);
+  const Outcome outcome = AddPlainFile(disc, dirSector, hostPath, walk);
+  if (outcome != Outcome::kDone) ++walk.NotAdded;
+  return outcome;
 }
 
 Outcome AddFile(Disc& disc, std::int32_t dirSector, const std::string& hostPath) {
-  return InChange(disc, [&] {
-    ImportWalk walk;
-    return AddHostPath(disc, dirSector, ResolveHostPath(hostPath), walk);
-  });
+  return AddFiles(disc, dirSector, {hostPath});
+}
+
+Outcome AddFiles(Disc& disc, std::int32_t dirSector, const std::vector<std::string>& hostPaths,
+                 AfterRefusal afterRefusal) {
+  const TrackedSector dir(disc, dirSector);
+  ImportWalk walk(disc);
+  for (std::size_t i = 0; i < hostPaths.size(); ++i) {
+    const Outcome outcome =
+        InChange(disc, [&] { return AddHostPath(disc, dir, ResolveHostPath(hostPaths[i]), walk); });
+    if (outcome == Outcome::kDone) continue;
+    walk.NotAdded += CountEntries(hostPaths, i + 1);
+    const bool drops = afterRefusal == AfterRefusal::kDropsAll;
+    TellNotAdded(disc, walk, walk.NotAdded + (drops ? walk.Added : 0));
+    return outcome;
+  }
+  return Outcome::kDone;
 }
 
 }  // namespace sectorbox

@@ -8,14 +8,15 @@
 #include "disc/exchange/Sidecar.h"
 #include "disc/format/Text.h"
 #include "disc/host/HostFile.h"
+#include "disc/store/OpenDisc.h"
 
 namespace sectorbox {
 namespace {
 
 using namespace format;
 
-void WriteHostFile(const std::string& path, const std::string& text) {
-  OutputFile file = CreateOutputFile(path, OnMedium::kLater);
+void WriteSidecar(const Disc& disc, const std::string& hostPath, const std::string& text) {
+  OutputFile file = CreateExportFile(disc, hostPath + kSidecarEnding);
   file.Write(text);
   file.Close();
 }
@@ -40,7 +41,8 @@ class Exporter : public DirectoryVisitor {
     const std::string path =
         JoinHostPath(folders_.back().Path, folders_.back().Names.Take(entry.Name()));
     if (entry.IsDirectory()) {
-      WriteDirectorySidecar(path, entry);
+      WriteDirectorySidecar(disc_, path, entry);
+      RemoveHostLink(path);  // or the contents would go to wherever it leads
       next_ = path;
     } else {
       ExportFile(disc_, path, entry);
@@ -92,22 +94,22 @@ void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uin
 }
 
 void ExportFile(Disc& disc, const std::string& hostPath, const Entry& file) {
-  OutputFile output = CreateOutputFile(hostPath, OnMedium::kLater);
+  OutputFile output = CreateExportFile(disc, hostPath);
   WriteContents(disc, output, file.Start(), file.Length());
   output.Close();
-  WriteHostFile(hostPath + kSidecarEnding,
-                MakeFileSidecar(file.Name(), Hex(file.Load(), 8), Hex(file.Exec(), 8),
-                                Hex(file.Length(), 8), file.Letters()));
+  WriteSidecar(disc, hostPath,
+               MakeFileSidecar(file.Name(), Hex(file.Load(), 8), Hex(file.Exec(), 8),
+                               Hex(file.Length(), 8), file.Letters()));
 }
 
-void WriteDirectorySidecar(const std::string& hostPath, const Entry& directory) {
-  WriteHostFile(hostPath + kSidecarEnding,
-                MakeFolderSidecar(directory.Name(), directory.Letters()));
+void WriteDirectorySidecar(const Disc& disc, const std::string& hostPath, const Entry& directory) {
+  WriteSidecar(disc, hostPath, MakeFolderSidecar(directory.Name(), directory.Letters()));
 }
 
 void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry) {
   if (entry.IsDirectory()) {
-    WriteDirectorySidecar(hostPath, entry);
+    WriteDirectorySidecar(disc, hostPath, entry);
+    RemoveHostLink(hostPath);
     ExportFiles(disc, hostPath, entry.Start());
   } else {
     ExportFile(disc, hostPath, entry);

@@ -5,6 +5,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "disc/change/Outcome.h"
 #include "disc/format/Entry.h"
@@ -37,11 +38,26 @@ class HostNamesOfFolder {
 // are passed over: they are read together with the file they belong to. An entry of the same name
 // is replaced; a locked entry only if the option OverwriteLocked is set, a directory never. A
 // refusal changes nothing, except that the directory of a name's prefix (A of "A.PROG") may have
-// been made. HostError if the host file or its sidecar can't be read.
+// been made. A locked entry that stays gets a note (StatusLine::NoteLeftOut). HostError if the host
+// file or its sidecar can't be read.
 [[nodiscard]] Outcome AddFile(Disc& disc, std::int32_t dirSector, const std::string& hostPath);
 
+// What becomes of what an import has added when a refusal ends it.
+enum class AfterRefusal {
+  kStays,     // it stays on the disc
+  kDropsAll,  // the caller doesn't store the disc
+};
+
+// One import of several host files and folders: AddFile for each, up to the first refusal. Each is
+// a change of its own. If the names of two host files become one name in one directory, the second
+// isn't added, and a note names both; a file that was on the disc before the import is replaced. If
+// a refusal ends the import, a note tells how many entries were not added.
+[[nodiscard]] Outcome AddFiles(Disc& disc, std::int32_t dirSector,
+                               const std::vector<std::string>& hostPaths,
+                               AfterRefusal afterRefusal = AfterRefusal::kStays);
+
 // Makes a directory of a host folder and adds all that is in the folder. The new directory is
-// listed in the directory at dirSector. HostError as for AddFile.
+// listed in the directory at dirSector. It is one import, as AddFiles is. HostError as for AddFile.
 [[nodiscard]] Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& folder);
 
 // Reads length bytes from a start sector on and passes them to sink, part by part, up to the end of
@@ -53,10 +69,13 @@ class HostNamesOfFolder {
 // Writes the same bytes to a host file. The zeros behind the end of the store take no room there.
 void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uint32_t length);
 
-// Writes one file of the disc to hostPath, and its sidecar beside it.
+// All exports below: a host file that is there is replaced, but never the open disc's own image
+// (disc/store/OpenDisc.h); a link that is there is replaced and not followed. OpenDiscError and
+// HostError end an export; what it has written stays. Writes one file of the disc to hostPath, and
+// its sidecar beside it.
 void ExportFile(Disc& disc, const std::string& hostPath, const Entry& file);
 // Writes hostPath + ".INF", the sidecar of a directory.
-void WriteDirectorySidecar(const std::string& hostPath, const Entry& directory);
+void WriteDirectorySidecar(const Disc& disc, const std::string& hostPath, const Entry& directory);
 // Writes what the entry names, with its sidecar: a file, or a directory with all that is in it.
 void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry);
 

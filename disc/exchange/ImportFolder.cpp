@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 #include <system_error>
 
 #include "disc/catalogue/Directories.h"
@@ -39,17 +40,29 @@ std::string WhyPassedOver(const std::string& path) {
 Outcome AddContents(Disc& disc, std::int32_t dirSector, const std::vector<std::string>& paths,
                     ImportWalk& walk) {
   const TrackedSector dir(disc, dirSector);
-  for (const std::string& path : paths) {
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    const std::string& path = paths[i];
     const std::string why = WhyPassedOver(path);
     if (!why.empty()) {
       disc.Host.Note(path + ": " + why);
       continue;
     }
     const Outcome outcome = AddHostPath(disc, dir, path, walk);
-    if (outcome != Outcome::kDone) return outcome;
+    if (outcome != Outcome::kDone) {
+      walk.NotAdded += CountEntries(paths, i + 1);
+      return outcome;
+    }
     Change::Step(disc);
   }
   return Outcome::kDone;
+}
+
+// The new directory of a host folder; none if it was refused.
+std::optional<std::int32_t> MakeFor(Disc& disc, std::int32_t dirSector, const std::string& name,
+                                    const std::string& folder) {
+  if (!name.empty()) return NewDirectory(disc, dirSector, name);
+  (void)Refuse(disc, IllegalNameMessage(HostBaseName(folder)));
+  return std::nullopt;
 }
 
 }  // namespace
@@ -68,19 +81,27 @@ Outcome AddHostFolder(Disc& disc, std::int32_t dirSector, const std::string& fol
   const std::vector<std::string> paths = PathsInFolder(folder);
   std::string name = HostBaseName(folder);
   if (const auto line = ReadSidecarLine(folder)) name = ParseFolderSidecar(*line).value_or(name);
-  if (name.empty()) return Refuse(disc, IllegalNameMessage(HostBaseName(folder)));
-  const auto made = NewDirectory(disc, dirSector, name);
-  if (!made) return Outcome::kRefused;
+  const auto made = MakeFor(disc, dirSector, name, folder);
+  if (!made) {
+    ++walk.NotAdded;
+    return Outcome::kRefused;
+  }
+  ++walk.Added;
   walk.Folders.push_back(identity);
+  const std::size_t remembered = walk.Remember(*made);
   const Outcome result = AddContents(disc, *made, paths, walk);
+  // The names of this directory stay: a file B.FOO beside a folder B goes into B too.
+  walk.ForgetAfter(remembered);
   walk.Folders.pop_back();
   return result;
 }
 
 Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& folder) {
   return InChange(disc, [&] {
-    ImportWalk walk;
-    return AddHostFolder(disc, dirSector, ResolveHostPath(folder), walk);
+    ImportWalk walk(disc);
+    const Outcome outcome = AddHostFolder(disc, dirSector, ResolveHostPath(folder), walk);
+    if (outcome != Outcome::kDone) TellNotAdded(disc, walk, walk.NotAdded);
+    return outcome;
   });
 }
 

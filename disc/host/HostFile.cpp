@@ -146,8 +146,8 @@ void OutputFile::Write(const std::string& text) {
   Write(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
 }
 
-OutputFile CreateOutputFile(const std::string& path, OnMedium onMedium) {
-  return OutputFile(path, onMedium);
+OutputFile CreateOutputFile(const std::string& path, OnMedium onMedium, LinkAtPath link) {
+  return OutputFile(path, onMedium, link);
 }
 
 }  // namespace sectorbox

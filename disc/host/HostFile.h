@@ -167,15 +167,22 @@ enum class OnMedium {
   kLater,   // whenever the host likes; for files that are copies of what a disc holds anyway
 };
 
+// What happens to a link that has the path of a file that is written anew.
+enum class LinkAtPath {
+  kFollowed,  // the link stays, and the file that it leads to is replaced
+  kReplaced,  // the file takes the place of the link, wherever that leads
+};
+
 // A whole host file that is written anew. The bytes go to a temporary name in the same folder.
 // Close puts the file in place, so that a kill at any moment leaves the old file or the new one.
 // Without Close, the destructor removes the temporary file and leaves the old one. Devices and
 // pipes can't be replaced: the bytes go straight to them.
 class OutputFile {
  public:
-  // Creates the temporary file. A link stays, and the file that it leads to is replaced. HostError
-  // if path is a folder, or if path or its folder can't be written.
-  explicit OutputFile(const std::string& path, OnMedium onMedium = OnMedium::kAtOnce);
+  // Creates the temporary file. HostError if path is a folder, or if path or its folder can't be
+  // written.
+  explicit OutputFile(const std::string& path, OnMedium onMedium = OnMedium::kAtOnce,
+                      LinkAtPath link = LinkAtPath::kFollowed);
   ~OutputFile();
   OutputFile(OutputFile&& other) noexcept;
   OutputFile(const OutputFile&) = delete;
@@ -210,6 +217,7 @@ class OutputFile {
 
 // Replaces or creates a host file. All code that writes a whole host file uses it.
 [[nodiscard]] OutputFile CreateOutputFile(const std::string& path,
-                                          OnMedium onMedium = OnMedium::kAtOnce);
+                                          OnMedium onMedium = OnMedium::kAtOnce,
+                                          LinkAtPath link = LinkAtPath::kFollowed);
 
 }  // namespace sectorbox

@@ -10,6 +10,7 @@
 #include "disc/image/ImageFiles.h"
 #include "disc/medium/Companion.h"
 #include "disc/medium/FloppyMedium.h"
+#include "disc/store/OpenDisc.h"
 
 namespace sectorbox {
 namespace {
@@ -100,6 +101,12 @@ void RefuseTheCardItself(const Disc& disc, const std::string& fileName) {
   }
 }
 
+// An image may be called x.dsc. Saved as x.dat, its disc would be replaced by the new companion.
+void RefuseCompanionOverDisc(const Disc& disc, const std::string& fileName) {
+  const std::string companion = CompanionName(fileName);
+  if (companion != fileName) RefuseOpenDisc(disc, companion);
+}
+
 void WriteWhole(const std::string& fileName, const std::vector<std::uint8_t>& bytes) {
   OutputFile output = CreateOutputFile(fileName);
   output.Write(bytes);
@@ -157,6 +164,8 @@ void SaveImageTo(Disc& disc, const std::string& fileName) {
 
 void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
   RefuseTheCardItself(disc, fileName);
+  const bool hasCompanion = disc.TheDisc.Kind().HasCompanion;
+  if (hasCompanion) RefuseCompanionOverDisc(disc, fileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Save Image");
@@ -180,7 +189,7 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
   progress.Close();
   // The next access opens the file of the store's name again, which is now the new one.
   if (whole && overItself) disc.TheDisc.CloseFile();
-  if (disc.TheDisc.Kind().HasCompanion) {
+  if (hasCompanion) {
     WriteCompanion(fileName, {disc.DiscTracks, disc.DiscHeads});
   }
   changes.Done();

@@ -27,8 +27,12 @@ std::optional<CompanionBytes> ReadExisting(const std::string& name) {
 }  // namespace
 
 std::string CompanionName(const std::string& imagePath) {
-  return imagePath.substr(0, imagePath.size() - std::min(imagePath.size(), kExtensionLength)) +
-         ".dsc";
+  const std::string name = HostBaseName(imagePath);
+  // Only an extension of three characters goes. Whatever else the path ends with may be a part of
+  // the image's name, or of its folder's.
+  const bool hasExtension =
+      name.size() >= kExtensionLength && name[name.size() - kExtensionLength] == '.';
+  return imagePath.substr(0, imagePath.size() - (hasExtension ? kExtensionLength : 0)) + ".dsc";
 }
 
 std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath) {

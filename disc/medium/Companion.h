@@ -18,7 +18,8 @@ struct CompanionGeometry {
   std::int32_t Heads = 0;
 };
 
-// The path of an image's companion: the image's path without its last four characters, plus ".dsc".
+// The path of an image's companion, always in the image's folder: the image's path plus ".dsc"; if
+// its name ends in a dot and three characters, ".dsc" stands in their place.
 [[nodiscard]] std::string CompanionName(const std::string& imagePath);
 // The geometry in an existing companion; none if there is no such file. Bytes that a shorter file
 // lacks read as zero; bytes behind the 22 are ignored. HostError if the file can't be read.

@@ -1,12 +1,12 @@
 #include "shell/panes/PaneDrops.h"
 
 #include <QDrag>
+#include <algorithm>
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
-#include "disc/store/TrackedSector.h"
 #include "shell/icons/Icons.h"
 #include "shell/panes/Panes.h"
 #include "toolkit/FileLists.h"
@@ -22,14 +22,12 @@ void ShowDragged(QDrag& drag, const std::string& first) {
   drag.setHotSpot({kSide / 4, kSide / 4});
 }
 
-// Adds the paths one by one until one is refused. folder becomes true when a folder is among them,
-// even if the host then refuses that folder.
+// Adds the paths, which are one import. folder becomes true if a folder is among them, even if it
+// is refused then.
 void AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths, bool& folder) {
-  const TrackedSector target(disc, sector);
-  for (const auto& path : paths) {
-    if (HostFolderExists(path)) folder = true;
-    if (AddFile(disc, target, path) != Outcome::kDone) break;
-  }
+  folder = std::any_of(paths.begin(), paths.end(), HostFolderExists);
+  // The user has been told of a refusal, and the panes show how far the import has come.
+  (void)AddFiles(disc, sector, paths);
 }
 
 std::vector<ListRow> SelectedRows(Panes& panes) {

@@ -89,14 +89,44 @@ TEST_F(WriteCommandsTest, AMessageInTheMidstOfAnAddLeavesTheImageAsItWas) {
           "Cannot Yet Overwrite A Directory");
 }
 
-TEST_F(WriteCommandsTest, AddReplacesALockedFileUnlessToldNotToAndThenSaysNothing) {
+TEST_F(WriteCommandsTest, AddReplacesALockedFileUnlessToldNotToAndThenSaysSo) {
   WriteText(folder_ / "ELITE", "new");
+  WriteText(folder_ / "Y", "yy");
   const Bytes before = Disc();
-  Do({"add", "--overwrite-locked", "off", image_, "GAMES", folder_ / "ELITE"});
-  EXPECT_EQ(Disc(), before);
+  const SbxResult result = RunSbx(
+      {"add", "--overwrite-locked", "off", image_, "GAMES", folder_ / "ELITE", folder_ / "Y"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "ELITE is locked and was left as it was\n");
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Contents[0].Bytes, Bytes(700, 7));
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Contents[1].Bytes, (Bytes{'y', 'y'}));
   const ReadObject root = Do({"add", image_, "GAMES", folder_ / "ELITE"});
   EXPECT_EQ(root.Contents[0].Contents[0].Bytes, (Bytes{'n', 'e', 'w'}));
   EXPECT_EQ(root.Contents[0].Contents[0].Attr, "WR");
+}
+
+TEST_F(WriteCommandsTest, OfTwoFilesWithOneNameTheFirstIsAddedAndTheStatusTells) {
+  WriteText(folder_ / "AB", "first");
+  WriteText(folder_ / "ab", "second");
+  const SbxResult result = RunSbx({"add", image_, "$", folder_ / "AB", folder_ / "ab"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, (folder_ / "ab") + " was not added: on the disc it has the name of " +
+                            (folder_ / "AB") + "\n");
+  EXPECT_EQ(ReadTree(Disc()).Contents[0].Bytes, (Bytes{'f', 'i', 'r', 's', 't'}));
+}
+
+TEST_F(WriteCommandsTest, ARefusedAddTellsHowManyEntriesAreMissing) {
+  WriteText(folder_ / "Y", "yy");
+  WriteText(folder_ / "Z", "zz");
+  WriteText(folder_ / "a.", "z");
+  // The image of a floppy stays as it was, so that nothing of the import is on it.
+  Refused({"add", image_, "$", folder_ / "Y", folder_ / "a.", folder_ / "Z"},
+          "File a. Contains Illegal Characters\n3 entries were not added");
+  ImageBuilder(4224).WriteTo(folder_ / "x.dat");
+  const SbxResult result =
+      RunSbx({"add", folder_ / "x.dat", "$", folder_ / "Y", folder_ / "a.", folder_ / "Z"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "File a. Contains Illegal Characters\n2 entries were not added\n");
+  EXPECT_EQ(ReadTree(ReadAll(folder_ / "x.dat")).Contents.size(), 1U);
 }
 
 TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {
@@ -106,6 +136,90 @@ TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {
   Do({"export", image_, "readme", folder_ / "out"});
   EXPECT_EQ(ReadAll((folder_ / "out") + "/README"), Bytes(300, 9));
   Refused({"export", image_, "NONE", folder_ / "out"}, "Not found: NONE");
+}
+
+TEST_F(WriteCommandsTest, NothingThatComesFromADiscReplacesThatDisc) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"disc/adf", Bytes(1000, 1), 0, 0, "WR"});
+  image.AddFile(2, {"other", Bytes(1000, 1), 0, 0, "WR"});
+  image.WriteTo(image_);
+  const Bytes before = ReadAll(image_);
+  namespace fs = std::filesystem;
+  fs::create_symlink(image_, folder_ / "link");
+  fs::create_hard_link(image_, folder_ / "second");
+  Refused({"export", image_, "disc/adf", folder_.Path()}, "disc.adf Is The Open Disc");
+  Refused({"export", image_, "$", folder_.Path()}, "disc.adf Is The Open Disc");
+  Refused({"export", folder_ / "link", "disc/adf", folder_.Path()}, "disc.adf Is The Open Disc");
+  for (const char* name : {"disc.adf", "link", "second"}) {
+    const std::string message = std::string(name) + " Is The Open Disc";
+    for (const char* view : {"get", "text", "hex", "dis", "basic", "wordwise"}) {
+      Refused({view, image_, "other", "-o", folder_ / name}, message);
+    }
+    for (const char* view : {"cat", "ex", "catall", "exall", "map"}) {
+      Refused({view, image_, "-o", folder_ / name}, message);
+    }
+    Refused({"teletext", image_, "other", "-o", folder_ / name}, message);
+    Refused({"mode", "4", image_, "other", "-o", folder_ / name}, message);
+  }
+  EXPECT_EQ(ReadAll(image_), before);
+}
+
+TEST_F(WriteCommandsTest, NothingThatComesFromAHardDiscOrACardReplacesIt) {
+  ImageBuilder image(4224);
+  image.AddFile(2, {"x/dat", Bytes(1000, 1), 0, 0, "WR"});
+  image.WriteTo(folder_ / "x.dat");
+  const Bytes before = ReadAll(folder_ / "x.dat");
+  SbxResult result = RunSbx({"export", folder_ / "x.dat", "x/dat", folder_.Path()});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "x.dat Is The Open Disc\n");
+  // The same file as a card.
+  result = RunSbx({"cat", "cf:" + (folder_ / "x.dat") + ",0", "-o", folder_ / "x.dat"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "x.dat Is The Open Disc\n");
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), before);
+}
+
+TEST_F(WriteCommandsTest, ASaveDoesNotPutTheCompanionOverTheDisc) {
+  ImageBuilder(4224).WriteTo(folder_ / "x.dsc");
+  const Bytes before = ReadAll(folder_ / "x.dsc");
+  const SbxResult result = RunSbx({"save", folder_ / "x.dsc", folder_ / "x.dat"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "x.dsc Is The Open Disc\n");
+  EXPECT_EQ(ReadAll(folder_ / "x.dsc"), before);
+}
+
+TEST_F(WriteCommandsTest, ASaveWritesItsCompanionIntoTheFolderOfTheImage) {
+  namespace fs = std::filesystem;
+  ImageBuilder(4224).WriteTo(folder_ / "big.dat");
+  fs::create_directories(folder_ / "q/folder");
+  EXPECT_EQ(RunSbx({"save", folder_ / "big.dat", folder_ / "q/folder/ab"}).Status, 0);
+  EXPECT_TRUE(fs::exists(folder_ / "q/folder/ab.dsc"));
+  EXPECT_FALSE(fs::exists(folder_ / "q/folde.dsc"));
+}
+
+TEST_F(WriteCommandsTest, AnExportReplacesALinkAndDoesNotFollowIt) {
+  namespace fs = std::filesystem;
+  fs::create_directory(folder_ / "out");
+  for (const char* name : {"README", "README.INF", "GAMES.INF"}) {
+    WriteText(folder_ / (std::string("victim-") + name), "precious");
+    fs::create_symlink(folder_ / (std::string("victim-") + name),
+                       folder_ / (std::string("out/") + name));
+  }
+  fs::create_directory(folder_ / "elsewhere");
+  fs::create_directory_symlink(folder_ / "elsewhere", folder_ / "out/GAMES");
+  Do({"export", image_, "$", folder_ / "out"});
+  EXPECT_TRUE(fs::is_empty(folder_ / "elsewhere"));
+  EXPECT_EQ(ReadAll(folder_ / "out/GAMES/ELITE"), Bytes(700, 7));
+  for (const char* name : {"README", "README.INF", "GAMES.INF"}) {
+    EXPECT_EQ(ReadText(folder_ / (std::string("victim-") + name)), "precious");
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder_ / (std::string("out/") + name))));
+  }
+  EXPECT_EQ(ReadAll(folder_ / "out/README"), Bytes(300, 9));
+  // The file of -o is the user's own word: there a link is followed.
+  fs::create_symlink(folder_ / "victim-README", folder_ / "mine");
+  Do({"text", image_, "README", "-o", folder_ / "mine"});
+  EXPECT_TRUE(fs::is_symlink(fs::symlink_status(folder_ / "mine")));
+  EXPECT_NE(ReadText(folder_ / "victim-README"), "precious");
 }
 
 TEST_F(WriteCommandsTest, DeleteTakesFilesAndTreesAndTheRootsContents) {

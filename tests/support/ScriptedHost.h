@@ -18,9 +18,9 @@ namespace sectorbox::testing {
 //
 // Boxes: push the exact text to ExpectedMessages first, or set AcceptMessages and read Messages.
 // Lines of Log: "message TEXT", "yesno TEXT|TITLE", "open TITLE", "save TITLE", "status TEXT" (with
-// " (busy)"), "note TEXT", "pointer busy", "pointer normal", "caption", "rebuild", "treeready",
-// "moved OLD>NEW ...", "enable", "root PATH", "pump", "progress open CAPTION", "progress LINE",
-// "progress close".
+// " (busy)"), "note TEXT", "note left out: TEXT", "pointer busy", "pointer normal", "caption",
+// "rebuild", "treeready", "moved OLD>NEW ...", "enable", "root PATH", "pump", "progress open
+// CAPTION", "progress LINE", "progress close".
 class ScriptedHost : public DiscHost {
  public:
   std::vector<std::string> Log;
@@ -77,6 +77,7 @@ class ScriptedHost : public DiscHost {
     Statuses.push_back(text);
   }
   void Note(const std::string& line) override { Log.push_back("note " + line); }
+  void NoteLeftOut(const std::string& line) override { Log.push_back("note left out: " + line); }
   void SetBusyPointer(bool busy) override {
     Log.push_back(busy ? "pointer busy" : "pointer normal");
   }

@@ -91,7 +91,7 @@ QLayout* frmMode::MakeModeButtons() {
 }
 
 void frmMode::MakeMenus(QLayout& layout) {
-  const auto* menu = new PictureMenu(*this, layout, *Picture1_, DefaultName);
+  const auto* menu = new PictureMenu(*this, layout, disc_, *Picture1_, DefaultName);
   QMenu* colours = menu->Bar(QStringLiteral("mnuColour"), QStringLiteral("Colours"));
   for (const char* name : kColourEntries) {
     const QString caption = QString::fromLatin1(name);

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "disc/exchange/HostExchange.h"
+#include "disc/store/OpenDisc.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Printing.h"
 #include "viewers/picture/PictureFile.h"
@@ -63,10 +64,11 @@ void PictureBox::paintEvent(QPaintEvent*) {
   painter.drawImage(QRect(corner, size), ImageOf(picture_));
 }
 
-PictureMenu::PictureMenu(QWidget& window, QLayout& layout, const PictureBox& box,
+PictureMenu::PictureMenu(QWidget& window, QLayout& layout, const Disc& disc, const PictureBox& box,
                          const std::string& defaultName)
     : QObject(&window),
       window_(window),
+      disc_(disc),
       box_(box),
       defaultName_(defaultName),
       bar_(new QMenuBar(&window)) {
@@ -92,7 +94,9 @@ void PictureMenu::mnuFileSave_Click() {
   const std::string path =
       AskSaveFile(&window_, {"Save File As", "Save File (*.BMP)|*.bmp|All Files (*.*)|*.*",
                              AdfsToHostName(defaultName_) + ".bmp"});
-  if (!path.empty()) SaveBmp(box_.Shown(), path);
+  if (path.empty()) return;
+  RefuseOpenDisc(disc_, path);
+  SaveBmp(box_.Shown(), path);
 }
 
 void PictureMenu::mnuFilePrint_Click() {

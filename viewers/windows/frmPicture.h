@@ -5,6 +5,7 @@
 #include <string>
 
 #include "disc/catalogue/Catalogue.h"
+#include "disc/store/Disc.h"
 #include "viewers/picture/Picture.h"
 
 class QLayout;
@@ -66,7 +67,8 @@ class PictureMenu : public QObject {
  public:
   // Puts the menu bar into the window's layout. The menu is a child of window. box and defaultName
   // belong to the window too: the entries use what they hold when the user chooses one.
-  PictureMenu(QWidget& window, QLayout& layout, const PictureBox& box,
+  // disc is the one that the picture comes from; it outlives the window.
+  PictureMenu(QWidget& window, QLayout& layout, const Disc& disc, const PictureBox& box,
               const std::string& defaultName);
   QMenu* Bar(const QString& name, const QString& caption) const;
 
@@ -79,6 +81,7 @@ class PictureMenu : public QObject {
   void mnuFilePrint_Click();
 
   QWidget& window_;
+  const Disc& disc_;
   const PictureBox& box_;
   const std::string& defaultName_;
   QMenuBar* bar_;

@@ -22,7 +22,7 @@ frmTeletext::frmTeletext(QWidget* parent, Disc& disc, const CurrentRow& row,
   layout->setContentsMargins(kPictureMargin, kPictureMargin, kPictureMargin, kPictureMargin);
   Picture1_ = new PictureBox(this);
   layout->addWidget(Picture1_, 0, Qt::AlignLeft | Qt::AlignTop);
-  new PictureMenu(*this, *layout, *Picture1_, DefaultName);
+  new PictureMenu(*this, *layout, disc_, *Picture1_, DefaultName);
   RestorePlace(*this, kTeletextPlace);
   Show_File();
   Timer1_.setObjectName(QStringLiteral("Timer1"));

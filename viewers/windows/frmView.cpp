@@ -9,6 +9,7 @@
 #include "disc/ask/BusyPointer.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostError.h"
+#include "disc/store/OpenDisc.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 #include "toolkit/Twips.h"
@@ -82,6 +83,7 @@ bool frmView::OpenOutput() {
   OutputName = AskSaveFile(this, TextFileQuestion("*.txt"));
   if (OutputName.empty()) return false;
   try {
+    CheckSavePath(OutputName);
     file_.emplace(OutputName);
   } catch (const HostError& error) {
     ShowError(error);
@@ -170,6 +172,10 @@ void frmView::Form_Unload() {
     file_.reset();
   }
   if (!running_) deleteLater();
+}
+
+void frmView::CheckSavePath(const std::string& path) const {
+  RefuseOpenDisc(disc_, path);
 }
 
 // The host would take "READ/ME" for a file in a folder.

@@ -53,6 +53,7 @@ class frmView : public QMainWindow, public TextView, public TextWindow {
   void Append(const std::string& text) override;
   void closeEvent(QCloseEvent* event) override;
   std::string SaveName() const override;
+  void CheckSavePath(const std::string& path) const override;
 
  private:
   void SetUpArea();

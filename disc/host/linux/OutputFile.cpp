@@ -20,11 +20,14 @@ namespace {
 // bytes, a size that suits a medium.
 constexpr std::size_t kSendOnEvery = std::size_t{4} << 20;
 
-// A link stays, and the file that it leads to is replaced. A link that leads nowhere is replaced
-// itself.
-std::string ResolveTarget(const std::string& path) {
+bool IsLink(const std::string& path) {
   struct stat info {};
-  if (::lstat(path.c_str(), &info) != 0 || !S_ISLNK(info.st_mode)) return path;
+  return ::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
+// Where a link leads, and any other path as it is. A link that leads nowhere is replaced itself.
+std::string ResolveTarget(const std::string& path) {
+  if (!IsLink(path)) return path;
   char* resolved = ::realpath(path.c_str(), nullptr);
   if (resolved == nullptr) return path;
   std::string result(resolved);
@@ -41,10 +44,11 @@ mode_t ModeOfNewFile() {
 
 }  // namespace
 
-OutputFile::OutputFile(const std::string& path, OnMedium onMedium)
-    : path_(ResolveTarget(path)), onMedium_(onMedium) {
+OutputFile::OutputFile(const std::string& path, OnMedium onMedium, LinkAtPath link)
+    : path_(link == LinkAtPath::kFollowed ? ResolveTarget(path) : path), onMedium_(onMedium) {
   struct stat info {};
-  replaces_ = ::stat(path_.c_str(), &info) == 0;
+  // A link that is here still is replaced as if there were nothing.
+  replaces_ = !IsLink(path_) && ::stat(path_.c_str(), &info) == 0;
   if (replaces_ && S_ISDIR(info.st_mode)) ThrowHostError(path, EISDIR);
   if (replaces_ && !S_ISREG(info.st_mode)) {
     // A device or a pipe can't be replaced by a rename: it is written straight through.

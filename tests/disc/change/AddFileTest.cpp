@@ -101,7 +101,7 @@ TEST_F(AddFileTest, ReplacingTakesTheNameAsNowGivenAndKeepsNoAddress) {
   EXPECT_EQ(Runs(), "9+631");
 }
 
-TEST_F(AddFileTest, ReplacingALockedFileWithoutTheOptionDoesNothingAndSaysNothing) {
+TEST_F(AddFileTest, ReplacingALockedFileWithoutTheOptionDoesNothingAndSaysSo) {
   ImageBuilder image(640);
   image.AddFile(2, {"KEPT", Pattern(5), 1, 2, "LWR"});
   Open(image);
@@ -110,6 +110,8 @@ TEST_F(AddFileTest, ReplacingALockedFileWithoutTheOptionDoesNothingAndSaysNothin
   EXPECT_EQ(Add("kept", Pattern(9)), Outcome::kDone);
   EXPECT_EQ(Image(), before);
   EXPECT_FALSE(disc_.ImageChanged);
+  EXPECT_EQ(host_.LogOf("note"),
+            std::vector<std::string>{"note left out: KEPT is locked and was left as it was"});
   host_.Overwrite = true;
   EXPECT_EQ(Add("kept", Pattern(9)), Outcome::kDone);
   EXPECT_EQ(Contents(2, "KEPT"), Pattern(9));

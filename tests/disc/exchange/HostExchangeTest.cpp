@@ -221,6 +221,65 @@ TEST_F(HostExchangeTest, ARefusalEndsTheWholeImportAndKeepsWhatWasAdded) {
   host_.ExpectedMessages = {"Not Enough Free Contiguous Space on Disc"};
   EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "in")), "a");
+  EXPECT_EQ(host_.LogOf("note"),
+            std::vector<std::string>{"note left out: 2 entries were not added"});
+}
+
+TEST_F(HostExchangeTest, ARefusalDeepInATreeCountsWhatIsLeftOnEveryFloor) {
+  for (const char* folder : {"in", "in/b", "in/b/d"}) MakeFolder(folder);
+  for (const char* file : {"in/a", "in/b/c", "in/b/d/x", "in/b/d/z", "in/b/e", "in/f"}) {
+    HostFile(file, "1");
+  }
+  HostFile("in/b/d/y\xE9", "1");
+  HostFile("in/b/d/z.INF", "Z          00000000 00000000 00000001 WR");
+  host_.ExpectedMessages = {"File y\xE9 Contains Illegal Characters"};
+  // x is before the refused one in the order of their bytes; z, e and f are behind it.
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
+  EXPECT_EQ(host_.LogOf("note"),
+            std::vector<std::string>{"note left out: 4 entries were not added"});
+}
+
+TEST_F(HostExchangeTest, OfTwoHostFilesWithOneNameOnTheDiscTheSecondIsNotAdded) {
+  MakeFolder("in");
+  HostFile("in/AB", "first");
+  HostFile("in/ab", "second");
+  HostFile("in/LONGNAME12-1", "first");
+  HostFile("in/LONGNAME12-2", "second");
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
+  const std::int32_t in = GetEntrySector(disc_, 2, "in");
+  EXPECT_EQ(Names(in), "AB LONGNAME12");
+  EXPECT_EQ(Contents(in, "AB"), (Bytes{'f', 'i', 'r', 's', 't'}));
+  EXPECT_EQ(Contents(in, "LONGNAME12"), (Bytes{'f', 'i', 'r', 's', 't'}));
+  const std::string note = "note left out: ";
+  const std::string words = " was not added: on the disc it has the name of ";
+  EXPECT_EQ(host_.LogOf("note"),
+            (std::vector<std::string>{
+                note + (folder_ / "in/LONGNAME12-2") + words + (folder_ / "in/LONGNAME12-1"),
+                note + (folder_ / "in/ab") + words + (folder_ / "in/AB")}));
+}
+
+TEST_F(HostExchangeTest, AFileOfAFolderAndOneWithItsLetterInFrontAreOneNameToo) {
+  for (const char* folder : {"in", "in/B", "in/B/C"}) MakeFolder(folder);
+  HostFile("in/B/C/X", "deep");
+  HostFile("in/B/FOO", "first");
+  HostFile("in/B.FOO", "second");
+  EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kDone);
+  const std::int32_t b = GetEntrySector(disc_, GetEntrySector(disc_, 2, "in"), "B");
+  EXPECT_EQ(Contents(b, "FOO"), (Bytes{'f', 'i', 'r', 's', 't'}));
+  EXPECT_EQ(host_.LogOf("note").size(), 1U);
+}
+
+TEST_F(HostExchangeTest, AllPathsOfOneCallAreOneImport) {
+  for (const char* folder : {"one", "two"}) MakeFolder(folder);
+  HostFile("one/X", "1");
+  HostFile("two/x", "2");
+  const std::vector<std::string> both = {folder_ / "one/X", folder_ / "two/x"};
+  EXPECT_EQ(AddFiles(disc_, 2, both), Outcome::kDone);
+  EXPECT_EQ(Contents(2, "X"), (Bytes{'1'}));
+  EXPECT_EQ(host_.LogOf("note").size(), 1U);
+  // What was there before the import is replaced.
+  EXPECT_EQ(AddFile(disc_, 2, folder_ / "two/x"), Outcome::kDone);
+  EXPECT_EQ(Contents(2, "X"), (Bytes{'2'}));
 }
 
 TEST_F(HostExchangeTest, AnExistingDirectoryOfThatNameEndsTheImport) {

@@ -12,8 +12,15 @@ using namespace testing;
 TEST(Companion, LiesBesideTheImage) {
   EXPECT_EQ(CompanionName("/a/disc.dat"), "/a/disc.dsc");
   EXPECT_EQ(CompanionName("/a/disc.DAT"), "/a/disc.dsc");
-  EXPECT_EQ(CompanionName("/a.b/disc"), "/a.b/.dsc");
-  EXPECT_EQ(CompanionName("abc"), ".dsc");
+}
+
+TEST(Companion, OnlyAnExtensionOfThreeCharactersGoes) {
+  EXPECT_EQ(CompanionName("/a.b/disc"), "/a.b/disc.dsc");
+  EXPECT_EQ(CompanionName("/folder/ab"), "/folder/ab.dsc");
+  EXPECT_EQ(CompanionName("/a.bc/d"), "/a.bc/d.dsc");
+  EXPECT_EQ(CompanionName("abc"), "abc.dsc");
+  EXPECT_EQ(CompanionName("disc.image"), "disc.image.dsc");
+  EXPECT_EQ(CompanionName("disc.d"), "disc.d.dsc");
 }
 
 TEST(Companion, ANewOneHoldsTheTemplate) {
