@@ -1,12 +1,13 @@
 // Lists cards, and works on whole partitions. Here DEVICE,P is written without "cf:".
 
 #include <algorithm>
-#include <cstdio>
+#include <array>
 
 #include "cfcard/cards/FormatCF.h"
 #include "cfcard/cards/ScanCFCards.h"
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
+#include "cli/program/TerminalText.h"
 #include "disc/format/Text.h"
 #include "disc/host/HostFile.h"
 #include "disc/host/HostSignals.h"
@@ -64,7 +65,7 @@ int RunScan(const CommandLine& line) {
     }
   }
   const CardScan scan = ScanCards(session.Open, sources, line.Has("non-adfs"));
-  for (const std::string& row : scan.Rows) std::printf("%s\n", row.c_str());
+  for (const std::string& row : scan.Rows) PrintBytes(ShownOnOutput(row) + "\n");
   if (scan.Rows.empty()) session.Host.Note(kNoCardText);
   // If the user has named a device that can't be opened, that is a failure. If the command has
   // found the device itself on this machine, it isn't.
@@ -108,12 +109,25 @@ int RunRestore(const CommandLine& line) {
   return fits ? StatusOf(disc) : kRefused;
 }
 
+struct CardCommand {
+  const char* Name;
+  const char* Option;  // the one that it takes; empty for none
+  int (*Run)(const CommandLine& line);
+};
+constexpr std::array<CardCommand, 4> kCardCommands = {{
+    {"scan", "non-adfs", RunScan},
+    {"format", "quick", RunFormat},
+    {"backup", "full", RunBackup},
+    {"restore", "", RunRestore},
+}};
+
 int RunCF(const CommandLine& line) {
   const std::string what = line.Arguments.empty() ? "" : line.Arguments[0];
-  if (what == "scan") return RunScan(line);
-  if (what == "format") return RunFormat(line);
-  if (what == "backup") return RunBackup(line);
-  if (what == "restore") return RunRestore(line);
+  for (const CardCommand& command : kCardCommands) {
+    if (what != command.Name) continue;
+    line.ExpectOptions({command.Option}, "cf " + what);
+    return command.Run(line);
+  }
   throw UsageError("cf is followed by scan, format, backup or restore");
 }
 
@@ -124,7 +138,9 @@ std::vector<Command> CardCommands() {
       {"cf",
        "scan [--non-adfs] [DEVICE...] | format DEVICE,P CAPACITY [--quick] | "
        "backup DEVICE,P FILE [--full] | restore DEVICE,P FILE",
-       "cards: list their partitions, format, back up, restore", RunCF},
+       "cards: list their partitions, format, back up, restore",
+       {"non-adfs", "quick", "full"},
+       RunCF},
   };
 }
 

@@ -48,9 +48,12 @@ int RunSave(const CommandLine& line) {
 
 std::vector<Command> ImageCommands() {
   return {
-      {"new", "KIND FILE [--force]",
-       "make an empty disc: 40ssd 80ssd 80dsd 1m 2m 4m 8m 16m 32m 64m 128m 256m 512m", RunNew},
-      {"save", "IMAGE OUT", "save the disc as another file, by the disc's size", RunSave},
+      {"new",
+       "KIND FILE [--force]",
+       "make an empty disc: 40ssd 80ssd 80dsd 1m 2m 4m 8m 16m 32m 64m 128m 256m 512m",
+       {"force"},
+       RunNew},
+      {"save", "IMAGE OUT", "save the disc as another file, by the disc's size", {}, RunSave},
   };
 }
 

@@ -3,6 +3,7 @@
 
 #include "cli/program/CliLinkHost.h"
 #include "cli/program/Dispatch.h"
+#include "cli/program/TerminalText.h"
 #include "link/transfer/Bootstrap.h"
 #include "link/transfer/ReceiveImage.h"
 #include "link/transfer/SendImage.h"
@@ -20,7 +21,7 @@ std::int32_t DriveOf(const std::string& word) {
 // Gives the exit status of a command. An aborted command has shown no message, so this prints one.
 // A transfer that gave sectors up isn't done; the host has told how many they are.
 int EndOf(const CliLink& connection, bool done, const char* aborted = "Transfer Aborted") {
-  if (!done && !connection.Host.MessageShown) std::fprintf(stderr, "%s\n", aborted);
+  if (!done && !connection.Host.MessageShown) PrintErrorLine(aborted);
   const CliLinkHost& host = connection.Host;
   return done && !host.MessageShown && host.Counters.GivenUp == 0 ? kDone : kRefused;
 }
@@ -53,7 +54,7 @@ class PlainLines {
       if (c == '\r') {
         endedByLF_ = previous_ == '\n';
       } else if (c != '\n' || previous_ != '\r' || !endedByLF_) {
-        std::putchar(c);
+        PrintBytes(c == '\n' ? "\n" : ShownOnOutput(std::string(1, c)));
       }
       previous_ = c == '\n' && previous_ == '\r' ? '\0' : c;
     }
@@ -94,13 +95,26 @@ int RunBootstrap(const CommandLine& line) {
 
 std::vector<Command> LinkCommands() {
   return {
-      {"receive", "DRIVE FILE [--data-only] [--check]",
-       "copy a drive of the BBC into an image; also --port --speed --trace", RunReceive},
-      {"send", "DRIVE FILE [--data-only] [--check]",
-       "write an image onto a drive of the BBC; also --port --speed --trace", RunSend},
-      {"star", "COMMAND", "run a star command on the BBC; also --port --speed --trace", RunStar},
-      {"bootstrap", "basic|format",
-       "send the first program to a bare BBC; also --port --speed --trace", RunBootstrap},
+      {"receive",
+       "DRIVE FILE [--data-only] [--check]",
+       "copy a drive of the BBC into an image; also --port --speed --trace",
+       {"data-only", "check", "port", "speed", "trace"},
+       RunReceive},
+      {"send",
+       "DRIVE FILE [--data-only] [--check]",
+       "write an image onto a drive of the BBC; also --port --speed --trace",
+       {"data-only", "check", "port", "speed", "trace"},
+       RunSend},
+      {"star",
+       "COMMAND",
+       "run a star command on the BBC; also --port --speed --trace",
+       {"port", "speed", "trace"},
+       RunStar},
+      {"bootstrap",
+       "basic|format",
+       "send the first program to a bare BBC; also --port --speed --trace",
+       {"port", "speed", "trace"},
+       RunBootstrap},
   };
 }
 

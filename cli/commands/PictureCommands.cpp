@@ -93,10 +93,16 @@ int RunMode(const CommandLine& line) {
 
 std::vector<Command> PictureCommands() {
   return {
-      {"teletext", "IMAGE PATH -o OUT [--phase 0|1]",
-       "a file as a teletext page, to a .bmp or .png; phase 1 shows flashing text", RunTeletext},
-      {"mode", "N IMAGE PATH -o OUT [--flash 0|1] [--palette L=COLOUR,...]",
-       "a file as a screen of MODE 0, 1, 2, 4 or 5, to a .bmp or .png", RunMode},
+      {"teletext",
+       "IMAGE PATH -o OUT [--phase 0|1]",
+       "a file as a teletext page, to a .bmp or .png; phase 1 shows flashing text",
+       {"o", "phase"},
+       RunTeletext},
+      {"mode",
+       "N IMAGE PATH -o OUT [--flash 0|1] [--palette L=COLOUR,...]",
+       "a file as a screen of MODE 0, 1, 2, 4 or 5, to a .bmp or .png",
+       {"o", "flash", "palette"},
+       RunMode},
   };
 }
 

@@ -7,6 +7,7 @@
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
 #include "cli/program/StartWindow.h"
+#include "cli/program/TerminalText.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/format/Text.h"
@@ -17,13 +18,13 @@
 namespace sectorbox::cli {
 namespace {
 
-// Names and titles may hold any byte.
-void Print(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
+// Prints a line. Names and titles in it may hold any byte.
+void PrintLine(const std::string& line) {
+  PrintBytes(ShownOnOutput(line) + "\n");
 }
 
 void PrintValue(const char* name, const std::string& value) {
-  Print(std::string(name) + ": " + value + "\n");
+  PrintLine(std::string(name) + ": " + value);
 }
 
 void PrintValue(const char* name, std::int64_t value) {
@@ -66,7 +67,8 @@ int RunTree(const CommandLine& line) {
     // argument of other commands.
     paths.push_back(
         node.Parent < 0 ? "$" : paths[static_cast<std::size_t>(node.Parent)] + "." + node.Text);
-    Print(paths.back() + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
+    PrintBytes(ShownOnOutput(paths.back()) + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) +
+               "\n");
   }
   return StatusOf(session.Open);
 }
@@ -78,9 +80,9 @@ int RunLs(const CommandLine& line) {
   const std::string path = line.Arguments.size() > 1 ? line.Arguments[1] : "$";
   const PathTarget target = RequireDirectory(session.Open, path);
   for (const ListRow& row : ReadRows(session.Open, target.Sector)) {
-    std::string text = row.Columns[0];
+    std::string text = ShownOnOutput(row.Columns[0]);
     for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
-    Print(text + "\n");
+    PrintBytes(text + "\n");
   }
   return StatusOf(session.Open);
 }
@@ -121,7 +123,7 @@ int RunCheck(const CommandLine& line) {
   OpenForReading(session.Open, line.Arguments[0]);
   int status = kDone;
   for (const Fault& fault : CheckDisc(session.Open)) {
-    Print((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text + "\n");
+    PrintLine((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
     if (fault.IsError) status = kRefused;
   }
   return status == kDone ? StatusOf(session.Open) : status;
@@ -139,12 +141,16 @@ int RunOpen(const CommandLine& line) {
 
 std::vector<Command> ReadCommands() {
   return {
-      {"info", "IMAGE", "the disc's figures, as name: value lines", RunInfo},
-      {"tree", "IMAGE", "every directory, with its start sector", RunTree},
-      {"ls", "IMAGE [DIR]", "the entries of a directory, columns with TABs between", RunLs},
-      {"get", "IMAGE PATH [-o FILE]", "a file's bytes", RunGet},
-      {"check", "IMAGE", "look the disc over for faults; status 1 if there is an error", RunCheck},
-      {"open", "IMAGE", "open the image in the window program", RunOpen},
+      {"info", "IMAGE", "the disc's figures, as name: value lines", {}, RunInfo},
+      {"tree", "IMAGE", "every directory, with its start sector", {}, RunTree},
+      {"ls", "IMAGE [DIR]", "the entries of a directory, columns with TABs between", {}, RunLs},
+      {"get", "IMAGE PATH [-o FILE]", "a file's bytes", {"o"}, RunGet},
+      {"check",
+       "IMAGE",
+       "look the disc over for faults; status 1 if there is an error",
+       {},
+       RunCheck},
+      {"open", "IMAGE", "open the image in the window program", {}, RunOpen},
   };
 }
 

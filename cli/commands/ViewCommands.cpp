@@ -5,6 +5,7 @@
 
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
+#include "cli/program/TerminalText.h"
 #include "disc/store/OpenDisc.h"
 #include "viewers/table/TextViews.h"
 #include "viewers/text/TextFile.h"
@@ -39,7 +40,7 @@ class PrintedView : public TextView {
     for (std::size_t at = 0; at < text.size();) {
       std::size_t end = text.find("\r\n", at);
       if (end == std::string::npos) end = text.size();
-      std::fwrite(text.data() + at, 1, end - at, stdout);
+      PrintBytes(ShownOnOutput(text.substr(at, end - at)));
       if (end < text.size()) std::putchar('\n');
       at = end + 2;
     }
@@ -120,8 +121,11 @@ int RunTextView(const CommandLine& line) {
 std::vector<Command> ViewCommands() {
   std::vector<Command> commands;
   for (const TextViewKind& kind : TextViews()) {
-    commands.push_back({SmallNameOf(kind), UsageOf(kind.Subject).Arguments,
-                        std::string(kind.Description), RunTextView});
+    commands.push_back({SmallNameOf(kind),
+                        UsageOf(kind.Subject).Arguments,
+                        std::string(kind.Description),
+                        {"o"},
+                        RunTextView});
   }
   return commands;
 }

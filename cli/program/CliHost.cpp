@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "cli/program/TerminalText.h"
 #include "disc/host/HostProcess.h"
 #include "disc/host/HostSignals.h"
 
@@ -35,7 +36,7 @@ std::string CliHost::AskSaveFileName(const FileQuestion&) {
 void CliHost::SetStatus(const std::string&, bool) {}
 
 void CliHost::Note(const std::string& line) {
-  std::fprintf(stderr, "%s\n", line.c_str());
+  PrintErrorLine(line);
 }
 
 void CliHost::NoteLeftOut(const std::string& line) {
@@ -68,7 +69,9 @@ void CliHost::OpenProgress(const std::string&) {
 }
 
 void CliHost::ShowProgress(const std::string& line, double percent) {
-  if (terminal_) std::fprintf(stderr, "\r%s (%d%%)\033[K", line.c_str(), static_cast<int>(percent));
+  if (terminal_)
+    std::fprintf(stderr, "\r%s (%d%%)\033[K", ShownOnErrors(line).c_str(),
+                 static_cast<int>(percent));
 }
 
 void CliHost::CloseProgress() {

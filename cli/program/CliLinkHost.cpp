@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "cli/program/ProgramFolder.h"
+#include "cli/program/TerminalText.h"
 #include "disc/host/HostProcess.h"
 #include "disc/host/HostSignals.h"
 #include "link/wire/Commands.h"
@@ -89,7 +90,7 @@ void CliLinkHost::ShowMessage(const std::string& text, const std::string&) {
 void CliLinkHost::ShowWarning(const std::string& text) {
   MessageShown = true;
   ShowProgressLine("");
-  std::fprintf(stderr, "%s\n", OnOneLine(text).c_str());
+  PrintErrorLine(OnOneLine(text));
 }
 
 ReplaceAnswer CliLinkHost::AskReplace(const std::string&) {
@@ -145,7 +146,7 @@ std::string CliLinkHost::ProgramFolder() {
 }
 
 void CliLinkHost::ShowProgressLine(const std::string& text) {
-  if (terminal_) std::fprintf(stderr, "\r%s\033[K", text.c_str());
+  if (terminal_) std::fprintf(stderr, "\r%s\033[K", ShownOnErrors(text).c_str());
 }
 
 CliLink::CliLink(const CommandLine& line) : Host(line) {

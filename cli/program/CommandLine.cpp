@@ -114,6 +114,21 @@ void CommandLine::Expect(std::size_t least, std::size_t most) const {
   if (Arguments.size() > most) throw UsageError(Command + ": one argument too many");
 }
 
+void CommandLine::ExpectOptions(const std::vector<std::string>& taken,
+                                const std::string& command) const {
+  static constexpr std::array<std::string_view, 7> kEverywhere = {"help",
+                                                                  "version",
+                                                                  "pad",
+                                                                  "interleave",
+                                                                  "delete-locked",
+                                                                  "overwrite-locked",
+                                                                  "delete-non-empty"};
+  for (const auto& [name, value] : Options) {
+    if (Holds(kEverywhere, name) || Holds(taken, name)) continue;
+    throw UsageError(command + ": takes no option " + (name.size() == 1 ? "-" : "--") + name);
+  }
+}
+
 CommandLine ParseCommandLine(const std::vector<std::string>& words) {
   return Parser(words).Parse();
 }

@@ -35,6 +35,10 @@ struct CommandLine {
   bool Switch(const std::string& option, bool fallback) const;
   // UsageError unless there are from least to most arguments.
   void Expect(std::size_t least, std::size_t most) const;
+  // UsageError for an option that isn't among taken, even if another command takes it. An error is
+  // better than a file of -o that is silently not written. The options that are settings of the
+  // window, and --help and --version, may stand in every call. command is named in the error.
+  void ExpectOptions(const std::vector<std::string>& taken, const std::string& command) const;
 };
 
 // Takes a call apart. UsageError for an unknown option, and for an option without the value it

@@ -1,12 +1,11 @@
 #include "cli/program/Dispatch.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <exception>
 #include <new>
-#include <string_view>
 
+#include "cli/program/TerminalText.h"
 #include "disc/host/HostError.h"
 
 namespace sectorbox::cli {
@@ -27,28 +26,8 @@ void PrintHelp(const std::vector<Command>& commands) {
 }
 
 int Complain(int status, const char* what) {
-  std::fprintf(stderr, "%s\n", what);
+  PrintErrorLine(what);
   return status;
-}
-
-// UsageError for an option that the command doesn't take, even if another command takes it. An
-// error is better than a file of -o that is silently not written.
-void ExpectOptions(const CommandLine& line, const Command& command) {
-  static constexpr std::array<std::string_view, 7> kEverywhere = {"help",
-                                                                  "version",
-                                                                  "pad",
-                                                                  "interleave",
-                                                                  "delete-locked",
-                                                                  "overwrite-locked",
-                                                                  "delete-non-empty"};
-  const std::string told = command.Arguments + command.Help;
-  for (const auto& [name, value] : line.Options) {
-    if (std::find(kEverywhere.begin(), kEverywhere.end(), name) != kEverywhere.end()) continue;
-    const std::string option = (name.size() == 1 ? "-" : "--") + name;
-    if (told.find(option) == std::string::npos) {
-      throw UsageError(line.Command + ": takes no option " + option);
-    }
-  }
 }
 
 int Run(const std::vector<std::string>& words) {
@@ -71,7 +50,7 @@ int Run(const std::vector<std::string>& words) {
                 command->Help.c_str());
     return kDone;
   }
-  ExpectOptions(line, *command);
+  line.ExpectOptions(command->Options, line.Command);
   return command->Run(line);
 }
 

@@ -16,7 +16,10 @@ inline constexpr int kBadUsage = 2;
 struct Command {
   std::string Name;
   std::string Arguments;  // as in the help, such as "IMAGE [DIR]"
-  std::string Help;  // one line; an option that stands in neither of these two texts is refused
+  std::string Help;       // one line
+  // The names of the options that it takes, without their dashes, apart from those that every
+  // command takes (CommandLine::ExpectOptions). Any other one is refused.
+  std::vector<std::string> Options;
   int (*Run)(const CommandLine& line);
 };
 

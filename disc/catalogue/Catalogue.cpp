@@ -1,6 +1,10 @@
 #include "disc/catalogue/Catalogue.h"
 
+#include <algorithm>
+#include <iterator>
+#include <set>
 #include <string_view>
+#include <utility>
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
@@ -11,16 +15,6 @@ namespace {
 
 using namespace format;
 
-std::vector<std::string_view> SplitPath(std::string_view path) {
-  std::vector<std::string_view> parts;
-  while (true) {
-    const auto dot = path.find('.');
-    parts.push_back(path.substr(0, dot));
-    if (dot == std::string_view::npos) return parts;
-    path.remove_prefix(dot + 1);
-  }
-}
-
 PathTarget RootTarget() {
   PathTarget root;
   root.Found = true;
@@ -30,22 +24,71 @@ PathTarget RootTarget() {
   return root;
 }
 
-// One step down from a directory. Nothing is found if from isn't a directory or has no such entry.
-PathTarget StepDown(Disc& disc, const PathTarget& from, std::string_view name) {
+// One step down from a directory. Nothing is found if it has no such entry.
+PathTarget StepDown(const Directory& directory, std::int32_t dirSector, std::string_view name) {
   PathTarget target;
-  if (!from.IsDirectory) return target;
-  const auto directory = ReadDirectory(disc, from.Sector);
-  const std::int32_t slot = directory ? directory->Find(name) : -1;
+  const std::int32_t slot = directory.Find(name);
   if (slot < 0) return target;
-  const Entry entry = directory->At(slot);
+  const Entry entry = directory.At(slot);
   target.Found = true;
   target.IsDirectory = entry.IsDirectory();
-  target.DirSector = from.Sector;
+  target.DirSector = dirSector;
   target.Slot = slot;
   target.Sector = entry.Start();
   target.Name = entry.Name();
   return target;
 }
+
+// Finds a path below the root. A name may hold dots itself, so more than one reading of the path is
+// tried: at each step first the name up to the next dot, then longer ones.
+class PathSearch {
+ public:
+  PathSearch(Disc& disc, std::string_view path) : disc_(disc), path_(path) {}
+
+  PathTarget Run() {
+    waiting_.push_back({RootTarget(), 0});
+    while (!waiting_.empty()) {
+      const Reading reading = std::move(waiting_.back());
+      waiting_.pop_back();
+      if (reading.Next > path_.size()) return reading.Target;
+      // On a damaged disc many readings may lead to the same place, which has been tried before.
+      if (reading.Target.IsDirectory &&
+          tried_.insert({reading.Target.Sector, reading.Next}).second) {
+        Follow(reading);
+      }
+    }
+    return {};
+  }
+
+ private:
+  // A front part of the path has been read as names; the next name begins at Next. Behind the whole
+  // path Next is greater than its length.
+  struct Reading {
+    PathTarget Target;
+    std::size_t Next;
+  };
+
+  // Puts every reading of the next name on the stack, the shortest one last, so that it is tried
+  // first.
+  void Follow(const Reading& from) {
+    const auto directory = ReadDirectory(disc_, from.Target.Sector);
+    if (!directory) return;
+    std::vector<Reading> longer;
+    for (std::size_t end = from.Next; end - from.Next <= kNameLength; ++end) {
+      end = std::min(path_.find('.', end), path_.size());
+      const auto name = path_.substr(from.Next, end - from.Next);
+      PathTarget target = StepDown(*directory, from.Target.Sector, name);
+      if (target.Found) longer.push_back({std::move(target), end + 1});
+      if (end == path_.size()) break;
+    }
+    std::move(longer.rbegin(), longer.rend(), std::back_inserter(waiting_));
+  }
+
+  Disc& disc_;
+  std::string_view path_;
+  std::vector<Reading> waiting_;
+  std::set<std::pair<std::int32_t, std::size_t>> tried_;
+};
 
 // Adds a node for each entry that is a subdirectory. On a damaged disc a directory may be listed
 // more than once: it then gets a node wherever it is listed, but only the first of them gets its
@@ -144,15 +187,10 @@ std::vector<ListRow> ReadRows(Disc& disc, std::int32_t dirSector) {
 }
 
 PathTarget FindPath(Disc& disc, const std::string& path) {
-  PathTarget target = RootTarget();
-  if (path.empty() || path == "$") return target;
+  if (path.empty() || path == "$") return RootTarget();
   std::string_view rest = path;
   if (rest.substr(0, 2) == "$.") rest.remove_prefix(2);
-  for (const std::string_view name : SplitPath(rest)) {
-    target = StepDown(disc, target, name);
-    if (!target.Found) break;
-  }
-  return target;
+  return PathSearch(disc, rest).Run();
 }
 
 }  // namespace sectorbox

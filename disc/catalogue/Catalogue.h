@@ -77,7 +77,8 @@ struct PathTarget {
   std::string Name;             // the entry's name as it stands; "$" for the root
 };
 // Looks for a path from the root, such as "$.GAMES.ELITE", without regard to case. The leading "$."
-// may be left out; "" and "$" are the root.
+// may be left out; "" and "$" are the root. A name that holds a dot itself is found too: where a
+// path can be read in several ways, the one with the shortest first name counts.
 [[nodiscard]] PathTarget FindPath(Disc& disc, const std::string& path);
 
 }  // namespace sectorbox

@@ -53,7 +53,31 @@ void SetIncomingName(Incoming& file, std::string name) {
   file.Name = name.substr(0, name.find('\r'));
 }
 
-Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
+// The most bytes that a file on the disc could have now.
+std::uint64_t LongestRun(const Disc& disc) {
+  std::uint64_t longest = 0;
+  for (const FreeRun& run : FreeRuns(disc)) {
+    if (run.Length > 0) longest = std::max(longest, static_cast<std::uint64_t>(run.Length));
+  }
+  return longest * kSectorSize;
+}
+
+// Sets the bytes of the host file, and how many it has. Some files of the host's system tell that
+// they are empty and have bytes all the same. No more of them is read than shows that they don't
+// fit.
+void ReadBytes(Incoming& file, const std::optional<std::uint32_t>& stated, std::uint64_t longest) {
+  if (file.HostLength == 0) {
+    file.Bytes = ReadHostFile(file.HostPath, 0, std::min<std::uint64_t>(longest + 1, UINT32_MAX));
+    file.HostLength = static_cast<std::uint32_t>(file.Bytes.size());
+    file.Length = stated.value_or(file.HostLength);
+    file.Bytes.resize(std::min(file.Length, file.HostLength));
+    return;
+  }
+  file.Length = stated.value_or(file.HostLength);
+  file.Bytes = ReadHostBytes(file.HostPath, 0, std::min(file.Length, file.HostLength));
+}
+
+Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength, std::uint64_t longest) {
   Incoming file;
   file.HostPath = path;
   file.HostName = HostBaseName(path);
@@ -66,8 +90,7 @@ Incoming ReadIncoming(const std::string& path, std::uint32_t hostLength) {
   file.Load = ParseAddress(sidecar.Load);
   file.Exec = ParseAddress(sidecar.Exec);
   file.Attr = sidecar.Attr;
-  file.Length = sidecar.Length.value_or(hostLength);
-  file.Bytes = ReadHostFile(path, 0, std::min(file.Length, hostLength));
+  ReadBytes(file, sidecar.Length, longest);
   return file;
 }
 
@@ -198,7 +221,7 @@ Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path
   const auto length =
       static_cast<std::uint32_t>(std::min<std::uint64_t>(HostFileLength(path), UINT32_MAX));
   if (FindFreeRun(disc, length) < 0) return Refuse(disc, kNoSpaceMessage);
-  const Incoming file = ReadIncoming(path, length);
+  const Incoming file = ReadIncoming(path, length, LongestRun(disc));
   const bool badPrefix = file.Prefix != '\0' && NameCannotBeStored({&file.Prefix, 1});
   if (badPrefix || NameCannotBeStored(file.Name)) {
     return Refuse(disc, IllegalNameMessage(file.HostName));

@@ -89,8 +89,9 @@ std::uint32_t ReadContents(Disc& disc, std::int32_t sector, std::uint32_t length
 }
 
 void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uint32_t length) {
-  output.Skip(ReadContents(disc, sector, length,
-                           [&](std::span<const std::uint8_t> bytes) { output.Write(bytes); }));
+  output.Skip(ReadContents(disc, sector, length, [&](std::span<const std::uint8_t> bytes) {
+    output.WriteWithHoles(bytes);
+  }));
 }
 
 void ExportFile(Disc& disc, const std::string& hostPath, const Entry& file) {

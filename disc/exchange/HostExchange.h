@@ -66,7 +66,7 @@ enum class AfterRefusal {
 [[nodiscard]] std::uint32_t ReadContents(
     Disc& disc, std::int32_t sector, std::uint32_t length,
     const std::function<void(std::span<const std::uint8_t>)>& sink);
-// Writes the same bytes to a host file. The zeros behind the end of the store take no room there.
+// Writes the same bytes to a host file. Long runs of zeros take no room there.
 void WriteContents(Disc& disc, OutputFile& output, std::int32_t sector, std::uint32_t length);
 
 // All exports below: a host file that is there is replaced, but never the open disc's own image

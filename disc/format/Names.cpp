@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "disc/format/Format.h"
-#include "disc/format/Text.h"
 
 namespace sectorbox {
 namespace {
@@ -23,7 +22,12 @@ bool EntryIsEmpty(std::string_view name) {
 }
 
 std::string FoldName(std::string_view name) {
-  return UpperCase(name);
+  std::string folded(name);
+  for (char& c : folded) {
+    const auto code = static_cast<std::uint8_t>(c);
+    if (code >= 0x40 && code <= 0x7F) c = static_cast<char>(code | 0x20);
+  }
+  return folded;
 }
 
 std::string PadName(std::string_view text) {

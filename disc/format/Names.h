@@ -9,8 +9,10 @@ namespace sectorbox {
 // True for a name that ends the list of entries: it is empty, or its first character has code 0.
 [[nodiscard]] bool EntryIsEmpty(std::string_view name);
 
-// The form in which names are compared. Two names are the same name if their folded forms are
-// equal; a directory holds its entries in rising order of the folded names.
+// The form in which names are compared, as the BBC's filing system compares them: bit 5 of each
+// byte from &40 to &7F is set, so that not only "a" and "A" are one letter but also "[" and "{". It
+// is never shown. Two names are the same name if their folded forms are equal; a directory holds
+// its entries in rising order of the folded names.
 [[nodiscard]] std::string FoldName(std::string_view name);
 
 // The text, a carriage return and NULs, cut to the width of the field.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -76,6 +77,13 @@ std::vector<std::uint8_t> ReadHostFile(const std::string& path, std::uint64_t of
   return bytes;
 }
 
+std::vector<std::uint8_t> ReadHostBytes(const std::string& path, std::uint64_t offset,
+                                        std::uint64_t count) {
+  std::vector<std::uint8_t> bytes = ReadHostFile(path, offset, count);
+  if (bytes.size() < count) throw HostError(path, "Unexpected end of file");
+  return bytes;
+}
+
 void OverwriteHostFile(const std::string& path, std::uint64_t offset,
                        std::span<const std::uint8_t> bytes) {
   RandomAccessFile file(path, FileAccess::kWrite);
@@ -144,6 +152,24 @@ int OpenFileNumber::Release() {
 
 void OutputFile::Write(const std::string& text) {
   Write(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+void OutputFile::WriteWithHoles(std::span<const std::uint8_t> bytes) {
+  constexpr std::size_t kBlock = 4096;
+  static constexpr std::array<std::uint8_t, kBlock> kZeros{};
+  const auto isZero = [&](std::size_t at) {
+    return bytes.size() - at >= kBlock && std::memcmp(&bytes[at], kZeros.data(), kBlock) == 0;
+  };
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t start = at;
+    const bool hole = isZero(at);
+    while (at < bytes.size() && isZero(at) == hole) at += std::min(kBlock, bytes.size() - at);
+    if (hole) {
+      Skip(at - start);
+    } else {
+      Write(bytes.subspan(start, at - start));
+    }
+  }
 }
 
 OutputFile CreateOutputFile(const std::string& path, OnMedium onMedium, LinkAtPath link) {

@@ -34,6 +34,10 @@ enum class HostFileKind {
 [[nodiscard]] std::vector<std::uint8_t> ReadHostFile(const std::string& path,
                                                      std::uint64_t offset = 0,
                                                      std::uint64_t limit = UINT64_MAX);
+// Exactly count bytes from offset on, which the host has told are there. HostError "Unexpected end
+// of file" if the file ends before.
+[[nodiscard]] std::vector<std::uint8_t> ReadHostBytes(const std::string& path, std::uint64_t offset,
+                                                      std::uint64_t count);
 // Writes over bytes of a file that exists, from offset on; its other bytes stay.
 void OverwriteHostFile(const std::string& path, std::uint64_t offset,
                        std::span<const std::uint8_t> bytes);
@@ -176,7 +180,7 @@ enum class LinkAtPath {
 // A whole host file that is written anew. The bytes go to a temporary name in the same folder.
 // Close puts the file in place, so that a kill at any moment leaves the old file or the new one.
 // Without Close, the destructor removes the temporary file and leaves the old one. Devices and
-// pipes can't be replaced: the bytes go straight to them.
+// pipes can't be replaced: the bytes go straight to them; a pipe that nobody reads is a HostError.
 class OutputFile {
  public:
   // Creates the temporary file. HostError if path is a folder, or if path or its folder can't be
@@ -191,11 +195,20 @@ class OutputFile {
 
   void Write(std::span<const std::uint8_t> bytes);
   void Write(const std::string& text);
+  // Write, but runs of zeros become holes, as far as they are whole blocks of 4096 bytes from the
+  // start of bytes on. A host leaves room out only for blocks that begin at such a place of the
+  // file too.
+  void WriteWithHoles(std::span<const std::uint8_t> bytes);
   // Leaves a hole of that many bytes, which reads as zeros and takes no room on the medium.
   void Skip(std::uint64_t bytes);
-  // Puts the file in place. The older file goes only once the new one is on the medium (unless
-  // kLater). HostError if that fails; the older file stays then.
+  // Puts the file in place. The older file goes only once the new one is on the medium, and the
+  // call returns when the new name is there too (unless kLater). HostError if that fails; the older
+  // file stays then, unless it is the folder that can't be made safe.
   void Close();
+  // What of the older file the new one doesn't have, as a line for the user with the path: its
+  // owner, its access rights, its other names (hard links, which keep the old contents). Empty if
+  // it has all.
+  [[nodiscard]] const std::string& Unkept() const { return unkept_; }
 
  private:
   // Makes the temporary file; HostError names path.
@@ -208,6 +221,7 @@ class OutputFile {
 
   std::string path_;
   std::string temporary_;  // empty if the bytes go straight to path_
+  std::string unkept_;
   OnMedium onMedium_;
   OpenFileNumber file_;
   std::size_t waiting_ = 0;  // bytes written since the host was last asked to send them on

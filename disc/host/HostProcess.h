@@ -9,7 +9,8 @@ namespace sectorbox {
 // The path of this program's own file, from the root on. HostError if the host won't tell.
 [[nodiscard]] std::string OwnProgramFile();
 
-// True if what goes to standard error is seen on a terminal.
+// True if what goes to standard output or to standard error is seen on a terminal.
+[[nodiscard]] bool OutputGoesToTerminal();
 [[nodiscard]] bool ErrorsGoToTerminal();
 
 // Starts another program and doesn't wait for it. It outlives this process and isn't stopped by

@@ -107,10 +107,16 @@ void RefuseCompanionOverDisc(const Disc& disc, const std::string& fileName) {
   if (companion != fileName) RefuseOpenDisc(disc, companion);
 }
 
-void WriteWhole(const std::string& fileName, const std::vector<std::uint8_t>& bytes) {
+// Closes the file, and tells what of the older file the new one doesn't have.
+void CloseSaved(Disc& disc, OutputFile& output) {
+  output.Close();
+  if (!output.Unkept().empty()) disc.Host.Note(output.Unkept());
+}
+
+void WriteWhole(Disc& disc, const std::string& fileName, const std::vector<std::uint8_t>& bytes) {
   OutputFile output = CreateOutputFile(fileName);
   output.Write(bytes);
-  output.Close();
+  CloseSaved(disc, output);
 }
 
 void SaveWholeMemory(Disc& disc, const std::string& fileName) {
@@ -181,11 +187,11 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
           return;
         }
         disc.TheDisc.FetchBytes(SectorOffset(first), bytes);
-        output.Write(bytes);
+        output.WriteWithHoles(bytes);
       });
   // An aborted save leaves a short file. But the file of the open disc itself isn't replaced by a
   // short one: the disc would be lost.
-  if (whole || !overItself) output.Close();
+  if (whole || !overItself) CloseSaved(disc, output);
   progress.Close();
   // The next access opens the file of the store's name again, which is now the new one.
   if (whole && overItself) disc.TheDisc.CloseFile();
@@ -205,7 +211,7 @@ void SaveAdfImage(Disc& disc, const std::string& fileName) {
     bytes.resize(static_cast<std::size_t>(SectorsToSave(disc)) * kSectorSize);
     disc.TheDisc.FetchBytes(0, bytes);
   }
-  WriteWhole(fileName, bytes);
+  WriteWhole(disc, fileName, bytes);
   changes.Done();
 }
 
@@ -215,7 +221,7 @@ void SaveAdlImage(Disc& disc, const std::string& fileName) {
   const auto inMemory = disc.TheDisc.InMemory()
                             ? std::optional<std::size_t>(disc.TheDisc.ImageBytes())
                             : std::nullopt;
-  WriteWhole(fileName,
+  WriteWhole(disc, fileName,
              ArrangeAdl(disc.TheDisc, MapDiscSize(disc), inMemory, disc.Host.InterleavedDisc()));
   changes.Done();
 }
@@ -241,8 +247,10 @@ void RestoreImage(Disc& disc, const std::string& fileName) {
   // failure of the host throws, and a card tells of its own faults.
   (void)CopySectors(disc, "Restoring", sectors, [&](std::int32_t first, std::int32_t count) {
     const auto part = static_cast<std::size_t>(count) * kSectorSize;
+    const auto offset = static_cast<std::uint64_t>(SectorOffset(first));
+    const std::uint64_t there = length - std::min(length, offset);
     std::vector<std::uint8_t> bytes =
-        ReadHostFile(fileName, static_cast<std::uint64_t>(SectorOffset(first)), part);
+        ReadHostBytes(fileName, offset, std::min<std::uint64_t>(part, there));
     bytes.resize(part);
     disc.TheDisc.StoreBytes(SectorOffset(first), bytes);
   });

@@ -49,11 +49,24 @@ std::vector<std::uint8_t> ArrangeAdl(DiscBytes& disc, std::int32_t discSize,
   return file;
 }
 
+namespace {
+
+// The first bytes of an image file, at most that many; none if there is no file. A file that has no
+// length, such as a pipe, is read as far as it goes.
+std::vector<std::uint8_t> ReadImageFile(const std::string& path, std::size_t bytes) {
+  if (!HostFileExists(path)) return {};
+  const std::uint64_t length = HostFileLength(path);
+  if (length == 0) return ReadHostFile(path, 0, bytes);
+  // If the host gave fewer bytes and zeros stood for the others, the next save would store these.
+  return ReadHostBytes(path, 0, std::min<std::uint64_t>(length, bytes));
+}
+
+}  // namespace
+
 FloppyMedium::FloppyMedium(const std::string& path, Sides sides, std::size_t bytes,
-                           ImageRules& rules)
-    : path_(path), sides_(sides), rules_(rules) {
-  std::vector<std::uint8_t> file;
-  if (HostFileExists(path)) file = ReadHostFile(path, 0, bytes);
+                           StatusLine& status, ImageRules& rules)
+    : path_(path), sides_(sides), status_(status), rules_(rules) {
+  const std::vector<std::uint8_t> file = ReadImageFile(path, bytes);
   image_.assign(bytes, 0);
   if (sides_ == Sides::kOne) {
     LoadAdf(file);
@@ -92,6 +105,7 @@ void FloppyMedium::Close() {
   OutputFile output = CreateOutputFile(path_);
   output.Write(file);
   output.Close();
+  if (!output.Unkept().empty()) status_.Note(output.Unkept());
 }
 
 void FloppyMedium::LoadAdf(const std::vector<std::uint8_t>& file) {

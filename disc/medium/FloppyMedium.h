@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "disc/ask/StatusLine.h"
 #include "disc/medium/ImageRules.h"
 #include "disc/medium/Medium.h"
 
@@ -43,9 +44,11 @@ class FloppyMedium final : public Medium, private DiscBytes {
   enum class Sides { kOne, kTwo };
 
   // bytes is the size of the disc. If there is no such file, all of the disc is zero; if the file
-  // is shorter, the rest is. Bytes behind the size aren't read. rules outlives the medium.
-  // HostError if the file can't be read.
-  FloppyMedium(const std::string& path, Sides sides, std::size_t bytes, ImageRules& rules);
+  // is shorter, the rest is. Bytes behind the size aren't read. status and rules outlive the
+  // medium. HostError if the file can't be read, also if it ends before the length that the host
+  // has told.
+  FloppyMedium(const std::string& path, Sides sides, std::size_t bytes, StatusLine& status,
+               ImageRules& rules);
 
   [[nodiscard]] bool InMemory() const override { return true; }
   [[nodiscard]] std::span<std::uint8_t> Memory() override { return image_; }
@@ -70,6 +73,7 @@ class FloppyMedium final : public Medium, private DiscBytes {
 
   std::string path_;
   Sides sides_;
+  StatusLine& status_;
   ImageRules& rules_;
   std::vector<std::uint8_t> image_;
 };

@@ -32,7 +32,8 @@ std::unique_ptr<Medium> OpenFloppy(const MediumRequest& request, const MediumPar
   const auto bytes = static_cast<std::size_t>(request.Shape.Tracks) *
                      static_cast<std::size_t>(request.Shape.Heads) *
                      static_cast<std::size_t>(request.Shape.Sectors) * format::kSectorSize;
-  auto medium = std::make_unique<FloppyMedium>(request.Name, sides, bytes, parts.Rules);
+  auto medium =
+      std::make_unique<FloppyMedium>(request.Name, sides, bytes, parts.Status, parts.Rules);
   parts.Rules.ImageLoaded();
   return medium;
 }

@@ -206,7 +206,7 @@ void frmMain::Load(const std::string& commandLine) {
   show();
   LoadSettings(*this);
   (void)Start(CommandKind::kChange, [&] {
-    OpenBlankImage(disc_);
+    OpenFirstImage(commandLine);
     panes_->RebuildTree();
     RemoveHostTree(GetTempFolder() + "adfs_temp");
     panes_->ResetDragFolders();
@@ -214,12 +214,27 @@ void frmMain::Load(const std::string& commandLine) {
   });
 }
 
+// The blank image has the name of a file in the current folder, and what is there is read. If the
+// user has named an image, a file there that can't be read doesn't keep that image from opening.
+void frmMain::OpenFirstImage(const std::string& commandLine) {
+  try {
+    OpenBlankImage(disc_);
+  } catch (const HostError&) {
+    if (ImageOfCommandLine(commandLine).empty()) throw;
+  }
+}
+
 // The desktop puts quotes around the path. This cuts the first and the last character off without
 // looking at them, so a path without quotes loses two characters of its own and isn't found.
-void frmMain::OpenFromCommandLine(const std::string& commandLine) {
-  if (commandLine.size() < 3) return;
+std::string frmMain::ImageOfCommandLine(const std::string& commandLine) {
+  if (commandLine.size() < 3) return "";
   const std::string path = commandLine.substr(1, commandLine.size() - 2);
-  if (HostFileExists(path)) OpenImage(disc_, path);
+  return HostFileExists(path) ? path : "";
+}
+
+void frmMain::OpenFromCommandLine(const std::string& commandLine) {
+  const std::string path = ImageOfCommandLine(commandLine);
+  if (!path.empty()) OpenImage(disc_, path);
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

@@ -81,6 +81,9 @@ class frmMain : public MainWindow {
   void RunEntry(QAction& entry, const std::function<void()>& command) override;
   void RunGuarded(const std::function<void()>& work);
   void TellFailure(const std::exception_ptr& failure);
+  void OpenFirstImage(const std::string& commandLine);
+  // The path of the image that the program's argument names; empty if there is no such file.
+  [[nodiscard]] static std::string ImageOfCommandLine(const std::string& commandLine);
   void OpenFromCommandLine(const std::string& commandLine);
   // At the end of the program: the question about unsaved changes, if there are any. If the host
   // refuses the save, a box tells the user, and the question comes once more. If the changes are

@@ -69,12 +69,8 @@ class CardInterrupt : public ::testing::Test {
 TEST_F(CardInterrupt, ABackupLeavesTheOlderOneAndNothingElse) {
   const std::vector<std::uint8_t> older(1000, 0x42);
   WriteAll(folder / "out/b.dat", older);
-  const auto isHalfWay = [this] {
-    for (const std::string& name : Outputs()) {
-      if (name != "b.dat" && Taken(folder / ("out/" + name)) > 1 << 20) return true;
-    }
-    return false;
-  };
+  // The card is full of zeros, so the backup takes no room by which one could tell how far it is.
+  const auto isHalfWay = [this] { return Outputs().size() > 1; };
   ExpectAborted(RunInto({"cf", "backup", card + ",0", folder / "out/b.dat", "--full"}, isHalfWay));
   EXPECT_EQ(Outputs(), std::vector<std::string>{"b.dat"});
   EXPECT_EQ(ReadAll(folder / "out/b.dat"), older);

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
 #include "tests/support/ImageBuilder.h"
+#include "tests/support/PtyBbc.h"
 #include "tests/support/RunSbx.h"
 #include "tests/support/TempFolder.h"
 
@@ -24,6 +26,17 @@ class ReadCommands : public ::testing::Test {
     image.SetTitle(2, "Test disc");
     image.SetBootOption(3);
     image.WriteTo(disc_);
+  }
+
+  // What a call shows on a terminal that has its standard output and standard error.
+  static std::string OnTerminal(const std::vector<std::string>& words) {
+    PtyBbc screen;
+    screen.Bbc.Faults.Mute = true;
+    screen.Start();
+    SbxProcess sbx(words, "", SBX_PATH, screen.Device(), screen.Device());
+    (void)sbx.Wait();
+    screen.Stop();
+    return screen.Bytes();
   }
 
   TempFolder folder_;
@@ -49,6 +62,44 @@ TEST_F(ReadCommands, InfoTellsTheGeometryOfAHardDisc) {
   EXPECT_EQ(lines[3], "heads: 4");
   EXPECT_EQ(lines[4], "sectors: 33");
   EXPECT_EQ(lines[5], "size: 4224");
+}
+
+TEST_F(ReadCommands, ControlBytesOfNamesDoNotReachATerminal) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"E\x1B]0;X\x07", {1}, 0, 0, "WR"});
+  image.AddDirectory(2, "D\x7F\x01");
+  image.SetTitle(2, "T\x1B[2J");
+  image.WriteTo(disc_);
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"ls", disc_},
+                                             {"tree", disc_},
+                                             {"cat", disc_},
+                                             {"ex", disc_},
+                                             {"catall", disc_},
+                                             {"exall", disc_},
+                                             {"check", disc_},
+                                             {"info", disc_}}) {
+    SCOPED_TRACE(words[0]);
+    const std::string plain = RunSbx(words).Out;
+    EXPECT_NE(plain.find_first_of("\x1B\x07\x7F"), std::string::npos);
+    const std::string shown = OnTerminal(words);
+    EXPECT_EQ(shown.find_first_of("\x1B\x07\x7F\x01"), std::string::npos);
+    EXPECT_NE(shown.find('?'), std::string::npos);
+    EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'),
+              std::count(plain.begin(), plain.end(), '\n'));
+  }
+}
+
+TEST_F(ReadCommands, ControlBytesOfMessagesDoNotReachATerminal) {
+  const std::vector<std::string> words = {"get", disc_,
+                                          "NO\x1BNE\xC2\x9B"
+                                          "\xC3\xA9"};
+  EXPECT_EQ(RunSbx(words).Err,
+            "Not found: NO\x1BNE\xC2\x9B"
+            "\xC3\xA9\n");
+  const std::string shown = OnTerminal(words);
+  EXPECT_EQ(shown.find_first_of("\x1B\x9B"), std::string::npos) << shown;
+  EXPECT_EQ(shown.rfind("Not found: NO?NE", 0), 0U);
 }
 
 TEST_F(ReadCommands, TreeGivesEachDirectoryInTheOrderOfTheWalk) {

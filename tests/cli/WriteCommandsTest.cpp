@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -79,7 +80,8 @@ TEST_F(WriteCommandsTest, NothingIsWrittenIntoADirectoryWithoutItsMark) {
   Refused({"add", image_, "$", folder_ / "Y"}, "Not a directory: $");
   Refused({"mkdir", image_, "$", "NEW"}, "Not a directory: $");
   Refused({"title", image_, "$", "Mine"}, "Not a directory: $");
-  Refused({"compact", image_}, "Cannot Compact A Damaged Disc");
+  Refused({"compact", image_},
+          "Cannot Change A Damaged Disc : $: is no directory: the mark at its start is missing");
 }
 
 TEST_F(WriteCommandsTest, AMessageInTheMidstOfAnAddLeavesTheImageAsItWas) {
@@ -322,6 +324,70 @@ TEST_F(WriteCommandsTest, OnAHardDiscWhatWasDoneBeforeARefusalStays) {
   const ReadObject root = ReadTree(ReadAll(folder_ / "x.dat"));
   ASSERT_EQ(root.Contents.size(), 1U);
   EXPECT_EQ(root.Contents[0].Name, "B");
+}
+
+TEST_F(WriteCommandsTest, AnOptionThatTheCommandDoesNotTakeIsABadCall) {
+  const std::vector<std::vector<std::string>> calls = {
+      {"receive", "0", "x", "-o", "y"},
+      {"send", "0", "x", "-o", "y"},
+      {"star", "CAT", "-o", "y"},
+      {"star", "CAT", "--check"},
+      {"bootstrap", "basic", "-o", "y"},
+      {"add", image_, "$", "y", "-o", "z"},
+      {"new", "40ssd", "x", "-o", "y"},
+      {"export", image_, "$", "x", "--force"},
+      {"info", image_, "--port", "x"},
+      {"cf", "scan", "--quick"},
+      {"cf", "backup", "x,0", "y", "--non-adfs"},
+      {"cf", "restore", "x,0", "y", "--full"},
+      {"teletext", image_, "x", "-o", "y", "--flash", "1"},
+      {"mode", "4", image_, "x", "-o", "y", "--phase", "1"}};
+  for (const auto& call : calls) {
+    const SbxResult result = RunSbx(call);
+    EXPECT_EQ(result.Status, 2) << call[0];
+    EXPECT_NE(result.Err.find(": takes no option -"), std::string::npos) << result.Err;
+  }
+  EXPECT_EQ(RunSbx({"cf", "scan", "--quick"}).Err, "cf scan: takes no option --quick\n");
+}
+
+TEST_F(WriteCommandsTest, ASaveToAPipeThatNobodyReadsEnds) {
+  ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+  ImageBuilder(4224).WriteTo(folder_ / "x.dat");
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"save", folder_ / "x.dat", folder_ / "pipe"},
+                                             {"get", image_, "README", "-o", folder_ / "pipe"}}) {
+    const SbxResult result = RunSbx(words);
+    EXPECT_EQ(result.Status, 1);
+    EXPECT_EQ(result.Err, (folder_ / "pipe") + ": No such device or address\n");
+  }
+}
+
+TEST_F(WriteCommandsTest, ASaveKeepsASparseImageSparse) {
+  ImageBuilder image(131072);  // 32 MB
+  image.AddFile(2, {"FULL", Bytes(20000, 1), 0, 0, "WR"});
+  image.AddFile(2, {"ZEROS", Bytes(8000000, 0), 0, 0, "WR"});
+  image.AddFile(2, {"LAST", Bytes(20000, 1), 0, 0, "WR"});
+  image.WriteTo(folder_ / "x.dat");
+  EXPECT_EQ(RunSbx({"save", "--pad", "on", folder_ / "x.dat", folder_ / "y.dat"}).Status, 0);
+  EXPECT_EQ(ReadAll(folder_ / "y.dat"), image.Bytes());
+  struct stat info {};
+  ASSERT_EQ(::stat((folder_ / "y.dat").c_str(), &info), 0);
+  EXPECT_LT(info.st_blocks, 400);
+}
+
+TEST_F(WriteCommandsTest, ANameWithADotIsAPathToo) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A.B", Bytes(3, 1), 0, 0, "WR"});
+  image.WriteTo(image_);
+  EXPECT_EQ(RunSbx({"get", image_, "A.B"}).Out, std::string(3, '\x01'));
+  EXPECT_EQ(Do({"delete", image_, "$.A.B"}).Contents.size(), 0U);
+}
+
+TEST_F(WriteCommandsTest, AHardLinkThatAChangeBreaksIsTold) {
+  std::filesystem::create_hard_link(image_, folder_ / "second");
+  const SbxResult result = RunSbx({"title", image_, "$", "New"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Err, image_ + ": its other names (hard links) keep the old contents\n");
 }
 
 TEST_F(WriteCommandsTest, TooFewWordsAreNamed) {

@@ -26,8 +26,9 @@ std::string Text(const Bytes& disc, std::size_t at, std::size_t width) {
   return text;
 }
 
-std::string Upper(std::string text) {
-  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+// Names are compared with bit 5 of each letter set, and of each character in the letters' columns.
+std::string Folded(std::string text) {
+  for (char& c : text) c = c >= '@' ? static_cast<char>(c | 32) : c;
   return text;
 }
 
@@ -112,7 +113,7 @@ void LookAtDirectory(const Bytes& disc, const ReadObject& dir, std::int32_t pare
   for (std::size_t i = 0; i < dir.Contents.size(); ++i) {
     const ReadObject& object = dir.Contents[i];
     const std::string name = path + "." + object.Name;
-    if (i > 0 && Upper(dir.Contents[i - 1].Name) >= Upper(object.Name)) {
+    if (i > 0 && Folded(dir.Contents[i - 1].Name) >= Folded(object.Name)) {
       faults.push_back(name + ": out of order");
     }
     extents.push_back({object.Start, SectorsOf(object), name});

@@ -22,12 +22,12 @@ void PutText(std::vector<std::uint8_t>& to, std::size_t at, const std::string& t
   }
 }
 
-std::string Upper(const std::vector<std::uint8_t>& bytes, std::size_t at) {
+std::string Folded(const std::vector<std::uint8_t>& bytes, std::size_t at) {
   std::string name;
   for (std::size_t i = 0; i < 10; ++i) {
     const int c = bytes.at(at + i) & 127;
     if (c == 13) break;
-    name += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    name += static_cast<char>(c >= '@' ? c | 32 : c);
   }
   return name;
 }
@@ -103,7 +103,7 @@ void ImageBuilder::Rehang(std::int32_t from, const std::string& name, std::int32
   std::vector<std::uint8_t> wanted(10);
   PutText(wanted, 0, name, 10);
   std::size_t slot = 0;
-  while (slot < 47 && Upper(bytes_, base + slot * 26) != Upper(wanted, 0)) ++slot;
+  while (slot < 47 && Folded(bytes_, base + slot * 26) != Folded(wanted, 0)) ++slot;
   if (slot == 47) throw std::runtime_error("there is no " + name);
   const auto at = bytes_.begin() + static_cast<std::ptrdiff_t>(base + slot * 26);
   const std::vector<std::uint8_t> entry(at, at + 26);
@@ -187,10 +187,10 @@ std::int32_t ImageBuilder::Take(std::int32_t sectors) {
 
 void ImageBuilder::Insert(std::int32_t dir, const std::vector<std::uint8_t>& entry) {
   const auto base = static_cast<std::size_t>(dir) * 256 + 5;
-  const std::string name = Upper(entry, 0);
+  const std::string name = Folded(entry, 0);
   std::size_t slot = 0;
   while (slot < 47 && (bytes_.at(base + slot * 26) & 127) != 0 &&
-         Upper(bytes_, base + slot * 26) < name) {
+         Folded(bytes_, base + slot * 26) < name) {
     ++slot;
   }
   if (slot == 47 || (bytes_.at(base + 46 * 26) & 127) != 0) {

@@ -20,9 +20,10 @@ void Redirect(const char* path, int flags, int descriptor) {
 }  // namespace
 
 SbxProcess::SbxProcess(const std::vector<std::string>& arguments, const std::string& folder,
-                       const std::string& program, const std::string& terminal)
-    : hasErr_(terminal.empty()) {
-  const std::string out = streams_ / "out";
+                       const std::string& program, const std::string& terminal,
+                       const std::string& output)
+    : hasErr_(terminal.empty()), hasOut_(output.empty()) {
+  const std::string out = output.empty() ? streams_ / "out" : output;
   const std::string err = terminal.empty() ? streams_ / "err" : terminal;
   std::vector<char*> words = {const_cast<char*>(program.c_str())};
   for (const auto& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
@@ -54,7 +55,8 @@ SbxResult SbxProcess::Wait() {
   ::waitpid(child_, &status, 0);
   child_ = -1;
   return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-          ReadText(streams_ / "out"), hasErr_ ? ReadText(streams_ / "err") : std::string()};
+          hasOut_ ? ReadText(streams_ / "out") : std::string(),
+          hasErr_ ? ReadText(streams_ / "err") : std::string()};
 }
 
 SbxResult RunSbx(const std::vector<std::string>& arguments, const std::string& folder,

@@ -18,12 +18,13 @@ struct SbxResult {
 
 // A running sbx, with an empty standard input and without a terminal. The destructor kills it if
 // nobody has waited for it. If they are given: folder is the folder that it runs in, program a copy
-// of sbx that runs instead, terminal the device of its standard error, whose text the result then
-// doesn't have.
+// of sbx that runs instead, terminal the device of its standard error, and output that of its
+// standard output, whose text the result then doesn't have.
 class SbxProcess {
  public:
   explicit SbxProcess(const std::vector<std::string>& arguments, const std::string& folder = "",
-                      const std::string& program = SBX_PATH, const std::string& terminal = "");
+                      const std::string& program = SBX_PATH, const std::string& terminal = "",
+                      const std::string& output = "");
   ~SbxProcess();
   SbxProcess(const SbxProcess&) = delete;
   SbxProcess& operator=(const SbxProcess&) = delete;
@@ -36,6 +37,7 @@ class SbxProcess {
  private:
   TempFolder streams_;
   const bool hasErr_;
+  const bool hasOut_;
   pid_t child_ = -1;
 };
 

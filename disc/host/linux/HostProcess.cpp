@@ -48,6 +48,10 @@ std::string OwnProgramFile() {
   return self.string();
 }
 
+bool OutputGoesToTerminal() {
+  return ::isatty(STDOUT_FILENO) == 1;
+}
+
 bool ErrorsGoToTerminal() {
   return ::isatty(STDERR_FILENO) == 1;
 }

@@ -42,6 +42,42 @@ mode_t ModeOfNewFile() {
   return 0666 & ~mask;
 }
 
+// A device or a pipe can't be replaced by a rename: it is written straight through. Without
+// O_NONBLOCK, opening a pipe that nobody reads would never end. path is the one that the user
+// knows.
+OpenFileNumber OpenStraight(const std::string& target, const std::string& path) {
+  OpenFileNumber file(::open(target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file.IsOpen()) ThrowHostError(path, errno);
+  // From here on a reader that is slow is waited for.
+  const int flags = ::fcntl(file.Get(), F_GETFL);
+  if (flags < 0 || ::fcntl(file.Get(), F_SETFL, flags & ~O_NONBLOCK) != 0) {
+    ThrowHostError(path, errno);
+  }
+  return file;
+}
+
+// Gives a new file the owner and the access rights of the file that it replaces, or those of a new
+// file if former is null. The bytes count more than whose they are, so what can't be kept is no
+// error: the result tells it (OutputFile::Unkept).
+std::string KeepProperties(int file, const std::string& path, const struct stat* former) {
+  std::string unkept;
+  const auto lost = [&](const char* what) {
+    unkept += (unkept.empty() ? path + ": " : "; ") + what;
+  };
+  mode_t mode = ModeOfNewFile();
+  if (former != nullptr) {
+    mode = former->st_mode & 07777;
+    if (former->st_nlink > 1) lost("its other names (hard links) keep the old contents");
+    if (::fchown(file, former->st_uid, former->st_gid) != 0) {
+      lost("its owner could not be kept");
+      // Nobody may run the file with our own user's rights because of that.
+      mode &= 0777;
+    }
+  }
+  if (::fchmod(file, mode) != 0) lost("its access rights could not be set");
+  return unkept;
+}
+
 }  // namespace
 
 OutputFile::OutputFile(const std::string& path, OnMedium onMedium, LinkAtPath link)
@@ -51,15 +87,12 @@ OutputFile::OutputFile(const std::string& path, OnMedium onMedium, LinkAtPath li
   replaces_ = !IsLink(path_) && ::stat(path_.c_str(), &info) == 0;
   if (replaces_ && S_ISDIR(info.st_mode)) ThrowHostError(path, EISDIR);
   if (replaces_ && !S_ISREG(info.st_mode)) {
-    // A device or a pipe can't be replaced by a rename: it is written straight through.
-    file_ = OpenFileNumber(::open(path_.c_str(), O_WRONLY | O_CLOEXEC));
-    if (!file_.IsOpen()) ThrowHostError(path, errno);
+    file_ = OpenStraight(path_, path);
     return;
   }
   if (replaces_ && ::access(path_.c_str(), W_OK) != 0) ThrowHostError(path, errno);
   CreateTemporary(path);
-  if (replaces_) (void)!::fchown(file_.Get(), info.st_uid, info.st_gid);
-  ::fchmod(file_.Get(), replaces_ ? (info.st_mode & 07777) : ModeOfNewFile());
+  unkept_ = KeepProperties(file_.Get(), path, replaces_ ? &info : nullptr);
 }
 
 void OutputFile::CreateTemporary(const std::string& path) {
@@ -73,6 +106,7 @@ void OutputFile::CreateTemporary(const std::string& path) {
 OutputFile::OutputFile(OutputFile&& other) noexcept
     : path_(std::move(other.path_)),
       temporary_(std::move(other.temporary_)),
+      unkept_(std::move(other.unkept_)),
       onMedium_(other.onMedium_),
       file_(std::move(other.file_)),
       waiting_(other.waiting_),
@@ -103,8 +137,8 @@ void OutputFile::Write(std::span<const std::uint8_t> bytes) {
 
 bool OutputFile::IsAwaited() const {
   // Before an older file goes, the bytes of the new one are on the medium, so that even a power cut
-  // leaves one of the two. If there is no older file to lose, nobody waits for that.
-  return replaces_ && !temporary_.empty() && onMedium_ == OnMedium::kAtOnce;
+  // leaves one of the two. A new file, too, is on the medium when the command has ended.
+  return !temporary_.empty() && onMedium_ == OnMedium::kAtOnce;
 }
 
 void OutputFile::SendOn(std::size_t bytes) {
@@ -141,8 +175,11 @@ void OutputFile::Close() {
   if (syncError != 0) ThrowHostError(path_, syncError);
   if (closeError != 0) ThrowHostError(path_, closeError);
   if (temporary_.empty()) return;
+  const bool awaited = IsAwaited();
   if (::rename(temporary_.c_str(), path_.c_str()) != 0) ThrowHostError(path_, errno);
   temporary_.clear();
+  // Until the folder is on the medium, a power cut may bring the older file back.
+  if (awaited) SyncHostFolder(HostFolderOf(path_));
 }
 
 }  // namespace sectorbox

@@ -121,6 +121,38 @@ TEST_F(CatalogueTest, DirectoriesThatAllListEachOtherAreWalkedOnce) {
   EXPECT_EQ(WalkTree(disc_).size(), 25U);
 }
 
+TEST_F(CatalogueTest, NamesWithDotsAreFoundInAPath) {
+  ImageBuilder image(1280);
+  const auto dotted = image.AddDirectory(2, "A.B");
+  const auto inside = image.AddFile(dotted, {"C.D.E", {1}});
+  image.AddFile(dotted, {".", {1}});
+  const auto plain = image.AddDirectory(2, "X");
+  const auto plainFile = image.AddFile(plain, {"Y", {1}});
+  image.AddFile(2, {"X.Y", {1}});
+  const auto other = image.AddFile(2, {"X.Z", {1}});
+  Open(image);
+  EXPECT_EQ(FindPath(disc_, "$.a.b").Sector, dotted);
+  EXPECT_EQ(FindPath(disc_, "A.B.C.D.E").Sector, inside);
+  EXPECT_TRUE(FindPath(disc_, "A.B..").Found);
+  EXPECT_FALSE(FindPath(disc_, "A.B.C.D").Found);
+  EXPECT_FALSE(FindPath(disc_, "A.B.C.D.E.F").Found);
+  // What can be read as names without dots is read so.
+  EXPECT_EQ(FindPath(disc_, "X.Y").Sector, plainFile);
+  EXPECT_EQ(FindPath(disc_, "X.Z").Sector, other);
+}
+
+TEST_F(CatalogueTest, APathThatCanBeReadInVeryManyWaysIsSearchedSoon) {
+  ImageBuilder image(1280);
+  for (const char* name : {"A", "A.A", "A.A.A"}) image.AddDirectory(2, name);
+  // All three are the root itself.
+  for (int slot = 0; slot < 3; ++slot) image.Poke(517 + 26 * slot + 22, 2);
+  Open(image);
+  std::string path = "A";
+  for (int i = 0; i < 2000; ++i) path += ".A";
+  EXPECT_TRUE(FindPath(disc_, path).Found);
+  EXPECT_FALSE(FindPath(disc_, path + ".B").Found);
+}
+
 TEST_F(CatalogueTest, TheRootNodeCarriesTheRootsOwnName) {
   ImageBuilder image(1280);
   image.Poke(512 + 1228, 'R');

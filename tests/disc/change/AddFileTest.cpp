@@ -117,6 +117,31 @@ TEST_F(AddFileTest, ReplacingALockedFileWithoutTheOptionDoesNothingAndSaysSo) {
   EXPECT_EQ(Contents(2, "KEPT"), Pattern(9));
 }
 
+TEST_F(AddFileTest, AFileThatTellsItIsEmptyIsAddedWithItsBytes) {
+  const std::string path = "/proc/self/comm";
+  if (!std::filesystem::exists(path)) GTEST_SKIP() << "no /proc on this machine";
+  const Bytes bytes = ReadAll(path);
+  ASSERT_FALSE(bytes.empty());
+  EXPECT_EQ(AddFile(disc_, 2, path), Outcome::kDone);
+  EXPECT_EQ(Contents(2, "comm"), bytes);
+}
+
+TEST_F(AddFileTest, AFileThatEndsBeforeItsLengthIsAnErrorAndNothingIsAdded) {
+  const std::string path = "/sys/devices/system/cpu/online";
+  if (!std::filesystem::exists(path) || std::filesystem::file_size(path) <= ReadAll(path).size()) {
+    GTEST_SKIP() << "no such file on this machine";
+  }
+  const Bytes before = Image();
+  EXPECT_THROW((void)AddFile(disc_, 2, path), HostError);
+  EXPECT_EQ(Image(), before);
+}
+
+TEST_F(AddFileTest, NamesThatTheMachineTakesForOneAreOne) {
+  EXPECT_EQ(Add("A[B", Pattern(5)), Outcome::kDone);
+  EXPECT_EQ(Add("a{b", Pattern(9)), Outcome::kDone);
+  EXPECT_EQ(Names(2), "a{b");
+}
+
 TEST_F(AddFileTest, ADirectoryIsNeverOverwrittenAndTheCallerGoesOn) {
   ImageBuilder image(640);
   image.AddDirectory(2, "GAMES");

@@ -17,8 +17,9 @@ namespace {
 
 using namespace testing;
 
-std::string Upper(std::string text) {
-  for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+// Names are compared with bit 5 of each letter set, and of each character in the letters' columns.
+std::string Folded(std::string text) {
+  for (char& c : text) c = c >= '@' ? static_cast<char>(c | 32) : c;
   return text;
 }
 
@@ -219,7 +220,7 @@ class MutationModelTest : public EngineTest {
     WriteText(path + ".INF", line);
     last_ += "add " + node->Name;
     const bool fits = node->Sectors() <= LargestRun();
-    const auto old = place.Dir->Children.find(Upper(node->Name));
+    const auto old = place.Dir->Children.find(Folded(node->Name));
     const bool exists = old != place.Dir->Children.end();
     host_.Overwrite = Pick(3) != 0;
     const Outcome result = AddFile(disc_, place.Sector, path);
@@ -234,7 +235,7 @@ class MutationModelTest : public EngineTest {
     if (exists && old->second->Locked && !host_.Overwrite) return;
     if (exists) place.Dir->Bump();
     place.Dir->Bump(node.get());
-    place.Dir->Children[Upper(node->Name)] = node;
+    place.Dir->Children[Folded(node->Name)] = node;
   }
 
   void Make(const Place& place) {
@@ -243,7 +244,7 @@ class MutationModelTest : public EngineTest {
     node->Name = node->Title = PickName();
     last_ += "mkdir " + node->Name;
     const bool fits = LargestRun() >= 5;
-    const bool exists = place.Dir->Children.count(Upper(node->Name)) != 0;
+    const bool exists = place.Dir->Children.count(Folded(node->Name)) != 0;
     const Outcome made = NewDirectory(disc_, place.Sector, node->Name).has_value()
                              ? Outcome::kDone
                              : Outcome::kRefused;
@@ -252,7 +253,7 @@ class MutationModelTest : public EngineTest {
     if (exists) return ExpectRefusal(made, "Directory " + node->Name + " Already Exists");
     place.Dir->Bump(node.get());
     ASSERT_EQ(made, Outcome::kDone);
-    place.Dir->Children[Upper(node->Name)] = node;
+    place.Dir->Children[Folded(node->Name)] = node;
   }
 
   // Deletes a directory's contents in the model. False if it stopped at a locked entry.
@@ -298,7 +299,7 @@ class MutationModelTest : public EngineTest {
       ASSERT_EQ(result, Outcome::kDone);
     }
     place.Dir->Bump();
-    place.Dir->Children.erase(Upper(name));
+    place.Dir->Children.erase(Folded(name));
   }
 
   // Deletes a file that isn't locked, so that its sectors become free.
@@ -309,7 +310,7 @@ class MutationModelTest : public EngineTest {
     const std::string name = node->Name;
     ASSERT_EQ(DeleteEntry(disc_, place.Sector, name, false, false), Outcome::kDone);
     place.Dir->Bump();
-    place.Dir->Children.erase(Upper(name));
+    place.Dir->Children.erase(Folded(name));
   }
 
   void Rename(const Place& place) {
@@ -322,15 +323,15 @@ class MutationModelTest : public EngineTest {
       return ExpectRefusal(result, std::string("Cannot Rename Locked ") +
                                        (node->IsDir ? "Directory : " : "File : ") + node->Name);
     }
-    if (place.Dir->Children.count(Upper(to)) != 0) {
+    if (place.Dir->Children.count(Folded(to)) != 0) {
       return ExpectRefusal(result, to + " Already Exists");
     }
     if (to == "B*D") {
       return ExpectRefusal(result, "File B*D Contains Illegal Characters");
     }
     ASSERT_EQ(result, Outcome::kDone);
-    auto held = place.Dir->Children.extract(Upper(node->Name));
-    held.key() = Upper(to);
+    auto held = place.Dir->Children.extract(Folded(node->Name));
+    held.key() = Folded(to);
     held.mapped()->Name = to;
     place.Dir->Bump(held.mapped().get());
     place.Dir->Children.insert(std::move(held));

@@ -1,6 +1,8 @@
 #include "disc/host/HostFile.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -80,6 +82,66 @@ TEST(RandomAccessFile, AFullDiscIsAnErrorAndNoEndlessLoop) {
   if (!fs::exists("/dev/full")) GTEST_SKIP() << "no full device on this machine";
   RandomAccessFile file("/dev/full", FileAccess::kWrite);
   EXPECT_THROW(file.WriteAt(0, Bytes(10)), HostError);
+}
+
+TEST(ReadHostBytes, AFileThatEndsTooSoonIsAnError) {
+  const TempFolder folder;
+  WriteText(folder / "file", "abcd");
+  EXPECT_EQ(ReadHostBytes(folder / "file", 1, 3), (Bytes{'b', 'c', 'd'}));
+  try {
+    (void)ReadHostBytes(folder / "file", 1, 4);
+    ADD_FAILURE() << "no error";
+  } catch (const HostError& error) {
+    EXPECT_EQ(error.SystemText(), "Unexpected end of file");
+  }
+}
+
+TEST(OutputFile, APipeThatNobodyReadsIsAnErrorAndNoEndlessWait) {
+  const TempFolder folder;
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  try {
+    (void)CreateOutputFile(folder / "pipe");
+    ADD_FAILURE() << "no error";
+  } catch (const HostError& error) {
+    EXPECT_EQ(std::string(error.what()), (folder / "pipe") + ": No such device or address");
+  }
+}
+
+TEST(OutputFile, RunsOfZerosBecomeHoles) {
+  const TempFolder folder;
+  Bytes bytes(1 << 20);
+  for (const std::size_t at : {5U, 500000U, 1048575U}) bytes[at] = 1;
+  for (const std::size_t length : {bytes.size(), bytes.size() - 1, std::size_t{499999}}) {
+    bytes.resize(length);
+    OutputFile file = CreateOutputFile(folder / "file");
+    file.WriteWithHoles(bytes);
+    file.Close();
+    EXPECT_EQ(ReadAll(folder / "file"), bytes);
+    struct stat info {};
+    ASSERT_EQ(::stat((folder / "file").c_str(), &info), 0);
+    EXPECT_LE(info.st_blocks, 64);
+  }
+}
+
+TEST(OutputFile, WhatOfTheOlderFileIsLostIsTold) {
+  const TempFolder folder;
+  const std::string path = folder / "file";
+  const auto lost = [&] {
+    OutputFile file = CreateOutputFile(path);
+    file.Write("new");
+    file.Close();
+    return file.Unkept();
+  };
+  EXPECT_EQ(lost(), "");
+  EXPECT_EQ(lost(), "");
+  fs::create_hard_link(path, folder / "second");
+  EXPECT_EQ(lost(), path + ": its other names (hard links) keep the old contents");
+  EXPECT_EQ(lost(), "");
+  if (::geteuid() != 0) return;
+  fs::permissions(folder.Path(), fs::perms::all);
+  fs::permissions(path, fs::perms::all);
+  const OrdinaryUser user;
+  EXPECT_EQ(lost(), path + ": its owner could not be kept");
 }
 
 TEST(AppendedFile, WhatIsWrittenGoesBehindWhatIsThere) {

@@ -81,6 +81,17 @@ TEST_F(StartTest, APathInQuotesIsOpened) {
   EXPECT_EQ(SettingsStore().GetString("Root"), FromHost(folder_ / "test.adl"));
 }
 
+TEST_F(StartTest, AFolderWithTheNameOfTheScratchDiscDoesNotKeepTheNamedImageFromOpening) {
+  std::filesystem::create_symlink("NewDisc.adl", folder_ / "NewDisc.adl");  // it can't be read
+  ImageBuilder image(2560);
+  image.AddFile(2, {"HELLO", {1, 2, 3}});
+  const auto former = std::filesystem::current_path();
+  std::filesystem::current_path(folder_.Path());
+  StartWith(image);
+  std::filesystem::current_path(former);
+  EXPECT_EQ(Names(), QStringList{QStringLiteral("HELLO")});
+}
+
 TEST_F(StartTest, APathWithoutQuotesLosesItsEndsAndTheScratchDiscStaysWithoutAMessage) {
   ImageBuilder image(2560);
   image.WriteInterleavedTo(folder_ / "test.adl");
