@@ -121,7 +121,7 @@ void WriteWhole(Disc& disc, const std::string& fileName, const std::vector<std::
 
 void SaveWholeMemory(Disc& disc, const std::string& fileName) {
   ClearedChanges changes(disc);
-  WriteWhole(fileName, disc.TheDisc.WholeFile());
+  WriteWhole(disc, fileName, disc.TheDisc.WholeFile());
   changes.Done();
 }
 
