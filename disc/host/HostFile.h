@@ -58,6 +58,8 @@ void CreateHostFolders(const std::string& path);
 // The names of all that is in a folder, hidden files included, in no order.
 [[nodiscard]] std::vector<std::string> ListHostFolder(const std::string& folder);
 
+// True if this program may make files in a folder.
+[[nodiscard]] bool HostFolderIsWritable(const std::string& folder);
 // Returns when the names in a folder are safe, also against a power cut: those of files that were
 // made there, put in place or deleted. A host that can't do that for a folder isn't an error.
 // HostError if the host fails.

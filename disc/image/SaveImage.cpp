@@ -194,7 +194,10 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
   if (whole || !overItself) CloseSaved(disc, output);
   progress.Close();
   // The next access opens the file of the store's name again, which is now the new one.
-  if (whole && overItself) disc.TheDisc.CloseFile();
+  if (whole && overItself) {
+    disc.TheDisc.CloseFile();
+    disc.TheDisc.NoteSaved();
+  }
   if (hasCompanion) {
     WriteCompanion(fileName, {disc.DiscTracks, disc.DiscHeads});
   }

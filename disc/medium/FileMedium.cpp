@@ -11,16 +11,30 @@ std::uint64_t PlaceOf(std::int32_t block) {
   return static_cast<std::uint64_t>(block) * Medium::kBlockSize;
 }
 
+std::string KindOfJournal(const FileIdentity& file) {
+  return "file-" + std::to_string(file.Volume) + "-" + std::to_string(file.File);
+}
+
 }  // namespace
 
 FileMedium::FileMedium(const std::string& path)
-    : file_(path, FileAccess::kCreateOrFallBack), journalPath_(RealHostPath(path) + "-journal") {}
+    : file_(path, FileAccess::kCreateOrFallBack),
+      journalPath_(RealHostPath(path) + "-journal"),
+      elsewhere_(KindOfJournal(file_.Identity())) {}
+
+JournalPlace* FileMedium::Journal() {
+  if (HostFolderIsWritable(HostFolderOf(journalPath_))) return &journal_;
+  return &elsewhere_;
+}
 
 std::vector<std::unique_ptr<JournalPlace>> FileMedium::OldJournals() {
   std::vector<std::unique_ptr<JournalPlace>> all;
   // A change can't be finished in a file that can't be written.
   if (file_.WriteError() != 0) return all;
   if (HostFileIsPlain(journalPath_)) all.push_back(std::make_unique<JournalFile>(journalPath_));
+  for (const std::string& path : StateJournal::FilesOf(KindOfJournal(file_.Identity()))) {
+    all.push_back(std::make_unique<JournalFile>(path));
+  }
   return all;
 }
 

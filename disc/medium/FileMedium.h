@@ -25,8 +25,9 @@ class FileMedium final : public Medium {
   [[nodiscard]] std::size_t WriteRun(std::int64_t offset,
                                      std::span<const std::uint8_t> bytes) override;
   void Sync() override { file_.Sync(); }
-  // Beside the file, with "-journal" behind its name.
-  [[nodiscard]] JournalPlace* Journal() override { return &journal_; }
+  // Beside the file, with "-journal" behind its name. If no file can be made there, in the user's
+  // state folder, with the file's identity in its name.
+  [[nodiscard]] JournalPlace* Journal() override;
   [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override;
   [[nodiscard]] std::int64_t EndOfData() const override;
   [[nodiscard]] std::int64_t LongestFile() const override;
@@ -44,6 +45,7 @@ class FileMedium final : public Medium {
   RandomAccessFile file_;
   std::string journalPath_;
   JournalFile journal_{journalPath_};
+  StateJournal elsewhere_;
 };
 
 }  // namespace sectorbox

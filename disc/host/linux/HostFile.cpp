@@ -112,6 +112,10 @@ void RandomAccessFile::Close() {
   if (const int error = file_.Close(); error != 0) ThrowHostError(path_, error);
 }
 
+bool HostFolderIsWritable(const std::string& folder) {
+  return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
 void SyncHostFolder(const std::string& folder) {
   OpenFileNumber opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   // A folder that may be written but not read can't be opened.

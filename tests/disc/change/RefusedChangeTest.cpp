@@ -1,6 +1,7 @@
 // Discs that aren't changed: those on which map and catalogue contradict each other, and those that
 // another program works on.
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 
@@ -13,6 +14,7 @@
 #include "disc/image/Resize.h"
 #include "disc/image/SaveImage.h"
 #include "tests/disc/EngineTest.h"
+#include "tests/support/OrdinaryUser.h"
 
 namespace sectorbox {
 namespace {
@@ -246,6 +248,41 @@ TEST_F(OtherProgramTest, AFloppyThatAnotherProgramHasReplacedIsNotReplacedAtTheE
   WriteAll(folder_ / "x.adf", Bytes(5000, 3));
   EXPECT_THROW(disc_.TheDisc.CloseFile(), HostError);
   EXPECT_EQ(ReadAll(folder_ / "x.adf"), Bytes(5000, 3));
+}
+
+TEST_F(OtherProgramTest, AHardDiscThatWasSavedOverItselfIsNoOtherPrograms) {
+  host_.ProgressRunning = &disc_.ProgressRunning;
+  OpenImage(disc_, folder_ / "x.dat");
+  ASSERT_EQ(Add("NEW", Pattern(700)), Outcome::kDone);
+  SaveImageTo(disc_, folder_ / "x.dat");
+  EXPECT_EQ(Add("MORE", Pattern(700)), Outcome::kDone);
+  disc_.TheDisc.CloseFile();
+  OpenImage(disc_, folder_ / "x.dat");
+  EXPECT_EQ(Names(2), "A MORE NEW");
+}
+
+TEST_F(OtherProgramTest, AHardDiscInAFolderThatCannotBeWrittenIsChangedAllTheSame) {
+  namespace fs = std::filesystem;
+  const std::string folder = folder_ / "shared";
+  fs::create_directory(folder);
+  hard_.WriteTo(folder + "/x.dat");
+  fs::permissions(folder + "/x.dat", fs::perms::all);
+  fs::permissions(folder_.Path(), fs::perms(0755));
+  fs::permissions(folder, fs::perms(0555));
+  const TempFolder state;
+  fs::permissions(state.Path(), fs::perms::all);
+  const std::string former = std::getenv("XDG_STATE_HOME");
+  ::setenv("XDG_STATE_HOME", state.Path().c_str(), 1);
+  {
+    const OrdinaryUser user;
+    OpenImage(disc_, folder + "/x.dat");
+    EXPECT_EQ(SetDirTitle(disc_, 2, "T"), Outcome::kDone);
+    disc_.TheDisc.CloseFile();
+  }
+  ::setenv("XDG_STATE_HOME", former.c_str(), 1);
+  fs::permissions(folder, fs::perms::all);
+  EXPECT_EQ(ReadTree(ReadAll(folder + "/x.dat")).Title, "T");
+  EXPECT_TRUE(fs::is_empty(state.Path() + "/sectorbox"));
 }
 
 class ResizeSafetyTest : public EngineTest {};
