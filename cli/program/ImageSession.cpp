@@ -43,7 +43,7 @@ void OpenForChanges(ImageSession& session, const std::string& image) {
     if (!lock.Take(image, session.Host.LockPatience())) {
       throw Failure(HostBaseName(image) + " is in use by another program");
     }
-    session.Open.TheDisc.Adopt(std::move(lock));
+    session.Open.TheDisc.Lock().Adopt(std::move(lock));
   }
   OpenForReading(session.Open, image);
 }

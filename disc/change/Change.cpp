@@ -79,13 +79,13 @@ void Change::Step(Disc& disc) {
 bool MayChange(Disc& disc) {
   if (disc.TheDisc.IsChanging()) return true;
   const std::string name = HostBaseName(disc.TheDisc.FileName());
-  switch (disc.TheDisc.LockForChanges()) {
-    case DiscImg::LockResult::kTaken:
+  switch (disc.TheDisc.Lock().Take(disc.Host.LockPatience())) {
+    case ImageLock::Result::kTaken:
       break;
-    case DiscImg::LockResult::kInUse:
+    case ImageLock::Result::kInUse:
       disc.Host.ShowMessage(name + " is in use by another program");
       return false;
-    case DiscImg::LockResult::kChanged:
+    case ImageLock::Result::kChanged:
       disc.Host.ShowMessage(name + " was changed by another program. Open it again");
       return false;
   }

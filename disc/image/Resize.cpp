@@ -13,6 +13,7 @@
 #include "disc/image/Session.h"
 #include "disc/medium/BlockJournal.h"
 #include "disc/medium/FileMedium.h"
+#include "disc/store/HeldBlocks.h"
 
 namespace sectorbox {
 namespace {
@@ -41,10 +42,10 @@ void ResizeLastRun(MapSectors& map, std::int32_t newSize) {
 
 // Through a journal, as every change.
 void WriteFirstBlock(FileMedium& file, const std::vector<std::uint8_t>& bytes) {
-  const NewBlocks blocks = {{0, {bytes, false, {}}}};
-  WriteJournal(*file.Journal(), file, blocks);
-  PutInPlace(file, blocks);
-  file.Journal()->Remove();
+  HeldBlocks change;
+  change.Begin(file, {});
+  change.WriteBlock(file, 0, {bytes, false, {}});
+  change.Commit(file, file.HostPath());
   file.Close();
 }
 
@@ -76,7 +77,7 @@ void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t track
   // If the image is open, blocks that wait in memory would later be written over the new map.
   if (disc.TheDisc.IsOpenMedium(fileName)) disc.TheDisc.CloseFile();
   FileLock lock;
-  const bool isOurs = disc.TheDisc.HasLockOn(fileName);
+  const bool isOurs = disc.TheDisc.Lock().IsOn(fileName);
   if (!isOurs && !lock.Take(fileName, disc.Host.LockPatience())) {
     disc.Host.ShowMessage(HostBaseName(fileName) + " is in use by another program");
     return;

@@ -144,7 +144,7 @@ void SaveImageAs(Disc& disc) {
 
 void SaveImageTo(Disc& disc, const std::string& fileName) {
   const bool isItself = disc.TheDisc.InMemory() && fileName == disc.TheDisc.FileName();
-  if (isItself && disc.TheDisc.WasReplacedOnHost() && !MayReplace(disc, fileName)) return;
+  if (isItself && disc.TheDisc.Lock().WasReplaced() && !MayReplace(disc, fileName)) return;
   const std::string former = disc.ImageName;
   disc.ImageName = fileName;
   try {
@@ -164,7 +164,7 @@ void SaveImageTo(Disc& disc, const std::string& fileName) {
     disc.ImageName = former;
     throw;
   }
-  if (isItself) disc.TheDisc.NoteSaved();
+  if (isItself) disc.TheDisc.Lock().NoteSave();
   disc.Host.RefreshCaption();
 }
 
@@ -196,7 +196,7 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
   // The next access opens the file of the store's name again, which is now the new one.
   if (whole && overItself) {
     disc.TheDisc.CloseFile();
-    disc.TheDisc.NoteSaved();
+    disc.TheDisc.Lock().NoteSave();
   }
   if (hasCompanion) {
     WriteCompanion(fileName, {disc.DiscTracks, disc.DiscHeads});

@@ -2,28 +2,32 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
-#include <span>
+#include <limits>
 
 namespace sectorbox {
 namespace {
 
 // A journal is
-//   8 bytes   "SBXJRNL1"
+//   8 bytes   "SBXJRNL2"
 //   8 bytes   how many bytes a block takes
-//   8 bytes   how many blocks follow; each is
+//   a record of each block:
 //     8 bytes     its number
 //     8 bytes     1 if only some of its bytes are written, else 0
-//     128 bytes   a bit for each byte that is written, if only some are
+//     128 bytes   a bit for each byte that is written
 //     4 x 8 bytes the sum of each sector as it stood on the medium; 0 for one that nobody could
 //     read the bytes of the block
+//   8 bytes   all ones: the end of the records
 //   8 bytes   the sum of all that stands before it
-// Numbers are little-endian. A file with any other length or sum is a torn journal.
-constexpr std::array<std::uint8_t, 8> kMark = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '1'};
+// Numbers are little-endian. Of two records of one block the later one counts. A file with any
+// other length or sum is a torn journal.
+constexpr std::array<std::uint8_t, 8> kMark = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '2'};
 constexpr std::size_t kNumber = 8;
-constexpr std::size_t kHeader = kMark.size() + 2 * kNumber;
+constexpr std::size_t kHeader = kMark.size() + kNumber;
 constexpr std::size_t kMask = Medium::kBlockSize / 8;
 constexpr std::size_t kSectorsOfBlock = 4;
+constexpr std::size_t kBeforeData = 2 * kNumber + kMask + kSectorsOfBlock * kNumber;
+constexpr std::uint64_t kEndOfRecords = std::numeric_limits<std::uint64_t>::max();
+constexpr std::size_t kPart = std::size_t{1} << 20;  // bytes read or written at once
 
 // The sums of the sectors of a block, before the change.
 using SectorSums = std::array<std::uint64_t, kSectorsOfBlock>;
@@ -33,11 +37,32 @@ struct Record {
   SectorSums Before{};
 };
 
-// FNV-1a over 64 bits. It is never 0, which stands for no sum.
-std::uint64_t SumOf(std::span<const std::uint8_t> bytes) {
-  std::uint64_t sum = 0xcbf29ce484222325;
+// Where the records of a journal lie, by their blocks.
+using Places = std::map<std::int32_t, std::int64_t>;
+
+// FNV-1a over 64 bits.
+constexpr std::uint64_t kEmptySum = 0xcbf29ce484222325;
+
+std::uint64_t AddToSum(std::uint64_t sum, std::span<const std::uint8_t> bytes) {
   for (const std::uint8_t byte : bytes) sum = (sum ^ byte) * 0x100000001b3;
-  return sum == 0 ? 1 : sum;
+  return sum;
+}
+
+// Never 0, which stands for no sum.
+std::uint64_t SumOf(std::span<const std::uint8_t> bytes) {
+  return std::max<std::uint64_t>(AddToSum(kEmptySum, bytes), 1);
+}
+
+std::uint64_t NumberIn(std::span<const std::uint8_t> bytes) {
+  std::uint64_t value = 0;
+  for (std::size_t i = 0; i < kNumber; ++i) value |= std::uint64_t{bytes[i]} << (8 * i);
+  return value;
+}
+
+std::uint64_t NumberAt(JournalPlace& place, std::int64_t offset) {
+  std::array<std::uint8_t, kNumber> bytes{};
+  place.ReadAt(offset, bytes);
+  return NumberIn(bytes);
 }
 
 std::span<const std::uint8_t> SectorOf(std::span<const std::uint8_t> block, std::size_t sector) {
@@ -51,100 +76,81 @@ SectorSums SumsOf(std::span<const std::uint8_t> block) {
   return sums;
 }
 
-class Writer {
- public:
-  void Number(std::uint64_t value) {
-    for (std::size_t i = 0; i < kNumber; ++i) {
-      Bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-    }
+std::array<std::uint8_t, kMask> MaskOf(const Medium::StoredBytes& stored) {
+  std::array<std::uint8_t, kMask> mask{};
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    if (stored[i]) mask[i / 8] = static_cast<std::uint8_t>(mask[i / 8] | 1U << (i % 8));
   }
-  void All(std::span<const std::uint8_t> bytes) {
-    Bytes.insert(Bytes.end(), bytes.begin(), bytes.end());
-  }
-  void Mask(const Medium::StoredBytes& stored) {
-    for (std::size_t i = 0; i < stored.size(); i += 8) {
-      unsigned bits = 0;
-      for (std::size_t bit = 0; bit < 8; ++bit) bits |= (stored[i + bit] ? 1U : 0U) << bit;
-      Bytes.push_back(static_cast<std::uint8_t>(bits));
-    }
-  }
+  return mask;
+}
 
-  std::vector<std::uint8_t> Bytes;
-};
+Medium::StoredBytes StoredOf(std::span<const std::uint8_t> mask) {
+  Medium::StoredBytes stored;
+  for (std::size_t i = 0; i < stored.size(); ++i) stored[i] = (mask[i / 8] >> (i % 8) & 1) != 0;
+  return stored;
+}
 
-// Reads from the front of a journal. What lies behind its end is missing, which Failed tells.
-class Reader {
- public:
-  explicit Reader(std::span<const std::uint8_t> bytes) : rest_(bytes) {}
-
-  std::span<const std::uint8_t> All(std::size_t size) {
-    if (size > rest_.size()) Failed = true;
-    if (Failed) return {};
-    const auto part = rest_.first(size);
-    rest_ = rest_.subspan(size);
-    return part;
-  }
-  std::uint64_t Number() {
-    std::uint64_t value = 0;
-    std::size_t shift = 0;
-    for (const std::uint8_t byte : All(kNumber)) {
-      value |= std::uint64_t{byte} << shift;
-      shift += 8;
-    }
-    return value;
-  }
-  Medium::StoredBytes Mask() {
-    Medium::StoredBytes stored;
-    std::size_t i = 0;
-    for (const std::uint8_t byte : All(kMask)) {
-      for (std::size_t bit = 0; bit < 8; ++bit) stored[i++] = (byte >> bit & 1) != 0;
-    }
-    return stored;
-  }
-  bool IsAtEnd() const { return rest_.empty(); }
-
-  bool Failed = false;
-
- private:
-  std::span<const std::uint8_t> rest_;
-};
-
-Record ReadRecord(Reader& reader, std::size_t blockBytes) {
+Record RecordAt(JournalPlace& place, std::int64_t offset, std::size_t blockBytes) {
+  std::vector<std::uint8_t> bytes(kBeforeData + blockBytes);
+  place.ReadAt(offset, bytes);
+  const std::span all(bytes);
   Record record;
-  record.Block.IsPartial = reader.Number() == 1;
-  if (record.Block.IsPartial) record.Block.Stored = reader.Mask();
-  for (std::uint64_t& sum : record.Before) sum = reader.Number();
-  const auto data = reader.All(blockBytes);
+  record.Block.IsPartial = NumberIn(all.subspan(kNumber)) == 1;
+  record.Block.Stored = StoredOf(all.subspan(2 * kNumber, kMask));
+  for (std::size_t i = 0; i < kSectorsOfBlock; ++i) {
+    record.Before[i] = NumberIn(all.subspan(2 * kNumber + kMask + i * kNumber));
+  }
+  const auto data = all.subspan(kBeforeData);
   record.Block.Data.assign(data.begin(), data.end());
   return record;
 }
 
-// The blocks of a whole journal for a medium with blocks of blockBytes; none if it is torn.
-std::optional<std::map<std::int32_t, Record>> ReadRecords(std::span<const std::uint8_t> bytes,
-                                                          std::size_t blockBytes) {
-  if (bytes.size() < kHeader + kNumber) return std::nullopt;
-  const auto summed = bytes.first(bytes.size() - kNumber);
-  if (Reader(bytes.last(kNumber)).Number() != SumOf(summed)) return std::nullopt;
-  Reader reader(summed);
-  if (!std::ranges::equal(reader.All(kMark.size()), kMark)) return std::nullopt;
-  if (reader.Number() != blockBytes) return std::nullopt;
-  std::map<std::int32_t, Record> records;
-  for (std::uint64_t count = reader.Number(); count > 0 && !reader.Failed; --count) {
-    const auto block = static_cast<std::int32_t>(reader.Number());
-    records[block] = ReadRecord(reader, blockBytes);
+// True if the last number of the journal is the sum of all that stands before it.
+bool HasItsSum(JournalPlace& place, std::int64_t length) {
+  const std::int64_t summed = length - static_cast<std::int64_t>(kNumber);
+  std::vector<std::uint8_t> part(kPart);
+  std::uint64_t sum = kEmptySum;
+  for (std::int64_t at = 0; at < summed; at += static_cast<std::int64_t>(kPart)) {
+    const auto rest = static_cast<std::size_t>(summed - at);
+    const auto bytes = std::span(part).first(std::min(kPart, rest));
+    place.ReadAt(at, bytes);
+    sum = AddToSum(sum, bytes);
   }
-  if (reader.Failed || !reader.IsAtEnd()) return std::nullopt;
-  return records;
+  return NumberAt(place, summed) == sum;
+}
+
+// The records of a whole journal for a medium with blocks of blockBytes; none if it is torn.
+std::optional<Places> FindRecords(JournalPlace& place, std::size_t blockBytes) {
+  const std::int64_t length = place.Length();
+  const auto record = static_cast<std::int64_t>(kBeforeData + blockBytes);
+  const std::int64_t end = length - static_cast<std::int64_t>(2 * kNumber);
+  const auto first = static_cast<std::int64_t>(kHeader);
+  if (end < first || (end - first) % record != 0 || !HasItsSum(place, length)) return std::nullopt;
+  std::array<std::uint8_t, kHeader> header{};
+  place.ReadAt(0, header);
+  if (!std::ranges::equal(std::span(header).first(kMark.size()), kMark)) return std::nullopt;
+  if (NumberIn(std::span(header).subspan(kMark.size())) != blockBytes) return std::nullopt;
+  if (NumberAt(place, end) != kEndOfRecords) return std::nullopt;
+  Places places;
+  for (std::int64_t at = first; at < end; at += record) {
+    const std::uint64_t block = NumberAt(place, at);
+    if (block > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
+      return std::nullopt;
+    }
+    places[static_cast<std::int32_t>(block)] = at;
+  }
+  return places;
 }
 
 // True if the medium is one that the change was going on with: each sector is as it was before or
 // after the change. One sector may be neither, since the write that was interrupted may have torn
 // it.
-bool Fits(Medium& medium, const std::map<std::int32_t, Record>& records) {
+bool Fits(Medium& medium, JournalPlace& place, const Places& places) {
   std::vector<std::uint8_t> now(medium.BlockLayout().BlockBytes);
   std::int32_t torn = 0;
   std::int32_t known = 0;
-  for (const auto& [block, record] : records) {
+  for (const auto& [block, at] : places) {
+    const Record record = RecordAt(place, at, now.size());
     if (record.Block.IsPartial || !medium.ReadBlock(block, now)) continue;
     for (std::size_t i = 0; i < kSectorsOfBlock; ++i) {
       if (record.Before[i] == 0) continue;
@@ -159,73 +165,120 @@ bool Fits(Medium& medium, const std::map<std::int32_t, Record>& records) {
   return torn <= std::min(known, 1);
 }
 
-// The longest row of whole blocks that follow each other is written as one run. Gives the first
-// block behind it.
-NewBlocks::const_iterator PutRow(Medium& medium, const NewBlocks& blocks,
-                                 NewBlocks::const_iterator first) {
-  constexpr std::size_t kLongestRow = std::size_t{1} << 20;
-  std::vector<std::uint8_t> row;
-  auto end = first;
-  std::int32_t block = first->first;
-  while (end != blocks.end() && end->first == block && !end->second.IsPartial &&
-         row.size() < kLongestRow) {
-    row.insert(row.end(), end->second.Data.begin(), end->second.Data.end());
-    ++end;
-    ++block;
+std::vector<std::int32_t> BlocksOf(const Places& places) {
+  std::vector<std::int32_t> blocks;
+  blocks.reserve(places.size());
+  for (const auto& [block, at] : places) blocks.push_back(block);
+  return blocks;
+}
+
+// A row of whole blocks that follow each other, which is written as one run.
+struct Row {
+  std::int32_t First = 0;
+  std::vector<std::uint8_t> Bytes;
+
+  [[nodiscard]] bool IsFollowedBy(std::int32_t block, std::size_t blockBytes) const {
+    return Bytes.size() < kPart &&
+           block == First + static_cast<std::int32_t>(Bytes.size() / blockBytes);
   }
-  const std::int64_t offset = std::int64_t{first->first} * Medium::kBlockSize;
-  const bool isPlain = medium.BlockLayout().Stride == 1;
-  if (isPlain && medium.WriteRun(offset, row) == row.size()) return end;
-  for (; first != end; ++first) medium.WriteBlock(first->first, first->second.Data);
-  return end;
+};
+
+void PutRow(Medium& medium, const Row& row) {
+  const auto [blockBytes, stride] = medium.BlockLayout();
+  const std::int64_t offset = std::int64_t{row.First} * Medium::kBlockSize;
+  if (stride == 1 && medium.WriteRun(offset, row.Bytes) == row.Bytes.size()) return;
+  std::int32_t block = row.First;
+  for (std::size_t at = 0; at < row.Bytes.size(); at += blockBytes) {
+    medium.WriteBlock(block++, std::span(row.Bytes).subspan(at, blockBytes));
+  }
 }
 
 }  // namespace
 
-void PutInPlace(Medium& medium, const NewBlocks& blocks) {
-  for (auto at = blocks.begin(); at != blocks.end();) {
-    if (at->second.IsPartial) {
-      medium.WriteStored(at->first, at->second.Data, at->second.Stored);
-      ++at;
-    } else {
-      at = PutRow(medium, blocks, at);
+void PutInPlace(Medium& medium, std::span<const std::int32_t> blocks,
+                const std::function<NewBlock(std::int32_t)>& give) {
+  const std::size_t blockBytes = medium.BlockLayout().BlockBytes;
+  Row row;
+  const auto put = [&] {
+    if (!row.Bytes.empty()) PutRow(medium, row);
+    row.Bytes.clear();
+  };
+  for (const std::int32_t block : blocks) {
+    const NewBlock bytes = give(block);
+    if (bytes.IsPartial) {
+      put();
+      medium.WriteStored(block, bytes.Data, bytes.Stored);
+      continue;
     }
+    if (!row.IsFollowedBy(block, blockBytes)) put();
+    if (row.Bytes.empty()) row.First = block;
+    row.Bytes.insert(row.Bytes.end(), bytes.Data.begin(), bytes.Data.end());
   }
+  put();
   medium.Sync();
 }
 
-void WriteJournal(JournalPlace& place, Medium& medium, const NewBlocks& blocks) {
-  const std::size_t blockBytes = medium.BlockLayout().BlockBytes;
-  std::vector<std::uint8_t> before(blockBytes);
-  Writer journal;
-  journal.Bytes.reserve(kHeader + blocks.size() * (blockBytes + 64) + kNumber);
-  journal.All(kMark);
-  journal.Number(blockBytes);
-  journal.Number(blocks.size());
-  for (const auto& [block, held] : blocks) {
-    journal.Number(static_cast<std::uint64_t>(block));
-    journal.Number(held.IsPartial ? 1 : 0);
-    if (held.IsPartial) journal.Mask(held.Stored);
-    const bool isKnown = !held.IsPartial && medium.ReadBlock(block, before);
-    for (const std::uint64_t sum : isKnown ? SumsOf(before) : SectorSums{}) journal.Number(sum);
-    journal.All(held.Data);
+JournalWriter::JournalWriter(JournalPlace& place, Medium& medium)
+    : place_(place), medium_(medium), before_(medium.BlockLayout().BlockBytes), sum_(kEmptySum) {
+  All(kMark);
+  Number(before_.size());
+}
+
+void JournalWriter::Add(std::int32_t block, const NewBlock& bytes) {
+  const std::int64_t at = appended_ + static_cast<std::int64_t>(waiting_.size());
+  const bool isKnown = !bytes.IsPartial && medium_.ReadBlock(block, before_);
+  Number(static_cast<std::uint64_t>(block));
+  Number(bytes.IsPartial ? 1 : 0);
+  All(MaskOf(bytes.Stored));
+  for (const std::uint64_t sum : isKnown ? SumsOf(before_) : SectorSums{}) Number(sum);
+  All(bytes.Data);
+  places_[block] = at;
+  if (waiting_.size() >= kPart) Append();
+}
+
+std::optional<NewBlock> JournalWriter::Find(std::int32_t block) {
+  const auto found = places_.find(block);
+  if (found == places_.end()) return std::nullopt;
+  if (!waiting_.empty()) Append();
+  return RecordAt(place_, found->second, before_.size()).Block;
+}
+
+void JournalWriter::Finish() {
+  Number(kEndOfRecords);
+  Number(AddToSum(sum_, waiting_));
+  Append();
+  place_.Sync();
+}
+
+void JournalWriter::Number(std::uint64_t value) {
+  for (std::size_t i = 0; i < kNumber; ++i) {
+    waiting_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
   }
-  journal.Number(SumOf(journal.Bytes));
-  place.Write(journal.Bytes);
+}
+
+void JournalWriter::All(std::span<const std::uint8_t> bytes) {
+  waiting_.insert(waiting_.end(), bytes.begin(), bytes.end());
+}
+
+void JournalWriter::Append() {
+  place_.Append(waiting_);
+  sum_ = AddToSum(sum_, waiting_);
+  appended_ += static_cast<std::int64_t>(waiting_.size());
+  waiting_.clear();
 }
 
 JournalEnd FinishJournal(JournalPlace& place, Medium& medium) {
-  const std::vector<std::uint8_t> bytes = place.Read();
-  if (bytes.empty()) return JournalEnd::kNone;
-  const auto records = ReadRecords(bytes, medium.BlockLayout().BlockBytes);
-  if (!records) {
+  if (place.Length() == 0) return JournalEnd::kNone;
+  const std::size_t blockBytes = medium.BlockLayout().BlockBytes;
+  const auto places = FindRecords(place, blockBytes);
+  if (!places) {
     place.Remove();
     return JournalEnd::kDropped;
   }
-  if (!Fits(medium, *records)) return JournalEnd::kForeign;
-  NewBlocks blocks;
-  for (const auto& [block, record] : *records) blocks[block] = record.Block;
-  PutInPlace(medium, blocks);
+  if (!Fits(medium, place, *places)) return JournalEnd::kForeign;
+  PutInPlace(medium, BlocksOf(*places), [&](std::int32_t block) {
+    return RecordAt(place, places->at(block), blockBytes).Block;
+  });
   place.Remove();
   return JournalEnd::kFinished;
 }

@@ -1,15 +1,19 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "disc/medium/JournalPlace.h"
 #include "disc/medium/Medium.h"
 
 // The journal of a change: the new bytes of blocks that the disc needed while the change was made.
-// It is written before any of these blocks is, so that a program that dies while it writes the
-// blocks can be finished later: the blocks are written once more.
+// It is whole before any of these blocks is written, so that a program that dies while it writes
+// the blocks can be finished later: the blocks are written once more.
 namespace sectorbox {
 
 // The new bytes of a block.
@@ -21,13 +25,42 @@ struct NewBlock {
   Medium::StoredBytes Stored;
 };
 
-using NewBlocks = std::map<std::int32_t, NewBlock>;
+// Writes a journal, and reads from it while it is written. No more than about a megabyte of it is
+// in memory.
+class JournalWriter {
+ public:
+  // Both outlive the writer.
+  JournalWriter(JournalPlace& place, Medium& medium);
 
-// Writes the blocks at their places and waits until they are safe. HostError if the host fails.
-void PutInPlace(Medium& medium, const NewBlocks& blocks);
+  // Adds a block. The medium doesn't have its new bytes yet. A block that is added again counts as
+  // it was added last. HostError if the host fails.
+  void Add(std::int32_t block, const NewBlock& bytes);
+  // The bytes of a block as they were added last; none if the block wasn't added.
+  [[nodiscard]] std::optional<NewBlock> Find(std::int32_t block);
+  // The blocks that were added, and where their records lie in the journal, in bytes.
+  [[nodiscard]] const std::map<std::int32_t, std::int64_t>& Blocks() const { return places_; }
+  // Makes the journal whole and waits until it is safe. HostError if the host fails.
+  void Finish();
 
-// Writes a journal with the blocks, which medium doesn't have yet, and waits until it is safe.
-void WriteJournal(JournalPlace& place, Medium& medium, const NewBlocks& blocks);
+ private:
+  void Number(std::uint64_t value);
+  void All(std::span<const std::uint8_t> bytes);
+  // Gives the place what waits in memory.
+  void Append();
+
+  JournalPlace& place_;
+  Medium& medium_;
+  std::map<std::int32_t, std::int64_t> places_;
+  std::vector<std::uint8_t> waiting_;
+  std::vector<std::uint8_t> before_;  // a block of the medium
+  std::int64_t appended_ = 0;         // bytes that place_ has
+  std::uint64_t sum_;                 // of these
+};
+
+// Writes blocks, in rising order, at their places and waits until they are safe. give gives the new
+// bytes of each. HostError if the host fails.
+void PutInPlace(Medium& medium, std::span<const std::int32_t> blocks,
+                const std::function<NewBlock(std::int32_t)>& give);
 
 enum class JournalEnd {
   kNone,      // there was no journal

@@ -8,18 +8,11 @@
 #include <vector>
 
 #include "disc/ask/StatusLine.h"
+#include "disc/medium/DiscBytes.h"
 #include "disc/medium/ImageRules.h"
 #include "disc/medium/Medium.h"
 
 namespace sectorbox {
-
-// A source of a disc's bytes. A byte outside the disc reads as zero.
-class DiscBytes {
- public:
-  virtual ~DiscBytes() = default;
-  // Fills all of bytes from a store offset on.
-  virtual void FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) = 0;
-};
 
 // Gives the track of the store that lies at a track of a double-sided image file. The store holds
 // side 0 and then side 1. An interleaved file holds track 0 of side 0, track 0 of side 1, track 1

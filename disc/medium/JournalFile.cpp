@@ -4,22 +4,43 @@
 
 namespace sectorbox {
 
-std::vector<std::uint8_t> JournalFile::Read() {
-  return HostFileIsPlain(path_) ? ReadHostFile(path_) : std::vector<std::uint8_t>();
+std::int64_t JournalFile::Length() {
+  if (written_) return *written_;
+  if (!file_.IsOpen()) {
+    if (!HostFileIsPlain(path_)) return 0;
+    file_.Open(path_, FileAccess::kRead);
+  }
+  return static_cast<std::int64_t>(file_.Length());
 }
 
-void JournalFile::Write(std::span<const std::uint8_t> bytes) {
-  // The file is new each time: a journal that is half written isn't whole, and an older one has
-  // served.
-  Remove();
-  RandomAccessFile file(path_, FileAccess::kCreate);
-  file.WriteAt(0, bytes);
-  file.Sync();
-  file.Close();
+void JournalFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  if (!file_.IsOpen()) file_.Open(path_, FileAccess::kRead);
+  if (file_.ReadAt(static_cast<std::uint64_t>(offset), bytes) != bytes.size()) {
+    throw HostError(path_, "Unexpected end of file");
+  }
+}
+
+void JournalFile::Append(std::span<const std::uint8_t> bytes) {
+  if (!written_) {
+    // The file is new each time: a journal that is half written isn't whole, and an older one has
+    // served.
+    Remove();
+    file_.Open(path_, FileAccess::kCreate);
+    written_ = 0;
+  }
+  file_.WriteAt(static_cast<std::uint64_t>(*written_), bytes);
+  *written_ += static_cast<std::int64_t>(bytes.size());
+}
+
+void JournalFile::Sync() {
+  if (!written_) return;
+  file_.Sync();
   SyncHostFolder(HostFolderOf(path_));
 }
 
 void JournalFile::Remove() {
+  file_ = {};
+  written_.reset();
   if (HostFileExists(path_)) DeleteHostFile(path_);
 }
 
@@ -38,26 +59,37 @@ std::vector<std::string> StateJournal::FilesOf(const std::string& kind) {
   return files;
 }
 
-std::vector<std::uint8_t> StateJournal::Read() {
-  return path_.empty() ? std::vector<std::uint8_t>() : JournalFile(path_).Read();
+std::int64_t StateJournal::Length() {
+  return file_ ? file_->Length() : 0;
 }
 
-void StateJournal::Write(std::span<const std::uint8_t> bytes) {
-  const std::string folder = HostStateFolder();
-  CreateHostFolders(folder);
-  // Another program, or another card that looks the same, may have a journal of this kind.
-  std::string path;
-  for (int number = 0; path.empty() || HostFileExists(path); ++number) {
-    path = JoinHostPath(folder, kind_ + "-" + std::to_string(number) + ".journal");
+void StateJournal::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  if (!file_) throw HostError(kind_, "Unexpected end of file");
+  file_->ReadAt(offset, bytes);
+}
+
+void StateJournal::Append(std::span<const std::uint8_t> bytes) {
+  if (!file_) {
+    const std::string folder = HostStateFolder();
+    CreateHostFolders(folder);
+    // Another program, or another card that looks the same, may have a journal of this kind.
+    std::string path;
+    for (int number = 0; path.empty() || HostFileExists(path); ++number) {
+      path = JoinHostPath(folder, kind_ + "-" + std::to_string(number) + ".journal");
+    }
+    file_.emplace(path);
   }
-  path_ = path;
-  JournalFile(path_).Write(bytes);
+  file_->Append(bytes);
+}
+
+void StateJournal::Sync() {
+  if (file_) file_->Sync();
 }
 
 void StateJournal::Remove() {
-  if (path_.empty()) return;
-  JournalFile(path_).Remove();
-  path_.clear();
+  if (!file_) return;
+  file_->Remove();
+  file_.reset();
 }
 
 }  // namespace sectorbox

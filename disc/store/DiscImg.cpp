@@ -9,16 +9,10 @@
 namespace sectorbox {
 namespace {
 
-// Only a run of at least this many bytes goes past the two blocks.
-constexpr std::size_t kSmallestRun = std::size_t{2} * DiscImg::kBlockSize;
 constexpr std::int32_t kTransferSectors = DiscImg::kTransferSize / CardMedium::kDeviceSector;
 
 std::size_t InBlock(std::int64_t offset) {
   return static_cast<std::size_t>(offset % DiscImg::kBlockSize);
-}
-
-std::int64_t OffsetOfBlock(std::int32_t block) {
-  return std::int64_t{block} * DiscImg::kBlockSize;
 }
 
 }  // namespace
@@ -39,11 +33,9 @@ void DiscImg::OpenFile(const std::string& fileName, DiscType type, std::int32_t 
                        std::int32_t heads, std::int32_t sectors) {
   if (!InMemory()) CloseFile();
   const bool isPartition = KindOf(type).IsPartition;
-  const bool isOther = medium_ == nullptr || request_.Name != fileName;
   OpenMedium(KindOf(type), isPartition ? MediumRequest{fileName, {}, tracks}
                                        : MediumRequest{fileName, {tracks, heads, sectors}, 0});
-  if (isOther && !lock_.IsOn(medium_->HostPath())) lock_.Release();
-  stamp_ = StampOfPath(medium_->HostPath());
+  lock_.NoteOpening(medium_->HostPath(), !InMemory() && !isPartition);
 }
 
 void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
@@ -54,36 +46,34 @@ void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
   request_ = request;
   inMemory_ = medium_->InMemory();
   memory_ = medium_->Memory();
-  layout_ = medium_->BlockLayout();
   suspended_ = false;
   mTracks = request_.Shape.Tracks;
   mNumSecs = medium_->DeviceSectors();
   ++openings_;
-  EmptySlots();
-  // A card has longer blocks than a file. A store that once had a card keeps the long blocks, and
-  // then also reads and writes that many bytes for each block of a file.
-  for (Slot& slot : slots_) slot.Data.resize(std::max(slot.Data.size(), layout_.BlockBytes));
+  // The change to a disc in memory that is dropped ends with it.
+  old_.End();
+  blocks_.Use(*medium_);
   Recover();
 }
 
 void DiscImg::CloseFile() {
   if (medium_ == nullptr) return;
   if (InMemory()) {
-    if (WasReplacedOnHost()) {
+    if (lock_.WasReplaced()) {
       throw HostError(request_.Name, "another program has changed it, so it isn't replaced");
     }
     medium_->Close();
-    NoteSaved();
+    lock_.NoteSave();
     return;
   }
   if (!medium_->IsOpen()) return;
   if (held_.IsSealed()) {
-    PlaceHeld();
+    held_.Place(*medium_, request_.Name);
   } else if (held_.IsActive()) {
     CommitChange();
   }
   WriteBack();
-  EmptySlots();
+  blocks_.Empty();
   suspended_ = true;
   medium_->Close();
 }
@@ -91,6 +81,10 @@ void DiscImg::CloseFile() {
 void DiscImg::Abandon() {
   if (!InMemory()) CloseFile();
   suspended_ = false;
+}
+
+void DiscImg::WriteBack() {
+  blocks_.WriteBack();
 }
 
 void DiscImg::Flush() {
@@ -108,82 +102,32 @@ bool DiscImg::ReadyForBlocks() {
   return medium_->IsReady();
 }
 
-// --- Other programs ------------------------------------------------------------------------------
-
-DiscImg::LockResult DiscImg::LockForChanges() {
-  if (medium_ == nullptr) return LockResult::kTaken;
-  const std::string path = medium_->HostPath();
-  if (path.empty() || lock_.IsOn(path)) return LockResult::kTaken;
-  if (!lock_.Take(path, rules_.LockPatience())) return LockResult::kInUse;
-  // What was read from a disc that is written in place may be out of date now. A disc in memory is
-  // compared with its file when it is saved.
-  const bool isFile = !InMemory() && !kind_->IsPartition;
-  if (!isFile || !stamp_ || stamp_ == StampOfPath(path)) return LockResult::kTaken;
-  lock_.Release();
-  return LockResult::kChanged;
-}
-
-bool DiscImg::WasReplacedOnHost() const {
-  const auto now = StampOfPath(request_.Name);
-  return now && now != stamp_;
-}
-
-void DiscImg::NoteSaved() {
-  stamp_ = StampOfPath(request_.Name);
-}
-
 // --- Changes -------------------------------------------------------------------------------------
 
 void DiscImg::BeginChange(std::vector<FreeRun> free) {
-  if (held_.IsSealed()) PlaceHeld();
+  if (InMemory()) {
+    old_.Begin();
+    return;
+  }
+  if (held_.IsSealed()) held_.Place(*medium_, request_.Name);
   // What was stored before belongs to no change.
-  if (!InMemory()) WriteBack();
-  held_.Begin(std::move(free));
-  formerFaults_ = WriteFaults();
+  blocks_.WriteBack();
+  held_.Begin(*medium_, std::move(free));
 }
 
 void DiscImg::CommitChange() {
+  old_.End();
   if (!held_.IsActive() || held_.IsSealed()) return;
-  if (!InMemory()) {
-    WriteBack();
-    if (held_.WroteFree()) medium_->Sync();
-    if (WriteFaults() != formerFaults_) {
-      throw HostError(request_.Name, "the card has failed, so nothing was changed");
-    }
-  }
-  if (held_.All().empty()) {
-    held_.End();
-    return;
-  }
-  if (JournalPlace* journal = medium_->Journal()) WriteJournal(*journal, *medium_, held_.All());
-  held_.Seal();
-  PlaceHeld();
-}
-
-void DiscImg::PlaceHeld() {
-  const std::int32_t former = WriteFaults();
-  PutInPlace(*medium_, held_.All());
-  JournalPlace* journal = medium_->Journal();
-  if (journal != nullptr && WriteFaults() != former) {
-    throw HostError(request_.Name,
-                    "the card has failed; the change will be finished when it is opened again");
-  }
-  if (journal != nullptr) journal->Remove();
-  held_.End();
-}
-
-std::int32_t DiscImg::WriteFaults() const {
-  return medium_ == nullptr ? 0 : medium_->WriteFaults();
+  blocks_.WriteBack();
+  held_.Commit(*medium_, request_.Name);
 }
 
 void DiscImg::DropChange() noexcept {
+  if (old_.IsActive()) old_.Restore(memory_);
+  old_.End();
   if (!held_.IsActive() || held_.IsSealed()) return;
-  if (InMemory()) {
-    held_.Restore(memory_);
-  } else {
-    EmptySlots();
-  }
-  held_.End();
+  blocks_.Empty();
+  held_.Drop();
 }
 
 void DiscImg::Recover() {
@@ -212,200 +156,6 @@ void DiscImg::Recover() {
         break;
     }
   }
-}
-
-void DiscImg::CopyHeld(std::int64_t offset, std::span<std::uint8_t> bytes) const {
-  const std::int64_t end = offset + static_cast<std::int64_t>(bytes.size());
-  const auto& all = held_.All();
-  auto at = all.lower_bound(static_cast<std::int32_t>(offset / kBlockSize));
-  for (; at != all.end() && OffsetOfBlock(at->first) < end; ++at) {
-    const std::int64_t first = std::max(OffsetOfBlock(at->first), offset);
-    const std::int64_t last = std::min(OffsetOfBlock(at->first) + kBlockSize, end);
-    for (std::int64_t i = first; i < last; ++i) {
-      bytes[static_cast<std::size_t>(i - offset)] = at->second.Data[InBlock(i) * layout_.Stride];
-    }
-  }
-}
-
-std::size_t DiscImg::AlikeAt(std::int32_t block, std::size_t size) const {
-  const std::size_t blocks = size / kBlockSize;
-  std::size_t count = 0;
-  const bool isFree = held_.WasFree(block);
-  while (count < blocks && held_.WasFree(block + static_cast<std::int32_t>(count)) == isFree) {
-    ++count;
-  }
-  return count * kBlockSize;
-}
-
-// --- The two blocks ------------------------------------------------------------------------------
-
-void DiscImg::EmptySlots() {
-  for (Slot& slot : slots_) {
-    slot.Block = -1;
-    slot.Dirty = false;
-    slot.Recent = false;
-  }
-}
-
-void DiscImg::WriteBack() {
-  for (Slot& slot : slots_) {
-    if (!slot.Dirty) continue;
-    WriteSlot(slot);
-    slot.Dirty = false;
-  }
-}
-
-void DiscImg::WriteSlot(Slot& slot) {
-  const std::size_t blockBytes = layout_.BlockBytes;
-  // All of Data is written. If it is longer than a block, its rest goes to the place of the next
-  // block, so the rest has to be what that block holds now.
-  if (slot.Data.size() > blockBytes) RefreshOverhang(slot);
-  const std::span<const std::uint8_t> data(slot.Data);
-  for (std::size_t at = 0; at < data.size(); at += blockBytes) {
-    const auto part = data.subspan(at, blockBytes);
-    const auto block = slot.Block + static_cast<std::int32_t>(at / blockBytes);
-    PutBlock(block, {{part.begin(), part.end()}, slot.ReadFailed, slot.Stored});
-  }
-}
-
-void DiscImg::PutBlock(std::int32_t block, NewBlock bytes) {
-  if (held_.IsActive() && !held_.WasFree(block)) {
-    held_.Hold(block, std::move(bytes));
-    return;
-  }
-  if (bytes.IsPartial) {
-    medium_->WriteStored(block, bytes.Data, bytes.Stored);
-  } else {
-    medium_->WriteBlock(block, bytes.Data);
-  }
-  held_.NoteWrite();
-  // Our own writes change the stamp.
-  stamp_.reset();
-}
-
-void DiscImg::RefreshOverhang(Slot& slot) {
-  const auto overhang = std::span(slot.Data).subspan(layout_.BlockBytes);
-  const Slot& other = slots_[&slot == &slots_[0] ? 1 : 0];
-  if (other.Block == slot.Block + 1) {
-    std::copy_n(other.Data.begin(), overhang.size(), overhang.begin());
-  } else if (const NewBlock* held = held_.Find(slot.Block + 1)) {
-    std::copy_n(held->Data.begin(), overhang.size(), overhang.begin());
-  } else {
-    // The user hears of a block that can't be read; its bytes are then what the medium gave.
-    (void)medium_->ReadBlock(slot.Block + 1, overhang);
-  }
-}
-
-// First in, first out: only reading a block sets Recent, and a later hit doesn't.
-DiscImg::Slot& DiscImg::ChooseVictim() {
-  if (slots_[0].Block == -1) return slots_[0];
-  if (slots_[1].Block == -1) return slots_[1];
-  return slots_[slots_[0].Recent ? 1 : 0];
-}
-
-DiscImg::Slot& DiscImg::LocateBlock(std::int64_t offset) {
-  const auto block = static_cast<std::int32_t>(offset / kBlockSize);
-  for (Slot& slot : slots_) {
-    if (slot.Block == block) return slot;
-  }
-  Slot& slot = ChooseVictim();
-  if (slot.Block != -1 && slot.Dirty) WriteSlot(slot);
-  slot.Block = -1;
-  slot.Dirty = false;
-  slot.Stored.reset();
-  slot.ReadFailed = !ReadBlock(slot, block);
-  slot.Block = block;
-  for (Slot& one : slots_) one.Recent = &one == &slot;
-  return slot;
-}
-
-bool DiscImg::ReadBlock(Slot& slot, std::int32_t block) {
-  const NewBlock* held = held_.Find(block);
-  if (held == nullptr) return medium_->ReadBlock(block, slot.Data);
-  std::copy(held->Data.begin(), held->Data.end(), slot.Data.begin());
-  slot.Stored = held->Stored;
-  return !held->IsPartial;
-}
-
-void DiscImg::FetchFromSlot(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  const Slot& slot = LocateBlock(offset);
-  const std::uint8_t* from = slot.Data.data() + InBlock(offset) * layout_.Stride;
-  if (layout_.Stride == 1) {
-    std::copy_n(from, bytes.size(), bytes.begin());
-    return;
-  }
-  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = from[i * layout_.Stride];
-}
-
-void DiscImg::StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  Slot& slot = LocateBlock(offset);
-  const std::size_t in = InBlock(offset);
-  std::uint8_t* to = slot.Data.data() + in * layout_.Stride;
-  if (layout_.Stride == 1) {
-    std::copy(bytes.begin(), bytes.end(), to);
-  } else {
-    for (std::size_t i = 0; i < bytes.size(); ++i) to[i * layout_.Stride] = bytes[i];
-  }
-  slot.Dirty = true;
-  if (!slot.ReadFailed) return;
-  for (std::size_t i = in; i < in + bytes.size(); ++i) slot.Stored.set(i);
-}
-
-std::size_t DiscImg::FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  if (InMemory() || offset < 0 || bytes.size() < kSmallestRun || !ReadyForBlocks()) return 0;
-  // The run ends in front of a held block that couldn't be read, so that nobody tries it again.
-  for (const Slot& slot : slots_) {
-    const std::int64_t at = OffsetOfBlock(slot.Block);
-    const bool isBad = slot.Block != -1 && slot.ReadFailed && at + kBlockSize > offset;
-    const std::int64_t room = std::max<std::int64_t>(at - offset, 0);
-    if (isBad) bytes = bytes.first(std::min(bytes.size(), static_cast<std::size_t>(room)));
-  }
-  const std::size_t run = medium_->ReadRun(offset, bytes);
-  CopyHeld(offset, bytes.first(run));
-  const std::int64_t end = offset + static_cast<std::int64_t>(run);
-  for (const Slot& slot : slots_) {
-    if (slot.Block == -1) continue;
-    const std::int64_t from = std::max(OffsetOfBlock(slot.Block), offset);
-    const std::int64_t to = std::min(OffsetOfBlock(slot.Block) + kBlockSize, end);
-    if (from >= to) continue;
-    FetchFromSlot(from, bytes.subspan(static_cast<std::size_t>(from - offset),
-                                      static_cast<std::size_t>(to - from)));
-  }
-  return run;
-}
-
-std::size_t DiscImg::StoreRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  // A slot that is longer than a block also writes to the next block, so all bytes go through the
-  // slots then.
-  const bool fits = slots_[0].Data.size() == layout_.BlockBytes;
-  if (InMemory() || bytes.size() < kSmallestRun || !fits) return 0;
-  const std::size_t run = WriteRun(offset, bytes);
-  const std::int64_t end = offset + static_cast<std::int64_t>(run);
-  for (Slot& slot : slots_) {
-    const std::int64_t at = OffsetOfBlock(slot.Block);
-    if (slot.Block == -1 || at < offset || at >= end) continue;
-    StoreToSlot(at, bytes.subspan(static_cast<std::size_t>(at - offset), kBlockSize));
-    slot.Dirty = false;
-  }
-  return run;
-}
-
-std::size_t DiscImg::WriteRun(std::int64_t offset, std::span<const std::uint8_t> bytes) {
-  stamp_.reset();
-  if (!held_.IsActive()) return medium_->WriteRun(offset, bytes);
-  if (offset < 0 || InBlock(offset) != 0 || layout_.Stride != 1) return 0;
-  const auto first = static_cast<std::int32_t>(offset / kBlockSize);
-  const auto part = bytes.first(AlikeAt(first, bytes.size()));
-  if (held_.WasFree(first)) {
-    held_.NoteWrite();
-    return medium_->WriteRun(offset, part);
-  }
-  for (std::size_t at = 0; at < part.size(); at += kBlockSize) {
-    const auto block = part.subspan(at, kBlockSize);
-    const auto number = first + static_cast<std::int32_t>(at / kBlockSize);
-    held_.Hold(number, {{block.begin(), block.end()}, false, {}});
-  }
-  return part.size();
 }
 
 // --- Bytes ---------------------------------------------------------------------------------------
@@ -437,16 +187,17 @@ void DiscImg::Store(std::int64_t offset, std::uint8_t value) {
 
 void DiscImg::FetchBytes(std::int64_t offset, std::span<std::uint8_t> bytes) {
   while (!bytes.empty()) {
-    std::size_t size = FetchRun(offset, bytes);
+    const bool holds = Holds(offset);
+    std::size_t size = holds && !InMemory() ? blocks_.FetchRun(offset, bytes) : 0;
     if (size == 0) {
       size = TogetherAt(offset, bytes.size());
       const auto part = bytes.first(size);
-      if (!Holds(offset)) {
+      if (!holds) {
         std::fill(part.begin(), part.end(), std::uint8_t{0});
       } else if (InMemory()) {
         std::copy_n(memory_.begin() + offset, size, part.begin());
       } else {
-        FetchFromSlot(offset, part);
+        blocks_.Fetch(offset, part);
       }
     }
     offset += static_cast<std::int64_t>(size);
@@ -459,17 +210,19 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
   if (!InMemory()) {
     if (!ReadyForBlocks()) return;
     bytes = medium_->Storable(offset, bytes);
+    lock_.NoteWrite();
   }
   while (!bytes.empty()) {
-    std::size_t size = StoreRun(offset, bytes);
+    const bool holds = Holds(offset);
+    std::size_t size = holds && !InMemory() ? blocks_.StoreRun(offset, bytes) : 0;
     if (size == 0) {
       size = TogetherAt(offset, bytes.size());
       const auto part = bytes.first(size);
-      if (Holds(offset) && InMemory()) {
-        if (held_.IsActive()) held_.KeepOld(memory_, static_cast<std::size_t>(offset), size);
+      if (holds && InMemory()) {
+        old_.Keep(memory_, static_cast<std::size_t>(offset), size);
         std::copy(part.begin(), part.end(), memory_.begin() + offset);
-      } else if (Holds(offset)) {
-        StoreToSlot(offset, part);
+      } else if (holds) {
+        blocks_.Store(offset, part);
       }
     }
     offset += static_cast<std::int64_t>(size);
@@ -522,14 +275,8 @@ std::int64_t DiscImg::EndOfData() {
   if (InMemory()) return static_cast<std::int64_t>(memory_.size());
   // What a card says of itself doesn't need its device.
   if (!medium_->IsReady() && !ReadyForBlocks()) return std::numeric_limits<std::int64_t>::max();
-  std::int64_t end = medium_->EndOfData();
-  for (const Slot& slot : slots_) {
-    if (slot.Dirty) end = std::max(end, OffsetOfBlock(slot.Block) + kBlockSize);
-  }
-  if (!held_.All().empty()) {
-    end = std::max(end, OffsetOfBlock(held_.All().rbegin()->first) + kBlockSize);
-  }
-  return end;
+  const std::int64_t held = std::int64_t{held_.LastBlock() + 1} * kBlockSize;
+  return std::max({medium_->EndOfData(), blocks_.EndOfChanges(), held});
 }
 
 std::int64_t DiscImg::LongestFile() {

@@ -3,17 +3,18 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "disc/host/FileLock.h"
 #include "disc/host/RawDevice.h"
-#include "disc/medium/FloppyMedium.h"
+#include "disc/medium/DiscBytes.h"
 #include "disc/medium/Medium.h"
 #include "disc/medium/MediumKinds.h"
 #include "disc/store/HeldBlocks.h"
+#include "disc/store/ImageLock.h"
+#include "disc/store/OldBytes.h"
+#include "disc/store/TwoBlocks.h"
 
 namespace sectorbox {
 
@@ -73,22 +74,9 @@ class DiscImg final : public DiscBytes {
   void WriteCFSector(std::int32_t sector, std::int32_t secs);
 
   // --- Other programs --------------------------------------------------------------------------
-  enum class LockResult {
-    kTaken,    // nobody else changes the disc until another one is opened
-    kInUse,    // another program has the lock
-    kChanged,  // another program has changed the disc since it was opened
-  };
-  // Locks the open disc's file or device, if it isn't locked yet, so that it can be changed.
-  [[nodiscard]] LockResult LockForChanges();
-  // True if the open disc holds the lock on the file that path names.
-  [[nodiscard]] bool HasLockOn(const std::string& path) const { return lock_.IsOn(path); }
-  // A lock on the file that is about to be opened, which the caller has taken before it is read.
-  void Adopt(FileLock lock) { lock_ = std::move(lock); }
-  // True if another program has changed or replaced the file of a disc in memory since it was read
-  // or saved here.
-  [[nodiscard]] bool WasReplacedOnHost() const;
-  // The disc has been saved in the file that it was opened from.
-  void NoteSaved();
+  // The lock on the open disc's file or device, and what other programs have done to it.
+  [[nodiscard]] ImageLock& Lock() { return lock_; }
+  [[nodiscard]] const ImageLock& Lock() const { return lock_; }
 
   // --- A change that is whole or not at all ----------------------------------------------------
   // Begins a change; Change (disc/change/Change.h) is the only caller. free are the disc's free
@@ -103,9 +91,11 @@ class DiscImg final : public DiscBytes {
   // Ends the change; the bytes are what they were when it began. Nothing happens if no change runs
   // or ChangeIsMade.
   void DropChange() noexcept;
-  [[nodiscard]] bool IsChanging() const { return held_.IsActive(); }
+  [[nodiscard]] bool IsChanging() const { return held_.IsActive() || old_.IsActive(); }
   [[nodiscard]] bool ChangeIsMade() const { return held_.IsSealed(); }
-  // Bytes of the blocks that the running change holds.
+  // A change holds no more than about so many bytes in memory, and the rest in its journal.
+  void HoldInMemory(std::size_t bytes) { held_.HoldInMemory(bytes); }
+  // Bytes that the running change holds; 0 for a disc in memory.
   [[nodiscard]] std::size_t HeldBytes() const { return held_.Bytes(); }
 
   // How many times a disc has been opened here.
@@ -159,54 +149,11 @@ class DiscImg final : public DiscBytes {
   [[nodiscard]] std::int64_t LongestFile();
 
  private:
-  struct Slot {
-    std::int32_t Block = -1;
-    std::vector<std::uint8_t> Data = std::vector<std::uint8_t>(kBlockSize);
-    bool Dirty = false;
-    bool Recent = false;
-    bool ReadFailed = false;
-    // The bytes that were stored since a failed read. Only these are written back, so that bytes
-    // that couldn't be read aren't overwritten with old bytes of Data.
-    Medium::StoredBytes Stored;
-  };
-
   void OpenMedium(const MediumKind& kind, const MediumRequest& request);
   // Opens the medium once more, as it was opened before.
   void Reopen();
-  // The slot with the block that holds offset; the block is read if no slot has it.
-  Slot& LocateBlock(std::int64_t offset);
-  // Reads a block as it is now: as the running change holds it, or else from the medium. The result
-  // is that of Medium::ReadBlock.
-  [[nodiscard]] bool ReadBlock(Slot& slot, std::int32_t block);
-  // Writes one block, without what lies behind it, or holds it for the running change.
-  void PutBlock(std::int32_t block, NewBlock bytes);
-  // Copies what the running change holds over bytes that were read from the medium.
-  void CopyHeld(std::int64_t offset, std::span<std::uint8_t> bytes) const;
-  // The longest front part of bytes, which begin with a block, that can be treated alike: all of
-  // its blocks were free when the change began, or none was.
-  [[nodiscard]] std::size_t AlikeAt(std::int32_t block, std::size_t size) const;
-  [[nodiscard]] std::int32_t WriteFaults() const;
-  // Puts the blocks of a sealed change in place.
-  void PlaceHeld();
   // Finishes or drops a change that an earlier program began.
   void Recover();
-  // The slot whose block makes room for another one.
-  Slot& ChooseVictim();
-  void WriteSlot(Slot& slot);
-  // Refreshes the bytes of a slot that lie behind its block.
-  void RefreshOverhang(Slot& slot);
-  void EmptySlots();
-  // Fetches a front part of bytes from the medium without the slots, then copies what the slots
-  // hold over it. Gives its length; 0 if the bytes have to be fetched block by block.
-  [[nodiscard]] std::size_t FetchRun(std::int64_t offset, std::span<std::uint8_t> bytes);
-  // Stores a front part of bytes, whole blocks, straight on the medium and into the slots that hold
-  // them. Gives its length; 0 if the bytes have to be stored block by block.
-  [[nodiscard]] std::size_t StoreRun(std::int64_t offset, std::span<const std::uint8_t> bytes);
-  // Writes a front part of bytes, whole blocks, or holds it for the running change. Gives its
-  // length.
-  [[nodiscard]] std::size_t WriteRun(std::int64_t offset, std::span<const std::uint8_t> bytes);
-  void FetchFromSlot(std::int64_t offset, std::span<std::uint8_t> bytes);
-  void StoreToSlot(std::int64_t offset, std::span<const std::uint8_t> bytes);
   // How many of want bytes from offset on lie together: in one block, in the image in memory, or
   // outside the disc.
   [[nodiscard]] std::size_t TogetherAt(std::int64_t offset, std::size_t want) const;
@@ -224,16 +171,14 @@ class DiscImg final : public DiscBytes {
   std::unique_ptr<Medium> medium_;  // null before the first OpenFile
   bool inMemory_ = true;            // as the medium says
   std::span<std::uint8_t> memory_;  // all bytes of a disc in memory, else empty
-  Medium::Layout layout_;           // of the medium's blocks
   bool suspended_ = false;  // closed by CloseFile, to be opened again at the next byte access
   std::array<std::uint8_t, kTransferSize> transfer_{};
-  std::array<Slot, 2> slots_;
+  // The running change of a disc that isn't in memory, and of one that is.
   HeldBlocks held_;
-  std::int32_t formerFaults_ = 0;  // the medium's WriteFaults when the change began
+  OldBytes old_;
+  TwoBlocks blocks_{held_};
   std::int64_t openings_ = 0;
-  FileLock lock_;
-  // The stamp of the file when the disc was opened or saved; none if it isn't known.
-  std::optional<FileStamp> stamp_;
+  ImageLock lock_;
 };
 
 }  // namespace sectorbox

@@ -36,12 +36,13 @@ struct FaultPlan {
   int Syncs = 0;
   bool Dead = false;  // after kLast and kCut: writes are lost without a word
   // Which blocks a power cut takes away: bit n stands for the blocks whose number is n modulo 8.
-  // Bit 8 stands for the removal of a journal.
+  // Bit 8 stands for the removal of a journal, or for one that was written.
   unsigned Lost = 0;
   // What stood in the blocks before they were written, since the last sync.
   std::map<std::int32_t, std::vector<std::uint8_t>> Unsynced;
   // The journal that was removed last, until another one is written.
   std::vector<std::uint8_t> RemovedJournal;
+  bool JournalIsSynced = true;
 
   [[nodiscard]] int Count() const {
     switch (What) {
@@ -155,29 +156,57 @@ class FaultyMedium final : public Medium {
   }
 
  private:
-  // The journal of the inner medium. Writing it and removing it are writes of the plan.
+  // The journal of the inner medium. Writing it and removing it are writes of the plan, and so on.
   class FaultyJournal final : public JournalPlace {
    public:
     explicit FaultyJournal(FaultyMedium& medium) : medium_(medium) {}
-    [[nodiscard]] std::vector<std::uint8_t> Read() override { return Inner().Read(); }
-    void Write(std::span<const std::uint8_t> bytes) override {
+    [[nodiscard]] std::int64_t Length() override { return Inner().Length(); }
+    void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) override {
+      if (medium_.Meets(FaultPlan::Operation::kRead, medium_.plan_.Reads)) Fail();
+      Inner().ReadAt(offset, bytes);
+    }
+    void Append(std::span<const std::uint8_t> bytes) override {
       medium_.Write(
           [&] {
-            Inner().Write(bytes);
+            Inner().Append(bytes);
+            medium_.plan_.JournalIsSynced = false;
             medium_.plan_.RemovedJournal.clear();
           },
-          [&] { Inner().Write(bytes.first(bytes.size() / 2)); });
+          [&] { Inner().Append(bytes.first(bytes.size() / 2)); });
+    }
+    void Sync() override {
+      if (medium_.Meets(FaultPlan::Operation::kSync, medium_.plan_.Syncs)) Fail();
+      if (medium_.plan_.Dead) return;
+      Inner().Sync();
+      medium_.plan_.JournalIsSynced = true;
     }
     void Remove() override {
       medium_.Write(
           [&] {
-            medium_.plan_.RemovedJournal = Inner().Read();
+            medium_.plan_.RemovedJournal = All();
             Inner().Remove();
           },
           [] {});
     }
+    // The power is cut: the removal of a journal is lost, or half of one that wasn't synced.
+    void LoseUnsynced() {
+      std::vector<std::uint8_t> left = medium_.plan_.RemovedJournal;
+      if (left.empty() && !medium_.plan_.JournalIsSynced) {
+        left = All();
+        left.resize(left.size() / 2);
+        Inner().Remove();
+      }
+      if (left.empty()) return;
+      Inner().Append(left);
+      Inner().Sync();
+    }
 
    private:
+    std::vector<std::uint8_t> All() {
+      std::vector<std::uint8_t> bytes(static_cast<std::size_t>(Inner().Length()));
+      if (!bytes.empty()) Inner().ReadAt(0, bytes);
+      return bytes;
+    }
     JournalPlace& Inner() { return *medium_.inner_->Journal(); }
 
     FaultyMedium& medium_;
@@ -217,9 +246,7 @@ class FaultyMedium final : public Medium {
     for (const auto& [block, old] : plan_.Unsynced) {
       if ((plan_.Lost >> (block % 8) & 1U) != 0) inner_->WriteBlock(block, old);
     }
-    if ((plan_.Lost >> 8 & 1U) != 0 && !plan_.RemovedJournal.empty()) {
-      inner_->Journal()->Write(plan_.RemovedJournal);
-    }
+    if ((plan_.Lost >> 8 & 1U) != 0) journal_.LoseUnsynced();
   }
 
   // The front half of a block is new, the rest is what stood there.

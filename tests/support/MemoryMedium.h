@@ -30,6 +30,14 @@ class MemoryMedium final : public Medium {
   void WriteBlock(std::int32_t block, std::span<const std::uint8_t> data) override {
     (*blocks_)[block].assign(data.begin(), data.begin() + kBlockSize);
   }
+  void WriteStored(std::int32_t block, std::span<const std::uint8_t> data,
+                   const StoredBytes& stored) override {
+    auto& bytes = (*blocks_)[block];
+    bytes.resize(kBlockSize);
+    for (std::size_t i = 0; i < stored.size(); ++i) {
+      if (stored[i]) bytes[i] = data[i];
+    }
+  }
   [[nodiscard]] std::int64_t EndOfData() const override {
     return blocks_->empty() ? 0 : (std::int64_t{blocks_->rbegin()->first} + 1) * kBlockSize;
   }

@@ -271,7 +271,9 @@ TEST_F(OtherProgramTest, AHardDiscInAFolderThatCannotBeWrittenIsChangedAllTheSam
   fs::permissions(folder, fs::perms(0555));
   const TempFolder state;
   fs::permissions(state.Path(), fs::perms::all);
-  const std::string former = std::getenv("XDG_STATE_HOME");
+  const char* former = std::getenv("XDG_STATE_HOME");
+  ASSERT_NE(former, nullptr);
+  const std::string formerState = former;
   ::setenv("XDG_STATE_HOME", state.Path().c_str(), 1);
   {
     const OrdinaryUser user;
@@ -279,7 +281,7 @@ TEST_F(OtherProgramTest, AHardDiscInAFolderThatCannotBeWrittenIsChangedAllTheSam
     EXPECT_EQ(SetDirTitle(disc_, 2, "T"), Outcome::kDone);
     disc_.TheDisc.CloseFile();
   }
-  ::setenv("XDG_STATE_HOME", former.c_str(), 1);
+  ::setenv("XDG_STATE_HOME", formerState.c_str(), 1);
   fs::permissions(folder, fs::perms::all);
   EXPECT_EQ(ReadTree(ReadAll(folder + "/x.dat")).Title, "T");
   EXPECT_TRUE(fs::is_empty(state.Path() + "/sectorbox"));

@@ -71,9 +71,12 @@ constexpr Operation kOperations[] = {
 struct Kind {
   const char* Name;
   sectorbox::DiscType Type;
+  std::size_t MostInMemory = std::size_t{1} << 20;
 };
 
-constexpr Kind kKinds[] = {{"Dat", kDat}, {"Card", kCF}};
+// What a change holds goes to memory on the first two, and nearly all of it to the journal on the
+// last one.
+constexpr Kind kKinds[] = {{"Dat", kDat}, {"Card", kCF}, {"DatBeyondMemory", kDat, 1024}};
 
 using Parameters = std::tuple<Operation, Kind>;
 
@@ -158,6 +161,7 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
     plan_ = {};
     Disc disc(host_, MakeHostDevice(), std::make_unique<FaultyMaker>(plan_));
     Open(disc);
+    disc.TheDisc.HoldInMemory(std::get<Kind>(GetParam()).MostInMemory);
     plan_ = plan;
     try {
       std::get<Operation>(GetParam()).Run(disc, folder_.Path());

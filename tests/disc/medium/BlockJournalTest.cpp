@@ -17,10 +17,13 @@ class BlockJournalTest : public ::testing::Test {
  protected:
   BlockJournalTest() {
     for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 1));
-    news_[1] = {Block(1, 2), false, {}};
-    news_[4] = {Block(4, 3), false, {}};
-    news_[5] = {Block(5, 4), false, {}};
-    WriteJournal(place_, medium_, news_);
+    JournalFile place(path_);
+    JournalWriter writer(place, medium_);
+    // Of two records of one block the later one counts.
+    for (const auto& [block, seed] : {std::pair{5, 9}, {1, 2}, {4, 3}, {5, 4}}) {
+      writer.Add(block, {Block(block, seed), false, {}});
+    }
+    writer.Finish();
     journal_ = ReadAll(path_);
   }
 
@@ -53,7 +56,6 @@ class BlockJournalTest : public ::testing::Test {
   std::shared_ptr<MemoryBlocks> blocks_ = std::make_shared<MemoryBlocks>();
   MemoryMedium medium_{blocks_};
   JournalFile place_{path_};
-  NewBlocks news_;
   Bytes journal_;
 };
 
@@ -110,12 +112,44 @@ TEST_F(BlockJournalTest, AJournalIsLeftAloneWhereAnotherProgramHasChangedTheDisc
   EXPECT_EQ(Now(1), changed);
 }
 
-TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreKept) {
+TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreWritten) {
   NewBlock partial{Block(2, 9), true, {}};
   partial.Stored.set(3);
   partial.Stored.set(1023);
-  WriteJournal(place_, medium_, {{2, partial}});
+  JournalFile place(path_);
+  JournalWriter writer(place, medium_);
+  writer.Add(2, partial);
+  EXPECT_TRUE(writer.Find(2)->IsPartial);
+  EXPECT_EQ(writer.Find(2)->Stored, partial.Stored);
+  writer.Finish();
   EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kFinished);
+  Bytes expected = Block(2, 1);
+  expected[3] = Block(2, 9)[3];
+  expected[1023] = Block(2, 9)[1023];
+  EXPECT_EQ(Now(2), expected);
+}
+
+TEST_F(BlockJournalTest, TheWriterGivesBackWhatWasAddedLast) {
+  JournalFile place(path_);
+  JournalWriter writer(place, medium_);
+  EXPECT_FALSE(writer.Find(3));
+  writer.Add(3, {Block(3, 5), false, {}});
+  EXPECT_EQ(writer.Find(3)->Data, Block(3, 5));
+  writer.Add(3, {Block(3, 6), false, {}});
+  EXPECT_EQ(writer.Find(3)->Data, Block(3, 6));
+  EXPECT_FALSE(writer.Find(2));
+}
+
+TEST_F(BlockJournalTest, AJournalWithoutItsEndIsDropped) {
+  for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 1));
+  JournalFile place(path_);
+  {
+    JournalWriter writer(place, medium_);
+    writer.Add(1, {Block(1, 2), false, {}});
+    EXPECT_TRUE(writer.Find(1));
+  }
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kDropped);
+  EXPECT_TRUE(IsOld());
 }
 
 }  // namespace
