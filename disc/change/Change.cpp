@@ -64,13 +64,20 @@ void Change::Commit() {
   TellMoves(disc_);
 }
 
+bool Change::MayStep(const Disc& disc) {
+  return disc.RunningChange != nullptr && disc.WholeChanges == 0 && !disc.TheDisc.InMemory();
+}
+
 bool Change::StepIsDue(const Disc& disc) {
-  return disc.RunningChange != nullptr && disc.WholeChanges == 0 &&
-         disc.TheDisc.HeldBytes() >= disc.StepBytes;
+  return MayStep(disc) && disc.TheDisc.HeldBytes() >= disc.StepBytes;
 }
 
 void Change::Step(Disc& disc) {
-  if (!StepIsDue(disc)) return;
+  if (StepIsDue(disc)) StepNow(disc);
+}
+
+void Change::StepNow(Disc& disc) {
+  if (!MayStep(disc)) return;
   disc.TheDisc.CommitChange();
   TellMoves(disc);
   disc.RunningChange->Begin();

@@ -36,11 +36,15 @@ class Change {
 
   // Ends the change. Of a Change that has joined another one, that one's Commit counts.
   void Commit();
+  // True if parts of the running change may be made safe, and if the disc isn't in memory.
+  [[nodiscard]] static bool MayStep(const Disc& disc);
   // True if so much has been done that Step would make it safe.
   [[nodiscard]] static bool StepIsDue(const Disc& disc);
   // Makes safe what the running change of the disc has done so far, if that is much. The change
   // goes on. The disc has to be sound at this moment: its map and catalogue agree.
   static void Step(Disc& disc);
+  // The same, however much has been done, if MayStep.
+  static void StepNow(Disc& disc);
 
  private:
   void Begin();

@@ -39,6 +39,8 @@ struct ObjectRecord {
 // The largest disc has about this many sectors, so it can't hold more objects. A damaged disc may
 // seem to.
 constexpr std::size_t kMaxObjects = 0x210000;
+// Moving objects into a hole of so many sectors saves more than the end of a part costs.
+constexpr std::int32_t kLargeHole = 8192;
 // Objects that move together are copied when they are at least this many bytes.
 constexpr std::int32_t kMoveSize = 1048576;
 
@@ -181,7 +183,8 @@ class Mover {
       if (object.Start != next) {
         // An object without sectors of its own may lie where others have moved away.
         const bool mayEnd = !oneByOne_ && object.Sectors > 0;
-        if (mayEnd && Change::StepIsDue(disc_)) EndPart(next, object.Start);
+        if (mayEnd && PartShouldEnd(object, next)) EndPart(next, object.Start);
+        if (hole_.Length == 0) hole_ = {next, object.Start - next};
         Move(object, next);
       }
       next += object.Sectors;
@@ -217,7 +220,18 @@ class Mover {
     moves_[old] = to;
     const auto children = children_.find(old);
     if (children == children_.end()) return;
-    for (ObjectRecord* child : children->second) child->Parent = to;
+    for (ObjectRecord* child : children->second) {
+      child->Parent = to;
+      if (!child->IsFile) orphans_.push_back(child);
+    }
+  }
+
+  // A part ends when it holds much. It also ends when the hole that it began with is used up, if
+  // that was large: what is moved into free sectors needn't be held.
+  bool PartShouldEnd(const ObjectRecord& object, std::int32_t to) const {
+    if (Change::StepIsDue(disc_)) return true;
+    const bool isUsedUp = to > hole_.Start && to + object.Sectors > hole_.Start + hole_.Length;
+    return hole_.Length >= kLargeHole && isUsedUp && Change::MayStep(disc_);
   }
 
   // Makes safe what has been moved so far. The objects from here on lie where they lay.
@@ -229,14 +243,14 @@ class Mover {
     // Sectors that belonged to nothing may have become one run more than the map has room for.
     if (runs.size() > static_cast<std::size_t>(kMapEntries)) return;
     WriteEntries();
-    KeepOldParents();
-    WriteParents();
+    WriteNewParents();
     KeepFreeRuns(disc_, runs);
     WriteFreeMap(disc_);
     mapWasWritten_ = true;
     disc_.ImageChanged = true;
     NoteMoves();
-    Change::Step(disc_);
+    Change::StepNow(disc_);
+    hole_ = runs.front();
   }
 
   void WriteOneRun(std::int32_t start) {
@@ -250,13 +264,16 @@ class Mover {
     WriteMap(disc_, map);
   }
 
-  // Keeps the parents of the directories that haven't moved yet, but whose parents have.
-  void KeepOldParents() {
-    for (ObjectRecord& object : objects_) {
-      if (object.IsFile || object.HasMoved || object.OldParent) continue;
-      const std::int32_t parent = DirectoryAt(disc_, object.Start).Parent();
-      if (parent != object.Parent) object.OldParent = parent;
+  // Writes the parents of the directories whose parents have moved in this part. Keeps the old ones
+  // of those that haven't moved themselves yet.
+  void WriteNewParents() {
+    for (ObjectRecord* object : orphans_) {
+      if (!object->HasMoved && !object->OldParent) {
+        object->OldParent = DirectoryAt(disc_, object->Start).Parent();
+      }
+      WriteParent(object->Start, object->Parent);
     }
+    orphans_.clear();
   }
 
   void WriteParents() {
@@ -328,6 +345,10 @@ class Mover {
   std::vector<ObjectRecord>& objects_;
   std::unordered_map<std::int32_t, std::vector<ObjectRecord*>> children_;
   std::map<std::int32_t, std::int32_t> moves_;
+  // Directories whose parents have moved since the last part.
+  std::vector<ObjectRecord*> orphans_;
+  // The hole that this part began with; of no length before the first move.
+  FreeRun hole_;
   MovingRun run_;
   // Moved objects whose entries aren't written yet, by the present sector of the directory that
   // lists them.

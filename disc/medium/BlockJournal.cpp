@@ -28,6 +28,7 @@ constexpr std::size_t kSectorsOfBlock = 4;
 constexpr std::size_t kBeforeData = 2 * kNumber + kMask + kSectorsOfBlock * kNumber;
 constexpr std::uint64_t kEndOfRecords = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t kPart = std::size_t{1} << 20;  // bytes read or written at once
+constexpr std::int64_t kReadAhead = 262144;
 
 // The sums of the sectors of a block, before the change.
 using SectorSums = std::array<std::uint64_t, kSectorsOfBlock>;
@@ -40,23 +41,29 @@ struct Record {
 // Where the records of a journal lie, by their blocks.
 using Places = std::map<std::int32_t, std::int64_t>;
 
-// FNV-1a over 64 bits.
+std::uint64_t NumberIn(std::span<const std::uint8_t> bytes) {
+  // Compilers make one load of this.
+  return std::uint64_t{bytes[0]} | std::uint64_t{bytes[1]} << 8 | std::uint64_t{bytes[2]} << 16 |
+         std::uint64_t{bytes[3]} << 24 | std::uint64_t{bytes[4]} << 32 |
+         std::uint64_t{bytes[5]} << 40 | std::uint64_t{bytes[6]} << 48 |
+         std::uint64_t{bytes[7]} << 56;
+}
+
 constexpr std::uint64_t kEmptySum = 0xcbf29ce484222325;
 
+// bytes are whole numbers of 8 bytes, as all parts of a journal are. As in FNV-1a each step mixes
+// one number into the sum; the shift brings its upper half to where the next step spreads it again.
 std::uint64_t AddToSum(std::uint64_t sum, std::span<const std::uint8_t> bytes) {
-  for (const std::uint8_t byte : bytes) sum = (sum ^ byte) * 0x100000001b3;
+  for (std::size_t at = 0; at + kNumber <= bytes.size(); at += kNumber) {
+    sum = (sum ^ NumberIn(bytes.subspan(at, kNumber))) * 0x100000001b3;
+    sum ^= sum >> 32;
+  }
   return sum;
 }
 
 // Never 0, which stands for no sum.
 std::uint64_t SumOf(std::span<const std::uint8_t> bytes) {
   return std::max<std::uint64_t>(AddToSum(kEmptySum, bytes), 1);
-}
-
-std::uint64_t NumberIn(std::span<const std::uint8_t> bytes) {
-  std::uint64_t value = 0;
-  for (std::size_t i = 0; i < kNumber; ++i) value |= std::uint64_t{bytes[i]} << (8 * i);
-  return value;
 }
 
 std::uint64_t NumberAt(JournalPlace& place, std::int64_t offset) {
@@ -78,6 +85,7 @@ SectorSums SumsOf(std::span<const std::uint8_t> block) {
 
 std::array<std::uint8_t, kMask> MaskOf(const Medium::StoredBytes& stored) {
   std::array<std::uint8_t, kMask> mask{};
+  if (stored.none()) return mask;
   for (std::size_t i = 0; i < stored.size(); ++i) {
     if (stored[i]) mask[i / 8] = static_cast<std::uint8_t>(mask[i / 8] | 1U << (i % 8));
   }
@@ -86,14 +94,12 @@ std::array<std::uint8_t, kMask> MaskOf(const Medium::StoredBytes& stored) {
 
 Medium::StoredBytes StoredOf(std::span<const std::uint8_t> mask) {
   Medium::StoredBytes stored;
+  if (std::ranges::count(mask, 0) == std::ranges::ssize(mask)) return stored;
   for (std::size_t i = 0; i < stored.size(); ++i) stored[i] = (mask[i / 8] >> (i % 8) & 1) != 0;
   return stored;
 }
 
-Record RecordAt(JournalPlace& place, std::int64_t offset, std::size_t blockBytes) {
-  std::vector<std::uint8_t> bytes(kBeforeData + blockBytes);
-  place.ReadAt(offset, bytes);
-  const std::span all(bytes);
+Record RecordIn(std::span<const std::uint8_t> all) {
   Record record;
   record.Block.IsPartial = NumberIn(all.subspan(kNumber)) == 1;
   record.Block.Stored = StoredOf(all.subspan(2 * kNumber, kMask));
@@ -103,6 +109,12 @@ Record RecordAt(JournalPlace& place, std::int64_t offset, std::size_t blockBytes
   const auto data = all.subspan(kBeforeData);
   record.Block.Data.assign(data.begin(), data.end());
   return record;
+}
+
+Record RecordAt(JournalPlace& place, std::int64_t offset, std::size_t blockBytes) {
+  std::vector<std::uint8_t> bytes(kBeforeData + blockBytes);
+  place.ReadAt(offset, bytes);
+  return RecordIn(bytes);
 }
 
 // True if the last number of the journal is the sum of all that stands before it.
@@ -172,6 +184,49 @@ std::vector<std::int32_t> BlocksOf(const Places& places) {
   return blocks;
 }
 
+// Reads what the medium holds of blocks, in rising order, and as many of them at once as follow
+// each other.
+class Before {
+ public:
+  Before(Medium& medium, const NewBlocks& blocks)
+      : medium_(medium), blocks_(blocks), blockBytes_(medium.BlockLayout().BlockBytes) {}
+
+  // None if the bytes can't be read, or if the block is new in part only.
+  std::span<const std::uint8_t> Of(std::int32_t block, const NewBlock& bytes) {
+    if (bytes.IsPartial) return {};
+    if (block < first_ || block >= first_ + count_) ReadRow(block);
+    if (count_ == 0) return {};
+    const auto at = static_cast<std::size_t>(block - first_) * blockBytes_;
+    return std::span(row_).subspan(at, blockBytes_);
+  }
+
+ private:
+  void ReadRow(std::int32_t block) {
+    first_ = block;
+    count_ = 1;
+    const bool isPlain = medium_.BlockLayout().Stride == 1;
+    const auto most = isPlain ? static_cast<std::int32_t>(kPart / blockBytes_) : 1;
+    auto next = std::next(blocks_.find(block));
+    for (; count_ < most && next != blocks_.end(); ++next, ++count_) {
+      if (next->first != first_ + count_ || next->second.IsPartial) break;
+    }
+    row_.resize(static_cast<std::size_t>(count_) * blockBytes_);
+    if (count_ > 1 &&
+        medium_.ReadRun(std::int64_t{block} * Medium::kBlockSize, row_) == row_.size()) {
+      return;
+    }
+    row_.resize(blockBytes_);
+    count_ = medium_.ReadBlock(block, row_) ? 1 : 0;
+  }
+
+  Medium& medium_;
+  const NewBlocks& blocks_;
+  std::size_t blockBytes_;
+  std::vector<std::uint8_t> row_;
+  std::int32_t first_ = 0;
+  std::int32_t count_ = 0;
+};
+
 // A row of whole blocks that follow each other, which is written as one run.
 struct Row {
   std::int32_t First = 0;
@@ -219,18 +274,26 @@ void PutInPlace(Medium& medium, std::span<const std::int32_t> blocks,
 }
 
 JournalWriter::JournalWriter(JournalPlace& place, Medium& medium)
-    : place_(place), medium_(medium), before_(medium.BlockLayout().BlockBytes), sum_(kEmptySum) {
+    : place_(place),
+      medium_(medium),
+      sum_(kEmptySum),
+      blockBytes_(medium.BlockLayout().BlockBytes) {
   All(kMark);
-  Number(before_.size());
+  Number(blockBytes_);
 }
 
-void JournalWriter::Add(std::int32_t block, const NewBlock& bytes) {
+void JournalWriter::Add(const NewBlocks& blocks) {
+  Before before(medium_, blocks);
+  for (const auto& [block, bytes] : blocks) AddOne(block, bytes, before.Of(block, bytes));
+}
+
+void JournalWriter::AddOne(std::int32_t block, const NewBlock& bytes,
+                           std::span<const std::uint8_t> before) {
   const std::int64_t at = appended_ + static_cast<std::int64_t>(waiting_.size());
-  const bool isKnown = !bytes.IsPartial && medium_.ReadBlock(block, before_);
   Number(static_cast<std::uint64_t>(block));
   Number(bytes.IsPartial ? 1 : 0);
   All(MaskOf(bytes.Stored));
-  for (const std::uint64_t sum : isKnown ? SumsOf(before_) : SectorSums{}) Number(sum);
+  for (const std::uint64_t sum : before.empty() ? SectorSums{} : SumsOf(before)) Number(sum);
   All(bytes.Data);
   places_[block] = at;
   if (waiting_.size() >= kPart) Append();
@@ -240,7 +303,20 @@ std::optional<NewBlock> JournalWriter::Find(std::int32_t block) {
   const auto found = places_.find(block);
   if (found == places_.end()) return std::nullopt;
   if (!waiting_.empty()) Append();
-  return RecordAt(place_, found->second, before_.size()).Block;
+  const std::int64_t at = found->second;
+  const auto record = static_cast<std::int64_t>(kBeforeData + blockBytes_);
+  const std::int64_t end = windowAt_ + static_cast<std::int64_t>(window_.size());
+  if (at < windowAt_ || at + record > end) {
+    // Whoever reads on from the last record will read more.
+    const std::int64_t most = at == nextFind_ ? kReadAhead : record;
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(most, appended_ - at)));
+    place_.ReadAt(at, bytes);
+    window_ = std::move(bytes);
+    windowAt_ = at;
+  }
+  nextFind_ = at + record;
+  const auto bytes = std::span(window_).subspan(static_cast<std::size_t>(at - windowAt_));
+  return RecordIn(bytes.first(static_cast<std::size_t>(record))).Block;
 }
 
 void JournalWriter::Finish() {
@@ -251,9 +327,9 @@ void JournalWriter::Finish() {
 }
 
 void JournalWriter::Number(std::uint64_t value) {
-  for (std::size_t i = 0; i < kNumber; ++i) {
-    waiting_.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-  }
+  std::array<std::uint8_t, kNumber> bytes{};
+  for (std::size_t i = 0; i < kNumber; ++i) bytes[i] = static_cast<std::uint8_t>(value >> (8 * i));
+  All(bytes);
 }
 
 void JournalWriter::All(std::span<const std::uint8_t> bytes) {

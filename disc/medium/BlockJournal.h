@@ -25,6 +25,8 @@ struct NewBlock {
   Medium::StoredBytes Stored;
 };
 
+using NewBlocks = std::map<std::int32_t, NewBlock>;
+
 // Writes a journal, and reads from it while it is written. No more than about a megabyte of it is
 // in memory.
 class JournalWriter {
@@ -32,9 +34,9 @@ class JournalWriter {
   // Both outlive the writer.
   JournalWriter(JournalPlace& place, Medium& medium);
 
-  // Adds a block. The medium doesn't have its new bytes yet. A block that is added again counts as
+  // Adds blocks. The medium doesn't have their new bytes yet. A block that is added again counts as
   // it was added last. HostError if the host fails.
-  void Add(std::int32_t block, const NewBlock& bytes);
+  void Add(const NewBlocks& blocks);
   // The bytes of a block as they were added last; none if the block wasn't added.
   [[nodiscard]] std::optional<NewBlock> Find(std::int32_t block);
   // The blocks that were added, and where their records lie in the journal, in bytes.
@@ -43,6 +45,8 @@ class JournalWriter {
   void Finish();
 
  private:
+  // Adds one block; before are its bytes on the medium, or none if nobody can read them.
+  void AddOne(std::int32_t block, const NewBlock& bytes, std::span<const std::uint8_t> before);
   void Number(std::uint64_t value);
   void All(std::span<const std::uint8_t> bytes);
   // Gives the place what waits in memory.
@@ -52,9 +56,13 @@ class JournalWriter {
   Medium& medium_;
   std::map<std::int32_t, std::int64_t> places_;
   std::vector<std::uint8_t> waiting_;
-  std::vector<std::uint8_t> before_;  // a block of the medium
-  std::int64_t appended_ = 0;         // bytes that place_ has
-  std::uint64_t sum_;                 // of these
+  std::int64_t appended_ = 0;  // bytes that place_ has
+  std::uint64_t sum_;          // of these
+  std::size_t blockBytes_;
+  // The part of the journal that Find read last, and where it lies.
+  std::vector<std::uint8_t> window_;
+  std::int64_t windowAt_ = 0;
+  std::int64_t nextFind_ = 0;  // the place of the record behind the one that was found last
 };
 
 // Writes blocks, in rising order, at their places and waits until they are safe. give gives the new

@@ -56,7 +56,7 @@ struct Disc : private ImageRules {
   // safe before its end (Change.h).
   std::int32_t WholeChanges = 0;
   // A long change is made safe in parts of about this many bytes, so that no more has to be held.
-  std::size_t StepBytes = std::size_t{8} << 20;
+  std::size_t StepBytes = std::size_t{32} << 20;
   // What FindContradiction has found (Agreement.h), and the opening of the disc that it holds for.
   std::string Contradiction;
   std::int64_t ComparedAt = -1;

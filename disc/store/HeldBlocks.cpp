@@ -54,7 +54,7 @@ void HeldBlocks::Commit(Medium& medium, const std::string& name) {
   if (!journal_) place_ = medium.Journal();
   if (place_ != nullptr) {
     if (!journal_) journal_.emplace(*place_, medium);
-    for (const auto& [block, bytes] : inMemory_) journal_->Add(block, bytes);
+    journal_->Add(inMemory_);
     journal_->Finish();
   }
   sealed_ = true;
@@ -126,7 +126,7 @@ void HeldBlocks::Hold(Medium& medium, std::int32_t block, NewBlock bytes) {
 }
 
 void HeldBlocks::MoveToJournal() {
-  for (const auto& [block, bytes] : inMemory_) journal_->Add(block, bytes);
+  journal_->Add(inMemory_);
   inMemory_.clear();
 }
 

@@ -18,7 +18,7 @@ namespace sectorbox {
 // the disc needed when it began is written to the medium: its new bytes are held. A block that was
 // free then is written at once, since nothing on the disc points at it.
 //
-// Up to about 12 MB are held in memory, more in the journal, which the change writes at its end
+// Up to about 16 MB are held in memory, more in the journal, which the change writes at its end
 // anyway.
 //
 // The caller gives the same medium to all calls from Begin to the end of the change. What is read
@@ -73,13 +73,13 @@ class HeldBlocks {
   void MoveToJournal();
   void End();
 
-  std::size_t mostInMemory_ = std::size_t{12} << 20;
+  std::size_t mostInMemory_ = std::size_t{16} << 20;
   bool active_ = false;
   bool sealed_ = false;
   bool wroteFree_ = false;         // a block that was free has been written
   std::int32_t formerFaults_ = 0;  // the medium's WriteFaults when the change began
   std::vector<FreeRun> free_;      // in rising order
-  std::map<std::int32_t, NewBlock> inMemory_;
+  NewBlocks inMemory_;
   JournalPlace* place_ = nullptr;  // the medium's journal, once it was asked for
   std::optional<JournalWriter> journal_;
 };

@@ -21,7 +21,7 @@ class BlockJournalTest : public ::testing::Test {
     JournalWriter writer(place, medium_);
     // Of two records of one block the later one counts.
     for (const auto& [block, seed] : {std::pair{5, 9}, {1, 2}, {4, 3}, {5, 4}}) {
-      writer.Add(block, {Block(block, seed), false, {}});
+      writer.Add({{block, {Block(block, seed), false, {}}}});
     }
     writer.Finish();
     journal_ = ReadAll(path_);
@@ -118,7 +118,7 @@ TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreWritten) {
   partial.Stored.set(1023);
   JournalFile place(path_);
   JournalWriter writer(place, medium_);
-  writer.Add(2, partial);
+  writer.Add({{2, partial}});
   EXPECT_TRUE(writer.Find(2)->IsPartial);
   EXPECT_EQ(writer.Find(2)->Stored, partial.Stored);
   writer.Finish();
@@ -133,9 +133,9 @@ TEST_F(BlockJournalTest, TheWriterGivesBackWhatWasAddedLast) {
   JournalFile place(path_);
   JournalWriter writer(place, medium_);
   EXPECT_FALSE(writer.Find(3));
-  writer.Add(3, {Block(3, 5), false, {}});
+  writer.Add({{3, {Block(3, 5), false, {}}}});
   EXPECT_EQ(writer.Find(3)->Data, Block(3, 5));
-  writer.Add(3, {Block(3, 6), false, {}});
+  writer.Add({{3, {Block(3, 6), false, {}}}});
   EXPECT_EQ(writer.Find(3)->Data, Block(3, 6));
   EXPECT_FALSE(writer.Find(2));
 }
@@ -145,7 +145,7 @@ TEST_F(BlockJournalTest, AJournalWithoutItsEndIsDropped) {
   JournalFile place(path_);
   {
     JournalWriter writer(place, medium_);
-    writer.Add(1, {Block(1, 2), false, {}});
+    writer.Add({{1, {Block(1, 2), false, {}}}});
     EXPECT_TRUE(writer.Find(1));
   }
   EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kDropped);
