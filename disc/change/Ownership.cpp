@@ -44,7 +44,8 @@ class Ownership::Collector : public DirectoryVisitor {
   Ownership& owners_;
 };
 
-// Collects which of the sectors [start, end) belong to something.
+// Collects which of the sectors [start, end) belong to something. The BBC gives an empty file no
+// sector.
 class Ownership::OtherOwners : public DirectoryVisitor {
  public:
   OtherOwners(std::int32_t start, std::int32_t end) : start_(start), end_(end) {}
@@ -56,7 +57,6 @@ class Ownership::OtherOwners : public DirectoryVisitor {
     return Walk::kOn;
   }
   Walk Meet(const WalkStep&, std::int32_t, const Entry& entry) override {
-    // The BBC gives an empty file no sector.
     if (entry.Size() > 0) Note(entry.Start(), entry.Sectors());
     return Walk::kOn;
   }
@@ -70,8 +70,52 @@ class Ownership::OtherOwners : public DirectoryVisitor {
   std::int32_t end_;
 };
 
-std::vector<FreeRun> Ownership::LeftWithoutOwner(std::int32_t start, std::int32_t end) const {
+// Collects the sectors that more than one object claims.
+class Ownership::SharedSectors : public DirectoryVisitor {
+ public:
+  SharedSectors(SectorSet& shared, std::int32_t discSize) : shared_(shared), discSize_(discSize) {
+    owned_.InsertRange(0, kFirstFreeSector);
+  }
+
+  Walk Enter(const WalkStep&, const Directory&) override { return Walk::kOn; }
+  Walk Meet(const WalkStep&, std::int32_t, const Entry& entry) override {
+    if (entry.Size() == 0) return Walk::kOn;
+    owned_.InsertRange(entry.Start(), std::min(entry.Start() + entry.Sectors(), discSize_),
+                       &shared_);
+    return Walk::kOn;
+  }
+  // LeftWithoutOwner's own walk ends at the same bound, and then tells.
+  Walk OutOfBounds(const WalkStep&) override {
+    shared_.InsertRange(0, discSize_);
+    return Walk::kStop;
+  }
+
+ private:
+  SectorSet& shared_;
+  SectorSet owned_;
+  std::int32_t discSize_;
+};
+
+void Ownership::NoteShared() {
+  sharedNoted_ = true;
+  sharedNotedAt_ = disc_.Compactions;
+  shared_ = {};
+  SharedSectors shared(shared_, MapDiscSize(disc_));
+  (void)WalkDirectories(disc_, kRootSector, shared);
+}
+
+std::vector<FreeRun> Ownership::LeftWithoutOwner(std::int32_t dirSector, std::int32_t start,
+                                                 std::int32_t end) {
   if (!disc_.ObjectsOverlap) return {{start, end - start}};
+  // The object's entry is gone by now, so the walk of NoteShared doesn't see what it shared with one
+  // other object: all of its sectors count as shared. If the directory itself shares sectors, the
+  // change of it may have changed what another directory lists.
+  if (!sharedNoted_ || sharedNotedAt_ != disc_.Compactions) {
+    NoteShared();
+    shared_.InsertRange(start, end);
+  }
+  if (shared_.HasAny(dirSector, dirSector + kDirSectors)) sharedNoted_ = false;
+  if (!shared_.HasAny(start, end)) return {{start, end - start}};
   OtherOwners others(start, end);
   if (!WalkDirectories(disc_, kRootSector, others)) return {};
   std::vector<FreeRun> left;

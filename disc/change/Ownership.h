@@ -27,11 +27,13 @@ class Ownership {
   // by then, so that the answer is the same.
   [[nodiscard]] bool EmptyFileLeavesOwner(std::int32_t sector);
 
-  // The caller has deleted an object whose sectors are [start, end), and its entry is gone. Gives
-  // those of them that now belong to nothing, as runs in rising order. On a disc without overlaps
-  // (Disc::ObjectsOverlap) these are all of them, and no walk is needed; on others it takes one.
+  // The caller has deleted an object whose sectors are [start, end), and its entry is gone from the
+  // directory at dirSector. Gives those of them that now belong to nothing, as runs in rising
+  // order. On a disc without overlaps (Disc::ObjectsOverlap) these are all of them, and no walk is
+  // needed. Else the first question takes a walk, and so does each about sectors that are shared.
   // None if the disc is too damaged to tell: sectors that belong to nothing do no harm.
-  [[nodiscard]] std::vector<FreeRun> LeftWithoutOwner(std::int32_t start, std::int32_t end) const;
+  [[nodiscard]] std::vector<FreeRun> LeftWithoutOwner(std::int32_t dirSector, std::int32_t start,
+                                                      std::int32_t end);
 
  private:
   struct Extent {
@@ -40,8 +42,10 @@ class Ownership {
   };
   class Collector;
   class OtherOwners;
+  class SharedSectors;
 
   void NoteOwners();
+  void NoteShared();
   [[nodiscard]] bool IsFree(std::int32_t sector) const;
   [[nodiscard]] bool IsInExtent(std::int32_t sector) const;
 
@@ -53,6 +57,10 @@ class Ownership {
   // Where empty files start, and for sectors where more than one does, how many more.
   SectorSet emptyFiles_;
   std::map<std::int32_t, std::int32_t> moreEmptyFiles_;
+
+  bool sharedNoted_ = false;
+  std::int32_t sharedNotedAt_ = 0;  // how many compactions the disc had seen
+  SectorSet shared_;                // sectors that more than one object had then
 };
 
 }  // namespace sectorbox

@@ -22,8 +22,8 @@ class SectorSet {
     InsertRange(sector, sector + 1);
     return true;
   }
-  // Adds [start, end).
-  void InsertRange(std::int32_t start, std::int32_t end) {
+  // Adds [start, end). Those of them that were in the set before are added to again too.
+  void InsertRange(std::int32_t start, std::int32_t end, SectorSet* again = nullptr) {
     auto at = static_cast<std::size_t>(std::max(start, 0));
     const auto last = static_cast<std::size_t>(std::max(end, 0));
     if (at >= last) return;
@@ -31,13 +31,19 @@ class SectorSet {
     while (at < last) {
       const std::size_t first = at % kBits;
       const std::size_t here = std::min(last - at, kBits - first);
-      words_[at / kBits] |= ~std::uint64_t{0} >> (kBits - here) << first;
+      const std::uint64_t mask = ~std::uint64_t{0} >> (kBits - here) << first;
+      if (again != nullptr) again->InsertWord(at / kBits, words_[at / kBits] & mask);
+      words_[at / kBits] |= mask;
       at += here;
     }
   }
   void Erase(std::int32_t sector) {
     const auto at = static_cast<std::size_t>(sector);
     if (Has(sector)) words_[at / kBits] &= ~(std::uint64_t{1} << at % kBits);
+  }
+  // True if any of [start, end) is in the set.
+  [[nodiscard]] bool HasAny(std::int32_t start, std::int32_t end) const {
+    return Next(start, end, true) < end;
   }
   // Calls tell(from, to) for each run [from, to) of sectors in [start, end) that aren't in the set,
   // in rising order.
@@ -52,6 +58,12 @@ class SectorSet {
 
  private:
   static constexpr std::size_t kBits = 64;
+
+  void InsertWord(std::size_t index, std::uint64_t bits) {
+    if (bits == 0) return;
+    if (words_.size() <= index) words_.resize(index + 1);
+    words_[index] |= bits;
+  }
 
   // The first sector of [start, end) that is in the set, or that isn't; end if there is none.
   [[nodiscard]] std::int32_t Next(std::int32_t start, std::int32_t end, bool in) const {

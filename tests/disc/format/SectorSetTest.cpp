@@ -55,5 +55,16 @@ TEST(SectorSet, GivesTheGapsWhereverARangeStartsAndEnds) {
   EXPECT_EQ(GapsOf(SectorSet(), 5, 5), Gaps());
 }
 
+TEST(SectorSet, WhatIsInsertedASecondTimeIsTold) {
+  SectorSet set;
+  SectorSet again;
+  set.InsertRange(10, 100, &again);
+  EXPECT_FALSE(again.HasAny(0, 1000));
+  set.InsertRange(90, 300, &again);
+  EXPECT_TRUE(again.HasAny(0, 91));
+  EXPECT_FALSE(again.HasAny(0, 90));
+  EXPECT_EQ(GapsOf(again, 0, 300), (Gaps{{0, 90}, {100, 300}}));
+}
+
 }  // namespace
 }  // namespace sectorbox
