@@ -107,9 +107,9 @@ void Ownership::NoteShared() {
 std::vector<FreeRun> Ownership::LeftWithoutOwner(std::int32_t dirSector, std::int32_t start,
                                                  std::int32_t end) {
   if (!disc_.ObjectsOverlap) return {{start, end - start}};
-  // The object's entry is gone by now, so the walk of NoteShared doesn't see what it shared with one
-  // other object: all of its sectors count as shared. If the directory itself shares sectors, the
-  // change of it may have changed what another directory lists.
+  // The object's entry is gone by now, so the walk of NoteShared doesn't see what it shared with
+  // one other object: all of its sectors count as shared. If the directory itself shares sectors,
+  // the change of it may have changed what another directory lists.
   if (!sharedNoted_ || sharedNotedAt_ != disc_.Compactions) {
     NoteShared();
     shared_.InsertRange(start, end);
