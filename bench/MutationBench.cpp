@@ -1,6 +1,7 @@
 // Changing discs. Each operation is compared with a floor: import and export with a plain recursive
 // copy of the same files, compaction with a plain copy of the bytes that have to move, and deletion
-// of trees with plain writes of the directory and the map for each file. The counter "ratio" is the
+// of trees with plain writes of the directory and the map for each file. Adding one large file is
+// compared with a plain copy of its bytes, in time and in memory. The counter "ratio" is the
 // engine's time divided by the floor's. "us_each" is the engine's time for each object; it stays
 // the same if the whole time is linear.
 
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 
 #include "bench/Ratio.h"
@@ -120,6 +122,107 @@ BENCHMARK_CAPTURE(ExportEverything, floppy, "x.adl")
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ExportEverything, hard, "x.dat")->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// 10,000 files of 1000 bytes, in folders of 40, into a .dat of 32 MB.
+void ImportTenThousandFiles(benchmark::State& state) {
+  const TempFolder folder;
+  for (int i = 0; i < 10000; ++i) {
+    const int inner = i / 40;
+    const std::string in =
+        folder / ("SRC/D" + std::to_string(inner / 40)) + "/E" + std::to_string(inner % 40);
+    fs::create_directories(in);
+    WriteAll(in + "/F" + std::to_string(i % 40),
+             std::vector<std::uint8_t>(1000, static_cast<std::uint8_t>(i)));
+  }
+  const std::string image = folder / "x.dat";
+  const auto import = [&] {
+    OpenDisc open(image);
+    if (ImportFolder(open.disc, 2, folder / "SRC") != Outcome::kDone)
+      throw std::runtime_error("the import was refused");
+    open.disc.TheDisc.CloseFile();
+  };
+  const auto make = [&] {
+    fs::remove(image);
+    OpenDisc open;
+    CreateDisc(open.disc, image, 1024, 4, 33, kDat);
+    open.disc.TheDisc.CloseFile();
+  };
+  const std::string copy = folder / "copy";
+  Compare(state, {import, make},
+          {[&] { fs::copy(folder / "SRC", copy, fs::copy_options::recursive); },
+           [&] { fs::remove_all(copy); }});
+  state.counters["us_each"] = state.counters["best_ms"] * 1000 / 10000;
+}
+BENCHMARK(ImportTenThousandFiles)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+// The most memory that this process has had since ForgetPeak, in megabytes.
+double PeakMegabytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    double kilobytes = 0;
+    if (word == "VmHWM:" && status >> kilobytes) return kilobytes / 1024;
+  }
+  return 0;
+}
+void ForgetPeak() {
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+// The floor of adding a file: its bytes are read a megabyte at a time, written behind each other,
+// and made safe.
+void CopyBytes(const std::string& from, const std::string& to) {
+  const int in = ::open(from.c_str(), O_RDONLY);
+  const int out = ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  std::vector<char> part(std::size_t{1} << 20);
+  for (ssize_t got = 1; got > 0;) {
+    got = ::read(in, part.data(), part.size());
+    if (got > 0 && ::write(out, part.data(), static_cast<std::size_t>(got)) != got)
+      throw std::runtime_error("cannot copy the bytes");
+  }
+  if (::fdatasync(out) != 0) throw std::runtime_error("cannot sync the copy");
+  ::close(in);
+  ::close(out);
+}
+
+// A file of 400 MB into a .dat of 512 MB. "peak_MB" and "floor_peak_MB" are the most memory that
+// the process had meanwhile.
+void AddLargeFile(benchmark::State& state) {
+  const TempFolder folder;
+  {
+    std::vector<std::uint8_t> part(std::size_t{1} << 20);
+    for (std::size_t i = 0; i < part.size(); ++i)
+      part[i] = static_cast<std::uint8_t>(i * 31 + i / 251);
+    OutputFile file = CreateOutputFile(folder / "BIG");
+    for (int i = 0; i < 400; ++i) file.Write(part);
+    file.Close();
+  }
+  const std::string image = folder / "x.dat";
+  double peak = 0;
+  double floorPeak = 0;
+  const auto add = [&] {
+    ForgetPeak();
+    OpenDisc open(image);
+    if (AddFile(open.disc, 2, folder / "BIG") != Outcome::kDone)
+      throw std::runtime_error("the file was refused");
+    open.disc.TheDisc.CloseFile();
+    peak = std::max(peak, PeakMegabytes());
+  };
+  const auto make = [&] {
+    fs::remove(image);
+    OpenDisc open;
+    CreateDisc(open.disc, image, 16384, 4, 33, kDat);
+    open.disc.TheDisc.CloseFile();
+  };
+  const auto copy = [&] {
+    ForgetPeak();
+    CopyBytes(folder / "BIG", folder / "copy");
+    floorPeak = std::max(floorPeak, PeakMegabytes());
+  };
+  Compare(state, {add, make}, {copy, [&] { fs::remove(folder / "copy"); }});
+  state.counters["peak_MB"] = peak;
+  state.counters["floor_peak_MB"] = floorPeak;
+}
+BENCHMARK(AddLargeFile)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
 
 void MustBeSound(benchmark::State& state, const std::string& image, std::int16_t runs) {
   OpenDisc open(image);

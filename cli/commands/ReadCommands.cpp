@@ -56,21 +56,32 @@ int RunInfo(const CommandLine& line) {
   return StatusOf(disc);
 }
 
+// The root is always "$" here, whatever its name field says, so that each path can be an argument
+// of other commands.
+std::string PathOf(const std::vector<TreeNode>& tree, const TreeNode& node) {
+  if (node.Parent < 0) return "$";
+  std::string path = PathOf(tree, tree[static_cast<std::size_t>(node.Parent)]);
+  path += '.';
+  path += node.Text;
+  return path;
+}
+
 int RunTree(const CommandLine& line) {
   line.Expect(1, 1);
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
   const std::vector<TreeNode> tree = WalkTree(session.Open);
-  std::vector<std::string> paths;
+  std::int32_t parent = -1;
+  std::string front;  // the path of that parent, with a dot behind it
   for (const TreeNode& node : tree) {
-    // The root is always "$" here, whatever its name field says, so that each path can be an
-    // argument of other commands.
-    paths.push_back(
-        node.Parent < 0 ? "$" : paths[static_cast<std::size_t>(node.Parent)] + "." + node.Text);
-    PrintBytes(ShownOnOutput(paths.back()) + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) +
-               "\n");
+    if (node.Parent != parent) {
+      parent = node.Parent;
+      front = PathOf(tree, tree[static_cast<std::size_t>(parent)]) + ".";
+    }
+    const std::string path = node.Parent < 0 ? "$" : front + node.Text;
+    PrintBytes(ShownOnOutput(path) + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
   }
-  return StatusOf(session.Open);
+  return session.Host.LeftOut ? kRefused : StatusOf(session.Open);
 }
 
 int RunLs(const CommandLine& line) {
@@ -122,10 +133,10 @@ int RunCheck(const CommandLine& line) {
   ImageSession session(line);
   OpenForReading(session.Open, line.Arguments[0]);
   int status = kDone;
-  for (const Fault& fault : CheckDisc(session.Open)) {
+  CheckDisc(session.Open, [&](const Fault& fault) {
     PrintLine((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
     if (fault.IsError) status = kRefused;
-  }
+  });
   return status == kDone ? StatusOf(session.Open) : status;
 }
 

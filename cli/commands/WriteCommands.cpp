@@ -63,7 +63,8 @@ int RunExport(const CommandLine& line) {
   } else {
     ExportOne(session.Open, target, line.Arguments[2]);
   }
-  return session.Host.MessageShown ? kRefused : StatusOf(session.Open);
+  const bool whole = !session.Host.MessageShown && !session.Host.LeftOut;
+  return whole ? StatusOf(session.Open) : kRefused;
 }
 
 bool DeletePath(Disc& disc, const CliHost& host, const std::string& path) {

@@ -13,27 +13,37 @@ using namespace format;
 
 // Sectors in use: [Start, End).
 struct Used {
-  std::int64_t Start = 0;
-  std::int64_t End = 0;
-  std::int32_t Directory = -1;  // the directory that lists the object, and the slot of its entry;
-  std::int32_t Slot = -1;       // -1 for the map and the root
+  std::int32_t Start = 0;
+  std::int32_t End = 0;
+  // The directory that lists the object, and the slot of its entry; the slot kNoSlot is that of the
+  // map and the root.
+  std::uint32_t Directory : 24 = 0;
+  std::uint32_t Slot : 8 = 0;
 };
+static_assert(sizeof(Used) == 12);
+constexpr std::uint32_t kNoSlot = 0xFF;
 
 class UsedSectors : public DirectoryVisitor {
  public:
   explicit UsedSectors(Disc& disc) {
-    All.push_back({0, kFirstFreeSector, -1, -1});
+    All.reserve(static_cast<std::size_t>(std::min(MapDiscSize(disc), kMaxObjects)));
+    All.push_back({0, kFirstFreeSector, 0, kNoSlot});
     (void)WalkDirectories(disc, kRootSector, *this);
     std::ranges::sort(All, {}, &Used::Start);
   }
 
   std::vector<Used> All;
+  bool TooMany = false;  // there is more in use than any disc has room for; not all of it is in All
 
   Walk Enter(const WalkStep&, const Directory&) override { return Walk::kOn; }
   Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) override {
     // The BBC gives an empty file no sector.
     if (entry.Size() == 0) return Walk::kOn;
-    All.push_back({entry.Start(), entry.Start() + std::int64_t{entry.Sectors()}, at.Sector, slot});
+    TooMany = All.size() >= static_cast<std::size_t>(kMaxObjects);
+    if (TooMany) return Walk::kStop;
+    All.push_back({entry.Start(), entry.Start() + entry.Sectors(),
+                   static_cast<std::uint32_t>(at.Sector) & 0xFFFFFF,
+                   static_cast<std::uint32_t>(slot) & 0xFF});
     return Walk::kOn;
   }
   Walk OutOfBounds(const WalkStep&) override { return Walk::kOn; }
@@ -48,7 +58,9 @@ class PathSearch : public DirectoryVisitor {
 
   Walk Enter(const WalkStep&, const Directory&) override { return Walk::kOn; }
   Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) override {
-    if (at.Sector != wanted_.Directory || slot != wanted_.Slot) return Walk::kOn;
+    const bool wanted = at.Sector == static_cast<std::int32_t>(wanted_.Directory) &&
+                        slot == static_cast<std::int32_t>(wanted_.Slot);
+    if (!wanted) return Walk::kOn;
     Path = entry.Name();
     for (const WalkStep* step = &at; step->Listed != nullptr; step = step->Parent) {
       Path = step->Listed->Name() + "." + Path;
@@ -63,7 +75,7 @@ class PathSearch : public DirectoryVisitor {
 };
 
 std::string NameOf(Disc& disc, const Used& used) {
-  if (used.Slot < 0) return "the free space map";
+  if (used.Slot == kNoSlot) return "the free space map";
   PathSearch search(used);
   (void)WalkDirectories(disc, kRootSector, search);
   return search.Path;
@@ -77,7 +89,7 @@ std::string PastTheEnd(Disc& disc, const std::vector<Used>& used, std::int32_t s
 
 std::string UnderAFreeRun(Disc& disc, const std::vector<Used>& used) {
   const std::vector<FreeRun> runs = FreeRuns(disc);
-  std::int64_t longest = 0;
+  std::int32_t longest = 0;
   for (const Used& one : used) longest = std::max(longest, one.End - one.Start);
   for (std::size_t i = 0; i < runs.size(); ++i) {
     if (runs[i].Length <= 0) continue;
@@ -108,9 +120,20 @@ std::string OverlappingRuns(const Disc& disc) {
   return "";
 }
 
+bool Overlap(const std::vector<Used>& used) {
+  std::int32_t reached = 0;
+  for (const Used& one : used) {
+    if (one.Start < reached) return true;
+    reached = std::max(reached, one.End);
+  }
+  return false;
+}
+
 std::string Compare(Disc& disc) {
   if (!ReadDirectory(disc, kRootSector)) return kNoRoot;
   const UsedSectors used(disc);
+  if (used.TooMany) return kTooMuch;
+  disc.ObjectsOverlap = Overlap(used.All);
   std::string found = PastTheEnd(disc, used.All, MapDiscSize(disc));
   if (found.empty()) found = UnderAFreeRun(disc, used.All);
   return found.empty() ? OverlappingRuns(disc) : found;

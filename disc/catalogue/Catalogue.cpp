@@ -107,6 +107,10 @@ class TreeBuilder : public DirectoryVisitor {
 
   Walk Meet(const WalkStep&, std::int32_t, const Entry& entry) override {
     if (!entry.IsDirectory()) return Walk::kOn;
+    if (tree_.size() >= static_cast<std::size_t>(kMaxWalkDirectories)) {
+      exhausted_ = true;
+      return Walk::kStop;
+    }
     tree_.push_back({entry.Name(), entry.Start(), nodes_.back(), false});
     tree_[static_cast<std::size_t>(nodes_.back())].Open = true;
     return Walk::kOn;
@@ -125,6 +129,9 @@ class TreeBuilder : public DirectoryVisitor {
   void Leave(const WalkStep& at) override {
     if (at.Listed != nullptr) nodes_.pop_back();
   }
+
+  // True if the walk has come to one of its bounds.
+  [[nodiscard]] bool Exhausted() const { return exhausted_; }
 
  private:
   void CountEntries(const Directory& directory) {
@@ -147,6 +154,11 @@ void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t index, std:
   TreeBuilder builder(disc, tree, index, counts);
   // If the walk ends at its bounds, the tree holds what the walk has met before.
   (void)WalkDirectories(disc, sector, builder);
+  if (builder.Exhausted()) {
+    disc.Host.NoteLeftOut(
+        "The tree of this disc isn't whole: it has more directories, or deeper "
+        "ones, than a disc has room for");
+  }
 }
 
 std::vector<TreeNode> WalkTree(Disc& disc) {

@@ -30,7 +30,8 @@ struct WalkCounts {
 // directory without its mark adds nothing. At the top level (sector 2) the host's event pump runs
 // after each child. On a damaged disc a directory may be listed more than once: it then gets a node
 // wherever it is listed, but only the first of them gets its children. The bounds of
-// WalkDirectories hold.
+// WalkDirectories hold, and a tree has at most kMaxWalkDirectories nodes; where one of them is
+// reached, a note says so (StatusLine::NoteLeftOut).
 void FindFiles(Disc& disc, std::vector<TreeNode>& tree, std::int32_t index, std::int32_t sector,
                WalkCounts& counts);
 

@@ -2,7 +2,8 @@
 
 #include <cstddef>
 #include <span>
-#include <unordered_set>
+
+#include "disc/format/SectorSet.h"
 
 namespace sectorbox {
 namespace {
@@ -16,8 +17,8 @@ class DirectoryWalk {
 
   // False when the visitor ended the walk.
   bool Visit(const WalkStep& at) {
-    if (!rules_.EnterAgain && !entered_.insert(at.Sector).second) {
-      return visitor_.MeetAgain(at, IsAbove(at)) != Walk::kStop;
+    if (!rules_.EnterAgain && !entered_.Insert(at.Sector)) {
+      return visitor_.MeetAgain(at, above_.Has(at.Sector)) != Walk::kStop;
     }
     if (at.Depth >= kMaxWalkDepth || count_ >= kMaxWalkDirectories) exhausted_ = true;
     if (exhausted_) return visitor_.OutOfBounds(at) != Walk::kStop;
@@ -26,19 +27,16 @@ class DirectoryWalk {
     const Walk into = visitor_.Enter(at, directory);
     if (into == Walk::kStop) return false;
     if (into == Walk::kPassOver) return true;
-    if (directory.HasMark() && !VisitEntries(at, directory)) return false;
+    if (directory.HasMark()) {
+      (void)above_.Insert(at.Sector);
+      if (!VisitEntries(at, directory)) return false;
+      above_.Erase(at.Sector);
+    }
     visitor_.Leave(at);
     return true;
   }
 
  private:
-  static bool IsAbove(const WalkStep& at) {
-    for (const WalkStep* step = at.Parent; step != nullptr; step = step->Parent) {
-      if (step->Sector == at.Sector) return true;
-    }
-    return false;
-  }
-
   bool VisitEntries(const WalkStep& at, const Directory& directory) {
     for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
       const Entry entry = directory.At(slot);
@@ -61,7 +59,8 @@ class DirectoryWalk {
   Disc& disc_;
   DirectoryVisitor& visitor_;
   WalkRules rules_;
-  std::unordered_set<std::int32_t> entered_;
+  SectorSet entered_;
+  SectorSet above_;  // the directories that the walk is in, if it enters each only once
   std::int32_t count_ = 0;
   bool exhausted_ = false;
 };

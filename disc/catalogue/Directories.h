@@ -103,6 +103,9 @@ struct WalkRules {
 // short, and a disc of 512 MB has room for fewer than 430,000 directories.
 inline constexpr std::int32_t kMaxWalkDepth = 256;
 inline constexpr std::int32_t kMaxWalkDirectories = 450000;
+// Code that notes down every object which owns sectors ends its walk at this many. ADFS can't
+// address more sectors, so no sound disc has so many objects; a damaged one may seem to.
+inline constexpr std::int32_t kMaxObjects = 0x210000;
 
 // Walks the directory at sector and all below it. Each directory is read whole when the walk comes
 // to it. The walk goes on with the entries of that moment, even if the visitor changes the

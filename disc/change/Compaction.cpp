@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -24,21 +25,20 @@ using namespace format;
 
 // One file or directory.
 struct ObjectRecord {
-  std::string Name;
-  bool IsFile = false;
   std::int32_t Parent = 0;  // sector of the directory that holds the object's entry
   std::int32_t Start = 0;
   std::int32_t Sectors = 0;
-  bool IsEmpty = false;    // a file of no bytes; the BBC gives it no sector
-  std::int32_t Slot = -1;  // of the object's entry in Parent; -1 if it has to be looked for
+  // The parent that a directory names at its old place, if another one was written there meanwhile;
+  // else -1.
+  std::int32_t OldParent = -1;
+  std::int8_t Slot = -1;  // of the object's entry in Parent; -1 if it has to be looked for by Name
+  bool IsFile = false;
+  bool IsEmpty = false;  // a file of no bytes; the BBC gives it no sector
   bool HasMoved = false;
-  // The parent that a directory names at its old place, if another one was written there meanwhile.
-  std::optional<std::int32_t> OldParent = std::nullopt;
+  std::unique_ptr<const std::string> Name = nullptr;  // null if Slot is known
 };
+static_assert(sizeof(ObjectRecord) == 32, "there may be two million of them");
 
-// The largest disc has about this many sectors, so it can't hold more objects. A damaged disc may
-// seem to.
-constexpr std::size_t kMaxObjects = 0x210000;
 // Moving objects into a hole of so many sectors saves more than the end of a part costs.
 constexpr std::int32_t kLargeHole = 8192;
 // Objects that move together are copied when they are at least this many bytes.
@@ -46,20 +46,28 @@ constexpr std::int32_t kMoveSize = 1048576;
 
 // Collects the objects. The visitor ends the walk if the walk comes to a directory a second time,
 // to a directory without its mark, or to its bounds. Nobody can tell what a directory without its
-// mark listed, and those objects would be written over.
+// mark listed, and those objects would be written over. It also ends the walk if the objects need
+// more sectors than the disc has.
 class Collector : public DirectoryVisitor {
  public:
+  explicit Collector(std::int32_t discSize) : room_(discSize - kRootSector) {}
+
   std::vector<ObjectRecord> Objects;
 
   Walk Enter(const WalkStep& at, const Directory& directory) override {
-    if (!directory.HasMark() || Objects.size() + kEntryCount > kMaxObjects) return Walk::kStop;
+    room_ -= kDirSectors;
+    if (!directory.HasMark() || !HasRoom()) return Walk::kStop;
     // A directory's entry is looked for by the name and the parent that the directory itself holds.
     // On a damaged disc these may differ from its entry.
-    ObjectRecord object{NameOf(at, directory), false, directory.Parent(), at.Sector,
-                        kDirSectors,           false};
+    ObjectRecord object{.Parent = directory.Parent(), .Start = at.Sector, .Sectors = kDirSectors};
+    std::string name = NameOf(at, directory);
     const bool listedRight = at.Listed != nullptr && object.Parent == at.Parent->Sector &&
-                             FoldName(object.Name) == FoldName(at.Listed->Name());
-    if (listedRight) object.Slot = FirstSlotOf(at.Listed->Name());
+                             FoldName(name) == FoldName(at.Listed->Name());
+    if (listedRight) {
+      object.Slot = FirstSlotOf(at.Listed->Name());
+    } else {
+      object.Name = std::make_unique<const std::string>(std::move(name));
+    }
     Objects.push_back(std::move(object));
     names_.emplace_back();
     return Walk::kOn;
@@ -68,8 +76,15 @@ class Collector : public DirectoryVisitor {
   Walk Meet(const WalkStep& at, std::int32_t, const Entry& entry) override {
     names_.back().push_back(FoldName(entry.Name()));
     if (entry.IsDirectory()) return Walk::kOn;
-    Objects.push_back({entry.Name(), true, at.Sector, entry.Start(), entry.Sectors(),
-                       entry.Length() == 0, FirstSlotOf(entry.Name())});
+    const bool isEmpty = entry.Length() == 0;
+    if (!isEmpty) room_ -= entry.Sectors();
+    if (!HasRoom()) return Walk::kStop;
+    Objects.push_back({.Parent = at.Sector,
+                       .Start = entry.Start(),
+                       .Sectors = entry.Sectors(),
+                       .Slot = FirstSlotOf(entry.Name()),
+                       .IsFile = true,
+                       .IsEmpty = isEmpty});
     return Walk::kOn;
   }
 
@@ -83,11 +98,18 @@ class Collector : public DirectoryVisitor {
   }
 
   // A search by name finds the first of two entries that have one name.
-  std::int32_t FirstSlotOf(const std::string& name) const {
+  std::int8_t FirstSlotOf(const std::string& name) const {
     const std::vector<std::string>& names = names_.back();
-    return static_cast<std::int32_t>(std::find(names.begin(), names.end(), FoldName(name)) -
-                                     names.begin());
+    return static_cast<std::int8_t>(std::find(names.begin(), names.end(), FoldName(name)) -
+                                    names.begin());
   }
+
+  // False if the objects need more sectors than the disc has, so that some of them overlap.
+  bool HasRoom() const {
+    return room_ >= 0 && Objects.size() < static_cast<std::size_t>(kMaxObjects);
+  }
+
+  std::int64_t room_;  // sectors that the objects so far leave
 
   // The folded names met so far in each directory that the walk is in, the top one first.
   std::vector<std::vector<std::string>> names_;
@@ -122,7 +144,7 @@ bool WouldBeLost(const std::vector<ObjectRecord>& objects, std::int32_t discSize
 
 // The objects in the order of their places, without the root; none if the disc is too damaged.
 std::optional<std::vector<ObjectRecord>> PlanMoves(Disc& disc) {
-  Collector collector;
+  Collector collector(MapDiscSize(disc));
   if (!WalkDirectories(disc, kRootSector, collector)) return std::nullopt;
   std::vector<ObjectRecord> objects = std::move(collector.Objects);
   objects.erase(objects.begin());
@@ -207,10 +229,10 @@ class Mover {
     // that they move with the directory.
     if (!object.IsFile) WriteEntriesOf(old);
     AddToRun(object, to);
-    if (object.OldParent) {
+    if (object.OldParent >= 0) {
       // What is left behind is what always was there.
       MoveRun();
-      WriteParent(old, *object.OldParent);
+      WriteParent(old, object.OldParent);
     }
     object.Start = to;
     object.HasMoved = true;
@@ -268,7 +290,7 @@ class Mover {
   // of those that haven't moved themselves yet.
   void WriteNewParents() {
     for (ObjectRecord* object : orphans_) {
-      if (!object->HasMoved && !object->OldParent) {
+      if (!object->HasMoved && object->OldParent < 0) {
         object->OldParent = DirectoryAt(disc_, object->Start).Parent();
       }
       WriteParent(object->Start, object->Parent);
@@ -335,7 +357,7 @@ class Mover {
       // A directory whose own name or parent disagrees with its entry isn't found, and that entry
       // goes on pointing at the old place.
       const std::int32_t slot =
-          object->Slot >= 0 ? object->Slot : FindEntry(disc_, sector, object->Name);
+          object->Slot >= 0 ? object->Slot : FindEntry(disc_, sector, *object->Name);
       if (slot >= 0) changed.SetStart(slot, object->Start);
     }
     WriteDirectory(disc_, sector, changed);

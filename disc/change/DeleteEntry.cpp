@@ -14,12 +14,20 @@ namespace {
 
 using namespace format;
 
-// Makes an object's sectors free. On a damaged disc an entry may claim sectors behind the disc's
-// end or those of the map and the root. They were never the object's own and don't become free.
-void ReleaseOwned(Disc& disc, std::int32_t start, std::int32_t sectors) {
+// Makes the sectors of an object free whose entry is gone. On a damaged disc an entry may claim
+// sectors behind the disc's end or those of the map and the root: they were never the object's own
+// and don't become free. Nor do those that another object claims too.
+void ReleaseOwned(Disc& disc, Ownership& owners, std::int32_t dirSector, std::int32_t start,
+                  std::int32_t sectors) {
   const std::int32_t from = std::max(start, kFirstFreeSector);
   const std::int32_t end = std::min(start + sectors, MapDiscSize(disc));
-  if (from < end) ReleaseSectors(disc, from, end - from);
+  if (from >= end) return;
+  const std::int32_t compactions = disc.Compactions;
+  for (const FreeRun& run : owners.LeftWithoutOwner(dirSector, from, end)) {
+    // A compaction has moved everything together, and so has made the other runs free as well.
+    if (disc.Compactions != compactions) return;
+    ReleaseSectors(disc, run.Start, run.Length);
+  }
 }
 
 // Looks a tree over before anything in it is deleted. The tree is too damaged if
@@ -89,7 +97,7 @@ Outcome Deletion::DeleteOne(std::int32_t dirSector, const std::string& name, boo
   directory.Now.Remove(slot);
   directory.Write();
   disc_.ImageChanged = true;
-  if (!staysOwned) ReleaseOwned(disc_, start, SectorsOfLength(length));
+  if (!staysOwned) ReleaseOwned(disc_, owners_, dirSector, start, SectorsOfLength(length));
   return Outcome::kDone;
 }
 

@@ -1,5 +1,6 @@
 #include "disc/catalogue/Directories.h"
 #include "disc/change/Change.h"
+#include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
 #include "disc/change/Mutation.h"
 #include "disc/format/Names.h"
@@ -22,19 +23,16 @@ Entry MakeEntry(const std::string& name, std::int32_t start, std::uint8_t sequen
   return entry;
 }
 
-std::optional<std::int32_t> Make(Disc& disc, std::int32_t dirSector, const std::string& name) {
-  const auto refuse = [&](const std::string& message) {
-    disc.Host.ShowMessage(message);
-    return std::nullopt;
-  };
+Outcome Make(Disc& disc, std::int32_t dirSector, const std::string& name,
+             std::optional<std::int32_t>& made) {
   const std::int32_t run = FindFreeRun(disc, kDirSize);
-  if (run < 0) return refuse(kNoSpaceMessage);
+  if (run < 0) return Refuse(disc, kNoSpaceMessage);
   EditedDirectory parent(disc, dirSector);
-  if (parent.Now.IsFull()) return refuse("Directory Full");
+  if (parent.Now.IsFull()) return Refuse(disc, "Directory Full");
   const std::string cut = name.substr(0, kNameLength);
-  if (NameCannotBeStored(cut)) return refuse(IllegalNameMessage(name));
+  if (NameCannotBeStored(cut)) return Refuse(disc, IllegalNameMessage(name));
   const Place place = parent.Now.FindPlace(cut);
-  if (place.Taken) return refuse("Directory " + cut + " Already Exists");
+  if (place.Taken) return Refuse(disc, "Directory " + cut + " Already Exists");
 
   const std::int32_t start = disc.FreeStart[static_cast<std::size_t>(run)];
   const Entry entry = MakeEntry(cut, start, parent.Now.BumpSequence());
@@ -43,17 +41,16 @@ std::optional<std::int32_t> Make(Disc& disc, std::int32_t dirSector, const std::
   disc.ImageChanged = true;
   disc.TheDisc.StoreBytes(SectorOffset(start), Directory::MakeEmpty(entry, dirSector).Raw());
   TakeSectors(disc, run, kDirSectors);
-  return start;
+  made = start;
+  return Outcome::kDone;
 }
 
 }  // namespace
 
 std::optional<std::int32_t> NewDirectory(Disc& disc, std::int32_t dirSector,
                                          const std::string& name) {
-  if (!MayChange(disc)) return std::nullopt;
-  Change change(disc);
-  const auto made = Make(disc, dirSector, name);
-  change.Commit();
+  std::optional<std::int32_t> made;
+  (void)InChange(disc, [&] { return Make(disc, dirSector, name, made); });
   return made;
 }
 

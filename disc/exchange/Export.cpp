@@ -29,7 +29,8 @@ void MakeFolder(const std::string& folder) {
 // walk may come to a directory again; it is exported only once.
 class Exporter : public DirectoryVisitor {
  public:
-  Exporter(Disc& disc, std::string folder) : disc_(disc), next_(std::move(folder)) {}
+  Exporter(Disc& disc, std::string folder)
+      : disc_(disc), left_(2 * disc.TheDisc.EndOfData() + kLeeway), next_(std::move(folder)) {}
 
   Walk Enter(const WalkStep&, const Directory&) override {
     MakeFolder(next_);
@@ -40,6 +41,12 @@ class Exporter : public DirectoryVisitor {
   Walk Meet(const WalkStep&, std::int32_t, const Entry& entry) override {
     const std::string path =
         JoinHostPath(folders_.back().Path, folders_.back().Names.Take(entry.Name()));
+    if (!Spend(entry)) {
+      disc_.Host.NoteLeftOut(path +
+                             ": the export ends here. On this damaged disc the files add up " +
+                             "to more than twice the disc's size");
+      return Walk::kStop;
+    }
     if (entry.IsDirectory()) {
       WriteDirectorySidecar(disc_, path, entry);
       RemoveHostLink(path);  // or the contents would go to wherever it leads
@@ -60,12 +67,27 @@ class Exporter : public DirectoryVisitor {
     HostNamesOfFolder Names;
   };
 
+  // Takes what an entry needs from what is left. False if that isn't enough. The files of a sound
+  // disc together with their entries are no longer than the disc. An entry counts twice, as it
+  // becomes a file of the host and a sidecar even if it is empty. What an entry claims beyond the
+  // disc takes no room on the host.
+  bool Spend(const Entry& entry) {
+    if (!entry.IsDirectory()) {
+      left_ -= std::min<std::int64_t>(entry.Length(), disc_.TheDisc.EndOfData());
+    }
+    left_ -= std::int64_t{2} * kEntrySize;
+    return left_ >= 0;
+  }
+
   Walk PassOver() {
     disc_.Host.Note(next_ + ": leads back to a directory that is exported already");
     return Walk::kOn;
   }
 
+  static constexpr std::int64_t kLeeway = std::int64_t{1} << 20;
+
   Disc& disc_;
+  std::int64_t left_;            // bytes that may still be written
   std::string next_;             // the folder of the directory that the walk comes to next
   std::vector<Folder> folders_;  // of the directories that the walk is in, the top one first
 };
@@ -119,7 +141,7 @@ void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry) {
 
 void ExportFiles(Disc& disc, const std::string& folder, std::int32_t dirSector) {
   Exporter exporter(disc, folder);
-  // The exporter never ends the walk.
+  // If the exporter ends the walk, it has said so.
   (void)WalkDirectories(disc, dirSector, exporter);
 }
 

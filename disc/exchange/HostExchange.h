@@ -79,7 +79,9 @@ void WriteDirectorySidecar(const Disc& disc, const std::string& hostPath, const 
 // Writes what the entry names, with its sidecar: a file, or a directory with all that is in it.
 void ExportEntry(Disc& disc, const std::string& hostPath, const Entry& entry);
 
-// Writes a directory's contents with sidecars, recursively. folder is made if it isn't there.
+// Writes a directory's contents with sidecars, recursively. folder is made if it isn't there. On a
+// damaged disc many entries may name the same sectors: when the files add up to more than twice the
+// disc's size, the export ends with a note (StatusLine::NoteLeftOut).
 void ExportFiles(Disc& disc, const std::string& folder, std::int32_t dirSector);
 // The same with the hourglass showing.
 void ExportDisc(Disc& disc, const std::string& folder, std::int32_t dirSector);

@@ -1,10 +1,13 @@
 #include "disc/health/Check.h"
 
 #include <algorithm>
-#include <set>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 
 #include "disc/catalogue/Directories.h"
 #include "disc/format/Names.h"
+#include "disc/format/SectorSet.h"
 #include "disc/format/Text.h"
 
 namespace sectorbox {
@@ -12,91 +15,185 @@ namespace {
 
 using namespace format;
 
-// Sectors that something claims: [Start, End), cut at the disc's end. We give an empty file a
-// sector, but the BBC gives it none, and its compaction leaves the file wherever the next object
-// starts. So an empty file claims its sector only if nothing else does.
+// Sectors that something other than an empty file claims: [Start, End), cut at the disc's end.
 struct Extent {
-  std::int32_t Start = 0;
-  std::int32_t End = 0;
-  std::int32_t Run = -1;        // the number of a free run; -1 for anything else
-  std::int32_t Directory = -1;  // the node of the directory that lists an object; -1 if none does
-  std::string Name;             // of the object in that directory
-  bool IsEmptyFile = false;
+  std::uint32_t Start : 24;
+  std::uint32_t Slot : 8;  // of the object's entry; of a free run, its number
+  std::int32_t End;
+  std::int32_t Node;    // of the directory that lists the object, or one of the numbers below
+  std::uint32_t Order;  // how many extents were noted before
+};
+static_assert(sizeof(Extent) == 16);
+constexpr std::int32_t kRunNode = -1;
+constexpr std::int32_t kMapNode = -2;
+constexpr std::int32_t kRootNode = -3;
+
+// A directory that the walk has gone into. Its name is read again if it is needed.
+struct DirectoryNode {
+  std::int32_t Parent = -1;  // the node of the directory that lists it; -1 for the root
+  std::int32_t Sector = 0;
+  std::int32_t Slot = -1;  // of its entry
 };
 
-struct DirectoryNode {
-  std::int32_t Parent = -1;
-  std::string Name;
-};
+// A damaged disc of few sectors may list some more objects than it has sectors. They are all looked
+// at.
+constexpr std::int32_t kLeeway = 10000;
 
 std::string SectorText(std::int32_t sector) {
   return "sector " + Hex(static_cast<std::uint32_t>(sector), 6);
 }
 
+void AppendPath(const WalkStep& at, std::string& path) {
+  if (at.Listed == nullptr) {
+    path += '$';
+    return;
+  }
+  AppendPath(*at.Parent, path);
+  path += '.';
+  path += at.Listed->Name();
+}
+
+std::string PathOf(const WalkStep& at) {
+  std::string path;
+  AppendPath(at, path);
+  return path;
+}
+
+// Passes the first kMaxFaults on, and counts the others. What a fault says is made only if it is
+// passed on: a damaged disc may have millions of faults, each with a long path.
+class FaultList {
+ public:
+  explicit FaultList(const std::function<void(const Fault&)>& tell) : tell_(tell) {}
+
+  template <typename MakePlace, typename MakeText>
+  void Add(bool isError, MakePlace place, MakeText text) {
+    if (told_ < kMaxFaults) {
+      ++told_;
+      tell_({isError, place(), text()});
+      return;
+    }
+    ++more_;
+    moreErrors_ |= isError;
+  }
+  void End() const {
+    if (more_ > 0) tell_({moreErrors_, "$", std::to_string(more_) + " more faults are not listed"});
+  }
+
+ private:
+  const std::function<void(const Fault&)>& tell_;
+  std::size_t told_ = 0;
+  std::size_t more_ = 0;
+  bool moreErrors_ = false;
+};
+
 class Checker : public DirectoryVisitor {
  public:
-  explicit Checker(Disc& disc) : disc_(disc), map_(ReadMap(disc)), size_(map_.DiscSize()) {}
+  Checker(Disc& disc, const std::function<void(const Fault&)>& tell)
+      : disc_(disc), map_(ReadMap(disc)), size_(map_.DiscSize()), faults_(tell) {
+    mostExtents_ = static_cast<std::size_t>(std::min(size_ + kLeeway, kMaxObjects));
+    extents_.reserve(mostExtents_);
+  }
 
-  std::vector<Fault> Run() {
+  void Run() {
     CheckMap();
     CheckRuns();
-    Own({0, kRootSector, -1, -1, "the free space map", false});
-    directories_.push_back({-1, "$"});
-    Own({kRootSector, kFirstFreeSector, -1, -1, "$", false});
+    Own(0, kRootSector, kMapNode, 0);
+    Own(kRootSector, kFirstFreeSector, kRootNode, 0);
     if (kFirstFreeSector > size_) Error("$", "runs past the end of the disc");
-    // The checker never ends the walk: it reports a directory that lies too deep and goes on.
+    // If the walk ends before it is done, it has reported why.
     (void)WalkDirectories(disc_, kRootSector, *this);
     CheckOwnership();
-    return std::move(faults_);
+    faults_.End();
   }
 
   Walk Enter(const WalkStep& at, const Directory& directory) override {
-    // The root's node is there from the start; any other directory's was added last, by Meet.
-    const auto node = static_cast<std::int32_t>(directories_.size()) - 1;
-    visits_.push_back({at.Listed == nullptr ? 0 : node, "", {}});
+    const std::int32_t parent = visits_.empty() ? -1 : visits_.back().Node;
+    visits_.push_back({static_cast<std::int32_t>(directories_.size()), {}, {}});
+    directories_.push_back({parent, at.Sector, at.Slot});
+    (void)above_.Insert(at.Sector);
     CheckFrame(at, directory);
     return Walk::kOn;
   }
 
-  Walk Meet(const WalkStep& at, std::int32_t, const Entry& entry) override {
-    const std::string path = PathOf(visits_.back().Node) + "." + entry.Name();
+  Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) override {
+    if (extents_.size() >= mostExtents_) {
+      Error([&] { return PathOf(at); },
+            "lists more than the disc has room for: not looked at any further");
+      exhausted_ = true;
+      return Walk::kStop;
+    }
+    const auto path = [&] { return PathOf(at) + "." + entry.Name(); };
     CheckName(path, entry.Name());
-    return CheckEntry(at, path, entry) ? Walk::kOn : Walk::kPassOver;
+    return CheckEntry(path, slot, entry) ? Walk::kOn : Walk::kPassOver;
   }
 
-  Walk OutOfBounds(const WalkStep&) override {
+  Walk OutOfBounds(const WalkStep& at) override {
     if (!exhausted_) {
-      Error(PathOf(static_cast<std::int32_t>(directories_.size()) - 1),
-            "lies too deep: not looked at any further");
+      Error([&] { return PathOf(at); }, "lies too deep: not looked at any further");
     }
     exhausted_ = true;
     return Walk::kOn;
   }
 
-  void Leave(const WalkStep&) override { visits_.pop_back(); }
+  void Leave(const WalkStep& at) override {
+    above_.Erase(at.Sector);
+    visits_.pop_back();
+  }
 
  private:
   // A directory that the walk is in.
   struct Visit {
     std::int32_t Node = 0;
-    std::string FormerName;       // the folded name of the entry in front
-    std::set<std::string> Names;  // the folded names met so far
+    std::vector<std::string> Names;  // the folded names met so far
+    std::string Highest;             // the last of them in rising order
   };
 
-  void Error(std::string place, std::string text) {
-    faults_.push_back({true, std::move(place), std::move(text)});
+  // place is a text, or gives one.
+  template <typename Place>
+  void Error(const Place& place, std::string_view text) {
+    Add(true, place, text);
   }
-  void Warn(std::string place, std::string text) {
-    faults_.push_back({false, std::move(place), std::move(text)});
+  template <typename Place>
+  void Warn(const Place& place, std::string_view text) {
+    Add(false, place, text);
+  }
+  template <typename Place>
+  void Add(bool isError, const Place& place, std::string_view text) {
+    const auto makeText = [&] { return std::string(text); };
+    if constexpr (std::is_invocable_v<Place>) {
+      faults_.Add(isError, place, makeText);
+    } else {
+      faults_.Add(
+          isError, [&] { return std::string(place); }, makeText);
+    }
   }
 
-  std::string PathOf(std::int32_t directory) const {
-    const DirectoryNode& node = directories_[static_cast<std::size_t>(directory)];
-    return node.Parent < 0 ? node.Name : PathOf(node.Parent) + "." + node.Name;
+  void AppendPathOfNode(std::int32_t node, std::string& path) const {
+    const DirectoryNode& directory = directories_[static_cast<std::size_t>(node)];
+    if (directory.Parent < 0) {
+      path += '$';
+    } else {
+      AppendPathOfEntry(directory.Parent, directory.Slot, path);
+    }
+  }
+  void AppendPathOfEntry(std::int32_t node, std::int32_t slot, std::string& path) const {
+    AppendPathOfNode(node, path);
+    path += '.';
+    path += EntryAt(disc_, directories_[static_cast<std::size_t>(node)].Sector, slot).Name();
   }
   std::string NameOf(const Extent& extent) const {
-    if (extent.Run >= 0) return "free run " + std::to_string(extent.Run);
-    return extent.Directory < 0 ? extent.Name : PathOf(extent.Directory) + "." + extent.Name;
+    std::string path;
+    switch (extent.Node) {
+      case kRunNode:
+        return "free run " + std::to_string(extent.Slot);
+      case kMapNode:
+        return "the free space map";
+      case kRootNode:
+        return "$";
+      default:
+        AppendPathOfEntry(extent.Node, extent.Slot, path);
+        return path;
+    }
   }
 
   void CheckMap() {
@@ -129,7 +226,7 @@ class Checker : public DirectoryVisitor {
       const std::string place = "run " + std::to_string(i);
       if (i > 0) CheckOrder(place, runs[i - 1], run);
       if (run.End() > size_) Error(place, "runs past the end of the disc");
-      Own({run.Start, run.End(), static_cast<std::int32_t>(i), -1, "", false});
+      Own(run.Start, run.End(), kRunNode, static_cast<std::int32_t>(i));
     }
   }
 
@@ -143,14 +240,15 @@ class Checker : public DirectoryVisitor {
     }
   }
 
-  void Own(Extent extent) {
-    extent.Start = std::min(extent.Start, size_);
-    extent.End = std::min(extent.End, size_);
-    if (extent.Start < extent.End) extents_.push_back(std::move(extent));
+  void Own(std::int32_t start, std::int32_t end, std::int32_t node, std::int32_t slot) {
+    if (start >= std::min(end, size_)) return;
+    extents_.push_back({static_cast<std::uint32_t>(start) & 0xFFFFFF,
+                        static_cast<std::uint32_t>(slot) & 0xFF, std::min(end, size_), node,
+                        static_cast<std::uint32_t>(extents_.size())});
   }
 
   void CheckFrame(const WalkStep& at, const Directory& directory) {
-    const std::string path = PathOf(visits_.back().Node);
+    const auto path = [&] { return PathOf(at); };
     if (!directory.HasMark()) {
       Error(path, "is no directory: the mark at its start is missing");
       return;
@@ -168,15 +266,18 @@ class Checker : public DirectoryVisitor {
     }
   }
 
-  void CheckName(const std::string& path, const std::string& name) {
+  template <typename Place>
+  void CheckName(const Place& path, const std::string& name) {
     Visit& visit = visits_.back();
-    const std::string folded = FoldName(name);
-    if (!visit.Names.insert(folded).second) {
+    std::string folded = FoldName(name);
+    if (visit.Names.empty() || folded > visit.Highest) {
+      visit.Highest = folded;
+    } else if (std::ranges::find(visit.Names, folded) != visit.Names.end()) {
       Warn(path, "the name is there twice");
-    } else if (folded < visit.FormerName) {
+    } else if (folded < visit.Names.back()) {
       Warn(path, "stands out of order");
     }
-    visit.FormerName = folded;
+    visit.Names.push_back(std::move(folded));
     const bool typable = std::all_of(name.begin(), name.end(), [](char c) {
       const auto code = static_cast<unsigned char>(c);
       return code >= 32 && code < 127;
@@ -184,17 +285,11 @@ class Checker : public DirectoryVisitor {
     if (!typable) Warn(path, "the name holds characters that can't be typed");
   }
 
-  static bool LeadsBack(const WalkStep& at, std::int32_t sector) {
-    for (const WalkStep* step = &at; step != nullptr; step = step->Parent) {
-      if (step->Sector == sector) return true;
-    }
-    return false;
-  }
-
   // True if the entry is a directory that the walk has to go into.
-  bool CheckEntry(const WalkStep& at, const std::string& path, const Entry& entry) {
+  template <typename Place>
+  bool CheckEntry(const Place& path, std::int32_t slot, const Entry& entry) {
     const std::int32_t start = entry.Start();
-    if (entry.IsDirectory() && LeadsBack(at, start)) {
+    if (entry.IsDirectory() && above_.Has(start)) {
       Error(path, "leads back to a directory that it lies in");
       return false;
     }
@@ -207,32 +302,40 @@ class Checker : public DirectoryVisitor {
     } else if (end > size_ && !atEndOfFullDisc) {
       Error(path, "runs past the end of the disc");
     }
-    Own({start, end, -1, visits_.back().Node, entry.Name(), isEmpty});
-    if (!entry.IsDirectory() || start >= size_) return false;
-    directories_.push_back({visits_.back().Node, entry.Name()});
-    return true;
+    if (isEmpty) {
+      (void)emptyFiles_.Insert(start);
+    } else {
+      Own(start, end, visits_.back().Node, slot);
+    }
+    return entry.IsDirectory() && start < size_;
   }
 
   // Goes over all extents in the order of their starts. An extent that starts before the furthest
   // end so far overlaps the extent that reaches there. If it starts behind that end, the sectors
-  // between are a hole. Of extents with one start, empty files come last, so that none hides an
-  // overlap.
+  // between are a hole.
   void CheckOwnership() {
-    std::stable_sort(extents_.begin(), extents_.end(), [](const Extent& a, const Extent& b) {
-      return a.Start != b.Start ? a.Start < b.Start : a.IsEmptyFile < b.IsEmptyFile;
+    std::ranges::sort(extents_, {}, [](const Extent& extent) {
+      return std::pair<std::uint32_t, std::uint32_t>(extent.Start, extent.Order);
     });
     const Extent* furthest = nullptr;
     std::int32_t reached = 0;
     for (const Extent& extent : extents_) {
-      if (extent.Start > reached) WarnOfHole(reached, extent.Start);
-      const bool overlaps = furthest != nullptr && extent.Start < reached;
-      if (overlaps && !extent.IsEmptyFile) TellOverlap(*furthest, extent);
+      const auto start = static_cast<std::int32_t>(extent.Start);
+      WarnOfHoles(reached, start);
+      if (furthest != nullptr && start < reached) TellOverlap(*furthest, extent);
       if (extent.End > reached) {
         furthest = &extent;
         reached = extent.End;
       }
     }
-    if (reached < size_) WarnOfHole(reached, size_);
+    WarnOfHoles(reached, size_);
+  }
+
+  // We give an empty file a sector, but the BBC gives it none, and its compaction leaves the file
+  // wherever the next object starts. So an empty file claims its sector only if nothing else does.
+  void WarnOfHoles(std::int32_t start, std::int32_t end) {
+    emptyFiles_.ForEachGap(start, end,
+                           [&](std::int32_t from, std::int32_t to) { WarnOfHole(from, to); });
   }
 
   void WarnOfHole(std::int32_t start, std::int32_t end) {
@@ -243,27 +346,37 @@ class Checker : public DirectoryVisitor {
 
   void TellOverlap(const Extent& first, const Extent& second) {
     // CheckRuns has reported two free runs that overlap.
-    if (first.Run >= 0 && second.Run >= 0) return;
+    if (first.Node == kRunNode && second.Node == kRunNode) return;
     // The fault names the object as its place and not the free run: the user may lose the object.
-    const bool firstIsPlace = second.Run >= 0;
-    Error(NameOf(firstIsPlace ? first : second),
-          "overlaps " + NameOf(firstIsPlace ? second : first));
+    const bool firstIsPlace = second.Node == kRunNode;
+    faults_.Add(
+        true, [&] { return NameOf(firstIsPlace ? first : second); },
+        [&] { return "overlaps " + NameOf(firstIsPlace ? second : first); });
   }
 
   Disc& disc_;
   MapSectors map_;
   std::int32_t size_;
-  std::vector<Fault> faults_;
-  std::vector<DirectoryNode> directories_;
+  FaultList faults_;
+  std::vector<DirectoryNode> directories_;  // in the order of the walk, the root first
   std::vector<Extent> extents_;
-  std::vector<Visit> visits_;  // the directories that the walk is in, the root first
-  bool exhausted_ = false;     // the walk has come to one of its bounds
+  std::size_t mostExtents_ = 0;  // the walk ends when there are so many
+  SectorSet emptyFiles_;         // where they start
+  std::vector<Visit> visits_;    // the directories that the walk is in, the root first
+  SectorSet above_;              // the sectors of the same
+  bool exhausted_ = false;       // the walk has come to one of its bounds
 };
 
 }  // namespace
 
+void CheckDisc(Disc& disc, const std::function<void(const Fault&)>& tell) {
+  Checker(disc, tell).Run();
+}
+
 std::vector<Fault> CheckDisc(Disc& disc) {
-  return Checker(disc).Run();
+  std::vector<Fault> faults;
+  CheckDisc(disc, [&](const Fault& fault) { faults.push_back(fault); });
+  return faults;
 }
 
 }  // namespace sectorbox

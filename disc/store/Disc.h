@@ -60,6 +60,9 @@ struct Disc : private ImageRules {
   // What FindContradiction has found (Agreement.h), and the opening of the disc that it holds for.
   std::string Contradiction;
   std::int64_t ComparedAt = -1;
+  // FindContradiction has found objects that share sectors. When one of them is deleted, the others
+  // keep those sectors.
+  bool ObjectsOverlap = false;
 
   DiscImg TheDisc;
 

@@ -12,6 +12,9 @@ namespace {
 
 constexpr std::int64_t kBytesOfLine = 16;
 constexpr int kOffsetDigits = 6;
+// A file may have no line ends. A line is shown in pieces of this many bytes, so that it needs no
+// memory for all of it.
+constexpr std::size_t kLongestPiece = std::size_t{1} << 20;
 
 char Printable(std::uint8_t byte) {
   const std::uint8_t low = byte & format::kLowBits;
@@ -43,7 +46,7 @@ void ShowText(Disc& disc, const ListRow& row, TextView& view) {
     const auto c = static_cast<char>(reader.At(file.Start + i));
     if (c == '\n') continue;
     line += c;
-    if (c != '\r') continue;
+    if (c != '\r' && line.size() < kLongestPiece) continue;
     view.ShowData(line);
     line.clear();
     reader.Forget();

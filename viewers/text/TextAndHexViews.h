@@ -9,8 +9,9 @@
 namespace sectorbox {
 
 // The file's bytes as lines of text. A carriage return ends a line; a line feed is dropped, so a
-// file with line feeds alone shows as one long line. Every other byte passes as it is. A close
-// request takes effect at the end of the file.
+// file with line feeds alone shows as one long line. Every other byte passes as it is. A line
+// of more than a megabyte comes in several texts. A close request takes effect at the end of the
+// file.
 void ShowText(Disc& disc, const ListRow& row, TextView& view);
 
 // A hexadecimal dump, sixteen bytes a line: the offset in the file in six digits (the last six of a

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <limits>
 
 #include "viewers/wordwise/Wordwise.h"
 #include "viewers/wordwise/WordwiseFormatter.h"
@@ -10,8 +9,9 @@ namespace {
 constexpr std::uint32_t kWordwiseAddress = 0xFFFFFFFF;
 constexpr int kWiderTwips = 50;
 
-// This leaves room for the few steps that Pos goes beyond the end.
-constexpr std::int64_t kLongestDocument = std::numeric_limits<std::int32_t>::max() - 1024;
+// The BBC's memory holds no document of more than 32 KB. What a line remembers of its commands may
+// grow with the document, so the view of a longer one ends here and says so.
+constexpr std::int64_t kLongestDocument = std::int64_t{16} << 20;
 
 }  // namespace
 
@@ -24,7 +24,11 @@ void ShowWordwise(Disc& disc, const ListRow& row, TextView& view) {
   }
   view.WidenWindow(kWiderTwips);
   view.Style = TextStyle();
-  WordwiseFormatter(disc, ExtentOf(disc, row), view).Format();
+  const FileExtent document = ExtentOf(disc, row);
+  WordwiseFormatter(disc, document, view).Format();
+  if (document.Length > kLongestDocument && !view.Finished) {
+    view.ShowData("\rThe view ends here: the document is longer than 16 MB\r");
+  }
   EndView(view);
 }
 
