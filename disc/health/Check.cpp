@@ -6,6 +6,7 @@
 #include "disc/catalogue/Directories.h"
 #include "disc/format/Names.h"
 #include "disc/format/Text.h"
+#include "disc/health/DiscSizes.h"
 
 namespace sectorbox {
 namespace {
@@ -47,6 +48,7 @@ class Checker : public DirectoryVisitor {
     // The checker never ends the walk: it reports a directory that lies too deep and goes on.
     (void)WalkDirectories(disc_, kRootSector, *this);
     CheckOwnership();
+    for (Fault& fault : FindSizeFaults(disc_)) faults_.push_back(std::move(fault));
     return std::move(faults_);
   }
 

@@ -16,7 +16,7 @@ struct Fault {
 };
 
 // All faults of the open disc: those of the map, then those of the directories in the order of the
-// walk, then overlaps and holes in the order of the sectors. None for a sound disc.
+// walk, then overlaps and holes in the order of the sectors, then its size. None for a sound disc.
 [[nodiscard]] std::vector<Fault> CheckDisc(Disc& disc);
 
 }  // namespace sectorbox
