@@ -56,14 +56,14 @@ void ExportOne(Disc& disc, const PathTarget& target, const std::string& folder) 
 int RunExport(const CommandLine& line) {
   line.Expect(3, 3);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const PathTarget target = RequirePath(session.Open, line.Arguments[1]);
   if (target.IsDirectory) {
     ExportDisc(session.Open, line.Arguments[2], target.Sector);
   } else {
     ExportOne(session.Open, target, line.Arguments[2]);
   }
-  return session.Host.MessageShown ? kRefused : StatusOf(session.Open);
+  return session.Host.MessageShown ? kRefused : StatusOf(session);
 }
 
 bool DeletePath(Disc& disc, const CliHost& host, const std::string& path) {
