@@ -31,9 +31,10 @@ bool OpenChosen(Disc& disc) {
   return CardIsOpen(disc);
 }
 
-// Asks before a file that is no disc replaces one. True if it may.
+// Asks before a file that is no disc replaces one. True if it may. RestoreImage itself refuses the
+// card.
 bool MayRestore(Disc& disc, const std::string& fileName) {
-  if (FileHoldsAdfsDisc(fileName)) return true;
+  if (disc.TheDisc.IsOpenMedium(fileName) || FileHoldsAdfsDisc(fileName)) return true;
   return disc.Host.AskYesNo(NoAdfsDiscText(fileName) + ". Restore It All The Same ?",
                             "Restore CF Card");
 }
@@ -99,7 +100,7 @@ void RunCFCardRestore(Disc& disc, CardDialogs& dialogs) {
       disc, [&] { dialogs.ShowCF(); },
       [&] {
         const std::string name = ChooseImageFile(disc);
-        if (name.empty() || !MayRestore(disc, name) || !OpenChosen(disc)) return false;
+        if (name.empty() || !OpenChosen(disc) || !MayRestore(disc, name)) return false;
         // The user has been told of a failure. The panes show what is there then.
         (void)RestoreImage(disc, name);
         // The free map in memory is still that of the disc that was there before.

@@ -111,9 +111,11 @@ int RunRestore(const CommandLine& line) {
   // A pipe has no length, so nothing would be restored from it.
   if (!HostFileIsPlain(file)) throw Failure(file + ": not a plain file");
   ImageSession session(line);
-  AllowNoDisc(line, session.Host, FileHoldsAdfsDisc(file), file);
   Disc& disc = session.Open;
   OpenWhole(disc, line.Arguments[1]);
+  // RestoreImage itself refuses the card.
+  const bool isDisc = disc.TheDisc.IsOpenMedium(file) || FileHoldsAdfsDisc(file);
+  AllowNoDisc(line, session.Host, isDisc, file);
   const std::int64_t room = std::int64_t{disc.TheDisc.DiscSize()} * format::kSectorSize;
   const bool fits = HostFileLength(file) <= static_cast<std::uint64_t>(room);
   const RestoreEnd end = RestoreImage(disc, file);
