@@ -15,8 +15,9 @@ namespace sectorbox {
 // - everything behind the front is written;
 // - the front is written, but without the mark of the root directory;
 // - the mark is written.
-// Each step is safe on the card before the next begins. After the first failure nothing more is
-// written. However it ends before the last step, the destructor tells the user what is on the card.
+// Each step is safe on the card before the next begins. After a step that has failed none follows.
+// If it ends before the last step, for whatever reason, the destructor tells the user what is on
+// the card.
 class DiscReplacement {
  public:
   // Sectors of the front: the map, the root directory, and the sector that shares their blocks.
