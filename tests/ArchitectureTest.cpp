@@ -40,7 +40,7 @@ const std::map<std::string, std::map<std::string, std::set<std::string>>> kInner
          {"change", {"ask", "format", "store", "catalogue"}},
          {"exchange", {"ask", "host", "format", "store", "catalogue", "change"}},
          {"image", {"ask", "host", "format", "medium", "store", "catalogue"}},
-         {"health", {"ask", "format", "store", "catalogue"}},
+         {"health", {"ask", "host", "format", "medium", "store", "catalogue"}},
      }},
     {"viewers",
      {

@@ -30,7 +30,8 @@ inline constexpr WindowPlace kTeletextPlace{"Teletext", 84, 84};
 inline constexpr WindowPlace kModePlace{"Mode", 84, 84};
 
 // Moves the window, and sizes it where its size isn't fixed. The window's layout must be complete
-// before. Throws SettingsError for a value that is no number.
+// before. A window that the user couldn't reach at the stored place is brought onto the nearest
+// screen, and made no larger than that. Throws SettingsError for a value that is no number.
 void RestorePlace(QWidget& window, const WindowPlace& place);
 // Stores where the window is. A minimised window stores nothing, so its earlier place stays stored.
 void SavePlace(const QWidget& window, const WindowPlace& place);

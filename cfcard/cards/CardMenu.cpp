@@ -6,6 +6,7 @@
 #include "disc/host/HostError.h"
 #include "disc/image/ImageFiles.h"
 #include "disc/image/NewDisc.h"
+#include "disc/image/NoAdfsDisc.h"
 #include "disc/image/OpenImage.h"
 #include "disc/image/SaveImage.h"
 #include "disc/image/Session.h"
@@ -28,6 +29,14 @@ void End(Disc& disc) {
 bool OpenChosen(Disc& disc) {
   OpenCFPartition(disc, disc.ImageName);
   return CardIsOpen(disc);
+}
+
+// Asks before a file that is no disc replaces one. True if it may. RestoreImage itself refuses the
+// card.
+bool MayRestore(Disc& disc, const std::string& fileName) {
+  if (disc.TheDisc.IsOpenMedium(fileName) || FileHoldsAdfsDisc(fileName)) return true;
+  return disc.Host.AskYesNo(NoAdfsDiscText(fileName) + ". Restore It All The Same ?",
+                            "Restore CF Card");
 }
 
 // What all entries have in common. dialog() lets the user choose. If the user chose, work() does
@@ -80,6 +89,8 @@ void RunCFCardBackup(Disc& disc, CardDialogs& dialogs, bool wholeCard) {
       [&] {
         if (!OpenChosen(disc)) return false;
         BackupPartition(disc, wholeCard);
+        // How much of it is used can be told of a disc only, so all of it was saved.
+        if (!wholeCard && !IsAdfsDisc(disc)) disc.Host.Note(NoAdfsDiscText(disc.ImageName));
         return true;
       });
 }
@@ -89,8 +100,9 @@ void RunCFCardRestore(Disc& disc, CardDialogs& dialogs) {
       disc, [&] { dialogs.ShowCF(); },
       [&] {
         const std::string name = ChooseImageFile(disc);
-        if (name.empty() || !OpenChosen(disc)) return false;
-        RestoreImage(disc, name);
+        if (name.empty() || !OpenChosen(disc) || !MayRestore(disc, name)) return false;
+        // The user has been told of a failure. The panes show what is there then.
+        (void)RestoreImage(disc, name);
         // The free map in memory is still that of the disc that was there before.
         return OpenChosen(disc);
       });

@@ -24,11 +24,12 @@ class CardDialogs {
 void RunCFCardOpen(Disc& disc, CardDialogs& dialogs);
 void RunCFFormat(Disc& disc, CardDialogs& dialogs);
 // Copies the used part of a partition, or the whole of it, into a .dat. If the user cancels the
-// save dialog, the partition stays open.
+// save dialog, the partition stays open. Without wholeCard, the user is told of a partition that
+// holds no ADFS disc; all of it is saved then.
 void RunCFCardBackup(Disc& disc, CardDialogs& dialogs, bool wholeCard);
 // Copies a file onto a partition, from its first sector on. What the partition has no room for
-// isn't written, and the host is told. If the user cancels the file dialog, the empty disc is
-// opened.
+// isn't written, and the host is told. The user is asked before a file that is no ADFS disc is
+// copied. If the user answers No, or cancels the file dialog, the empty disc is opened.
 void RunCFCardRestore(Disc& disc, CardDialogs& dialogs);
 
 // The twenty formats by size, which no user can choose today. Each size comes twice: with a wipe,

@@ -8,6 +8,7 @@
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/format/Format.h"
+#include "disc/image/DiscReplacement.h"
 #include "disc/image/NewDisc.h"
 #include "disc/image/OpenImage.h"
 
@@ -35,39 +36,63 @@ std::int32_t SectorsFor(Disc& disc, const std::string& capacity) {
       std::min(std::clamp<std::int64_t>(megabytes, 0, most) * kSectorsAMegabyte, most));
 }
 
-// One step of a wipe. False if the user has aborted it.
-bool WipeStep(Disc& disc, FormatView& view, std::int32_t sector, std::int32_t count,
-              std::int32_t sectors) {
-  if (!disc.ProgressRunning) return false;
-  disc.TheDisc.WriteCFSector(sector, count);
-  if (sector % kShowEvery == 0) {
-    view.ShowFormat(ProgressLine(sector, sectors), Percent(sector, sectors));
-    disc.Host.PumpEvents();
+// Zeroes all sectors of a disc, odd bytes included.
+class Wipe {
+ public:
+  Wipe(Disc& disc, FormatView& view, DiscReplacement& replacement, std::int32_t sectors)
+      : disc_(disc), view_(view), replacement_(replacement), sectors_(sectors) {}
+
+  // False if the user has aborted the wipe, or if the front can't be cleared.
+  [[nodiscard]] bool Run() {
+    if (!disc_.ProgressRunning) return false;
+    disc_.TheDisc.ClearCFSector();
+    for (std::int32_t i = 0; i <= sectors_ - kWipeStep - 1; i += kWipeStep) {
+      if (!Step(i, kWipeStep)) return false;
+    }
+    // The last 64 sectors are always written one by one, also if a step of 64 has zeroed them
+    // already. So the wipe reaches the end of a card whose size is no multiple of 64.
+    for (std::int32_t i = std::max(sectors_ - kWipeStep, 0); i < sectors_; ++i) {
+      if (!Step(i, 1)) return false;
+    }
+    return true;
   }
-  return true;
+
+ private:
+  // The front is always cleared to its end, so that an abort leaves no half of it.
+  [[nodiscard]] bool Step(std::int32_t sector, std::int32_t count) {
+    if (replacement_.HasBegun() && !disc_.ProgressRunning) return false;
+    disc_.TheDisc.WriteCFSector(sector, count);
+    const std::int32_t front = std::min(DiscReplacement::kFrontSectors, sectors_);
+    if (!replacement_.HasBegun() && sector + count >= front &&
+        !replacement_.Begin(DiscReplacement::Front::kIsCleared)) {
+      return false;
+    }
+    if (sector % kShowEvery == 0) {
+      view_.ShowFormat(ProgressLine(sector, sectors_), Percent(sector, sectors_));
+      disc_.Host.PumpEvents();
+    }
+    return true;
+  }
+
+  Disc& disc_;
+  FormatView& view_;
+  DiscReplacement& replacement_;
+  std::int32_t sectors_;
+};
+
+// The front of a partition with an empty disc. The map and the root come over zeroes. The zeroes
+// end within the root, before its tail: a quick format leaves bytes 1280 to 1791 as they were.
+// Nothing reads them, as the root's first entry is empty. Formatted cards are compared byte by
+// byte, so the limit stays where it always was.
+std::vector<std::uint8_t> EmptyFront(std::vector<std::uint8_t> former, std::int32_t sectors) {
+  std::fill_n(former.begin(), format::kDirSize, std::uint8_t{0});
+  const std::size_t used = format::kMapSize + format::kDirSize;
+  std::ranges::copy(EmptyDisc(std::span(former).first(used), sectors), former.begin());
+  return former;
 }
 
-bool WipePartition(Disc& disc, FormatView& view, std::int32_t sectors) {
-  disc.TheDisc.ClearCFSector();
-  for (std::int32_t i = 0; i <= sectors - kWipeStep - 1; i += kWipeStep) {
-    if (!WipeStep(disc, view, i, kWipeStep, sectors)) return false;
-  }
-  // The last 64 sectors are always written one by one, also if a step of 64 has zeroed them
-  // already. So the wipe reaches the end of a card whose size is no multiple of 64.
-  for (std::int32_t i = std::max(sectors - kWipeStep, 0); i < sectors; ++i) {
-    if (!WipeStep(disc, view, i, 1, sectors)) return false;
-  }
-  return true;
-}
-
-// Writes the map and the root over zeroes. The zeroes end within the root, before its tail: a quick
-// format leaves bytes 1280 to 1791 as they were. Nothing reads them, as the root's first entry is
-// empty. Formatted cards are compared byte by byte, so the limit stays where it always was.
-void WriteStructures(Disc& disc, std::int32_t sectors) {
-  const std::vector<std::uint8_t> zeroes(format::kDirSize);
-  disc.TheDisc.StoreBytes(0, zeroes);
-  WriteEmptyDisc(disc, sectors);
-  ReadFreeMap(disc);
+std::vector<std::uint8_t> Zeroes(const std::vector<std::uint8_t>& front) {
+  return std::vector<std::uint8_t>(front.size());
 }
 
 // True if the open partition takes a disc of that many sectors. If not, the host is told.
@@ -81,12 +106,18 @@ bool TakesDisc(Disc& disc, std::int32_t sectors) {
 bool FormatOpenPartition(Disc& disc, FormatView& view, const std::string& capacity, bool quick) {
   const std::int32_t sectors = SectorsFor(disc, capacity);
   if (!TakesDisc(disc, sectors)) return false;
-  if (!quick && !WipePartition(disc, view, sectors)) return false;
-  WriteStructures(disc, sectors);
+  DiscReplacement replacement(disc);
+  const std::vector<std::uint8_t>& former = replacement.FormerFront();
+  const bool begun = quick ? replacement.Begin(DiscReplacement::Front::kToBeCleared)
+                           : Wipe(disc, view, replacement, sectors).Run();
+  if (!begun || !replacement.Finish(EmptyFront(quick ? former : Zeroes(former), sectors))) {
+    return false;
+  }
+  ReadFreeMap(disc);
   return true;
 }
 
-// Zeroes the sectors of the disc one by one. False if the user has aborted it.
+// Zeroes the sectors of the disc behind the front one by one. False if the user has aborted it.
 bool WipeImage(Disc& disc, std::int32_t sectors) {
   const std::vector<std::uint8_t> zeroes(format::kSectorSize);
   disc.Host.OpenProgress("Format CF Card");
@@ -95,10 +126,21 @@ bool WipeImage(Disc& disc, std::int32_t sectors) {
       disc.Host.ShowProgress(ProgressLine(i, sectors), Percent(i, sectors));
       disc.Host.PumpEvents();
     }
-    disc.TheDisc.StoreBytes(SectorOffset(i), zeroes);
+    if (i >= DiscReplacement::kFrontSectors) disc.TheDisc.StoreBytes(SectorOffset(i), zeroes);
   }
   disc.Host.CloseProgress();
   return disc.ProgressRunning;
+}
+
+// False if the user has aborted the wipe, or if the card has failed.
+bool FormatImageOf(Disc& disc, std::int32_t sectors, bool wipe) {
+  DiscReplacement replacement(disc);
+  const std::vector<std::uint8_t>& former = replacement.FormerFront();
+  if (!replacement.Begin(DiscReplacement::Front::kToBeCleared)) return false;
+  if (wipe && !WipeImage(disc, sectors)) return false;
+  if (!replacement.Finish(EmptyFront(wipe ? Zeroes(former) : former, sectors))) return false;
+  ReadFreeMap(disc);
+  return true;
 }
 
 }  // namespace
@@ -117,11 +159,7 @@ void FormatCFImage(Disc& disc, std::int32_t sectors, bool wipe) {
   disc.ImageChanged = false;
   OpenCFPartition(disc, disc.ImageName);
   const std::int32_t there = std::min(sectors, disc.TheDisc.DiscSize());
-  if (!TakesDisc(disc, there) || (wipe && !WipeImage(disc, there))) {
-    disc.ProgressRunning = false;
-    return;
-  }
-  WriteStructures(disc, there);
+  if (!TakesDisc(disc, there) || !FormatImageOf(disc, there, wipe)) disc.ProgressRunning = false;
 }
 
 }  // namespace sectorbox

@@ -47,8 +47,10 @@ class FormatView {
 //
 // Disc::ProgressRunning says whether the format goes on. The caller sets it before. If a handler
 // clears it while events run, the wipe ends: the sectors wiped so far stay wiped, and no disc is
-// made. The flag is also cleared, and the host is told, if the partition can't be opened or has no
-// room for a map and a root. The store is closed in every case.
+// made. The flag is also cleared, and the host is told, if the partition can't be opened, has no
+// room for a map and a root, or fails to take a write. The disc that was there is taken away first,
+// and the new one comes last (DiscReplacement.h); the host is told if there is none at the end. The
+// store is closed in every case.
 void FormatCFDisc(Disc& disc, FormatView& view, const std::string& capacity, bool quick);
 
 // The same with the host's progress dialog, with two differences: a wipe zeroes the bytes of the

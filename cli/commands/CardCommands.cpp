@@ -11,6 +11,7 @@
 #include "disc/format/Text.h"
 #include "disc/host/HostFile.h"
 #include "disc/host/HostSignals.h"
+#include "disc/image/NoAdfsDisc.h"
 #include "disc/image/SaveImage.h"
 
 namespace sectorbox::cli {
@@ -49,6 +50,13 @@ std::string RequireCapacity(const std::string& word) {
   return word;
 }
 
+// Tells the user if what is to be copied is no disc. Failure then, unless the call has --force.
+void AllowNoDisc(const CommandLine& line, CliHost& host, bool isDisc, const std::string& path) {
+  if (isDisc) return;
+  if (!line.Has("force")) throw Failure(NoAdfsDiscText(path));
+  host.Note(NoAdfsDiscText(path));
+}
+
 CardSource SourceOf(const std::string& path) {
   return {path, path, path};
 }
@@ -82,15 +90,18 @@ int RunFormat(const CommandLine& line) {
   disc.ProgressRunning = true;
   FormatCFDisc(disc, view, capacity, line.Has("quick"));
   session.Host.CloseProgress();
-  return disc.ProgressRunning ? StatusOf(disc) : kRefused;
+  return disc.ProgressRunning ? StatusOf(session) : kRefused;
 }
 
 int RunBackup(const CommandLine& line) {
   line.Expect(3, 3);
   ImageSession session(line);
   OpenWhole(session.Open, line.Arguments[1]);
+  // How much of it is used can be told of a disc only.
+  if (!line.Has("full"))
+    AllowNoDisc(line, session.Host, IsAdfsDisc(session.Open), line.Arguments[1]);
   SaveDatImage(session.Open, line.Arguments[2], line.Has("full"));
-  return StatusOf(session.Open);
+  return StatusOf(session);
 }
 
 int RunRestore(const CommandLine& line) {
@@ -102,30 +113,33 @@ int RunRestore(const CommandLine& line) {
   ImageSession session(line);
   Disc& disc = session.Open;
   OpenWhole(disc, line.Arguments[1]);
+  // RestoreImage itself refuses the card.
+  const bool isDisc = disc.TheDisc.IsOpenMedium(file) || FileHoldsAdfsDisc(file);
+  AllowNoDisc(line, session.Host, isDisc, file);
   const std::int64_t room = std::int64_t{disc.TheDisc.DiscSize()} * format::kSectorSize;
   const bool fits = HostFileLength(file) <= static_cast<std::uint64_t>(room);
-  RestoreImage(disc, file);
+  const RestoreEnd end = RestoreImage(disc, file);
   disc.TheDisc.CloseFile();
-  return fits ? StatusOf(disc) : kRefused;
+  return fits && end == RestoreEnd::kDone ? StatusOf(session) : kRefused;
 }
 
 struct CardCommand {
   const char* Name;
-  const char* Option;  // the one that it takes; empty for none
+  std::array<const char*, 2> Options;  // those that it takes; empty for none
   int (*Run)(const CommandLine& line);
 };
 constexpr std::array<CardCommand, 4> kCardCommands = {{
-    {"scan", "non-adfs", RunScan},
-    {"format", "quick", RunFormat},
-    {"backup", "full", RunBackup},
-    {"restore", "", RunRestore},
+    {"scan", {"non-adfs", ""}, RunScan},
+    {"format", {"quick", ""}, RunFormat},
+    {"backup", {"full", "force"}, RunBackup},
+    {"restore", {"force", ""}, RunRestore},
 }};
 
 int RunCF(const CommandLine& line) {
   const std::string what = line.Arguments.empty() ? "" : line.Arguments[0];
   for (const CardCommand& command : kCardCommands) {
     if (what != command.Name) continue;
-    line.ExpectOptions({command.Option}, "cf " + what);
+    line.ExpectOptions({command.Options.begin(), command.Options.end()}, "cf " + what);
     return command.Run(line);
   }
   throw UsageError("cf is followed by scan, format, backup or restore");
@@ -137,9 +151,9 @@ std::vector<Command> CardCommands() {
   return {
       {"cf",
        "scan [--non-adfs] [DEVICE...] | format DEVICE,P CAPACITY [--quick] | "
-       "backup DEVICE,P FILE [--full] | restore DEVICE,P FILE",
+       "backup DEVICE,P FILE [--full] [--force] | restore DEVICE,P FILE [--force]",
        "cards: list their partitions, format, back up, restore",
-       {"non-adfs", "quick", "full"},
+       {"non-adfs", "quick", "full", "force"},
        RunCF},
   };
 }

@@ -38,10 +38,10 @@ int RunNew(const CommandLine& line) {
 int RunSave(const CommandLine& line) {
   line.Expect(2, 2);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   CatchInterrupt();
   SaveImageTo(session.Open, line.Arguments[1]);
-  return session.Host.MessageShown ? kRefused : StatusOf(session.Open);
+  return session.Host.MessageShown ? kRefused : StatusOf(session);
 }
 
 }  // namespace

@@ -33,14 +33,14 @@ int RunTeletext(const CommandLine& line) {
   const std::string out = RequireOut(line);
   const std::int16_t phase = ZeroOrOne(line, "phase") ? 1 : 0;
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   RefuseOpenDisc(session.Open, out);
   const ListRow row = RequireFileRow(session.Open, line.Arguments[1]);
   const auto font = LoadTeletextFont(JoinHostPath(ProgramFolder(), kTeletextFontFile));
   if (!font) throw Failure(kTeletextFontMissing);
   const auto codes = ReadTeletextPage(session.Open, row.StartSector(), row.Length());
   SavePicture(DrawTeletext(codes, *font, phase), out);
-  return StatusOf(session.Open);
+  return StatusOf(session);
 }
 
 const ScreenMode& ModeNamed(const std::string& word) {
@@ -81,12 +81,12 @@ int RunMode(const CommandLine& line) {
   const CurrentColours colours =
       FindCurrentColours(mode, PaletteOf(line, mode), ZeroOrOne(line, "flash"));
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[1]);
+  OpenForReading(session, line.Arguments[1]);
   RefuseOpenDisc(session.Open, out);
   const ListRow row = RequireFileRow(session.Open, line.Arguments[2]);
   const auto bytes = ReadScreen(session.Open, mode, row.StartSector(), row.Length());
   SavePicture(DrawScreen(mode, bytes, colours), out);
-  return StatusOf(session.Open);
+  return StatusOf(session);
 }
 
 }  // namespace

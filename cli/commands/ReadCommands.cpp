@@ -43,7 +43,7 @@ int RunInfo(const CommandLine& line) {
   line.Expect(1, 1);
   ImageSession session(line);
   Disc& disc = session.Open;
-  OpenForReading(disc, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const std::int64_t free = FreeSectors(disc);
   const std::int64_t size = MapDiscSize(disc);
   PrintGeometry(disc);
@@ -53,7 +53,7 @@ int RunInfo(const CommandLine& line) {
   PrintValue("runs", disc.FreeCount);
   PrintValue("boot", ReadMap(disc).BootOption());
   PrintValue("title", GetDirTitle(disc, format::kRootSector));
-  return StatusOf(disc);
+  return StatusOf(session);
 }
 
 // The root is always "$" here, whatever its name field says, so that each path can be an argument
@@ -69,7 +69,7 @@ std::string PathOf(const std::vector<TreeNode>& tree, const TreeNode& node) {
 int RunTree(const CommandLine& line) {
   line.Expect(1, 1);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const std::vector<TreeNode> tree = WalkTree(session.Open);
   std::int32_t parent = -1;
   std::string front;  // the path of that parent, with a dot behind it
@@ -81,13 +81,13 @@ int RunTree(const CommandLine& line) {
     const std::string path = node.Parent < 0 ? "$" : front + node.Text;
     PrintBytes(ShownOnOutput(path) + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
   }
-  return session.Host.LeftOut ? kRefused : StatusOf(session.Open);
+  return session.Host.LeftOut ? kRefused : StatusOf(session);
 }
 
 int RunLs(const CommandLine& line) {
   line.Expect(1, 2);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const std::string path = line.Arguments.size() > 1 ? line.Arguments[1] : "$";
   const PathTarget target = RequireDirectory(session.Open, path);
   for (const ListRow& row : ReadRows(session.Open, target.Sector)) {
@@ -95,7 +95,7 @@ int RunLs(const CommandLine& line) {
     for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
     PrintBytes(text + "\n");
   }
-  return StatusOf(session.Open);
+  return StatusOf(session);
 }
 
 void PrintContents(Disc& disc, std::int32_t sector, std::uint32_t length) {
@@ -113,31 +113,31 @@ void PrintContents(Disc& disc, std::int32_t sector, std::uint32_t length) {
 int RunGet(const CommandLine& line) {
   line.Expect(2, 2);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const PathTarget file = RequireFile(session.Open, line.Arguments[1]);
   const std::uint32_t length = ReadRow(session.Open, file.DirSector, file.Slot).Length();
   if (!line.Has("o")) {
     PrintContents(session.Open, file.Sector, length);
-    return StatusOf(session.Open);
+    return StatusOf(session);
   }
   const std::string out = line.Option("o", "");
   RefuseOpenDisc(session.Open, out);
   OutputFile output = CreateOutputFile(out);
   WriteContents(session.Open, output, file.Sector, length);
   output.Close();
-  return StatusOf(session.Open);
+  return StatusOf(session);
 }
 
 int RunCheck(const CommandLine& line) {
   line.Expect(1, 1);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   int status = kDone;
   CheckDisc(session.Open, [&](const Fault& fault) {
     PrintLine((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
     if (fault.IsError) status = kRefused;
   });
-  return status == kDone ? StatusOf(session.Open) : status;
+  return status == kDone ? StatusOf(session) : status;
 }
 
 int RunOpen(const CommandLine& line) {

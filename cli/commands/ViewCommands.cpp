@@ -105,14 +105,14 @@ int RunTextView(const CommandLine& line) {
   const Usage usage = UsageOf(kind.Subject);
   line.Expect(usage.Least, usage.Most);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const ViewTarget target = FindTarget(session.Open, line, kind.Subject);
   if (line.Has("o")) RefuseOpenDisc(session.Open, line.Option("o", ""));
   TextStyle style;
   PrintedView view(line, session.Host, style);
   ShowTextView(kind, session.Open, target, view);
   view.Close();
-  return StatusOf(session.Open);
+  return StatusOf(session);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ void ExportOne(Disc& disc, const PathTarget& target, const std::string& folder) 
 int RunExport(const CommandLine& line) {
   line.Expect(3, 3);
   ImageSession session(line);
-  OpenForReading(session.Open, line.Arguments[0]);
+  OpenForReading(session, line.Arguments[0]);
   const PathTarget target = RequirePath(session.Open, line.Arguments[1]);
   if (target.IsDirectory) {
     ExportDisc(session.Open, line.Arguments[2], target.Sector);
@@ -64,7 +64,7 @@ int RunExport(const CommandLine& line) {
     ExportOne(session.Open, target, line.Arguments[2]);
   }
   const bool whole = !session.Host.MessageShown && !session.Host.LeftOut;
-  return whole ? StatusOf(session.Open) : kRefused;
+  return whole ? StatusOf(session) : kRefused;
 }
 
 bool DeletePath(Disc& disc, const CliHost& host, const std::string& path) {

@@ -3,12 +3,21 @@
 #include "cli/program/Dispatch.h"
 #include "disc/host/FileLock.h"
 #include "disc/host/HostError.h"
+#include "disc/image/NoAdfsDisc.h"
 #include "disc/image/OpenImage.h"
 
 namespace sectorbox::cli {
 namespace {
 
 constexpr const char* kCardPrefix = "cf:";
+
+void OpenAny(Disc& disc, const std::string& image) {
+  if (image.rfind(kCardPrefix, 0) == 0) {
+    OpenCard(disc, image.substr(3));
+  } else {
+    OpenImage(disc, image);
+  }
+}
 
 bool WritesThrough(const Disc& disc) {
   return !disc.TheDisc.InMemory();
@@ -28,12 +37,10 @@ void OpenCard(Disc& disc, const std::string& name) {
   if (!disc.TheDisc.DeviceIsOpen()) ThrowHostError(device, disc.TheDisc.DeviceError());
 }
 
-void OpenForReading(Disc& disc, const std::string& image) {
-  if (image.rfind(kCardPrefix, 0) == 0) {
-    OpenCard(disc, image.substr(3));
-  } else {
-    OpenImage(disc, image);
-  }
+void OpenForReading(ImageSession& session, const std::string& image) {
+  OpenAny(session.Open, image);
+  session.IsNoDisc = !IsAdfsDisc(session.Open);
+  if (session.IsNoDisc) session.Host.Note(NoAdfsDiscText(session.Open.ImageName));
 }
 
 void OpenForChanges(ImageSession& session, const std::string& image) {
@@ -45,11 +52,11 @@ void OpenForChanges(ImageSession& session, const std::string& image) {
     }
     session.Open.TheDisc.Lock().Adopt(std::move(lock));
   }
-  OpenForReading(session.Open, image);
+  OpenAny(session.Open, image);
 }
 
-int StatusOf(const Disc& disc) {
-  return disc.TheDisc.CardFaults() == 0 ? kDone : kRefused;
+int StatusOf(const ImageSession& session) {
+  return session.Open.TheDisc.CardFaults() == 0 && !session.IsNoDisc ? kDone : kRefused;
 }
 
 int RunWriting(const CommandLine& line, const std::string& image,
@@ -64,7 +71,7 @@ int RunWriting(const CommandLine& line, const std::string& image,
     throw;
   }
   if (done || WritesThrough(session.Open)) session.Open.TheDisc.CloseFile();
-  return done && !session.Host.LeftOut ? StatusOf(session.Open) : kRefused;
+  return done && !session.Host.LeftOut ? StatusOf(session) : kRefused;
 }
 
 PathTarget RequirePath(Disc& disc, const std::string& path) {

@@ -18,11 +18,12 @@ struct ImageSession {
 
   CliHost Host;
   Disc Open;
+  bool IsNoDisc = false;  // what was opened for reading is no ADFS disc
 };
 
 // Opens IMAGE: the path of an image file, or "cf:DEVICE,P". HostError if it can't be opened,
-// UsageError if P isn't 0 or 1.
-void OpenForReading(Disc& disc, const std::string& image);
+// UsageError if P isn't 0 or 1. If it is no ADFS disc, the user is told, and IsNoDisc is set.
+void OpenForReading(ImageSession& session, const std::string& image);
 
 // The same for a command that changes the disc. Waits while another program changes it, at most
 // five seconds, and then fails with "NAME is in use by another program".
@@ -32,8 +33,8 @@ void OpenForChanges(ImageSession& session, const std::string& image);
 void OpenCard(Disc& disc, const std::string& name);
 
 // The exit status of a command that has done its work: kRefused if a card has failed, since the
-// bytes that were read may then be wrong.
-int StatusOf(const Disc& disc);
+// bytes that were read may then be wrong, and kRefused if what was read is no ADFS disc.
+int StatusOf(const ImageSession& session);
 
 // Opens IMAGE, runs change and stores the disc back as CloseFile does; gives the exit status.
 // change gives false if the engine has refused. If something was left out (CliHost::LeftOut), the

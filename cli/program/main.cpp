@@ -6,5 +6,6 @@
 
 int main(int argc, char** argv) {
   sectorbox::MakeFileLimitAnError();
+  sectorbox::RemoveTemporaryFilesAtSignals();
   return sectorbox::cli::RunSbx(std::vector<std::string>(argv + 1, argv + argc));
 }

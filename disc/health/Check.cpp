@@ -9,6 +9,7 @@
 #include "disc/format/Names.h"
 #include "disc/format/SectorSet.h"
 #include "disc/format/Text.h"
+#include "disc/health/DiscSizes.h"
 
 namespace sectorbox {
 namespace {
@@ -103,6 +104,10 @@ class Checker : public DirectoryVisitor {
     // If the walk ends before it is done, it has reported why.
     (void)WalkDirectories(disc_, kRootSector, *this);
     CheckOwnership();
+    for (const Fault& fault : FindSizeFaults(disc_)) {
+      faults_.Add(
+          fault.IsError, [&] { return fault.Place; }, [&] { return fault.Text; });
+    }
     faults_.End();
   }
 

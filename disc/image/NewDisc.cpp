@@ -7,11 +7,13 @@
 #include "disc/ask/BusyPointer.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/catalogue/Directories.h"
+#include "disc/format/DiscLimits.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 #include "disc/image/ImageFiles.h"
 #include "disc/image/Session.h"
 #include "disc/medium/Companion.h"
+#include "disc/store/OpenDisc.h"
 
 namespace sectorbox {
 namespace {
@@ -21,26 +23,6 @@ using namespace format;
 constexpr const char* kBlankName = "NewDisc.adl";
 
 constexpr std::int32_t kTracksBetweenPumps = 1024;
-
-// The map and the root of an empty disc; former is what stands at their place.
-std::vector<std::uint8_t> EmptyDisc(std::span<const std::uint8_t> former, std::int32_t total) {
-  MapSectors map(former.first(kMapSize));
-  const std::array<FreeRun, 1> runs = {{{kFirstFreeSector, total - kFirstFreeSector}}};
-  map.SetDiscSize(total);
-  map.SetRuns(runs);
-  map.UpdateChecksums();
-
-  Directory::Bytes rootBytes;
-  std::ranges::copy(former.subspan(kMapSize), rootBytes.begin());
-  Directory root(rootBytes);
-  root.SetSequence(1);
-  root.SetMarks();
-  root.SetName("$\r");
-  root.SetTitle("$\r");
-  std::vector<std::uint8_t> bytes(map.Raw().begin(), map.Raw().end());
-  bytes.insert(bytes.end(), root.Raw().begin(), root.Raw().end());
-  return bytes;
-}
 
 // Copies what a file holds from offset on.
 void CopyTail(const std::string& fileName, std::uint64_t offset, OutputFile& output) {
@@ -70,6 +52,11 @@ void WriteHardDisc(Disc& disc, const std::string& fileName, std::int32_t tracks,
 std::string AskNewName(Disc& disc, const FileQuestion& question) {
   std::string path = disc.Host.AskSaveFileName(question);
   if (path.empty()) return "";
+  if (HostFileExists(path) &&
+      !disc.Host.AskYesNo(HostBaseName(path) + " already exists. Do you want to replace it ?",
+                          question.Title)) {
+    return "";
+  }
   disc.ImageName = path;
   disc.Host.RefreshCaption();
   return path;
@@ -95,6 +82,25 @@ bool EndsInDat(const std::string& name) {
 
 }  // namespace
 
+std::vector<std::uint8_t> EmptyDisc(std::span<const std::uint8_t> former, std::int32_t total) {
+  MapSectors map(former.first(kMapSize));
+  const std::array<FreeRun, 1> runs = {{{kFirstFreeSector, total - kFirstFreeSector}}};
+  map.SetDiscSize(total);
+  map.SetRuns(runs);
+  map.UpdateChecksums();
+
+  Directory::Bytes rootBytes;
+  std::ranges::copy(former.subspan(kMapSize), rootBytes.begin());
+  Directory root(rootBytes);
+  root.SetSequence(1);
+  root.SetMarks();
+  root.SetName("$\r");
+  root.SetTitle("$\r");
+  std::vector<std::uint8_t> bytes(map.Raw().begin(), map.Raw().end());
+  bytes.insert(bytes.end(), root.Raw().begin(), root.Raw().end());
+  return bytes;
+}
+
 void WriteEmptyDisc(Disc& disc, std::int32_t total) {
   std::vector<std::uint8_t> former(kMapSize + kDirSize);
   disc.TheDisc.FetchBytes(0, former);
@@ -103,6 +109,8 @@ void WriteEmptyDisc(Disc& disc, std::int32_t total) {
 
 void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
                 std::int32_t sectors, DiscType type) {
+  // The companion would replace an open disc of its name.
+  if (EndsInDat(fileName)) RefuseOpenDisc(disc, CompanionName(fileName));
   const BusyPointer busy(disc.Host);
   // The file is made and opened before the old disc's state is lost: a file that can't be opened
   // changes nothing.
@@ -126,6 +134,11 @@ void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, st
   ReadFreeMap(disc);
   // Only this spelling counts. A floppy image has no companion.
   if (EndsInDat(fileName)) WriteCompanion(fileName, {tracks, heads});
+  NoteTooLarge(disc);
+}
+
+void NoteTooLarge(Disc& disc) {
+  if (!BbcCanWriteTo(MapDiscSize(disc))) disc.Host.Note(kTooLargeForTheBbc);
 }
 
 void OpenBlankImage(Disc& disc) {

@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "disc/store/Disc.h"
 
@@ -38,13 +40,23 @@ inline constexpr std::array<NewDiscSize, 13> kNewDiscs = {{
 
 // Opens fileName as a disc of that geometry, fills it with zeros, and writes the map and an empty
 // root. A floppy image is then only in memory and counts as unchanged. A .dat exists on the host
-// from then on; it gets a companion if fileName ends in exactly ".dat". HostError if the file can't
-// be opened: the disc that was open stays open.
+// from then on; it gets a companion if fileName ends in exactly ".dat". The user gets a note if the
+// BBC can't write to a disc of this size. HostError if the file can't be opened: the disc that was
+// open stays open.
 void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
                 std::int32_t sectors, DiscType type);
 
+// Tells the user if the open disc is too large for the BBC to write to it.
+void NoteTooLarge(Disc& disc);
+
 // Opens an empty double-sided floppy in memory, named "NewDisc.adl", in place of what was open.
 void OpenBlankImage(Disc& disc);
+
+// The first seven sectors of an empty disc of that many sectors: the map, with both checksums, and
+// the root. former is what stands in their place; bytes that belong to no field of these are taken
+// from it.
+[[nodiscard]] std::vector<std::uint8_t> EmptyDisc(std::span<const std::uint8_t> former,
+                                                  std::int32_t total);
 
 // Writes the map, with both checksums, and the empty root of a disc of that many sectors, as
 // CreateDisc does. Bytes of the first seven sectors that belong to no field of these stay as they
@@ -52,7 +64,8 @@ void OpenBlankImage(Disc& disc);
 void WriteEmptyDisc(Disc& disc, std::int32_t total);
 
 // The file dialogs for the three kinds. Each gives the chosen path and makes it ImageName and the
-// caption. An empty text means that the user cancelled; nothing has changed then.
+// caption. The user is asked before a file that exists is replaced. An empty text means that the
+// user has cancelled or answered No; nothing has changed then.
 [[nodiscard]] std::string NewDiscADF(Disc& disc);
 [[nodiscard]] std::string NewDiscADL(Disc& disc);
 [[nodiscard]] std::string NewDiscDAT(Disc& disc);

@@ -9,6 +9,7 @@
 #include "disc/host/FileLock.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
+#include "disc/image/NewDisc.h"
 #include "disc/image/OpenImage.h"
 #include "disc/image/Session.h"
 #include "disc/medium/BlockJournal.h"
@@ -101,6 +102,7 @@ void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t track
   WriteFirstBlock(file, bytes);
   lock.Release();
   OpenImage(disc, fileName);
+  NoteTooLarge(disc);
   if (FindContradiction(disc).ends_with(kPastTheEnd)) {
     disc.Host.Note("The disc holds more than that: make it larger again before you change it");
   }

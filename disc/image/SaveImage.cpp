@@ -7,6 +7,7 @@
 #include "disc/catalogue/Agreement.h"
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
+#include "disc/image/DiscReplacement.h"
 #include "disc/image/ImageFiles.h"
 #include "disc/medium/Companion.h"
 #include "disc/medium/FloppyMedium.h"
@@ -83,7 +84,12 @@ template <typename Copy>
 // can tell what is free or where the disc ends, so all that is there is saved.
 std::int32_t SectorsToSave(Disc& disc) {
   const std::int32_t discSize = MapDiscSize(disc);
-  if (!FindContradiction(disc).empty()) {
+  const std::string& contradiction = FindContradiction(disc);
+  // What looks like a map isn't one on a card that holds no disc.
+  if (contradiction == kNoRoot && disc.TheDisc.HasFixedSize()) {
+    return std::max(disc.TheDisc.DiscSize(), 0);
+  }
+  if (!contradiction.empty()) {
     const std::int64_t there = disc.TheDisc.HasFixedSize()
                                    ? disc.TheDisc.DiscSize()
                                    : (disc.TheDisc.EndOfData() + kSectorSize - 1) / kSectorSize;
@@ -125,12 +131,90 @@ void SaveWholeMemory(Disc& disc, const std::string& fileName) {
   changes.Done();
 }
 
+// Refuses the file that the disc was opened from, by whatever name. A floppy that was made anew and
+// never saved has no file yet.
+void RefuseEmptyOverItself(const Disc& disc, const std::string& fileName) {
+  if (disc.TheDisc.IsOpenMedium(fileName) || NameSameFile(fileName, disc.TheDisc.FileName())) {
+    throw EmptySaveError(fileName);
+  }
+}
+
+// The file that a restore copies.
+class RestoreFile {
+ public:
+  // HostError if there is no such file. If it doesn't fit, the user is told, and Sectors is less.
+  RestoreFile(Disc& disc, const std::string& path) : path_(path), length_(HostFileLength(path)) {
+    // The length is rounded to the nearest sector, ties to even. If the file ends inside the last
+    // sector, the rest of that sector becomes zeros.
+    const auto rest = length_ % kSectorSize;
+    sectors_ = static_cast<std::int32_t>(length_ / kSectorSize);
+    if (rest > 128 || (rest == 128 && sectors_ % 2 == 1)) ++sectors_;
+    if (!disc.TheDisc.HasFixedSize() || sectors_ <= disc.TheDisc.DiscSize()) return;
+    const std::int32_t there = std::max(disc.TheDisc.DiscSize(), 0);
+    disc.Host.Note(path + ": " + std::to_string(sectors_) + " sectors, of which the first " +
+                   std::to_string(there) + " fit on the partition");
+    sectors_ = there;
+  }
+
+  [[nodiscard]] std::int32_t Sectors() const { return sectors_; }
+  [[nodiscard]] std::vector<std::uint8_t> Read(std::int32_t first, std::int32_t count) const {
+    const auto part = static_cast<std::size_t>(count) * kSectorSize;
+    const auto offset = static_cast<std::uint64_t>(SectorOffset(first));
+    const std::uint64_t there = length_ - std::min(length_, offset);
+    std::vector<std::uint8_t> bytes =
+        ReadHostBytes(path_, offset, std::min<std::uint64_t>(part, there));
+    bytes.resize(part);
+    return bytes;
+  }
+
+ private:
+  std::string path_;
+  std::uint64_t length_;
+  std::int32_t sectors_ = 0;
+};
+
+RestoreEnd RestoreInPlace(Disc& disc, const RestoreFile& file) {
+  // Only the user's own Abort ends the copy early. What was copied until then stays on the disc.
+  const bool whole =
+      CopySectors(disc, "Restoring", file.Sectors(), [&](std::int32_t first, std::int32_t count) {
+        disc.TheDisc.StoreBytes(SectorOffset(first), file.Read(first, count));
+      });
+  return whole ? RestoreEnd::kDone : RestoreEnd::kAborted;
+}
+
+RestoreEnd RestoreCard(Disc& disc, const RestoreFile& file) {
+  DiscReplacement replacement(disc);
+  std::vector<std::uint8_t> front = replacement.FormerFront();
+  bool failed = false;
+  const bool whole =
+      CopySectors(disc, "Restoring", file.Sectors(), [&](std::int32_t first, std::int32_t count) {
+        if (!disc.ProgressRunning) return;
+        const std::vector<std::uint8_t> bytes = file.Read(first, count);
+        const std::size_t kept = first == 0 ? std::min(front.size(), bytes.size()) : 0;
+        std::copy_n(bytes.begin(), kept, front.begin());
+        if (!replacement.HasBegun() && !replacement.Begin(DiscReplacement::Front::kToBeCleared)) {
+          failed = true;
+          disc.ProgressRunning = false;
+          return;
+        }
+        disc.TheDisc.StoreBytes(SectorOffset(first) + static_cast<std::int64_t>(kept),
+                                std::span(bytes).subspan(kept));
+      });
+  if (failed) return RestoreEnd::kFailed;
+  if (!whole) return RestoreEnd::kAborted;
+  if (replacement.HasBegun() && !replacement.Finish(front)) return RestoreEnd::kFailed;
+  return RestoreEnd::kDone;
+}
+
 bool MayReplace(Disc& disc, const std::string& fileName) {
   return disc.Host.AskYesNo(
       HostBaseName(fileName) + " was changed by another program. Replace it ?", "Save Changes");
 }
 
 }  // namespace
+
+EmptySaveError::EmptySaveError(const std::string& path)
+    : HostError(path, "Cannot Save An Empty Disc Over Itself") {}
 
 void RunSaveCommand(Disc& disc) {
   if (disc.Host.AskYesNo("Are You Sure ?", "Save Changes")) SaveImageAs(disc);
@@ -206,15 +290,18 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
 
 void SaveAdfImage(Disc& disc, const std::string& fileName) {
   RefuseTheCardItself(disc, fileName);
-  ClearedChanges changes(disc);
-  std::vector<std::uint8_t> bytes;
   // With the option Pad Disc Images the file stays empty. Users know this, and their scripts count
   // on it. To get a padded image a user closes the disc, which writes one.
-  if (!disc.Host.PadDiscImages()) {
+  const bool isEmpty = disc.Host.PadDiscImages();
+  if (isEmpty) RefuseEmptyOverItself(disc, fileName);
+  ClearedChanges changes(disc);
+  std::vector<std::uint8_t> bytes;
+  if (!isEmpty) {
     bytes.resize(static_cast<std::size_t>(SectorsToSave(disc)) * kSectorSize);
     disc.TheDisc.FetchBytes(0, bytes);
   }
   WriteWhole(disc, fileName, bytes);
+  if (isEmpty) disc.Host.Note("Saved empty: Pad Disc Images is set");
   changes.Done();
 }
 
@@ -229,36 +316,17 @@ void SaveAdlImage(Disc& disc, const std::string& fileName) {
   changes.Done();
 }
 
-void RestoreImage(Disc& disc, const std::string& fileName) {
+RestoreEnd RestoreImage(Disc& disc, const std::string& fileName) {
   RefuseTheCardItself(disc, fileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Restore Image");
-  const std::uint64_t length = HostFileLength(fileName);
-  // The length is rounded to the nearest sector, ties to even. If the file ends inside the last
-  // sector, the rest of that sector becomes zeros.
-  const auto rest = length % kSectorSize;
-  auto sectors = static_cast<std::int32_t>(length / kSectorSize);
-  if (rest > 128 || (rest == 128 && sectors % 2 == 1)) ++sectors;
-  if (disc.TheDisc.HasFixedSize() && sectors > disc.TheDisc.DiscSize()) {
-    const std::int32_t there = std::max(disc.TheDisc.DiscSize(), 0);
-    disc.Host.Note(fileName + ": " + std::to_string(sectors) + " sectors, of which the first " +
-                   std::to_string(there) + " fit on the partition");
-    sectors = there;
-  }
-  // Only the user's own Abort ends the copy early. What was copied until then stays on the disc. A
-  // failure of the host throws, and a card tells of its own faults.
-  (void)CopySectors(disc, "Restoring", sectors, [&](std::int32_t first, std::int32_t count) {
-    const auto part = static_cast<std::size_t>(count) * kSectorSize;
-    const auto offset = static_cast<std::uint64_t>(SectorOffset(first));
-    const std::uint64_t there = length - std::min(length, offset);
-    std::vector<std::uint8_t> bytes =
-        ReadHostBytes(fileName, offset, std::min<std::uint64_t>(part, there));
-    bytes.resize(part);
-    disc.TheDisc.StoreBytes(SectorOffset(first), bytes);
-  });
+  const RestoreFile file(disc, fileName);
+  const RestoreEnd end =
+      disc.TheDisc.HasFixedSize() ? RestoreCard(disc, file) : RestoreInPlace(disc, file);
   progress.Close();
   changes.Done();
+  return end;
 }
 
 }  // namespace sectorbox

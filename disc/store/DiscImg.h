@@ -79,9 +79,10 @@ class DiscImg final : public DiscBytes {
   [[nodiscard]] const ImageLock& Lock() const { return lock_; }
 
   // --- A change that is whole or not at all ----------------------------------------------------
-  // Begins a change; Change (disc/change/Change.h) is the only caller. free are the disc's free
-  // runs. Until the change ends, no block that the disc needs is written to its medium. HostError
-  // if the host fails; no change runs then.
+  // Begins a change. Change (disc/change/Change.h) calls it for an operation on what the disc
+  // holds, and DiscReplacement (disc/image) for a whole new disc on a card. free are the disc's
+  // free runs. Until the change ends, no block that the disc needs is written to its medium.
+  // HostError if the host fails; no change runs then.
   void BeginChange(std::vector<FreeRun> free);
   // Ends the change: writes the held blocks to the journal and then to their places. HostError if
   // the host fails. If the journal wasn't whole then, the change is still running and can only be

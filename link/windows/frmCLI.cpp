@@ -5,6 +5,7 @@
 #include <QMenuBar>
 #include <QTextCursor>
 
+#include "disc/store/OpenDisc.h"
 #include "link/transfer/StarCommand.h"
 #include "toolkit/Text.h"
 #include "toolkit/Twips.h"
@@ -18,10 +19,11 @@ constexpr double kPointSize = 10;
 
 }  // namespace
 
-frmCLI::frmCLI(Link& link, TextSearch& search, QWidget* parent)
+frmCLI::frmCLI(Link& link, const Disc& disc, TextSearch& search, QWidget* parent)
     : QDialog(parent),
       TextWindow(*this, "rtbCLI", kPointSize, search, -1),
       link_(link),
+      disc_(disc),
       txtCmd_(new QLineEdit(this)),
       menuBar_(new QMenuBar(this)) {
   setObjectName(QStringLiteral("frmCLI"));
@@ -71,6 +73,10 @@ void frmCLI::Insert(const std::string& text) {
   Area().ensureCursorVisible();
   // No events run while the console waits for more output. So the area is painted now.
   Area().repaint();
+}
+
+void frmCLI::CheckSavePath(const std::string& path) const {
+  RefuseOpenDisc(disc_, path);
 }
 
 // If nothing is selected, the clipboard stays as it is.

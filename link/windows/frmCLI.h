@@ -11,12 +11,15 @@ class QMenuBar;
 
 namespace sectorbox {
 
+struct Disc;
+
 // The BBC's prompt: Enter sends a command, and what the BBC prints stays here until the window
 // closes. The window doesn't connect: the server must be listening at the port's present speed.
-// link and search outlive the window. All text windows of the program share search.
+// link, disc and search outlive the window. All text windows of the program share search. What the
+// user saves never replaces the open disc.
 class frmCLI : public QDialog, public TextWindow {
  public:
-  frmCLI(Link& link, TextSearch& search, QWidget* parent);
+  frmCLI(Link& link, const Disc& disc, TextSearch& search, QWidget* parent);
   ~frmCLI() override;
 
  protected:
@@ -30,9 +33,11 @@ class frmCLI : public QDialog, public TextWindow {
   void RunCommand();
   void Insert(const std::string& text);
   std::string SaveName() const override { return "oscli.txt"; }
+  void CheckSavePath(const std::string& path) const override;
   void mnuEditCopy_Click() override;
 
   Link& link_;
+  const Disc& disc_;
   QLineEdit* txtCmd_;
   QMenuBar* menuBar_;
 };

@@ -27,7 +27,7 @@ std::string DumpLine(std::string_view run, std::size_t offset, bool isTx) {
 std::string AskTraceFile(Link& link) {
   for (;;) {
     std::string name = link.Host.AskSaveFileName(
-        {"Open Trace Log File", "Log Files (*.LOG)|*.log|All Files (*.*)|*.*", ""});
+        {kTraceFileTitle, "Log Files (*.LOG)|*.log|All Files (*.*)|*.*", ""});
     if (name.empty() || !HostFileExists(name)) return name;
     switch (link.Host.AskReplace("Replace existing file - " + name + "?")) {
       case ReplaceAnswer::kYes:

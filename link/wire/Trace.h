@@ -9,6 +9,10 @@
 // goes to the trace window if that is open, and to the log file if the user has chosen one.
 namespace sectorbox {
 
+// The title of the dialog in which the user chooses the log. A host knows by it that the file isn't
+// for a disc.
+inline constexpr char kTraceFileTitle[] = "Open Trace Log File";
+
 // Traces one line. text ends in CR. Date, time and a blank are put in front of it, and every CR
 // becomes CR LF.
 void TraceLine(Link& link, const std::string& text);

@@ -6,7 +6,9 @@
 #include <QMessageBox>
 #include <QThread>
 
+#include "disc/store/OpenDisc.h"
 #include "link/wire/Protocol.h"
+#include "link/wire/Trace.h"
 #include "shell/window/MainWindow.h"
 #include "toolkit/Boxes.h"
 #include "toolkit/FileDialogs.h"
@@ -71,6 +73,10 @@ std::string LinkWindowHost::AskOpenFileName(const FileQuestion& question) {
 
 std::string LinkWindowHost::AskSaveFileName(const FileQuestion& question) {
   const std::string name = AskSaveFile(BoxParent(), question);
+  if (question.Title == kTraceFileTitle) {
+    if (!name.empty()) RefuseOpenDisc(window_.OpenDisc(), name);
+    return name;
+  }
   // A disc is going to be received into this file. If it is the image that is open, its last blocks
   // are written now, and never over what is received.
   Disc& disc = window_.OpenDisc();

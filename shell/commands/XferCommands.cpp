@@ -55,7 +55,8 @@ XferCommands::XferCommands(MainWindow& window, ViewCommands& views, DeviceOfPort
   OnDrives("mnuXferDTX", [this](std::int32_t drive) { SendImage(link_, drive, true); });
   OnTransfer("mnuXferBasic", [this] { frmFirst(link_, &window_).exec(); });
   OnTransfer("mnuXferFormat", [this] { frmFormat(link_, &window_).exec(); });
-  OnTransfer("mnuXferCli", [this] { frmCLI(link_, views_.Search(), &window_).exec(); });
+  OnTransfer("mnuXferCli",
+             [this] { frmCLI(link_, window_.OpenDisc(), views_.Search(), &window_).exec(); });
   window.OnCommand("mnuXferTracewindow", [this] { host_.OpenTraceWindow(); });
   window.OnCommand("mnuXferTraceFile", [this] { ChooseTraceFile(link_); });
 }

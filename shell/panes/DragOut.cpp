@@ -2,6 +2,7 @@
 
 #include "disc/exchange/HostExchange.h"
 #include "disc/host/HostFile.h"
+#include "disc/store/OpenDisc.h"
 #include "shell/panes/RowExport.h"
 
 namespace sectorbox {
@@ -33,7 +34,7 @@ void DragOut::AddPath(const std::string& path) {
 void DragOut::WriteLog() const {
   const std::string path = tempFolder_ + "drag.log";
   RemoveHostLink(path);
-  OutputFile log = CreateOutputFile(path);
+  OutputFile log = CreateExportFile(disc_, path);
   for (std::int16_t i = 0; i < DragFileCount; ++i) {
     log.Write(DragFiles[static_cast<std::size_t>(i)] + "\n");
   }

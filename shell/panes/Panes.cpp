@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QStringList>
 #include <array>
 #include <utility>
 
@@ -143,6 +144,24 @@ void Panes::RebuildTree() {
   }
   TreeReady = true;
   tvwDB_NodeClick(*root);
+}
+
+void Panes::ShowDiscAgain() {
+  QStringList path;
+  for (const DirNode* node = CurrentNode_; node != nullptr && node->Parent() != nullptr;
+       node = node->Parent()) {
+    path.prepend(node->text(0));
+  }
+  RebuildTree();
+  DirNode* found = CurrentNode_;
+  for (const QString& name : path) {
+    DirNode* parent = std::exchange(found, nullptr);
+    for (int i = 0; i < parent->childCount() && found == nullptr; ++i) {
+      if (parent->Child(i)->text(0) == name) found = parent->Child(i);
+    }
+    if (found == nullptr) return;
+  }
+  if (found != CurrentNode_) tvwDB_NodeClick(*found);
 }
 
 // Reads the disc into the tree and gives the root.

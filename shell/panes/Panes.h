@@ -29,6 +29,10 @@ class Panes : public PaneLayout {
   // lets no command start in them. If the disc can't be read (HostError), both panes are empty
   // afterwards.
   void RebuildTree();
+  // Shows again what is on the disc, after a command that has failed in its middle: RebuildTree,
+  // and the directory that was current is current again, if there still is one of its path.
+  // HostError as RebuildTree.
+  void ShowDiscAgain();
   // Fills the list from the current directory and makes its first row current. If the directory
   // can't be read (HostError), the list is empty afterwards.
   void GetRootTitles();

@@ -120,10 +120,37 @@ StartResult frmMain::Start(CommandKind kind, const std::function<void()>& work) 
   if (!guard_.MayStart(kind)) return StartResult::kRefused;
   {
     const CommandGuard::Running running(guard_, kind);
-    Guarded(work);
+    if (kind == CommandKind::kChange) {
+      Guarded([&] { RunChange(work); });
+    } else {
+      Guarded(work);
+    }
   }
   if (exitWanted_ && guard_.MayStart(CommandKind::kExit)) close();
   return StartResult::kRan;
+}
+
+// After a failure of the host, rows and nodes may show what isn't on the disc: the engine has
+// dropped the change that failed, and the command hasn't come to the step in which the panes
+// follow.
+void frmMain::RunChange(const std::function<void()>& work) {
+  try {
+    work();
+  } catch (const HostError&) {
+    host_.SetBusyPointer(false);
+    host_.CloseProgress();
+    ShowDiscAgain();
+    throw;
+  }
+}
+
+void frmMain::ShowDiscAgain() {
+  try {
+    panes_->ShowDiscAgain();
+  } catch (const HostError&) {
+    // The disc can't be read either. The panes are empty now, and the user is told of the first
+    // failure.
+  }
 }
 
 void frmMain::Guarded(const std::function<void()>& work) {

@@ -80,6 +80,9 @@ class frmMain : public MainWindow {
   void MakeCommands();
   void RunEntry(QAction& entry, const std::function<void()>& command) override;
   void RunGuarded(const std::function<void()>& work);
+  // Runs a command that changes the disc. After a HostError the panes show what is on the disc now.
+  void RunChange(const std::function<void()>& work);
+  void ShowDiscAgain();
   void TellFailure(const std::exception_ptr& failure);
   void OpenFirstImage(const std::string& commandLine);
   // The path of the image that the program's argument names; empty if there is no such file.

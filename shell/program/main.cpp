@@ -1,4 +1,5 @@
 #include "cfcard/cards/CardDrives.h"
+#include "disc/host/HostSignals.h"
 #include "disc/store/Disc.h"
 #include "shell/program/Application.h"
 #include "shell/program/Program.h"
@@ -6,6 +7,8 @@
 
 int main(int argc, char** argv) {
   using namespace sectorbox;
+  MakeFileLimitAnError();
+  RemoveTemporaryFilesAtSignals();
   Application application(argc, argv);
   // The desktop passes one path, and its quotes are part of the argument. A path with blanks and
   // without quotes arrives as several arguments.

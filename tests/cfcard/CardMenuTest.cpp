@@ -265,6 +265,7 @@ TEST_F(CardMenuTest, ARestoreOfALargerFileStaysInsideThePartition) {
   card.Poke(0, 0x42);
   dialogs.OnCF = Choose("C: - Non ADFS Partition 1");
   host.OpenAnswers = {folder / "b.dat"};
+  host.YesNoAnswers = {true};
   RunCFCardRestore(disc, dialogs);
   EXPECT_EQ(DiscByte(card, 1, 1000 * 256 - 1), 0x5A);
   EXPECT_EQ(card.Peek(0), 0x42);
@@ -272,18 +273,52 @@ TEST_F(CardMenuTest, ARestoreOfALargerFileStaysInsideThePartition) {
                                                            "first 1000 fit on the partition"}));
 }
 
+TEST_F(CardMenuTest, AFileThatIsNoDiscIsRestoredOnlyAfterAQuestion) {
+  WriteAll(folder / "photo.jpg", std::vector<std::uint8_t>(1000, 0x5A));
+  MemoryDevice& card = Insert("card", 4096);
+  dialogs.OnCF = Choose("C: - Non ADFS Partition 0");
+  for (const bool answer : {false, true}) {
+    host.Log.clear();
+    host.OpenAnswers = {folder / "photo.jpg"};
+    host.YesNoAnswers = {answer};
+    RunCFCardRestore(disc, dialogs);
+    EXPECT_EQ(host.LogOf("yesno "),
+              Lines({"yesno photo.jpg Is No ADFS Disc. Restore It All The Same ?|"
+                     "Restore CF Card"}));
+    disc.TheDisc.CloseFile();
+    EXPECT_EQ(DiscByte(card, 0, 0), answer ? 0x5A : 0);
+  }
+}
+
+TEST_F(CardMenuTest, ABackupOfAPartitionThatIsNoDiscIsTold) {
+  Insert("card", 100);
+  dialogs.OnCF = Choose("C: - Non ADFS Partition 0");
+  for (const bool whole : {false, true}) {
+    host.Log.clear();
+    host.SaveAnswers = {folder / "b.dat"};
+    RunCFCardBackup(disc, dialogs, whole);
+    EXPECT_EQ(host.LogOf("note "), whole ? Lines({}) : Lines({"note C:,0 Is No ADFS Disc"}));
+    EXPECT_EQ(ReadAll(folder / "b.dat").size(), 100u * 256);
+  }
+}
+
 TEST_F(CardMenuTest, ACardThatIsPulledInARestoreIsTold) {
   WriteAll(folder / "b.dat", std::vector<std::uint8_t>(1000 * 256, 0x5A));
   MemoryDevice& card = Insert("card", 4096);
   card.WritesLeft = 3;
   dialogs.OnCF = Choose("C: - Non ADFS Partition 0");
+  host.YesNoAnswers = {true};
   host.OpenAnswers = {folder / "b.dat"};
   RunCFCardRestore(disc, dialogs);
-  EXPECT_EQ(DiscByte(card, 0, 12 * 256 - 1), 0x5A);
-  EXPECT_EQ(DiscByte(card, 0, 12 * 256), 0);
-  ASSERT_EQ(host.LogOf("note ").size(), 2u);
+  // The first write clears the front; sectors 8 to 15 follow.
+  EXPECT_EQ(DiscByte(card, 0, 0), 0);
+  EXPECT_EQ(DiscByte(card, 0, 16 * 256 - 1), 0x5A);
+  EXPECT_EQ(DiscByte(card, 0, 16 * 256), 0);
+  ASSERT_EQ(host.LogOf("note ").size(), 3u);
   EXPECT_EQ(host.LogOf("note ")[0],
-            "note C:,0: sectors 12 to 15 can't be written in full: Input/output error");
+            "note C:,0: sectors 16 to 19 can't be written in full: Input/output error");
+  EXPECT_EQ(host.LogOf("note ")[1],
+            "note C:,0: there is no disc on it now. Format it again, or restore a backup");
 }
 
 TEST_F(CardMenuTest, ADiscThatIsLargerThanItsDeviceCanBeBackedUp) {

@@ -231,10 +231,13 @@ TEST_F(FormatTest, ACardThatIsPulledInTheWipeIsToldAndNothingElseHappens) {
   MemoryDevice& card = Insert("card", 8192);
   card.WritesLeft = 5;
   Format("C:,0", "1MB");
-  EXPECT_EQ(WritesOf(card).size(), 5 + (63 - 5) + 64 + 2u);
+  EXPECT_EQ(WritesOf(card).size(), 5 + (63 - 5) + 64u);
+  EXPECT_FALSE(disc.ProgressRunning);
   EXPECT_EQ(card.Peek(513 * 2), 0);
   const auto notes = host.LogOf("note ");
-  ASSERT_EQ(notes.size(), 2u);
+  ASSERT_EQ(notes.size(), 3u);
+  EXPECT_EQ(notes[1],
+            "note C:,0: there is no disc on it now. Format it again, or restore a backup");
   EXPECT_EQ(notes[0], "note C:,0: sectors 320 to 383 can't be written in full: Input/output error");
 }
 

@@ -164,7 +164,7 @@ TEST_P(DeviceTest, ARestoreAndABackupGiveTheSameBytes) {
   builder.AddFile(2, {"HELLO", std::vector<std::uint8_t>(100000, 0x41)});
   builder.WriteTo(folder / "in.dat");
   OpenCFPartition(*disc, card->Path() + ",0");
-  RestoreImage(*disc, folder / "in.dat");
+  EXPECT_EQ(RestoreImage(*disc, folder / "in.dat"), RestoreEnd::kDone);
   disc->TheDisc.CloseFile();
   host.Pad = true;
   OpenCFPartition(*disc, card->Path() + ",0");

@@ -1,6 +1,8 @@
 // Cards that fail or shrink at any point of a job, or have odd sizes. Nothing is written outside
 // the chosen partition, nothing crashes, and the user is told.
 
+#include <limits>
+
 #include "disc/image/SaveImage.h"
 #include "tests/cfcard/CardFixture.h"
 
@@ -20,7 +22,16 @@ class HostileCard : public CardTest {
   static constexpr std::uint64_t kSectors = 212;
   static constexpr std::uint64_t kStart = kPartitionSectors * 512;
 
-  void SetUp() override { WriteAll(file, std::vector<std::uint8_t>(kSectors * 256, 0x5A)); }
+  // A disc that fills its partition with files of noise.
+  static ImageBuilder DiscOf(std::uint8_t noise) {
+    ImageBuilder image(kSectors);
+    for (std::uint8_t i = 0; i < 4; ++i) {
+      image.AddFile(2, {std::string("F") + static_cast<char>('0' + i),
+                        std::vector<std::uint8_t>(50 * 256, static_cast<std::uint8_t>(noise + i))});
+    }
+    return image;
+  }
+  void SetUp() override { DiscOf(0x5A).WriteTo(file); }
 
   MemoryDevice& NewCard() {
     host.Log.clear();
@@ -34,7 +45,7 @@ class HostileCard : public CardTest {
   }
   void Restore() {
     OpenCFPartition(disc, "C:,1");
-    RestoreImage(disc, file);
+    (void)RestoreImage(disc, file);  // each test looks at what the user is told
     disc.TheDisc.CloseFile();
   }
   void Backup() {
@@ -75,6 +86,89 @@ class HostileCard : public CardTest {
   QuietView view;
   const std::string file = folder / "in.dat";
 };
+
+// The product of a job and the write after which the card is pulled or dies: what is there then is
+// the old disc as it was, no disc, or the new disc whole. The user is told unless it is that.
+class HalfDone : public HostileCard {
+ protected:
+  std::vector<std::uint8_t> BytesOf(const MemoryDevice& card) {
+    std::vector<std::uint8_t> bytes;
+    for (std::uint64_t i = 0; i < kSectors * 256; ++i) bytes.push_back(DiscByte(card, 1, i));
+    return bytes;
+  }
+  // A card with a disc; the odd bytes are noise.
+  MemoryDevice& CardWithADisc() {
+    MemoryDevice& card = NewCard();
+    PutDisc(card, 1, DiscOf(0x21).Bytes());
+    return card;
+  }
+  void FailEverywhere(const std::function<void()>& job) {
+    MemoryDevice& sound = CardWithADisc();
+    const auto before = BytesOf(sound);
+    job();
+    const auto after = BytesOf(sound);
+    ASSERT_NE(before, after);
+    const std::size_t writes = Count(sound, true);
+    for (std::size_t left = 0; left < writes; ++left) {
+      SCOPED_TRACE(left);
+      MemoryDevice& card = CardWithADisc();
+      card.WritesLeft = left;
+      job();
+      EXPECT_FALSE(host.LogOf("note ").empty());
+      const auto now = BytesOf(card);
+      // The mark of the root directory, as the scan looks for it.
+      const bool isDisc = std::equal(now.begin() + 513, now.begin() + 517, "Hugo");
+      if (isDisc) {
+        EXPECT_TRUE(now == before || now == after);
+      }
+      // The next job on the card makes it whole.
+      card.WritesLeft = std::numeric_limits<std::uint64_t>::max();
+      job();
+      EXPECT_EQ(BytesOf(card), after);
+    }
+  }
+};
+
+TEST_F(HalfDone, AFormatLeavesNoHalfOfADisc) {
+  FailEverywhere([&] { Format(); });
+}
+
+TEST_F(HalfDone, AQuickFormatLeavesNoHalfOfADisc) {
+  // What a quick format leaves of the former root's tail is the same after a second one.
+  FailEverywhere([&] {
+    disc.ImageName = "C:,1";
+    disc.ProgressRunning = true;
+    FormatCFDisc(disc, view, "1MB", true);
+  });
+}
+
+TEST_F(HalfDone, ASizedFormatLeavesNoHalfOfADisc) {
+  FailEverywhere([&] {
+    disc.ImageName = "C:,1";
+    disc.ProgressRunning = true;
+    FormatCFImage(disc, kSectors, true);
+    disc.TheDisc.CloseFile();
+  });
+}
+
+TEST_F(HalfDone, ARestoreLeavesNoHalfOfADisc) {
+  FailEverywhere([&] { Restore(); });
+}
+
+TEST_F(HalfDone, ARestoreThatFailsSaysWhatIsOnTheCard) {
+  MemoryDevice& card = CardWithADisc();
+  card.WritesLeft = 0;
+  Restore();
+  EXPECT_EQ(host.LogOf("note ").back(),
+            "note C:,1: its first sectors can't be written, so nothing more was");
+  MemoryDevice& other = CardWithADisc();
+  other.WritesLeft = 10;
+  Restore();
+  EXPECT_NE(
+      std::find(host.Log.begin(), host.Log.end(),
+                "note C:,1: there is no disc on it now. Format it again, or restore a backup"),
+      host.Log.end());
+}
 
 TEST_F(HostileCard, APullAfterAnyWriteOfAFormatIsTold) {
   PullEverywhere([&] { Format(); }, true);
@@ -154,7 +248,7 @@ TEST_F(HostileCard, OddSizesAreFormattedFilledAndCopiedToTheirLastByte) {
     for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<std::uint8_t>(i % 253);
     WriteAll(file, bytes);
     OpenCFPartition(disc, "C:,0");
-    RestoreImage(disc, file);
+    EXPECT_EQ(RestoreImage(disc, file), RestoreEnd::kDone);
     disc.TheDisc.CloseFile();
     for (std::uint64_t i = 0; i < card.Size(); ++i) {
       ASSERT_EQ(card.Peek(i), i % 2 == 0 ? bytes[i / 2] : 0x0D) << size << " byte " << i;

@@ -51,6 +51,28 @@ TEST_F(CardCommands, FormatFillBackUpRestoreAndRead) {
   EXPECT_EQ(RunSbx({"check", "cf:" + other + ",0"}).Status, 0);
 }
 
+TEST_F(CardCommands, WhatIsNoAdfsDiscIsRestoredAndBackedUpOnlyByForce) {
+  const std::string card = MakeCard(100 * 512);
+  WriteAll(folder / "photo.jpg", std::vector<std::uint8_t>(256, 0x5A));
+  SbxResult result = RunSbx({"cf", "restore", card + ",0", folder / "photo.jpg"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "photo.jpg Is No ADFS Disc\n");
+  EXPECT_EQ(Peek(card, 0), 0);
+  result = RunSbx({"cf", "restore", card + ",0", folder / "photo.jpg", "--force"});
+  EXPECT_EQ(result.Status, 0) << result.Err;
+  EXPECT_EQ(result.Err, "photo.jpg Is No ADFS Disc\n");
+  EXPECT_EQ(Peek(card, 0), 0x5A);
+
+  result = RunSbx({"cf", "backup", card + ",0", folder / "b.dat"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, "my,card,0 Is No ADFS Disc\n");
+  EXPECT_FALSE(fs::exists(folder / "b.dat"));
+  EXPECT_EQ(RunSbx({"cf", "backup", card + ",0", folder / "b.dat", "--full"}).Status, 0);
+  EXPECT_EQ(RunSbx({"cf", "backup", card + ",0", folder / "c.dat", "--force"}).Status, 0);
+  EXPECT_EQ(fs::file_size(folder / "c.dat"), 100u * 256);
+  EXPECT_EQ(RunSbx({"cf", "format", card + ",0", "1MB", "--force"}).Status, 2);
+}
+
 TEST_F(CardCommands, EveryByteOfACardIsAccountedForFromTheFormatToTheRestore) {
   CardAccount account(CardAccount::kPartitionStart + 5000);
   account.Fill(0, 5000);
@@ -177,10 +199,10 @@ TEST_F(CardCommands, APartitionThatTheCardHasNotIsRefused) {
 TEST_F(CardCommands, ARestoreOfALargerFileStaysInsideThePartitionAndEndsWithStatus1) {
   const std::string card = MakeCard(kGibibyte + 100 * 512);
   WriteAll(folder / "big", std::vector<std::uint8_t>(200 * 256, 0x5A));
-  const SbxResult result = RunSbx({"cf", "restore", card + ",1", folder / "big"});
+  const SbxResult result = RunSbx({"cf", "restore", card + ",1", folder / "big", "--force"});
   EXPECT_EQ(result.Status, 1);
-  EXPECT_EQ(result.Err,
-            (folder / "big") + ": 200 sectors, of which the first 100 fit on the partition\n");
+  EXPECT_EQ(result.Err, "big Is No ADFS Disc\n" + (folder / "big") +
+                            ": 200 sectors, of which the first 100 fit on the partition\n");
   EXPECT_EQ(fs::file_size(card), kGibibyte + 100 * 512);
   EXPECT_EQ(Peek(card, 0), 0);
   EXPECT_EQ(Peek(card, kGibibyte), 0x5A);

@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <thread>
 
@@ -31,14 +33,15 @@ class CardInterrupt : public ::testing::Test {
     return folder / name;
   }
   // Starts sbx, presses Ctrl-C when the moment has come, and waits for the end.
-  SbxResult RunInto(const std::vector<std::string>& words, const std::function<bool()>& moment) {
+  SbxResult RunInto(const std::vector<std::string>& words, const std::function<bool()>& moment,
+                    int signal = SIGINT) {
     SbxProcess sbx(words);
     const auto start = Clock::now();
     while (!moment() && Clock::now() - start < std::chrono::seconds(20)) {
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     EXPECT_TRUE(moment());
-    sbx.Interrupt();
+    sbx.Signal(signal);
     return sbx.Wait();
   }
   // The bytes that a file takes on its medium.
@@ -49,10 +52,15 @@ class CardInterrupt : public ::testing::Test {
   static std::function<bool()> HasTaken(const std::string& path, std::uintmax_t bytes) {
     return [path, bytes] { return Taken(path) >= bytes; };
   }
-  static void ExpectAborted(const SbxResult& result) {
+  static void ExpectAborted(const SbxResult& result, const std::string& told = "") {
     EXPECT_EQ(result.Status, 1);
     EXPECT_EQ(result.Out, "");
-    EXPECT_EQ(result.Err, "Aborted\n");
+    EXPECT_EQ(result.Err, told + "Aborted\n");
+  }
+  // What is told of a partition on which a work was ended in its middle.
+  std::string NoDiscOn(const std::string& partition) const {
+    return card + "," + partition +
+           ": there is no disc on it now. Format it again, or restore a backup\n";
   }
   std::vector<std::string> Outputs() const {
     std::vector<std::string> names;
@@ -76,16 +84,45 @@ TEST_F(CardInterrupt, ABackupLeavesTheOlderOneAndNothingElse) {
   EXPECT_EQ(ReadAll(folder / "out/b.dat"), older);
 }
 
+TEST_F(CardInterrupt, ASignalThatEndsTheProgramLeavesNoTemporaryFile) {
+  for (const int signal : {SIGTERM, SIGHUP, SIGQUIT}) {
+    WriteText(folder / "out/b.dat", "older");
+    const auto isHalfWay = [this] { return Outputs().size() > 1; };
+    const SbxResult result =
+        RunInto({"cf", "backup", card + ",0", folder / "out/b.dat", "--full"}, isHalfWay, signal);
+    EXPECT_EQ(result.Status, 128 + signal);
+    EXPECT_EQ(Outputs(), std::vector<std::string>{"b.dat"});
+    EXPECT_EQ(ReadText(folder / "out/b.dat"), "older");
+  }
+}
+
 TEST_F(CardInterrupt, AFormatEndsWithoutADisc) {
-  ExpectAborted(RunInto({"cf", "format", card + ",0", "512MB"}, HasTaken(card, 1 << 20)));
+  ASSERT_EQ(RunSbx({"cf", "format", card + ",0", "512MB", "--quick"}).Status, 0);
+  ExpectAborted(RunInto({"cf", "format", card + ",0", "512MB"}, HasTaken(card, 1 << 20)),
+                NoDiscOn("0"));
   EXPECT_LT(Taken(card), std::uintmax_t{1} << 30);
   EXPECT_EQ(RunSbx({"cf", "scan", card}).Out, "");
 }
 
-TEST_F(CardInterrupt, ARestoreEndsWhereItIs) {
+TEST_F(CardInterrupt, ARestoreThatEndsInItsMiddleLeavesNoDisc) {
   const std::string file = MakeSparse("in.dat", std::uintmax_t{511} << 20);
-  ExpectAborted(RunInto({"cf", "restore", card + ",1", file}, HasTaken(card, 1 << 20)));
-  EXPECT_LT(Taken(card), std::uintmax_t{1} << 30);
+  std::vector<std::uint8_t> front = ImageBuilder(0x1FE000).Bytes();
+  front.resize(2048);
+  for (const int signal : {SIGINT, SIGTERM, SIGKILL}) {
+    MakeSparse("card", std::uintmax_t{2} << 30);
+    ASSERT_EQ(RunSbx({"cf", "format", card + ",1", "512MB", "--quick"}).Status, 0);
+    std::fstream(file, std::ios::in | std::ios::out | std::ios::binary)
+        .write(reinterpret_cast<const char*>(front.data()), 2048);
+    const SbxResult result =
+        RunInto({"cf", "restore", card + ",1", file}, HasTaken(card, 1 << 20), signal);
+    if (signal == SIGINT) {
+      ExpectAborted(result, NoDiscOn("1"));
+    } else {
+      EXPECT_EQ(result.Status, 128 + signal);
+    }
+    EXPECT_LT(Taken(card), std::uintmax_t{1} << 30);
+    EXPECT_EQ(RunSbx({"cf", "scan", card}).Out, "");
+  }
 }
 
 TEST_F(CardInterrupt, ASavedImageLeavesTheOlderOneToo) {

@@ -52,6 +52,30 @@ TEST_F(ReadCommands, InfoTellsTheFiguresOfAFloppy) {
   EXPECT_EQ(result.Err, "");
 }
 
+TEST_F(ReadCommands, WhatIsNoAdfsDiscIsTold) {
+  const std::string photo = folder_ / "photo.jpg";
+  WriteAll(photo, std::vector<std::uint8_t>(163840, 0xFF));
+  for (const std::vector<std::string>& words :
+       std::vector<std::vector<std::string>>{{"info", photo},
+                                             {"tree", photo},
+                                             {"ls", photo},
+                                             {"map", photo},
+                                             {"cat", photo},
+                                             {"ex", photo},
+                                             {"catall", photo},
+                                             {"exall", photo},
+                                             {"check", photo},
+                                             {"hex", photo, "$"},
+                                             {"export", photo, "$", folder_ / "."},
+                                             {"save", photo, folder_ / "out"}}) {
+    const SbxResult result = RunSbx(words);
+    EXPECT_EQ(result.Status, 1) << words[0];
+    EXPECT_EQ(result.Err.substr(0, 26), "photo.jpg Is No ADFS Disc\n") << words[0];
+  }
+  EXPECT_EQ(RunSbx({"tree", photo}).Out, "$\t000002\n");
+  EXPECT_EQ(RunSbx({"get", photo, "FILE"}).Err, "photo.jpg Is No ADFS Disc\nNot found: FILE\n");
+}
+
 TEST_F(ReadCommands, InfoTellsTheGeometryOfAHardDisc) {
   ImageBuilder(4224).WriteTo(folder_ / "hard.dat");
   const auto lines = Lines(RunSbx({"info", folder_ / "hard.dat"}).Out);

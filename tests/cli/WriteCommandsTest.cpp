@@ -176,7 +176,7 @@ TEST_F(WriteCommandsTest, NothingThatComesFromAHardDiscOrACardReplacesIt) {
   // The same file as a card.
   result = RunSbx({"cat", "cf:" + (folder_ / "x.dat") + ",0", "-o", folder_ / "x.dat"});
   EXPECT_EQ(result.Status, 1);
-  EXPECT_EQ(result.Err, "x.dat Is The Open Disc\n");
+  EXPECT_EQ(result.Err, "x.dat,0 Is No ADFS Disc\nx.dat Is The Open Disc\n");
   EXPECT_EQ(ReadAll(folder_ / "x.dat"), before);
 }
 

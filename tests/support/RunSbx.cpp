@@ -47,7 +47,11 @@ SbxProcess::~SbxProcess() {
 }
 
 void SbxProcess::Interrupt() {
-  ::kill(child_, SIGINT);
+  Signal(SIGINT);
+}
+
+void SbxProcess::Signal(int number) {
+  ::kill(child_, number);
 }
 
 SbxResult SbxProcess::Wait() {

@@ -31,6 +31,9 @@ class SbxProcess {
 
   // Presses Ctrl-C.
   void Interrupt();
+  // Sends it a signal.
+  void Signal(int number);
+  [[nodiscard]] pid_t Id() const { return child_; }
   // Waits until it ends by itself. A test may call this once.
   SbxResult Wait();
 

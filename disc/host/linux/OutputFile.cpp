@@ -11,6 +11,7 @@
 
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
+#include "disc/host/TemporaryFiles.h"
 
 namespace sectorbox {
 namespace {
@@ -97,7 +98,7 @@ OutputFile::OutputFile(const std::string& path, OnMedium onMedium, LinkAtPath li
 
 void OutputFile::CreateTemporary(const std::string& path) {
   std::string name = JoinHostPath(HostFolderOf(path_), ".sectorbox-XXXXXX");
-  const int number = ::mkostemp(name.data(), O_CLOEXEC);
+  const int number = CreateTemporaryFile(name);
   if (number < 0) ThrowHostError(path, errno);
   file_ = OpenFileNumber(number);
   temporary_ = std::move(name);
@@ -117,7 +118,9 @@ OutputFile::OutputFile(OutputFile&& other) noexcept
 
 OutputFile::~OutputFile() {
   (void)file_.Close();
-  if (!temporary_.empty()) ::unlink(temporary_.c_str());
+  if (temporary_.empty()) return;
+  ::unlink(temporary_.c_str());
+  ForgetTemporaryFile(temporary_);
 }
 
 void OutputFile::Write(std::span<const std::uint8_t> bytes) {
@@ -177,6 +180,7 @@ void OutputFile::Close() {
   if (temporary_.empty()) return;
   const bool awaited = IsAwaited();
   if (::rename(temporary_.c_str(), path_.c_str()) != 0) ThrowHostError(path_, errno);
+  ForgetTemporaryFile(temporary_);
   temporary_.clear();
   // Until the folder is on the medium, a power cut may bring the older file back.
   if (awaited) SyncHostFolder(HostFolderOf(path_));

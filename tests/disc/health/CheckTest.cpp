@@ -1,6 +1,9 @@
 #include "disc/health/Check.h"
 
 #include "disc/catalogue/Adfs.h"
+#include "disc/image/NewDisc.h"
+#include "disc/image/OpenImage.h"
+#include "disc/image/Resize.h"
 
 #include <gtest/gtest.h>
 
@@ -47,6 +50,25 @@ class CheckTest : public ::testing::Test {
 TEST_F(CheckTest, ASoundDiscHasNoFault) {
   EXPECT_EQ(Check(), Faults{});
   EXPECT_TRUE(host_.Log.empty());
+}
+
+TEST_F(CheckTest, ADiscThatIsTooLargeForTheBbcOrItsCompanion) {
+  const std::string path = folder_ / "disc.dat";
+  const auto check = [&] {
+    OpenImage(disc_, path);
+    Faults lines;
+    for (const Fault& fault : CheckDisc(disc_)) {
+      lines.push_back((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
+    }
+    return lines;
+  };
+  CreateDisc(disc_, path, 32, 4, 33, kDat);
+  EXPECT_EQ(check(), Faults{});
+  ResizeImageFile(disc_, path, 64, 4, 33);
+  EXPECT_EQ(check(), Faults{"warning: disc.dsc: tells of 4224 sectors, and the disc has 8448"});
+  CreateDisc(disc_, path, 16384, 4, 33, kDat);
+  EXPECT_EQ(check(), Faults{"warning: sector 0: the BBC can't write to a disc of this size"});
+  disc_.TheDisc.CloseFile();
 }
 
 TEST_F(CheckTest, WrongChecksums) {

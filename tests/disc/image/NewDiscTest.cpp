@@ -2,6 +2,8 @@
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
+#include "disc/image/OpenImage.h"
+#include "disc/store/OpenDisc.h"
 
 #include <gtest/gtest.h>
 
@@ -33,6 +35,38 @@ class NewDiscTest : public ::testing::Test {
   ScriptedHost host_;
   Disc disc_{host_};
 };
+
+TEST_F(NewDiscTest, ASizeThatTheBbcCannotWriteToIsTold) {
+  const std::string note = "note the BBC can't write to a disc of this size";
+  CreateDisc(disc_, folder_ / "x.dat", 8192, 4, 33, kDat);
+  EXPECT_TRUE(host_.LogOf("note ").empty());
+  CreateDisc(disc_, folder_ / "y.dat", 16384, 4, 33, kDat);
+  EXPECT_EQ(host_.LogOf("note "), std::vector<std::string>{note});
+}
+
+TEST_F(NewDiscTest, AFileThatExistsIsReplacedOnlyAfterAQuestion) {
+  WriteText(folder_ / "x.dat", "older");
+  disc_.ImageName = "former";
+  host_.SaveAnswers = {folder_ / "x.dat", folder_ / "x.dat"};
+  host_.YesNoAnswers = {false, true};
+  RunNewDisc(disc_, kNewDiscs[3]);
+  EXPECT_EQ(ReadText(folder_ / "x.dat"), "older");
+  EXPECT_EQ(disc_.ImageName, "former");
+  RunNewDisc(disc_, kNewDiscs[3]);
+  EXPECT_EQ(ReadAll(folder_ / "x.dat").size(), 4224U * 256);
+  EXPECT_EQ(host_.LogOf("yesno "),
+            std::vector<std::string>(2,
+                                     "yesno x.dat already exists. Do you want to replace it ?|"
+                                     "Create ADFS Disc Image As"));
+}
+
+TEST_F(NewDiscTest, TheCompanionNeverReplacesTheOpenDisc) {
+  const ImageBuilder image(640);
+  image.WriteTo(folder_ / "x.dsc");
+  OpenImage(disc_, folder_ / "x.dsc");
+  EXPECT_THROW(CreateDisc(disc_, folder_ / "x.dat", 32, 4, 33, kDat), OpenDiscError);
+  EXPECT_EQ(ReadAll(folder_ / "x.dsc"), image.Bytes());
+}
 
 TEST_F(NewDiscTest, TheSizesOfTheMenu) {
   const std::vector<std::pair<std::string, std::int32_t>> sizes = {

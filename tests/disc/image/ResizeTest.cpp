@@ -39,6 +39,15 @@ TEST_F(ResizeTest, TheLastRunStretchesAndTheFileKeepsItsLength) {
   EXPECT_EQ(host_.LogOf("rebuild").size(), 1U);
 }
 
+TEST_F(ResizeTest, ASizeThatTheBbcCannotWriteToIsTold) {
+  const std::string path = Make(ImageBuilder(4224));
+  ResizeImageFile(disc_, path, 8192, 4, 33);
+  EXPECT_TRUE(host_.LogOf("note ").empty());
+  ResizeImageFile(disc_, path, 16384, 4, 33);
+  EXPECT_EQ(host_.LogOf("note "),
+            std::vector<std::string>{"note the BBC can't write to a disc of this size"});
+}
+
 TEST_F(ResizeTest, SizesAboveWhatTwoBytesHoldAreReadWhole) {
   ImageBuilder image(4224);
   image.SetFreeRuns({{100000, 35168}});

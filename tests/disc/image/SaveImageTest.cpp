@@ -1,5 +1,6 @@
 #include "disc/image/SaveImage.h"
 
+#include "disc/catalogue/Adfs.h"
 #include "disc/host/HostError.h"
 #include "disc/image/OpenImage.h"
 #include "tests/support/MemoryDevice.h"
@@ -75,6 +76,27 @@ TEST_F(SaveImageTest, APaddedSingleSidedFloppyIsSavedEmpty) {
   host_.Pad = true;
   SaveImageTo(disc_, folder_ / "y.adf");
   EXPECT_EQ(ReadAll(folder_ / "y.adf").size(), 0U);
+  EXPECT_EQ(host_.LogOf("note "),
+            (std::vector<std::string>{"note Saved empty: Pad Disc Images is set"}));
+}
+
+TEST_F(SaveImageTest, ADiscIsNotSavedEmptyOverTheFileThatItWasOpenedFrom) {
+  const ImageBuilder image(640);
+  Open(image, "x.adf");
+  std::filesystem::create_symlink(folder_ / "x.adf", folder_ / "link.adf");
+  host_.Pad = true;
+  for (const char* name : {"x.adf", "./x.adf", "link.adf"}) {
+    disc_.ImageChanged = true;
+    try {
+      SaveImageTo(disc_, folder_ / name);
+      ADD_FAILURE() << name;
+    } catch (const HostError& error) {
+      EXPECT_STREQ(error.what(), "Cannot Save An Empty Disc Over Itself");
+    }
+    EXPECT_EQ(ReadAll(folder_ / "x.adf"), image.Bytes());
+    EXPECT_TRUE(disc_.ImageChanged);
+    EXPECT_EQ(disc_.ImageName, folder_ / "x.adf");
+  }
 }
 
 TEST_F(SaveImageTest, AFullFloppyIsSavedInFull) {
@@ -236,7 +258,7 @@ TEST_F(SaveImageTest, NothingIsSavedOverTheOpenCardNorRestoredFromIt) {
   EXPECT_THROW(SaveDatImage(disc, card, true), HostError);
   EXPECT_THROW(SaveAdfImage(disc, card), HostError);
   EXPECT_THROW(SaveAdlImage(disc, card), HostError);
-  EXPECT_THROW(RestoreImage(disc, card), HostError);
+  EXPECT_THROW((void)RestoreImage(disc, card), HostError);
   disc.TheDisc.CloseFile();
   EXPECT_EQ(ReadAll(card), bytes);
 }
@@ -247,7 +269,7 @@ TEST_F(SaveImageTest, ARestorePoursTheFileIntoThePartition) {
   OpenCFPartition(disc_, "/dev/card,0");
   host_.Log.clear();
   disc_.ImageChanged = true;
-  RestoreImage(disc_, folder_ / "x.dat");
+  EXPECT_EQ(RestoreImage(disc_, folder_ / "x.dat"), RestoreEnd::kDone);
   std::vector<std::uint8_t> bytes(640 * 256);
   disc_.TheDisc.FetchBytes(0, bytes);
   EXPECT_EQ(bytes, image.Bytes());
@@ -266,7 +288,7 @@ TEST_F(SaveImageTest, ARestoreCountsSectorsToTheNearestAndFillsTheLastWithZeros)
     WriteAll(folder_ / "x.dat", std::vector<std::uint8_t>(length, 1));
     OpenCFPartition(disc_, "/dev/card,0");
     disc_.TheDisc.StoreBytes(0, std::vector<std::uint8_t>(2048, 7));
-    RestoreImage(disc_, folder_ / "x.dat");
+    EXPECT_EQ(RestoreImage(disc_, folder_ / "x.dat"), RestoreEnd::kDone);
     EXPECT_EQ(disc_.TheDisc.Fetch(sectors * 256), 7);
     if (sectors == 0) continue;
     const auto held = static_cast<std::int64_t>(length) < sectors * 256;
@@ -274,18 +296,51 @@ TEST_F(SaveImageTest, ARestoreCountsSectorsToTheNearestAndFillsTheLastWithZeros)
   }
 }
 
-TEST_F(SaveImageTest, AnAbortedRestoreEndsAfterTheSectorAtHand) {
+TEST_F(SaveImageTest, ARestoreThatIsAbortedBeforeItsFirstSectorLeavesTheOldDisc) {
+  const ImageBuilder former(640);
+  former.WriteTo(folder_ / "former.dat");
   WriteAll(folder_ / "x.dat", std::vector<std::uint8_t>(600 * 256, 1));
   OpenCFPartition(disc_, "/dev/card,0");
+  ASSERT_EQ(RestoreImage(disc_, folder_ / "former.dat"), RestoreEnd::kDone);
+  host_.Log.clear();
   host_.OnPump = [&] { disc_.ProgressRunning = false; };
-  RestoreImage(disc_, folder_ / "x.dat");
-  EXPECT_EQ(disc_.TheDisc.Fetch(255), 1);
-  EXPECT_EQ(disc_.TheDisc.Fetch(256), 0);
+  EXPECT_EQ(RestoreImage(disc_, folder_ / "x.dat"), RestoreEnd::kAborted);
+  std::vector<std::uint8_t> bytes(640 * 256);
+  disc_.TheDisc.FetchBytes(0, bytes);
+  EXPECT_EQ(bytes, former.Bytes());
+  EXPECT_TRUE(host_.LogOf("note ").empty());
+}
+
+TEST_F(SaveImageTest, AnAbortedRestoreLeavesNoDiscAndIsTold) {
+  const ImageBuilder image(640);
+  image.WriteTo(folder_ / "x.dat");
+  OpenCFPartition(disc_, "/dev/card,0");
+  ASSERT_EQ(RestoreImage(disc_, folder_ / "x.dat"), RestoreEnd::kDone);
+  host_.Log.clear();
+  int pumps = 0;
+  host_.OnPump = [&] { disc_.ProgressRunning = ++pumps < 2; };
+  EXPECT_EQ(RestoreImage(disc_, folder_ / "x.dat"), RestoreEnd::kAborted);
+  EXPECT_FALSE(IsDirectory(disc_, 2));
+  EXPECT_EQ(host_.LogOf("note "),
+            (std::vector<std::string>{"note /dev/card,0: there is no disc on it now. Format it "
+                                      "again, or restore a backup"}));
+}
+
+TEST_F(SaveImageTest, AFileThatIsGoneInTheMiddleOfARestoreIsTold) {
+  ImageBuilder(640).WriteTo(folder_ / "x.dat");
+  OpenCFPartition(disc_, "/dev/card,0");
+  int pumps = 0;
+  host_.OnPump = [&] {
+    if (++pumps == 2) std::filesystem::resize_file(folder_ / "x.dat", 1000);
+  };
+  EXPECT_THROW((void)RestoreImage(disc_, folder_ / "x.dat"), HostError);
+  EXPECT_FALSE(IsDirectory(disc_, 2));
+  EXPECT_EQ(host_.LogOf("note ").size(), 1U);
 }
 
 TEST_F(SaveImageTest, ARestoreOfAMissingFileClosesItsDialog) {
   OpenCFPartition(disc_, "/dev/card,0");
-  EXPECT_THROW(RestoreImage(disc_, folder_ / "none.dat"), HostError);
+  EXPECT_THROW((void)RestoreImage(disc_, folder_ / "none.dat"), HostError);
   EXPECT_EQ(host_.LogOf("progress close").size(), 1U);
   EXPECT_EQ(host_.Log.back(), "pointer normal");
 }

@@ -251,8 +251,10 @@ TEST_F(CardWindow, ACardThatFailsIsStillToldWhenThePanesAreFilled) {
   ExpectChoice(0);
   WriteAll(folder_ / "b.dat", std::vector<std::uint8_t>(4 * 256, 0x11));
   player_.ExpectFileDialog(folder_ / "b.dat");
+  player_.ExpectYesNo(QStringLiteral("b.dat Is No ADFS Disc. Restore It All The Same ?"), true);
   Choose("mnuCFCardRestore");
-  EXPECT_EQ(Panel(2), QStringLiteral("C:,0: sectors 0 to 3 can't be written in full"));
+  EXPECT_EQ(Panel(2),
+            QStringLiteral("C:,0: its first sectors can't be written, so nothing more was"));
 }
 
 TEST_F(CardWindow, SpaceAbortsAFormatAndReturnDoesNot) {
@@ -286,6 +288,7 @@ TEST_F(CardWindow, ALineOfWhatHappenedHasTheWholeBarUntilTheNextPath) {
   const int narrow = panel.width();
   ExpectChoice(0);
   player_.ExpectFileDialog(folder_ / "b.dat");
+  player_.ExpectYesNo(QStringLiteral("b.dat Is No ADFS Disc. Restore It All The Same ?"), true);
   Choose("mnuCFCardRestore");
   Settle();
   EXPECT_EQ(Panel(2).toStdString(),

@@ -77,6 +77,20 @@ TEST_F(DiscCommandsTest, ANewDiscIsMadeUnderTheChosenName) {
   EXPECT_TRUE(std::filesystem::exists(folder_ / "made-NewDisc.dsc"));
 }
 
+TEST_F(DiscCommandsTest, ANewDiscReplacesAFileThatExistsOnlyAfterAQuestion) {
+  Start();
+  const std::string path = folder_ / "x.dat";
+  WriteText(path, "older");
+  const QString question = QStringLiteral("x.dat already exists. Do you want to replace it ?");
+  for (const bool replace : {false, true}) {
+    player_.ExpectFileDialog(path);
+    player_.ExpectYesNo(question, replace);
+    Choose("mnuDiscNew1M");
+    EXPECT_EQ(ReadText(path) == "older", !replace);
+    EXPECT_EQ(disc_->ImageName, replace ? path : "NewDisc.adl");
+  }
+}
+
 TEST_F(DiscCommandsTest, TheToolBarsNewAsksForA640KDisc) {
   Start();
   player_.ExpectFileDialog("", [](QWidget& dialog) {

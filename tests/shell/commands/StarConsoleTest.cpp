@@ -168,6 +168,24 @@ TEST_F(StarConsoleTest, SaveWritesTheWholeTextOverAnOldFile) {
   EXPECT_EQ(ReadText(path), "one\r\ntwo\r\n\r\n");
 }
 
+TEST_F(StarConsoleTest, NeitherTheConsoleNorTheTraceReplacesTheOpenDisc) {
+  ImageBuilder(4224).WriteTo(folder_ / "open.dat");
+  const auto before = ReadAll(folder_ / "open.dat");
+  StartWired("\"" + (folder_ / "open.dat") + "\"");
+  const QString told = QStringLiteral("open.dat Is The Open Disc");
+  Play([&] {
+    Output()->setPlainText(QStringLiteral("text"));
+    player_.ExpectFileDialog(folder_ / "./open.dat");
+    player_.ExpectBox(told);
+    Entry("mnuFileSave")->trigger();
+  });
+  player_.ExpectFileDialog(folder_ / "open.dat");
+  player_.ExpectBox(told);
+  Choose("mnuXferTraceFile");
+  EXPECT_FALSE(TheLink().TraceFile.IsOpen());
+  EXPECT_EQ(ReadAll(folder_ / "open.dat"), before);
+}
+
 TEST_F(StarConsoleTest, FindMarksTheFirstMatchAndFindNextGoesOnBehindIt) {
   StartWired();
   Play([&] {

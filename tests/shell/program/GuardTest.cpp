@@ -127,6 +127,22 @@ TEST_F(GuardTest, NothingStartsWhileANewDiscIsMade) {
   ExpectAlive();
 }
 
+TEST_F(GuardTest, NoOtherImageIsOpenedWhileADiscOf512MegabytesIsMade) {
+  StartWith(image_);
+  DuringACommand(
+      [this] {
+        window_->Action("mnuDiscOpen")->trigger();
+        Find<QAction>("Open").trigger();
+      },
+      [this] { return IsBusy() && disc_->ImageName == folder_ / "new.dat"; });
+  player_.ExpectFileDialog(folder_ / "new.dat");
+  Choose("mnuDiscNew512M");
+  EXPECT_TRUE(done_);
+  EXPECT_EQ(disc_->ImageName, folder_ / "new.dat");
+  EXPECT_EQ(std::filesystem::file_size(folder_ / "new.dat"), 16384U * 4 * 33 * 256);
+  EXPECT_EQ(Panel(2), QStringLiteral("the BBC can't write to a disc of this size"));
+}
+
 TEST_F(GuardTest, NothingStartsWhileADirectoryIsDeleted) {
   StartWith(image_);
   ClickNode(QStringLiteral("DIR"));

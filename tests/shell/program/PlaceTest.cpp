@@ -1,5 +1,6 @@
 #include <QDialog>
 #include <QLabel>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "cfcard/windows/frmCF.h"
@@ -7,6 +8,7 @@
 #include "shell/commands/XferCommands.h"
 #include "shell/dialogs/frmSave.h"
 #include "tests/support/WindowFixture.h"
+#include "toolkit/Twips.h"
 #include "toolkit/WindowPlace.h"
 
 // A window that keeps its place must have its size before it is shown. If it gets its size only
@@ -39,6 +41,53 @@ TEST_F(PlaceTest, ADialogWithoutAStoredSizeIsMovedAndSizedByItsLayout) {
   EXPECT_EQ(dialog.size(), dialog.sizeHint());
   EXPECT_EQ(dialog.pos(), QPoint(100, 200));
   ExpectSizedBeforeShown(dialog);
+}
+
+class StoredPlace : public PlaceTest {
+ protected:
+  static void Store(double left, double top, double width, double height) {
+    SettingsStore settings;
+    settings.PutTwips("MainLeft", TwipsFromPixels(1) * left);
+    settings.PutTwips("MainTop", TwipsFromPixels(1) * top);
+    settings.PutTwips("MainWidth", TwipsFromPixels(1) * width);
+    settings.PutTwips("MainHeight", TwipsFromPixels(1) * height);
+  }
+  // The screen of these tests has 800 by 800 pixels.
+  QRect Screen() { return window_->screen()->availableGeometry(); }
+};
+
+TEST_F(StoredPlace, AWindowThatWasOffTheScreenIsBroughtOntoIt) {
+  for (const auto& [left, top] : std::vector<std::pair<int, int>>{
+           {5000, 100}, {-5000, 100}, {100, 5000}, {100, -5000}, {-400, -30}, {780, 100}}) {
+    Store(left, top, 400, 300);
+    StartAgain();
+    EXPECT_TRUE(Screen().contains(window_->geometry())) << left << " " << top;
+    EXPECT_EQ(window_->size(), QSize(400, 300));
+  }
+}
+
+TEST_F(StoredPlace, AWindowThatIsLargerThanTheScreenIsMadeSmaller) {
+  Store(20, 20, 90000, 90000);
+  Start();
+  EXPECT_TRUE(Screen().contains(window_->geometry()));
+}
+
+TEST_F(StoredPlace, AWindowThatTheUserCanReachStaysWhereItWas) {
+  for (const auto& [left, top] :
+       std::vector<std::pair<int, int>>{{100, 200}, {-300, 0}, {700, 700}}) {
+    Store(left, top, 400, 300);
+    StartAgain();
+    EXPECT_EQ(window_->pos(), QPoint(left, top));
+    EXPECT_EQ(window_->size(), QSize(400, 300));
+  }
+}
+
+TEST_F(StoredPlace, ADialogThatWasOffTheScreenIsBroughtOntoIt) {
+  SettingsStore().PutTwips("SaveLeft", 1e9);
+  SettingsStore().PutTwips("SaveTop", -1e9);
+  Start();
+  frmSave dialog(window_.get(), *disc_);
+  EXPECT_TRUE(Screen().contains(dialog.geometry()));
 }
 
 TEST_F(PlaceTest, AFixedSizeStays) {
