@@ -18,12 +18,15 @@ namespace {
 //     4 x 8 bytes the sum of each sector as it stood on the medium; 0 for one that nobody could
 //     read the bytes of the block
 //   8 bytes   the sum of all that stands before it
-// Numbers are little-endian. A file with any other length or sum is a torn journal.
+// Numbers are little-endian. A file with any other length or sum is a torn journal, and so is one
+// that names a block that no disc has.
 constexpr std::array<std::uint8_t, 8> kMark = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '1'};
 constexpr std::size_t kNumber = 8;
 constexpr std::size_t kHeader = kMark.size() + 2 * kNumber;
 constexpr std::size_t kMask = Medium::kBlockSize / 8;
 constexpr std::size_t kSectorsOfBlock = 4;
+// A sector's number has 24 bits, so no disc has a block with this number or a higher one.
+constexpr std::uint64_t kMostBlocks = (std::uint64_t{1} << 24) / kSectorsOfBlock;
 
 // The sums of the sectors of a block, before the change.
 using SectorSums = std::array<std::uint64_t, kSectorsOfBlock>;
@@ -130,8 +133,9 @@ std::optional<std::map<std::int32_t, Record>> ReadRecords(std::span<const std::u
   if (reader.Number() != blockBytes) return std::nullopt;
   std::map<std::int32_t, Record> records;
   for (std::uint64_t count = reader.Number(); count > 0 && !reader.Failed; --count) {
-    const auto block = static_cast<std::int32_t>(reader.Number());
-    records[block] = ReadRecord(reader, blockBytes);
+    const std::uint64_t block = reader.Number();
+    if (block >= kMostBlocks) return std::nullopt;
+    records[static_cast<std::int32_t>(block)] = ReadRecord(reader, blockBytes);
   }
   if (reader.Failed || !reader.IsAtEnd()) return std::nullopt;
   return records;
