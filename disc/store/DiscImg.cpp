@@ -155,9 +155,17 @@ void DiscImg::CommitChange() {
     held_.End();
     return;
   }
+  RequireMedium();
   if (JournalPlace* journal = medium_->Journal()) WriteJournal(*journal, *medium_, held_.All());
   held_.Seal();
   PlaceHeld();
+}
+
+void DiscImg::RequireMedium() {
+  std::vector<std::uint8_t> map(layout_.BlockBytes);
+  if (!medium_->ReadBlock(0, map)) {
+    throw HostError(request_.Name, "the card has failed, so nothing was changed");
+  }
 }
 
 void DiscImg::PlaceHeld() {

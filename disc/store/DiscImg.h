@@ -186,6 +186,9 @@ class DiscImg final : public DiscBytes {
   // its blocks were free when the change began, or none was.
   [[nodiscard]] std::size_t AlikeAt(std::int32_t block, std::size_t size) const;
   [[nodiscard]] std::int32_t WriteFaults() const;
+  // HostError if not even the map can be read any more. A card that was pulled out in the middle of
+  // a change has given bytes that aren't the disc's, so that what was made of them is no change.
+  void RequireMedium();
   // Puts the blocks of a sealed change in place.
   void PlaceHeld();
   // Finishes or drops a change that an earlier program began.
