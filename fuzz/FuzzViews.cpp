@@ -1,13 +1,15 @@
 // Any bytes are a file and a directory, which the text views show. The first byte chooses the view,
 // the second says how much of the rest is the file. The other bytes fill a disc from its first file
-// sector on.
+// sector on. A view changes nothing.
 
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "disc/catalogue/Adfs.h"
 #include "disc/format/Text.h"
+#include "fuzz/Require.h"
 #include "tests/support/QuietHost.h"
 #include "viewers/table/TextViews.h"
 
@@ -46,6 +48,12 @@ void Show(Disc& disc, std::size_t number, const ListRow& row) {
   ShowTextView(kind, disc, {row, kStart}, sink);
 }
 
+std::vector<std::uint8_t> BytesOf(Disc& disc) {
+  std::vector<std::uint8_t> bytes(disc.TheDisc.ImageBytes());
+  disc.TheDisc.FetchBytes(0, bytes);
+  return bytes;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -60,6 +68,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   row.Columns = {"F",           "WR",       "(00)",
                  "FFFFFFFF",    "FFFFFFFF", data[1] == 254 ? "FFFFFFFF" : Hex(length, 8),
                  Hex(kStart, 6)};
+  const std::vector<std::uint8_t> before = BytesOf(disc);
   Show(disc, data[0], row);
+  fuzz::Require(BytesOf(disc) == before, "the disc's bytes");
   return 0;
 }

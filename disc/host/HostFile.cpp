@@ -22,6 +22,15 @@ std::optional<HostFileKind> KindOf(const std::string& path, std::error_code& err
   return fs::is_regular_file(status) ? HostFileKind::kPlain : HostFileKind::kOther;
 }
 
+// The names in a folder; none if it can't be read.
+std::vector<std::string> NamesIn(const std::string& folder) {
+  try {
+    return ListHostFolder(folder);
+  } catch (const HostError&) {
+    return {};
+  }
+}
+
 std::optional<HostFileKind> KindOf(const std::string& path) {
   std::error_code ignored;
   return KindOf(path, ignored);
@@ -102,10 +111,7 @@ void RemoveHostTree(const std::string& path) {
   // Each file is removed by itself, so that one that can't be removed doesn't keep the others.
   std::error_code ignored;
   if (fs::symlink_status(path, ignored).type() == fs::file_type::directory) {
-    for (fs::directory_iterator entry(path, ignored), end; !ignored && entry != end;
-         entry.increment(ignored)) {
-      RemoveHostTree(entry->path().string());
-    }
+    for (const std::string& name : NamesIn(path)) RemoveHostTree(JoinHostPath(path, name));
   }
   std::error_code kept;
   fs::remove(path, kept);
@@ -126,17 +132,6 @@ void CreateHostFolders(const std::string& path) {
   std::error_code error;
   fs::create_directories(path, error);
   if (error) ThrowHostError(path, error);
-}
-
-std::vector<std::string> ListHostFolder(const std::string& folder) {
-  std::error_code error;
-  std::vector<std::string> names;
-  fs::directory_iterator entries(folder, error);
-  for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-    names.push_back(entries->path().filename().string());
-  }
-  if (error) ThrowHostError(folder, error);
-  return names;
 }
 
 OpenFileNumber& OpenFileNumber::operator=(OpenFileNumber&& other) noexcept {

@@ -19,7 +19,7 @@ namespace {
 //   8 bytes   all ones: the end of the records
 //   8 bytes   the sum of all that stands before it
 // Numbers are little-endian. Of two records of one block the later one counts. A file with any
-// other length or sum is a torn journal.
+// other length or sum is a torn journal, and so is one that names a block that no disc has.
 constexpr std::array<std::uint8_t, 8> kMark = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '2'};
 constexpr std::size_t kNumber = 8;
 constexpr std::size_t kHeader = kMark.size() + kNumber;
@@ -29,6 +29,8 @@ constexpr std::size_t kBeforeData = 2 * kNumber + kMask + kSectorsOfBlock * kNum
 constexpr std::uint64_t kEndOfRecords = std::numeric_limits<std::uint64_t>::max();
 constexpr std::size_t kPart = std::size_t{1} << 20;  // bytes read or written at once
 constexpr std::int64_t kReadAhead = 262144;
+// A sector's number has 24 bits, so no disc has a block with this number or a higher one.
+constexpr std::uint64_t kMostBlocks = (std::uint64_t{1} << 24) / kSectorsOfBlock;
 
 // The sums of the sectors of a block, before the change.
 using SectorSums = std::array<std::uint64_t, kSectorsOfBlock>;
@@ -146,9 +148,7 @@ std::optional<Places> FindRecords(JournalPlace& place, std::size_t blockBytes) {
   Places places;
   for (std::int64_t at = first; at < end; at += record) {
     const std::uint64_t block = NumberAt(place, at);
-    if (block > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
-      return std::nullopt;
-    }
+    if (block >= kMostBlocks) return std::nullopt;
     places[static_cast<std::int32_t>(block)] = at;
   }
   return places;

@@ -77,7 +77,7 @@ class HeldBlocks {
   bool active_ = false;
   bool sealed_ = false;
   bool wroteFree_ = false;         // a block that was free has been written
-  std::int32_t formerFaults_ = 0;  // the medium's WriteFaults when the change began
+  std::int32_t formerFaults_ = 0;  // the medium's Faults when the change began
   std::vector<FreeRun> free_;      // in rising order
   NewBlocks inMemory_;
   JournalPlace* place_ = nullptr;  // the medium's journal, once it was asked for

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ostream>
 
 #include "disc/image/SaveImage.h"
 #include "tests/cfcard/CardFixture.h"
@@ -83,6 +84,16 @@ struct LoopCard final : FileCard {
 };
 
 enum class Kind { kMemory, kFile, kSparse, kLoop };
+
+const char* NameOf(Kind kind) {
+  static constexpr std::array<const char*, 4> kNames = {"Memory", "File", "Sparse", "Loop"};
+  return kNames[static_cast<std::size_t>(kind)];
+}
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(Kind kind, std::ostream* out) {
+  *out << NameOf(kind);
+}
 
 std::unique_ptr<TestCard> MakeCard(Kind kind) {
   switch (kind) {
@@ -184,8 +195,7 @@ TEST_P(DeviceTest, NothingIsWrittenPastTheDevicesEnd) {
 }
 
 std::string NameOfKind(const ::testing::TestParamInfo<Kind>& kind) {
-  static constexpr std::array<const char*, 4> kNames = {"Memory", "File", "Sparse", "Loop"};
-  return kNames[static_cast<std::size_t>(kind.param)];
+  return NameOf(kind.param);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cards, DeviceTest,

@@ -4,98 +4,30 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
+#include "tests/cli/ChangedImage.h"
 #include "tests/support/DiscReading.h"
-#include "tests/support/ImageBuilder.h"
 #include "tests/support/RunSbx.h"
-#include "tests/support/TempFolder.h"
 
 namespace sectorbox {
 namespace {
 
 using namespace testing;
 using Words = std::vector<std::string>;
-using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::int32_t kSectors = 240;
+constexpr ImageFile kImages[] = {kAdfFile, kDatFile, kCardFile};
 
-struct Command {
-  const char* Name;
-  Words Arguments;  // IMAGE stands for the image
-};
+using Parameters = std::tuple<SbxCommand, ImageFile>;
 
-struct Image {
-  const char* Name;
-  const char* File;
-  bool IsCard;
-};
-
-const std::vector<Command> kCommands = {
-    {"Add", {"add", "IMAGE", "$", "NEW"}},
-    {"Replace", {"add", "IMAGE", "$", "F03"}},
-    {"AddAFolder", {"add", "IMAGE", "$", "TREE"}},
-    {"Delete", {"delete", "IMAGE", "$.F05"}},
-    {"DeleteATree", {"--delete-non-empty", "on", "delete", "IMAGE", "$.SUB"}},
-    {"Rename", {"rename", "IMAGE", "$.F06", "ZZZ"}},
-    {"Mkdir", {"mkdir", "IMAGE", "$.SUB", "MADE"}},
-    {"Access", {"access", "IMAGE", "$.SUB", "LR"}},
-    {"Address", {"address", "IMAGE", "$.F07", "FFFF1900", "FFFF8023"}},
-    {"Title", {"title", "IMAGE", "$", "Another"}},
-    {"Boot", {"boot", "IMAGE", "exec"}},
-    {"Compact", {"compact", "IMAGE"}},
-};
-constexpr Image kImages[] = {
-    {"Adf", "x.adf", false}, {"Dat", "x.dat", false}, {"Card", "x.raw", true}};
-
-using Parameters = std::tuple<Command, Image>;
-
-class FailingHostTest : public ::testing::TestWithParam<Parameters> {
+// Commands on an image, with one call of the host failing.
+class FailingHost : public ::testing::TestWithParam<Parameters> {
  protected:
-  FailingHostTest() {
-    WriteAll(folder_ / "NEW", Bytes(3000, 7));
-    WriteAll(folder_ / "F03", Bytes(4000, 8));
-    std::filesystem::create_directory(folder_ / "TREE");
-    for (int i = 0; i < 3; ++i) WriteAll(folder_ / ("TREE/T" + std::to_string(i)), Bytes(700, 9));
-    WriteImage();
-    before_ = DescribeDisc(Disc());
-    EXPECT_EQ(Run().Status, 0);
-    after_ = DescribeDisc(Disc());
-  }
-  ~FailingHostTest() override { Fail("", 0, ""); }
-
-  [[nodiscard]] static const Image& Kind() { return std::get<Image>(GetParam()); }
-  [[nodiscard]] std::string Path() const { return folder_ / Kind().File; }
-  [[nodiscard]] std::string Name() const { return Kind().IsCard ? "cf:" + Path() + ",0" : Path(); }
-
-  void WriteImage() {
-    std::filesystem::remove(Path() + "-journal");
-    std::filesystem::remove_all(std::string(std::getenv("XDG_STATE_HOME")) + "/sectorbox");
-    ImageBuilder image(kSectors);
-    for (int i = 0; i < 10; ++i) {
-      if (i == 2) image.AddHole(5);
-      image.AddFile(2,
-                    {"F0" + std::to_string(i), Bytes(200U + 300U * static_cast<unsigned>(i), 1)});
-    }
-    const std::int32_t sub = image.AddDirectory(2, "SUB");
-    image.AddFile(sub, {"IN", Bytes(900, 2)});
-    if (!Kind().IsCard) return image.WriteTo(Path());
-    Bytes card;
-    for (const std::uint8_t byte : image.Bytes()) card.insert(card.end(), {byte, 0xC5});
-    WriteAll(Path(), card);
-  }
-
-  [[nodiscard]] Bytes Disc() const {
-    const Bytes file = ReadAll(Path());
-    Bytes bytes;
-    for (std::size_t i = 0; i < file.size(); i += Kind().IsCard ? 2 : 1) bytes.push_back(file[i]);
-    // A floppy image may be stored without the free space at its end.
-    bytes.resize(static_cast<std::size_t>(kSectors) * 256);
-    return bytes;
-  }
+  FailingHost() : image_(std::get<ImageFile>(GetParam())) {}
+  ~FailingHost() override { Fail("", 0, ""); }
 
   static void Fail(const std::string& call, int at, const std::string& how) {
     ::setenv("FAILING_CALL", call.c_str(), 1);
@@ -103,15 +35,12 @@ class FailingHostTest : public ::testing::TestWithParam<Parameters> {
     ::setenv("FAILING_HOW", how.c_str(), 1);
   }
 
-  SbxResult Run() { return Run(std::get<Command>(GetParam()).Arguments); }
-  SbxResult Run(Words words) {
-    for (std::string& word : words) {
-      if (word == "IMAGE") word = Name();
-    }
+  SbxResult Run() { return Run(std::get<SbxCommand>(GetParam()).Arguments); }
+  SbxResult Run(const Words& words) {
     ::setenv("LD_PRELOAD", FAILING_CALLS_PATH, 1);
     // The sanitizer's library would insist on being the first one.
     ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
-    SbxProcess process(words, folder_.Path());
+    SbxProcess process(image_.Words(words), image_.Folder());
     ::unsetenv("LD_PRELOAD");
     ::unsetenv("ASAN_OPTIONS");
     return process.Wait();
@@ -120,29 +49,89 @@ class FailingHostTest : public ::testing::TestWithParam<Parameters> {
   // Lets each call fail in turn, until one isn't made any more. How many were.
   int FailEach(const std::string& call, const std::string& how) {
     for (int at = 1;; ++at) {
-      WriteImage();
-      Fail(call, at, how);
-      const SbxResult result = Run();
-      Fail("", 0, "");
+      const SbxResult result = RunFailing(call, at, how);
       const std::string what = call + " " + std::to_string(at) + " " + how + ": " + result.Err;
       ExpectBeforeOrAfter(what, result.Status == 0);
       if (result.Status == 0 || HasFailure()) return at - 1;
+      // A program that was killed says nothing.
+      EXPECT_TRUE(result.Status > 128 || !result.Err.empty()) << what;
     }
   }
 
-  void ExpectBeforeOrAfter(const std::string& what, bool done) {
+  // The command goes on with the rest after each transfer that is cut short.
+  void CutEachShort() {
+    for (const char* call : {"pwrite", "write", "pread"}) {
+      const SbxResult result = RunFailing(call, 0, "short");
+      EXPECT_EQ(result.Status, 0) << call << ": " << result.Err;
+      ExpectBeforeOrAfter(call, true);
+    }
+  }
+
+  // Looks at what the command has left.
+  virtual void ExpectBeforeOrAfter(const std::string& what, bool done) = 0;
+
+  ChangedImage image_;
+
+ private:
+  SbxResult RunFailing(const std::string& call, int at, const std::string& how) {
+    image_.Write();
+    Fail(call, at, how);
+    SbxResult result = Run();
+    Fail("", 0, "");
+    return result;
+  }
+};
+
+// A change to the image.
+class FailingHostTest : public FailingHost {
+ protected:
+  FailingHostTest() {
+    before_ = DescribeDisc(image_.Disc());
+    EXPECT_EQ(Run().Status, 0);
+    after_ = DescribeDisc(image_.Disc());
+  }
+
+  void ExpectBeforeOrAfter(const std::string& what, bool done) override {
     // The next command finishes what was interrupted.
     ASSERT_EQ(Run({"check", "IMAGE"}).Status, 0) << what;
-    const std::string now = DescribeDisc(Disc());
+    const std::string now = DescribeDisc(image_.Disc());
     ASSERT_TRUE(now == after_ || (!done && now == before_)) << what;
     ASSERT_EQ(Run({"add", "IMAGE", "$", "NEW"}).Status, 0) << what;
     ASSERT_EQ(Run({"check", "IMAGE"}).Status, 0) << what;
-    ASSERT_EQ(FaultsOf(Disc()), Words()) << what;
+    ASSERT_EQ(FaultsOf(image_.Disc()), Words()) << what;
   }
 
-  TempFolder folder_;
   std::string before_;
   std::string after_;
+};
+
+// A whole file that is written, or resized: its bytes are the old ones or the new ones.
+class FailingFileTest : public FailingHost {
+ protected:
+  FailingFileTest() {
+    EXPECT_EQ(Run().Status, 0);
+    image_.Write();
+    before_ = Files();
+    EXPECT_EQ(Run().Status, 0);
+    after_ = Files();
+  }
+
+  using Bytes = std::vector<std::uint8_t>;
+  [[nodiscard]] std::pair<Bytes, Bytes> Files() const {
+    return {ReadAll(image_.Path()), ReadAll(image_.Out())};
+  }
+
+  void ExpectBeforeOrAfter(const std::string& what, bool done) override {
+    ASSERT_EQ(Run({"check", "IMAGE"}).Status, 0) << what;
+    const auto now = Files();
+    ASSERT_TRUE(now == after_ || (!done && now == before_)) << what;
+    // The same command works now.
+    ASSERT_EQ(Run().Status, 0) << what;
+    ASSERT_EQ(Files(), after_) << what;
+  }
+
+  std::pair<Bytes, Bytes> before_;
+  std::pair<Bytes, Bytes> after_;
 };
 
 TEST_P(FailingHostTest, AKillAtAnyCallLosesNothing) {
@@ -168,15 +157,61 @@ TEST_P(FailingHostTest, AFullHostLosesNothing) {
     (void)FailEach(call, "enospc");
     (void)FailEach(call, "nothing");
   }
+  for (const char* call : {"fsync", "mkostemp", "rename"}) (void)FailEach(call, "enospc");
+}
+
+TEST_P(FailingHostTest, TransfersThatAreCutShortAreContinued) {
+  CutEachShort();
+}
+
+TEST_P(FailingFileTest, AKillAtAnyCallLeavesTheOldFileOrTheNew) {
+  int calls = 0;
+  for (const char* call : {"pwrite", "write", "fsync", "ftruncate", "mkostemp", "rename"}) {
+    calls += FailEach(call, "kill");
+  }
+  for (const char* call : {"pwrite", "write"}) calls += FailEach(call, "half");
+  EXPECT_GT(calls, 1);
+}
+
+TEST_P(FailingFileTest, AnyCallThatFailsLeavesTheOldFileOrTheNew) {
+  for (const char* call :
+       {"pwrite", "write", "pread", "fsync", "ftruncate", "mkostemp", "rename"}) {
+    (void)FailEach(call, "eio");
+  }
+}
+
+TEST_P(FailingFileTest, AFullHostLeavesTheOldFileOrTheNew) {
+  for (const char* call : {"pwrite", "write", "fsync", "ftruncate", "mkostemp", "rename"}) {
+    (void)FailEach(call, "enospc");
+  }
+  for (const char* call : {"pwrite", "write"}) (void)FailEach(call, "nothing");
+}
+
+TEST_P(FailingFileTest, TransfersThatAreCutShortAreContinued) {
+  CutEachShort();
+}
+
+std::string NameOf(const ::testing::TestParamInfo<Parameters>& one) {
+  return std::string(std::get<SbxCommand>(one.param).Name) + "On" +
+         std::get<ImageFile>(one.param).Name;
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryCommand, FailingHostTest,
-                         ::testing::Combine(::testing::ValuesIn(kCommands),
+                         ::testing::Combine(::testing::ValuesIn(kChangingCommands),
                                             ::testing::ValuesIn(kImages)),
-                         [](const auto& one) {
-                           return std::string(std::get<Command>(one.param).Name) + "On" +
-                                  std::get<Image>(one.param).Name;
-                         });
+                         NameOf);
+// A card has no size of its own that could be changed.
+INSTANTIATE_TEST_SUITE_P(
+    HardDiscs, FailingFileTest,
+    ::testing::Combine(::testing::Values(SbxCommand{"Resize", {"resize", "IMAGE", "1"}},
+                                         SbxCommand{"New", {"new", "1m", "OUT", "--force"}}),
+                       ::testing::Values(kDatFile)),
+    NameOf);
+INSTANTIATE_TEST_SUITE_P(Saves, FailingFileTest,
+                         ::testing::Combine(::testing::Values(SbxCommand{"Save",
+                                                                         {"save", "IMAGE", "OUT"}}),
+                                            ::testing::ValuesIn(kImages)),
+                         NameOf);
 
 }  // namespace
 }  // namespace sectorbox

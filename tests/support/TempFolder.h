@@ -1,10 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -37,7 +37,13 @@ class TempFolder {
 inline std::vector<std::uint8_t> ReadAll(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw std::runtime_error("cannot read " + path);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::vector<std::uint8_t> bytes;
+  std::array<char, 65536> part;
+  do {
+    file.read(part.data(), part.size());
+    bytes.insert(bytes.end(), part.data(), part.data() + file.gcount());
+  } while (file);
+  return bytes;
 }
 
 inline std::string ReadText(const std::string& path) {

@@ -2,11 +2,14 @@
 
 #include "disc/host/HostFile.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
+#include <memory>
 
 #include "disc/host/HostError.h"
 
@@ -114,6 +117,25 @@ void RandomAccessFile::Close() {
 
 bool HostFolderIsWritable(const std::string& folder) {
   return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+// The standard library's walk over a folder ends the program when memory runs out.
+std::vector<std::string> ListHostFolder(const std::string& folder) {
+  struct CloseFolder {
+    void operator()(DIR* opened) const { ::closedir(opened); }
+  };
+  const std::unique_ptr<DIR, CloseFolder> opened(::opendir(folder.c_str()));
+  if (opened == nullptr) ThrowHostError(folder, errno);
+  std::vector<std::string> names;
+  for (;;) {
+    errno = 0;
+    const dirent* entry = ::readdir(opened.get());
+    if (entry == nullptr) break;
+    const char* name = entry->d_name;
+    if (std::strcmp(name, ".") != 0 && std::strcmp(name, "..") != 0) names.emplace_back(name);
+  }
+  if (errno != 0) ThrowHostError(folder, errno);
+  return names;
 }
 
 void SyncHostFolder(const std::string& folder) {

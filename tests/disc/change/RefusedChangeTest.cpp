@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <ostream>
 
 #include "disc/catalogue/Agreement.h"
 #include "disc/change/Change.h"
@@ -28,6 +29,11 @@ struct Damage {
   void (*Make)(ImageBuilder& image);
   const char* Contradiction;  // empty if the disc may be changed
 };
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const Damage& damage, std::ostream* out) {
+  *out << damage.Name;
+}
 
 constexpr Damage kDamages[] = {
     {"None", [](ImageBuilder&) {}, ""},

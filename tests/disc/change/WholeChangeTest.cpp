@@ -5,10 +5,10 @@
 
 #include <functional>
 #include <memory>
+#include <ostream>
 
-#include "disc/change/Compaction.h"
 #include "disc/host/HostError.h"
-#include "tests/disc/EngineTest.h"
+#include "tests/disc/change/ChangeOperations.h"
 #include "tests/support/FaultyMedium.h"
 #include "tests/support/QuietHost.h"
 
@@ -17,56 +17,7 @@ namespace {
 
 using namespace testing;
 
-constexpr std::int32_t kSectors = 200;
-
-// An operation on the disc of ChangedDisc. folder holds the host files that it may use.
-struct Operation {
-  const char* Name;
-  void (*Run)(Disc& disc, const std::string& folder);
-};
-
-std::int32_t Sub(Disc& disc) {
-  return GetEntrySector(disc, 2, "SUB");
-}
-
-constexpr Operation kOperations[] = {
-    {"Add", [](Disc& disc,
-               const std::string& folder) { (void)AddFile(disc, Sub(disc), folder + "/NEW"); }},
-    {"AddWithAPrefix",
-     [](Disc& disc, const std::string& folder) { (void)AddFile(disc, 2, folder + "/P.FILE"); }},
-    {"Replace",
-     [](Disc& disc, const std::string& folder) { (void)AddFile(disc, 2, folder + "/F05"); }},
-    {"ReplaceByALongerFile",
-     [](Disc& disc, const std::string& folder) { (void)AddFile(disc, 2, folder + "/F06"); }},
-    {"Import",
-     [](Disc& disc, const std::string& folder) {
-       (void)ImportFolder(disc, Sub(disc), folder + "/TREE");
-     }},
-    {"Delete",
-     [](Disc& disc, const std::string&) { (void)DeleteEntry(disc, 2, "F00", false, false); }},
-    {"DeleteATree",
-     [](Disc& disc, const std::string&) {
-       (void)DeleteTree(disc, 2, Sub(disc), "SUB", true, true);
-     }},
-    {"Rename",
-     [](Disc& disc, const std::string&) { (void)RenameEntry(disc, "ZZZ", "F00", 2, false); }},
-    {"RenameADirectory",
-     [](Disc& disc, const std::string&) { (void)RenameEntry(disc, "AAA", "SUB", 2, false); }},
-    {"MakeADirectory", [](Disc& disc, const std::string&) { (void)NewDirectory(disc, 2, "MADE"); }},
-    {"SetAttributes",
-     [](Disc& disc, const std::string&) {
-       (void)SetEntryAttributes(disc, 2, "SUB", true, false, true);
-     }},
-    {"SetAddresses",
-     [](Disc& disc, const std::string&) {
-       (void)SetEntryAddresses(disc, 2, "F01", "FFFF1900", "FFFF8023");
-     }},
-    {"SetTitle",
-     [](Disc& disc, const std::string&) { (void)SetDirTitle(disc, 2, "Another title"); }},
-    {"SetBootOption",
-     [](Disc& disc, const std::string&) { (void)SetBootOption(disc, 3, MapSums::kUpdate); }},
-    {"Compact", [](Disc& disc, const std::string&) { (void)CompactDisc(disc); }},
-};
+constexpr std::int32_t kSectors = kChangedSectors;
 
 struct Kind {
   const char* Name;
@@ -74,48 +25,25 @@ struct Kind {
   std::size_t MostInMemory = std::size_t{1} << 20;
 };
 
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const Kind& kind, std::ostream* out) {
+  *out << kind.Name;
+}
+
 // What a change holds goes to memory on the first two, and nearly all of it to the journal on the
 // last one.
 constexpr Kind kKinds[] = {{"Dat", kDat}, {"Card", kCF}, {"DatBeyondMemory", kDat, 1024}};
 
-using Parameters = std::tuple<Operation, Kind>;
+using Parameters = std::tuple<ChangeOperation, Kind>;
 
 class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
  protected:
   WholeChangeTest() {
-    WriteHostFiles();
+    WriteHostFiles(folder_);
     WriteDisc();
     before_ = DescribeDisc(Discs());
     Run({}, {});
     after_ = DescribeDisc(Discs());
-  }
-
-  // A disc with files in two directories, a hole, and an empty directory.
-  static ImageBuilder MakeImage() {
-    ImageBuilder image(kSectors);
-    image.SetTitle(2, "Title");
-    for (int i = 0; i < 12; ++i) {
-      if (i == 3) image.AddHole(9);
-      image.AddFile(2, {(i < 10 ? "F0" : "F") + std::to_string(i), Pattern(300U + 211U * i, i)});
-    }
-    const std::int32_t sub = image.AddDirectory(2, "SUB");
-    for (int i = 0; i < 5; ++i) {
-      image.AddFile(sub,
-                    {"S" + std::to_string(i), Pattern(700, 50U + i), 0, 0, i == 2 ? "LR" : "WR"});
-    }
-    image.AddDirectory(sub, "EMPTY");
-    return image;
-  }
-
-  void WriteHostFiles() {
-    WriteAll(folder_ / "NEW", Pattern(5000, 91));
-    WriteAll(folder_ / "P.FILE", Pattern(3000, 92));
-    WriteAll(folder_ / "F05", Pattern(1300, 93));
-    WriteAll(folder_ / "F06", Pattern(9000, 94));
-    std::filesystem::create_directory(folder_ / "TREE");
-    for (int i = 0; i < 4; ++i) {
-      WriteAll(folder_ / ("TREE/T" + std::to_string(i)), Pattern(1500, 95U + i));
-    }
   }
 
   [[nodiscard]] bool IsCard() const { return std::get<Kind>(GetParam()).Type == kCF; }
@@ -124,7 +52,7 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
   void WriteDisc() {
     std::filesystem::remove(Path() + "-journal");
     std::filesystem::remove_all(HostStateFolder());
-    const Bytes bytes = MakeImage().Bytes();
+    const Bytes bytes = MakeChangedDisc().Bytes();
     if (!IsCard()) return WriteAll(Path(), bytes);
     Bytes card;
     for (const std::uint8_t byte : bytes) card.insert(card.end(), {byte, 0xC5});
@@ -164,7 +92,7 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
     disc.TheDisc.HoldInMemory(std::get<Kind>(GetParam()).MostInMemory);
     plan_ = plan;
     try {
-      std::get<Operation>(GetParam()).Run(disc, folder_.Path());
+      std::get<ChangeOperation>(GetParam()).Run(disc, folder_.Path());
       disc.TheDisc.CloseFile();
     } catch (const HostError&) {
       // A program that was killed looks at nothing more.
@@ -278,10 +206,10 @@ TEST_P(WholeChangeTest, APowerCutAfterAnyWriteLeavesTheDiscBeforeOrAfter) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryOperation, WholeChangeTest,
-                         ::testing::Combine(::testing::ValuesIn(kOperations),
+                         ::testing::Combine(::testing::ValuesIn(kChangeOperations),
                                             ::testing::ValuesIn(kKinds)),
                          [](const auto& one) {
-                           return std::string(std::get<Operation>(one.param).Name) + "On" +
+                           return std::string(std::get<ChangeOperation>(one.param).Name) + "On" +
                                   std::get<Kind>(one.param).Name;
                          });
 

@@ -75,7 +75,7 @@ TEST_F(HostSignals, ManyFilesOneAfterTheOtherFindAPlaceEach) {
 
 TEST_F(HostSignals, AJournalIsNoTemporaryFile) {
   EXPECT_EQ(SignalThatEnds([&] {
-              JournalFile(folder / "a.dat-journal").Write(std::vector<std::uint8_t>(100));
+              JournalFile(folder / "a.dat-journal").Append(std::vector<std::uint8_t>(100));
               ::raise(SIGTERM);
             }),
             SIGTERM);

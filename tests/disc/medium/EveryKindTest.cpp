@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include <algorithm>
+#include <ostream>
 
 #include "disc/medium/MediumKinds.h"
 #include "tests/support/FaultyMedium.h"
@@ -35,6 +36,11 @@ struct Kind {
   std::int32_t Partition = 0;
   bool IsMemory = false;
 };
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const Kind& kind, std::ostream* out) {
+  *out << kind.Name;
+}
 
 constexpr Kind kKinds[] = {
     {"Adf", kAdf, {80, 1, 16}},

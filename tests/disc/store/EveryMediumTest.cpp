@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "disc/medium/CardMedium.h"
 #include "disc/store/Disc.h"
 #include "tests/support/FaultyMedium.h"
@@ -27,6 +29,11 @@ struct Kind {
   std::int32_t Sectors;
   Under Medium = Under::kTable;
 };
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const Kind& kind, std::ostream* out) {
+  *out << kind.Name;
+}
 
 constexpr Kind kMedia[] = {
     {"Adf", kAdf, 80, 1, 16},

@@ -1,8 +1,9 @@
 // A library that is loaded in front of the system's own. It lets one call of the host fail, or ends
 // the program there, as SIGKILL does. The environment says which:
-//   FAILING_CALL   pwrite, write, pread, fsync, rename or remove
-//   FAILING_AT     the number of the call, counted from 1
-//   FAILING_HOW    kill, half (half of the bytes, then kill), eio, enospc or nothing (0 bytes)
+//   FAILING_CALL   pwrite, write, pread, fsync, ftruncate, mkostemp, rename or remove
+//   FAILING_AT     the number of the call, counted from 1; 0 for each of them
+//   FAILING_HOW    kill, half (half of the bytes, then kill), eio, enospc, nothing (0 bytes) or
+//                  short (half of the bytes, and the program goes on)
 // Only files outside the standard streams count.
 
 #include <dlfcn.h>
@@ -17,13 +18,14 @@
 
 namespace {
 
-enum class How { kNone, kKill, kHalf, kEio, kEnospc, kNothing };
+enum class How { kNone, kKill, kHalf, kEio, kEnospc, kNothing, kShort };
 
 How HowOf(const char* word) {
   if (std::strcmp(word, "kill") == 0) return How::kKill;
   if (std::strcmp(word, "half") == 0) return How::kHalf;
   if (std::strcmp(word, "eio") == 0) return How::kEio;
   if (std::strcmp(word, "enospc") == 0) return How::kEnospc;
+  if (std::strcmp(word, "short") == 0) return How::kShort;
   return How::kNothing;
 }
 
@@ -34,7 +36,8 @@ How Meet(const char* call) {
   const char* at = std::getenv("FAILING_AT");
   const char* how = std::getenv("FAILING_HOW");
   if (wanted == nullptr || at == nullptr || how == nullptr) return How::kNone;
-  if (std::strcmp(wanted, call) != 0 || ++count != std::atoi(at)) return How::kNone;
+  if (std::strcmp(wanted, call) != 0) return How::kNone;
+  if (const int number = std::atoi(at); number != 0 && ++count != number) return How::kNone;
   const How what = HowOf(how);
   if (what == How::kKill) ::raise(SIGKILL);
   if (what == How::kEio) errno = EIO;
@@ -60,6 +63,8 @@ ssize_t Moved(const char* call, size_t size, Transfer transfer) {
       (void)transfer(size / 2);
       ::raise(SIGKILL);
       return -1;
+    case How::kShort:
+      return transfer((size + 1) / 2);
     case How::kNone:
     case How::kKill:
       break;
@@ -95,6 +100,16 @@ ssize_t write(int file, const void* bytes, size_t size) {
 int fsync(int file) {
   static auto* const real = Real<int(int)>("fsync");
   return Refuses("fsync") ? -1 : real(file);
+}
+
+int ftruncate(int file, off_t length) {
+  static auto* const real = Real<int(int, off_t)>("ftruncate");
+  return Refuses("ftruncate") ? -1 : real(file, length);
+}
+
+int mkostemp(char* name, int flags) {
+  static auto* const real = Real<int(char*, int)>("mkostemp");
+  return Refuses("mkostemp") ? -1 : real(name, flags);
 }
 
 int rename(const char* from, const char* to) {

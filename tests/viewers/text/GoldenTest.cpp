@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <ostream>
 #include <sstream>
 
 #include "tests/viewers/text/ViewTest.h"
@@ -94,6 +95,11 @@ struct Case {
   std::string Stem;
   fs::path Input;
 };
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const Case& one, std::ostream* out) {
+  *out << one.Stem;
+}
 
 std::vector<fs::path> FilesIn(const fs::path& folder) {
   std::vector<fs::path> files;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "disc/format/Text.h"
 #include "tests/viewers/text/ViewTest.h"
 #include "viewers/text/Disassembler.h"
@@ -14,6 +16,11 @@ struct OpcodeRow {
   const char* Text;
   int Length;
 };
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const OpcodeRow& row, std::ostream* out) {
+  *out << row.Text;
+}
 
 // clang-format off
 constexpr OpcodeRow kRows[] = {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "disc/format/Text.h"
 #include "tests/viewers/text/ViewTest.h"
 #include "viewers/text/BasicLister.h"
@@ -12,6 +14,11 @@ struct TokenRow {
   int Token;
   const char* Keyword;
 };
+
+// For the list of tests, in which GoogleTest would show the bytes of the value.
+void PrintTo(const TokenRow& row, std::ostream* out) {
+  *out << row.Keyword;
+}
 
 // clang-format off
 constexpr TokenRow kRows[] = {
