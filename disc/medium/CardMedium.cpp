@@ -151,6 +151,8 @@ bool CardMedium::ReadBlock(std::int32_t block, std::span<std::uint8_t> data) {
   if (DeviceRead(PlaceOfBlock(block), bytes) == bytes.size()) return true;
   std::fill(bytes.begin(), bytes.begin() + kZeroedOnFailure, std::uint8_t{0});
   CountFault(BlockRange(block) + " can't be read in full");
+  // A card may have only a part of its last block.
+  if ((std::int64_t{block} + 1) * kBlockSize <= WritableBytes()) ++readFaults_;
   return false;
 }
 

@@ -45,6 +45,7 @@ class CardMedium final : public Medium {
   [[nodiscard]] JournalPlace* Journal() override { return &journal_; }
   [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override;
   [[nodiscard]] std::int32_t WriteFaults() const override { return writeFaults_; }
+  [[nodiscard]] std::int32_t ReadFaults() const override { return readFaults_; }
   [[nodiscard]] std::int64_t Extent() const override { return kPartitionBytes; }
   // The room that a partition can have, since the probed size may be wrong where sectors are bad.
   [[nodiscard]] std::int64_t EndOfData() const override { return kPartitionBytes; }
@@ -94,6 +95,7 @@ class CardMedium final : public Medium {
   std::int32_t deviceSectors_ = 0;
   std::int32_t faults_ = 0;
   std::int32_t writeFaults_ = 0;
+  std::int32_t readFaults_ = 0;
   std::string firstFault_;
   StateJournal journal_{""};
 };

@@ -76,6 +76,8 @@ class Medium {
   [[nodiscard]] virtual std::vector<std::unique_ptr<JournalPlace>> OldJournals();
   // How many writes and syncs have failed without a HostError since the medium was opened.
   [[nodiscard]] virtual std::int32_t WriteFaults() const { return 0; }
+  // How many blocks that the medium has whole couldn't be read without a HostError.
+  [[nodiscard]] virtual std::int32_t ReadFaults() const { return 0; }
 
   // --- Bounds ----------------------------------------------------------------------------------
   // A byte at this offset or behind it has no place on the medium: it reads as zero and isn't

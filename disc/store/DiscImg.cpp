@@ -68,7 +68,7 @@ void DiscImg::CloseFile() {
   }
   if (!medium_->IsOpen()) return;
   if (held_.IsSealed()) {
-    held_.Place(*medium_, request_.Name);
+    PlaceOrLeave();
   } else if (held_.IsActive()) {
     CommitChange();
   }
@@ -76,6 +76,17 @@ void DiscImg::CloseFile() {
   blocks_.Empty();
   suspended_ = true;
   medium_->Close();
+}
+
+// The user has heard of it when the change was made. A card that doesn't come back must not keep
+// the program from opening another disc.
+void DiscImg::PlaceOrLeave() {
+  try {
+    held_.Place(*medium_, request_.Name);
+  } catch (const HostError&) {
+    held_.LeaveJournal();
+    status_.Note(request_.Name + ": a change will be finished when it is opened again");
+  }
 }
 
 void DiscImg::Abandon() {

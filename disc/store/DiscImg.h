@@ -87,7 +87,8 @@ class DiscImg final : public DiscBytes {
   // Ends the change: writes the held blocks to the journal and then to their places. HostError if
   // the host fails. If the journal wasn't whole then, the change is still running and can only be
   // dropped. If it was, ChangeIsMade tells, and the blocks go to their places before the next
-  // change, at CloseFile, or when the disc is opened again.
+  // change, at CloseFile, or when the disc is opened again. CloseFile leaves them to the journal,
+  // with a line to the user, if the medium can't take them then either.
   void CommitChange();
   // Ends the change; the bytes are what they were when it began. Nothing happens if no change runs
   // or ChangeIsMade.
@@ -153,6 +154,8 @@ class DiscImg final : public DiscBytes {
   void OpenMedium(const MediumKind& kind, const MediumRequest& request);
   // Opens the medium once more, as it was opened before.
   void Reopen();
+  // Puts the blocks of a sealed change in place, or leaves that to whoever opens the disc again.
+  void PlaceOrLeave();
   // Finishes or drops a change that an earlier program began.
   void Recover();
   // How many of want bytes from offset on lie together: in one block, in the image in memory, or

@@ -36,7 +36,7 @@ void HeldBlocks::Begin(Medium& medium, std::vector<FreeRun> free) {
   End();
   free_ = std::move(free);
   std::ranges::sort(free_, {}, &FreeRun::Start);
-  formerFaults_ = medium.Faults();
+  formerFaults_ = medium.WriteFaults() + medium.ReadFaults();
   place_ = nullptr;
   active_ = true;
 }
@@ -45,7 +45,7 @@ void HeldBlocks::Commit(Medium& medium, const std::string& name) {
   if (!active_ || sealed_) return;
   if (wroteFree_) medium.Sync();
   // Where a card couldn't be read, the change was made of bytes that aren't the disc's.
-  if (medium.Faults() != formerFaults_) {
+  if (medium.WriteFaults() + medium.ReadFaults() != formerFaults_) {
     throw HostError(name, "the card has failed, so nothing was changed");
   }
   if (Bytes() == 0) {

@@ -39,6 +39,9 @@ class HeldBlocks {
   void Place(Medium& medium, const std::string& name);
   // Ends the change and forgets what it held. A sealed change isn't dropped this way.
   void Drop() noexcept;
+  // Ends a sealed change whose blocks can't be put in place. Its journal stays: whoever opens the
+  // disc again finishes the change.
+  void LeaveJournal() { End(); }
   [[nodiscard]] bool IsActive() const { return active_; }
   // The journal is whole: the change has happened, even if its blocks aren't in place yet.
   [[nodiscard]] bool IsSealed() const { return sealed_; }
@@ -77,7 +80,7 @@ class HeldBlocks {
   bool active_ = false;
   bool sealed_ = false;
   bool wroteFree_ = false;         // a block that was free has been written
-  std::int32_t formerFaults_ = 0;  // the medium's Faults when the change began
+  std::int32_t formerFaults_ = 0;  // of the medium, when the change began
   std::vector<FreeRun> free_;      // in rising order
   NewBlocks inMemory_;
   JournalPlace* place_ = nullptr;  // the medium's journal, once it was asked for

@@ -24,16 +24,24 @@ constexpr bool kMemoryTells = true;
 #endif
 
 constexpr std::uint32_t kMegabyte = 1 << 20;
+constexpr long kMost = 64 * 1024;  // kilobytes
 
 class MemoryTest : public ::testing::Test {
  protected:
   ~MemoryTest() override {
-    rusage used{};
-    ::getrusage(RUSAGE_CHILDREN, &used);
-    if (kMemoryTells) {
-      EXPECT_LT(used.ru_maxrss, 64 * 1024);  // of the largest child, in kilobytes
+    if (kMemoryTells && childrenBefore_ < kMost && OwnPeak() < kMost) {
+      EXPECT_LT(PeakOf(RUSAGE_CHILDREN), kMost);
     }
   }
+
+  // The host tells the peak of the largest child so far, and what a child had of this process
+  // before it became sbx counts too. So a test whose process has had larger ones before can't tell.
+  static long PeakOf(int who) {
+    rusage used{};
+    ::getrusage(who, &used);
+    return used.ru_maxrss;
+  }
+  static long OwnPeak() { return PeakOf(RUSAGE_SELF); }
 
   // A .dat of that many sectors with one file BIG, which fills it. No byte of the file is there:
   // the host keeps no room for them.
@@ -58,6 +66,7 @@ class MemoryTest : public ::testing::Test {
   }
 
   TempFolder folder_;
+  const long childrenBefore_ = PeakOf(RUSAGE_CHILDREN);
 };
 
 TEST_F(MemoryTest, AFileWithoutLineEndsIsShownAsTextPartByPart) {

@@ -127,6 +127,7 @@ class FaultyMedium final : public Medium {
     return inner_->OldJournals();
   }
   [[nodiscard]] std::int32_t WriteFaults() const override { return inner_->WriteFaults(); }
+  [[nodiscard]] std::int32_t ReadFaults() const override { return inner_->ReadFaults(); }
   [[nodiscard]] std::int64_t Extent() const override { return inner_->Extent(); }
   [[nodiscard]] std::int64_t EndOfData() const override { return inner_->EndOfData(); }
   [[nodiscard]] std::int64_t LongestFile() const override { return inner_->LongestFile(); }
