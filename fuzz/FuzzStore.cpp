@@ -171,7 +171,7 @@ std::optional<Bytes> Finished(const Bytes& image, const std::vector<Record>& rec
       ++(fits ? known : other);
     }
   }
-  if (other > std::min(known, 1)) return std::nullopt;
+  if (!last.empty() && (known == 0 || other > 1)) return std::nullopt;
   Bytes after = image;
   for (const auto& [block, record] : last) {
     after.resize(std::max<std::size_t>(after.size(), (block + 1) * kBlock));

@@ -154,9 +154,9 @@ std::optional<Places> FindRecords(JournalPlace& place, std::size_t blockBytes) {
   return places;
 }
 
-// True if the medium is one that the change was going on with: each sector is as it was before or
-// after the change. One sector may be neither, since the write that was interrupted may have torn
-// it.
+// True if the medium is one that the change was going on with: each sector that can be read is as
+// it was before or after the change, and there is one. One other sector may be neither, since the
+// write that was interrupted may have torn it.
 bool Fits(Medium& medium, JournalPlace& place, const Places& places) {
   std::vector<std::uint8_t> now(medium.BlockLayout().BlockBytes);
   std::int32_t torn = 0;
@@ -174,7 +174,7 @@ bool Fits(Medium& medium, JournalPlace& place, const Places& places) {
       }
     }
   }
-  return torn <= std::min(known, 1);
+  return places.empty() || (known > 0 && torn <= 1);
 }
 
 std::vector<std::int32_t> BlocksOf(const Places& places) {
@@ -352,9 +352,11 @@ JournalEnd FinishJournal(JournalPlace& place, Medium& medium) {
     return JournalEnd::kDropped;
   }
   if (!Fits(medium, place, *places)) return JournalEnd::kForeign;
+  const std::int32_t faults = medium.WriteFaults();
   PutInPlace(medium, BlocksOf(*places), [&](std::int32_t block) {
     return RecordAt(place, places->at(block), blockBytes).Block;
   });
+  if (medium.WriteFaults() != faults) return JournalEnd::kUnplaced;
   place.Remove();
   return JournalEnd::kFinished;
 }

@@ -74,12 +74,14 @@ enum class JournalEnd {
   kNone,      // there was no journal
   kFinished,  // a whole one: its blocks were put in place
   kDropped,   // a torn one: the change that it belonged to had not begun to change the disc
-  kForeign,   // a whole one that doesn't fit the disc, which is another one or was changed since:
-              // it was left alone
+  kForeign,   // a whole one that doesn't fit the disc, which is another one, was changed since, or
+              // can't be read: it was left alone
+  kUnplaced,  // a whole one, but the card doesn't take its blocks: it was left alone
 };
 
 // Looks for a journal of an earlier program, and puts its blocks in place if it is whole. It is
-// removed afterwards, unless it is foreign. HostError if the host fails; the journal is left then.
+// removed afterwards, unless it was left alone. HostError if the host fails; the journal is left
+// then.
 [[nodiscard]] JournalEnd FinishJournal(JournalPlace& place, Medium& medium);
 
 }  // namespace sectorbox

@@ -163,6 +163,9 @@ void DiscImg::Recover() {
           status_.Note(request_.Name + ": the journal beside it belongs to another disc");
         }
         break;
+      case JournalEnd::kUnplaced:
+        status_.Note(request_.Name + ": a change that was interrupted can't be finished yet");
+        break;
       case JournalEnd::kNone:
         break;
     }

@@ -44,10 +44,7 @@ void HeldBlocks::Begin(Medium& medium, std::vector<FreeRun> free) {
 void HeldBlocks::Commit(Medium& medium, const std::string& name) {
   if (!active_ || sealed_) return;
   if (wroteFree_) medium.Sync();
-  // Where a card couldn't be read, the change was made of bytes that aren't the disc's.
-  if (medium.WriteFaults() + medium.ReadFaults() != formerFaults_) {
-    throw HostError(name, "the card has failed, so nothing was changed");
-  }
+  RequireNoFaults(medium, name);
   if (Bytes() == 0) {
     End();
     return;
@@ -56,10 +53,18 @@ void HeldBlocks::Commit(Medium& medium, const std::string& name) {
   if (place_ != nullptr) {
     if (!journal_) journal_.emplace(*place_, medium);
     journal_->Add(inMemory_);
+    // It has read what stands on the medium.
+    RequireNoFaults(medium, name);
     journal_->Finish();
   }
   sealed_ = true;
   Place(medium, name);
+}
+
+// Where a card couldn't be read, the change was made of bytes that aren't the disc's.
+void HeldBlocks::RequireNoFaults(const Medium& medium, const std::string& name) const {
+  if (medium.WriteFaults() + medium.ReadFaults() == formerFaults_) return;
+  throw HostError(name, "the card has failed, so nothing was changed");
 }
 
 void HeldBlocks::Place(Medium& medium, const std::string& name) {

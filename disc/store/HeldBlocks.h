@@ -62,6 +62,8 @@ class HeldBlocks {
                                      std::span<const std::uint8_t> bytes);
 
  private:
+  // HostError if the medium has had faults since the change began.
+  void RequireNoFaults(const Medium& medium, const std::string& name) const;
   // True if the whole block was free when the change began.
   [[nodiscard]] bool WasFree(std::int32_t block) const;
   // The longest front part of size bytes from a block on that can be treated alike: all of its

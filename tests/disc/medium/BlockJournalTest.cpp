@@ -118,7 +118,7 @@ TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreWritten) {
   partial.Stored.set(1023);
   JournalFile place(path_);
   JournalWriter writer(place, medium_);
-  writer.Add({{2, partial}});
+  writer.Add({{1, {Block(1, 2), false, {}}}, {2, partial}});
   EXPECT_TRUE(writer.Find(2)->IsPartial);
   EXPECT_EQ(writer.Find(2)->Stored, partial.Stored);
   writer.Finish();
@@ -127,6 +127,39 @@ TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreWritten) {
   expected[3] = Block(2, 9)[3];
   expected[1023] = Block(2, 9)[1023];
   EXPECT_EQ(Now(2), expected);
+}
+
+// What a card does that can't be read or written any more.
+class DeadMedium final : public Medium {
+ public:
+  explicit DeadMedium(Medium* readable) : readable_(readable) {}
+  [[nodiscard]] bool ReadBlock(std::int32_t block, std::span<std::uint8_t> data) override {
+    return readable_ != nullptr && readable_->ReadBlock(block, data);
+  }
+  void WriteBlock(std::int32_t, std::span<const std::uint8_t>) override { ++faults_; }
+  [[nodiscard]] std::int32_t WriteFaults() const override { return faults_; }
+  [[nodiscard]] std::int64_t EndOfData() const override { return 0; }
+  [[nodiscard]] std::int64_t LongestFile() const override { return 0; }
+  void Close() override {}
+
+ private:
+  Medium* readable_;
+  std::int32_t faults_ = 0;
+};
+
+TEST_F(BlockJournalTest, AJournalStaysWhereNothingOfTheDiscCanBeRead) {
+  DeadMedium dead(nullptr);
+  EXPECT_EQ(FinishJournal(place_, dead), JournalEnd::kForeign);
+  EXPECT_EQ(dead.WriteFaults(), 0);
+  EXPECT_EQ(ReadAll(path_), journal_);
+}
+
+TEST_F(BlockJournalTest, AJournalStaysWhereItsBlocksCannotBeWritten) {
+  DeadMedium dead(&medium_);
+  EXPECT_EQ(FinishJournal(place_, dead), JournalEnd::kUnplaced);
+  EXPECT_EQ(ReadAll(path_), journal_);
+  EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kFinished);
+  EXPECT_TRUE(IsNew());
 }
 
 TEST_F(BlockJournalTest, TheWriterGivesBackWhatWasAddedLast) {
