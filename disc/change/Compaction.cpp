@@ -39,8 +39,9 @@ struct ObjectRecord {
 };
 static_assert(sizeof(ObjectRecord) == 32, "there may be two million of them");
 
-// Moving objects into a hole of so many sectors saves more than the end of a part costs.
-constexpr std::int32_t kLargeHole = 8192;
+// Moving objects into a hole of this share of Disc::StepBytes saves more than the end of a part
+// costs.
+constexpr std::size_t kLargeHole = 16;
 // Objects that move together are copied when they are at least this many bytes.
 constexpr std::int32_t kMoveSize = 1048576;
 
@@ -253,7 +254,8 @@ class Mover {
   bool PartShouldEnd(const ObjectRecord& object, std::int32_t to) const {
     if (Change::StepIsDue(disc_)) return true;
     const bool isUsedUp = to > hole_.Start && to + object.Sectors > hole_.Start + hole_.Length;
-    return hole_.Length >= kLargeHole && isUsedUp && Change::MayStep(disc_);
+    const auto size = static_cast<std::size_t>(SectorOffset(hole_.Length));
+    return size >= disc_.StepBytes / kLargeHole && isUsedUp && Change::MayStep(disc_);
   }
 
   // Makes safe what has been moved so far. The objects from here on lie where they lay.

@@ -15,13 +15,15 @@ namespace {
 
 using namespace testing;
 
-class CompactionKillTest : public ::testing::Test {
+// The parameter is the size of the first hole in sectors. Against what is moved at once it is large
+// or small: the parts end when it is used up, or when much is held.
+class CompactionKillTest : public ::testing::TestWithParam<int> {
  protected:
   static constexpr int kFiles = 100;
 
   // Files and directories above holes; each file is in any of the directories.
   CompactionKillTest() : image_(1600) {
-    image_.AddHole(30);
+    image_.AddHole(GetParam());
     std::vector<std::int32_t> directories;
     for (int i = 0; i < kFiles; ++i) {
       if (i % 20 == 0) directories.push_back(image_.AddDirectory(2, "D" + std::to_string(i)));
@@ -94,9 +96,7 @@ class CompactionKillTest : public ::testing::Test {
   }
 };
 
-// The hole is small against what is moved, so that much has to be held, and the compaction is made
-// safe in parts.
-TEST_F(CompactionKillTest, NoFileIsLostWhateverPartOfALongCompactionHasBeenWritten) {
+TEST_P(CompactionKillTest, NoFileIsLostWhateverPartOfALongCompactionHasBeenWritten) {
   const auto files = Files(image_.Bytes());
   ASSERT_EQ(files.size(), static_cast<std::size_t>(kFiles));
   const Bytes whole = CompactAndDie(INT_MAX);
@@ -116,7 +116,7 @@ TEST_F(CompactionKillTest, NoFileIsLostWhateverPartOfALongCompactionHasBeenWritt
 }
 
 // What is left in the sectors that come free is what the one long way leaves there.
-TEST_F(CompactionKillTest, PartsLeaveTheBytesThatTheWholeLeaves) {
+TEST_P(CompactionKillTest, PartsLeaveTheBytesThatTheWholeLeaves) {
   const Bytes inParts = CompactAndDie(INT_MAX);
   QuietHost host;
   Disc disc(host);
@@ -128,6 +128,9 @@ TEST_F(CompactionKillTest, PartsLeaveTheBytesThatTheWholeLeaves) {
   disc.TheDisc.FetchBytes(0, atOnce);
   EXPECT_TRUE(atOnce == inParts);
 }
+
+INSTANTIATE_TEST_SUITE_P(Hole, CompactionKillTest, ::testing::Values(30, 3),
+                         [](const auto& one) { return one.param > 10 ? "Large" : "Small"; });
 
 }  // namespace
 }  // namespace sectorbox
