@@ -1,9 +1,10 @@
-// Changing discs. Each operation is compared with a floor: import and export with a plain recursive
-// copy of the same files, compaction with a plain copy of the bytes that have to move, and deletion
-// of trees with plain writes of the directory and the map for each file. Adding one large file is
-// compared with a plain copy of its bytes, in time and in memory. The counter "ratio" is the
-// engine's time divided by the floor's. "us_each" is the engine's time for each object; it stays
-// the same if the whole time is linear.
+// Changing discs. One small change of a .dat is compared with the syncs that make a change safe.
+// Each operation is compared with a floor: import and export with a plain recursive copy of the
+// same files, compaction with a plain copy of the bytes that have to move, and deletion of trees
+// with plain writes of the directory and the map for each file. Adding one large file is compared
+// with a plain copy of its bytes, in time and in memory. The counter "ratio" is the engine's time
+// divided by the floor's. "us_each" is the engine's time for each object; it stays the same if the
+// whole time is linear.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -16,6 +17,7 @@
 
 #include "bench/Ratio.h"
 #include "bench/ScatteredDisc.h"
+#include "disc/catalogue/Catalogue.h"
 #include "disc/change/Compaction.h"
 #include "disc/change/Mutation.h"
 #include "disc/exchange/HostExchange.h"
@@ -318,5 +320,83 @@ BENCHMARK_CAPTURE(DeleteAll, empty_files, 0)
     ->UseManualTime()
     ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
+
+// The floor of one change: what a change waits for, with next to nothing written. The bytes of a
+// new file, the journal and its name, the blocks in place; then the journal goes.
+void SyncAsAChangeDoes(const std::string& image, const std::string& folder, bool addsBytes) {
+  const std::string journal = image + "-floor";
+  const std::vector<std::uint8_t> bytes(1024);
+  const auto write = [&](int file) {
+    if (::pwrite(file, bytes.data(), bytes.size(), 4096) != 1024 || ::fsync(file) != 0)
+      throw std::runtime_error("cannot write");
+  };
+  const int file = ::open(image.c_str(), O_WRONLY);
+  if (addsBytes) write(file);
+  const int other = ::open(journal.c_str(), O_WRONLY | O_CREAT, 0600);
+  write(other);
+  ::close(other);
+  const int names = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+  ::fsync(names);
+  ::close(names);
+  write(file);
+  ::close(file);
+  ::unlink(journal.c_str());
+}
+
+// One change of a .dat with 2,000 files, from the opening to the closing.
+template <typename Work>
+void OneChange(benchmark::State& state, Work work, bool addsBytes) {
+  const TempFolder folder;
+  const ScatteredDisc image(folder / "x.dat", {2000, 4, 1000});
+  WriteAll(folder / "NEW", std::vector<std::uint8_t>(700));
+  // The floor's writes go to another file.
+  WriteAll(folder / "floor.dat", std::vector<std::uint8_t>(8192));
+  Compare(state,
+          {[&] {
+             OpenDisc open(image.Path());
+             if (work(open.disc, folder / "NEW") != Outcome::kDone)
+               throw std::runtime_error("refused");
+             open.disc.TheDisc.CloseFile();
+           },
+           [&] { image.Write(); }},
+          {[&] { SyncAsAChangeDoes(folder / "floor.dat", folder.Path(), addsBytes); }});
+}
+
+// The first file of the disc and its directory.
+std::pair<std::int32_t, std::string> FirstFile(Disc& disc) {
+  std::int32_t directory = 2;
+  for (;;) {
+    const auto rows = ReadRows(disc, directory);
+    if (rows.empty()) throw std::runtime_error("no file");
+    if (!rows.front().IsDirectory()) return {directory, rows.front().Name()};
+    directory = rows.front().StartSector();
+  }
+}
+
+void OneAdd(benchmark::State& state) {
+  OneChange(
+      state, [](Disc& disc, const std::string& file) { return AddFile(disc, 2, file); }, true);
+}
+void OneRename(benchmark::State& state) {
+  OneChange(
+      state,
+      [](Disc& disc, const std::string&) {
+        const auto [directory, name] = FirstFile(disc);
+        return RenameEntry(disc, "ZZZ", name, directory, false);
+      },
+      false);
+}
+void OneDelete(benchmark::State& state) {
+  OneChange(
+      state,
+      [](Disc& disc, const std::string&) {
+        const auto [directory, name] = FirstFile(disc);
+        return DeleteEntry(disc, directory, name, false, false);
+      },
+      false);
+}
+BENCHMARK(OneAdd)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
+BENCHMARK(OneRename)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
+BENCHMARK(OneDelete)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
 
 }  // namespace
