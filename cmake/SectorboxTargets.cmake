@@ -78,7 +78,7 @@ endfunction()
 function(sectorbox_test_program name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/tests")
   sectorbox_test_flags(${name})
-  target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/StateFolder.cpp")
+  target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests/support/OwnFolder.cpp")
 endfunction()
 
 # sectorbox_test(NAME LABEL label SOURCES... [LINKS ...]): a GoogleTest program, one CTest entry a test.

@@ -1,6 +1,7 @@
 #include "disc/store/HeldBlocks.h"
 
 #include <algorithm>
+#include <exception>
 #include <iterator>
 #include <utility>
 
@@ -84,8 +85,8 @@ void HeldBlocks::Drop() noexcept {
   End();
   try {
     if (torn != nullptr) torn->Remove();
-  } catch (const HostError&) {
-    return;  // Whoever opens the disc drops it.
+  } catch (const std::exception&) {
+    return;  // The host has failed, or there is no memory. Whoever opens the disc drops it.
   }
 }
 

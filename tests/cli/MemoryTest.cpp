@@ -55,7 +55,7 @@ class MemoryTest : public ::testing::Test {
     put(252, sectors, 3);
     put(517 + 18, (sectors - 7) * 256, 4);
     image.FixChecksums();
-    const std::string path = folder_ / "one.dat";
+    std::string path = folder_ / "one.dat";
     image.WriteTo(path);
     fs::resize_file(path, std::uintmax_t{sectors} * 256);
     return path;
