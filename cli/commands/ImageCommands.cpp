@@ -29,6 +29,7 @@ int RunNew(const CommandLine& line) {
   const std::string& file = line.Arguments[1];
   if (HostFileExists(file) && !line.Has("force")) throw Failure(file + ": File exists");
   ImageSession session(line);
+  const FileLock lock = LockFile(session, file);
   session.Open.ImageName = file;
   CreateDisc(session.Open, file, size.Tracks, size.Heads, size.Sectors, size.DiscType);
   session.Open.TheDisc.CloseFile();
@@ -38,6 +39,9 @@ int RunNew(const CommandLine& line) {
 int RunSave(const CommandLine& line) {
   line.Expect(2, 2);
   ImageSession session(line);
+  // A copy of a disc that another program is changing would be no disc.
+  LockImage(session, line.Arguments[0]);
+  const FileLock lock = LockFile(session, line.Arguments[1]);
   OpenForReading(session, line.Arguments[0]);
   CatchInterrupt();
   SaveImageTo(session.Open, line.Arguments[1]);

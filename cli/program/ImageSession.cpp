@@ -1,7 +1,6 @@
 #include "cli/program/ImageSession.h"
 
 #include "cli/program/Dispatch.h"
-#include "disc/host/FileLock.h"
 #include "disc/host/HostError.h"
 #include "disc/image/NoAdfsDisc.h"
 #include "disc/image/OpenImage.h"
@@ -43,15 +42,22 @@ void OpenForReading(ImageSession& session, const std::string& image) {
   if (session.IsNoDisc) session.Host.Note(NoAdfsDiscText(session.Open.ImageName));
 }
 
-void OpenForChanges(ImageSession& session, const std::string& image) {
-  // An image is locked before it is read: what another program is about to save would be lost.
-  if (image.rfind(kCardPrefix, 0) != 0) {
-    FileLock lock;
-    if (!lock.Take(image, session.Host.LockPatience())) {
-      throw Failure(HostBaseName(image) + " is in use by another program");
-    }
-    session.Open.TheDisc.Lock().Adopt(std::move(lock));
+FileLock LockFile(ImageSession& session, const std::string& path) {
+  FileLock lock;
+  if (!session.Open.TheDisc.Lock().IsOn(path) && !lock.Take(path, session.Host.LockPatience())) {
+    throw Failure(HostBaseName(path) + " is in use by another program");
   }
+  return lock;
+}
+
+// An image is locked before it is read: what another program is about to save would be lost.
+void LockImage(ImageSession& session, const std::string& image) {
+  if (image.rfind(kCardPrefix, 0) == 0) return;
+  session.Open.TheDisc.Lock().Adopt(LockFile(session, image));
+}
+
+void OpenForChanges(ImageSession& session, const std::string& image) {
+  LockImage(session, image);
   OpenAny(session.Open, image);
 }
 

@@ -6,6 +6,7 @@
 #include "cli/program/CliHost.h"
 #include "cli/program/CommandLine.h"
 #include "disc/catalogue/Catalogue.h"
+#include "disc/host/FileLock.h"
 #include "disc/store/Disc.h"
 
 namespace sectorbox::cli {
@@ -25,8 +26,15 @@ struct ImageSession {
 // UsageError if P isn't 0 or 1. If it is no ADFS disc, the user is told, and IsNoDisc is set.
 void OpenForReading(ImageSession& session, const std::string& image);
 
-// The same for a command that changes the disc. Waits while another program changes it, at most
-// five seconds, and then fails with "NAME is in use by another program".
+// Locks an image file before it is opened, so that no program changes it until the session ends. A
+// card isn't locked here. Waits while another program changes it, at most five seconds, and then
+// fails with "NAME is in use by another program".
+void LockImage(ImageSession& session, const std::string& image);
+// The same for a file that will be replaced, for as long as the lock lives.
+[[nodiscard]] FileLock LockFile(ImageSession& session, const std::string& path);
+
+// LockImage and OpenForReading, for a command that changes the disc. What is no ADFS disc is opened
+// without a word: the change itself is refused.
 void OpenForChanges(ImageSession& session, const std::string& image);
 
 // Opens "DEVICE,P", a partition of a card, which becomes ImageName. The same errors.

@@ -113,7 +113,8 @@ class ChangedImage {
 
  private:
   static std::string StateFolder() {
-    return std::string(std::getenv("XDG_STATE_HOME")) + "/sectorbox";
+    const char* home = std::getenv("XDG_STATE_HOME");
+    return std::string(home == nullptr ? "" : home) + "/sectorbox";
   }
 
   [[nodiscard]] Bytes MakeStored() const {

@@ -1,7 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <vector>
 
 #include "tests/support/DiscReading.h"
 #include "tests/support/ImageBuilder.h"
@@ -128,6 +132,26 @@ TEST_F(WriteCommandsTest, ARefusedAddTellsHowManyEntriesAreMissing) {
   EXPECT_EQ(result.Status, 1);
   EXPECT_EQ(result.Err, "File a. Contains Illegal Characters\n2 entries were not added\n");
   EXPECT_EQ(ReadTree(ReadAll(folder_ / "x.dat")).Contents.size(), 1U);
+}
+
+TEST_F(WriteCommandsTest, WhatAnotherProgramChangesIsNeitherSavedNorReplaced) {
+  const std::string other = folder_ / "other.adf";
+  std::filesystem::copy_file(image_, other);
+  const auto before = ReadAll(image_);
+  const int file = ::open(image_.c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(::flock(file, LOCK_EX), 0);
+  const std::vector<std::vector<std::string>> commands = {{"save", image_, folder_ / "copy.adf"},
+                                                          {"save", other, image_},
+                                                          {"new", "80ssd", image_, "--force"}};
+  for (const auto& command : commands) {
+    const SbxResult result = RunSbx(command);
+    EXPECT_EQ(result.Status, 1) << command[0];
+    EXPECT_NE(result.Err.find("is in use by another program"), std::string::npos) << result.Err;
+  }
+  ::close(file);
+  EXPECT_EQ(ReadAll(image_), before);
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "copy.adf"));
+  for (const auto& command : commands) EXPECT_EQ(RunSbx(command).Status, 0) << command[0];
 }
 
 TEST_F(WriteCommandsTest, ExportWritesAFileOrADirectorysContents) {

@@ -61,7 +61,7 @@ class WholeChangeTest : public ::testing::TestWithParam<Parameters> {
 
   // The bytes of the disc, as they stand in the host's file.
   [[nodiscard]] Bytes Discs() const {
-    const Bytes file = ReadAll(Path());
+    Bytes file = ReadAll(Path());
     if (!IsCard()) return file;
     Bytes bytes;
     for (std::size_t i = 0; i < file.size(); i += 2) bytes.push_back(file[i]);
