@@ -1,6 +1,6 @@
 // Each test program works in a folder of its own, with a state folder of its own in it, so that no
-// test finds what another program or the user keeps there. Two programs that ran in one folder would
-// also lock each other's blank disc, which has the same name everywhere.
+// test finds what another program or the user keeps there. Two programs that ran in one folder
+// would also lock each other's blank disc, which has the same name everywhere.
 
 #include <cstdlib>
 #include <filesystem>
