@@ -44,6 +44,7 @@ void OpenForReading(ImageSession& session, const std::string& image) {
 
 FileLock LockFile(ImageSession& session, const std::string& path) {
   FileLock lock;
+  if (HostFileExists(path) && !HostFileIsPlain(path)) return lock;
   if (!session.Open.TheDisc.Lock().IsOn(path) && !lock.Take(path, session.Host.LockPatience())) {
     throw Failure(HostBaseName(path) + " is in use by another program");
   }

@@ -30,7 +30,7 @@ void OpenForReading(ImageSession& session, const std::string& image);
 // card isn't locked here. Waits while another program changes it, at most five seconds, and then
 // fails with "NAME is in use by another program".
 void LockImage(ImageSession& session, const std::string& image);
-// The same for a file that will be replaced, for as long as the lock lives.
+// The same for a file that will be replaced, for as long as the lock lives. A pipe isn't locked.
 [[nodiscard]] FileLock LockFile(ImageSession& session, const std::string& path);
 
 // LockImage and OpenForReading, for a command that changes the disc. What is no ADFS disc is opened
