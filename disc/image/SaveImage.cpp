@@ -110,7 +110,7 @@ void RefuseTheCardItself(const Disc& disc, const std::string& fileName) {
 // An image may be called x.dsc. Saved as x.dat, its disc would be replaced by the new companion.
 void RefuseCompanionOverDisc(const Disc& disc, const std::string& fileName) {
   const std::string companion = CompanionName(fileName);
-  if (companion != fileName) RefuseOpenDisc(disc, companion);
+  if (companion != fileName) RefuseOpenImage(disc, companion);
 }
 
 // Closes the file, and tells what of the older file the new one doesn't have.
@@ -227,6 +227,7 @@ void SaveImageAs(Disc& disc) {
 }
 
 void SaveImageTo(Disc& disc, const std::string& fileName) {
+  RefuseOpenCompanion(disc, fileName);
   const bool isItself = disc.TheDisc.InMemory() && fileName == disc.TheDisc.FileName();
   if (isItself && disc.TheDisc.Lock().WasReplaced() && !MayReplace(disc, fileName)) return;
   const std::string former = disc.ImageName;

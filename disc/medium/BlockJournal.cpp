@@ -133,6 +133,18 @@ bool HasItsSum(JournalPlace& place, std::int64_t length) {
   return NumberAt(place, summed) == sum;
 }
 
+// False if the file is something else that only has a journal's name. A journal that is torn begins
+// with a part of the mark, or with zeros that the host put there.
+bool MayBeJournal(JournalPlace& place) {
+  const auto length = static_cast<std::size_t>(
+      std::min<std::int64_t>(place.Length(), static_cast<std::int64_t>(kMark.size())));
+  std::array<std::uint8_t, kMark.size()> bytes{};
+  const auto front = std::span(bytes).first(length);
+  place.ReadAt(0, front);
+  return std::ranges::equal(front, std::span(kMark).first(length)) ||
+         std::ranges::all_of(front, [](std::uint8_t byte) { return byte == 0; });
+}
+
 // The records of a whole journal for a medium with blocks of blockBytes; none if it is torn.
 std::optional<Places> FindRecords(JournalPlace& place, std::size_t blockBytes) {
   const std::int64_t length = place.Length();
@@ -345,6 +357,7 @@ void JournalWriter::Append() {
 
 JournalEnd FinishJournal(JournalPlace& place, Medium& medium) {
   if (place.Length() == 0) return JournalEnd::kNone;
+  if (!MayBeJournal(place)) return JournalEnd::kForeign;
   const std::size_t blockBytes = medium.BlockLayout().BlockBytes;
   const auto places = FindRecords(place, blockBytes);
   if (!places) {

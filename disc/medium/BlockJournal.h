@@ -75,7 +75,7 @@ enum class JournalEnd {
   kFinished,  // a whole one: its blocks were put in place
   kDropped,   // a torn one: the change that it belonged to had not begun to change the disc
   kForeign,   // a whole one that doesn't fit the disc, which is another one, was changed since, or
-              // can't be read: it was left alone
+              // can't be read; or a file that is no journal: it was left alone
   kUnplaced,  // a whole one, but the card doesn't take its blocks: it was left alone
 };
 

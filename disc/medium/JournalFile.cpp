@@ -20,13 +20,21 @@ void JournalFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) {
   }
 }
 
+// Our own journals are finished or dropped when the disc is opened. What is there now belongs to
+// another disc or is no journal at all. A file without bytes is what a power cut may leave. One
+// that Append has begun and Remove couldn't take away makes room.
+void JournalFile::RequireRoom() {
+  if (isOurs_ || Length() == 0) return;
+  throw HostError(path_, "stands where the journal goes. Move it to another place first");
+}
+
 void JournalFile::Append(std::span<const std::uint8_t> bytes) {
   if (!written_) {
-    // The file is new each time: a journal that is half written isn't whole, and an older one has
-    // served.
+    RequireRoom();
     Remove();
     file_.Open(path_, FileAccess::kCreate);
     written_ = 0;
+    isOurs_ = true;
   }
   file_.WriteAt(static_cast<std::uint64_t>(*written_), bytes);
   *written_ += static_cast<std::int64_t>(bytes.size());
@@ -42,6 +50,7 @@ void JournalFile::Remove() {
   file_ = {};
   written_.reset();
   if (HostFileExists(path_)) DeleteHostFile(path_);
+  isOurs_ = false;
 }
 
 std::vector<std::string> StateJournal::FilesOf(const std::string& kind) {

@@ -21,9 +21,11 @@ class JournalPlace {
   [[nodiscard]] virtual std::int64_t Length() = 0;
   // Fills all of bytes from offset on. HostError if the host fails or the journal ends before.
   virtual void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) = 0;
+  // HostError if another file stands where a journal would be begun.
+  virtual void RequireRoom() = 0;
   // Writes bytes behind the last ones. The first call, and the first one after Remove, begins a new
-  // journal; one that an earlier program left there is gone then. HostError if the host fails; a
-  // part of the bytes may be there then.
+  // journal. HostError if the host fails; a part of the bytes may be there then. HostError too if
+  // another file stands there; it stays.
   virtual void Append(std::span<const std::uint8_t> bytes) = 0;
   // Returns when all that was appended is safe, also against a power cut. HostError if the host
   // fails.
@@ -39,6 +41,7 @@ class JournalFile final : public JournalPlace {
 
   [[nodiscard]] std::int64_t Length() override;
   void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  void RequireRoom() override;
   void Append(std::span<const std::uint8_t> bytes) override;
   void Sync() override;
   void Remove() override;
@@ -48,6 +51,7 @@ class JournalFile final : public JournalPlace {
   RandomAccessFile file_;  // not open before the first call
   // Bytes of the journal that Append has begun; none before.
   std::optional<std::int64_t> written_;
+  bool isOurs_ = false;  // Append has begun the file that is there
 };
 
 // A journal in the user's state folder, in a file with a name of its own. It is for mediums that
@@ -62,6 +66,7 @@ class StateJournal final : public JournalPlace {
 
   [[nodiscard]] std::int64_t Length() override;
   void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  void RequireRoom() override {}  // each has a name of its own
   void Append(std::span<const std::uint8_t> bytes) override;
   void Sync() override;
   void Remove() override;

@@ -160,7 +160,8 @@ void DiscImg::Recover() {
       case JournalEnd::kForeign:
         // A card's journals may be for other cards.
         if (!kind_->IsPartition) {
-          status_.Note(request_.Name + ": the journal beside it belongs to another disc");
+          status_.Note(request_.Name +
+                       ": the journal beside it belongs to another disc, so it can't be changed");
         }
         break;
       case JournalEnd::kUnplaced:

@@ -35,10 +35,11 @@ void CopyOver(std::int32_t block, const NewBlock& held, std::size_t stride, std:
 
 void HeldBlocks::Begin(Medium& medium, std::vector<FreeRun> free) {
   End();
+  place_ = medium.Journal();
+  if (place_ != nullptr) place_->RequireRoom();
   free_ = std::move(free);
   std::ranges::sort(free_, {}, &FreeRun::Start);
   formerFaults_ = medium.WriteFaults() + medium.ReadFaults();
-  place_ = nullptr;
   active_ = true;
 }
 
@@ -50,7 +51,6 @@ void HeldBlocks::Commit(Medium& medium, const std::string& name) {
     End();
     return;
   }
-  if (!journal_) place_ = medium.Journal();
   if (place_ != nullptr) {
     if (!journal_) journal_.emplace(*place_, medium);
     journal_->Add(inMemory_);
@@ -122,12 +122,10 @@ std::vector<std::int32_t> HeldBlocks::Blocks() const {
 }
 
 void HeldBlocks::Hold(Medium& medium, std::int32_t block, NewBlock bytes) {
-  if ((inMemory_.size() + 1) * bytes.Data.size() > mostInMemory_ && !inMemory_.contains(block)) {
-    if (place_ == nullptr) place_ = medium.Journal();
-    if (place_ != nullptr) {
-      if (!journal_) journal_.emplace(*place_, medium);
-      MoveToJournal();
-    }
+  const bool isFull = (inMemory_.size() + 1) * bytes.Data.size() > mostInMemory_;
+  if (isFull && !inMemory_.contains(block) && place_ != nullptr) {
+    if (!journal_) journal_.emplace(*place_, medium);
+    MoveToJournal();
   }
   inMemory_[block] = std::move(bytes);
 }

@@ -29,7 +29,8 @@ class HeldBlocks {
   void HoldInMemory(std::size_t bytes) { mostInMemory_ = bytes; }
 
   // --- The change ------------------------------------------------------------------------------
-  // Begins a change. free are the runs of free sectors at that moment.
+  // Begins a change. free are the runs of free sectors at that moment. HostError if another file
+  // stands where the journal goes; no change runs then.
   void Begin(Medium& medium, std::vector<FreeRun> free);
   // Writes the held blocks to the journal and puts them in place. name is for messages. HostError
   // if the host fails. If the journal wasn't whole then, the change still runs and can only be
@@ -85,7 +86,7 @@ class HeldBlocks {
   std::int32_t formerFaults_ = 0;  // of the medium, when the change began
   std::vector<FreeRun> free_;      // in rising order
   NewBlocks inMemory_;
-  JournalPlace* place_ = nullptr;  // the medium's journal, once it was asked for
+  JournalPlace* place_ = nullptr;  // the medium's journal; null if it has none
   std::optional<JournalWriter> journal_;
 };
 

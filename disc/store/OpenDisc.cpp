@@ -1,5 +1,7 @@
 #include "disc/store/OpenDisc.h"
 
+#include "disc/medium/Companion.h"
+
 namespace sectorbox {
 namespace {
 
@@ -11,10 +13,19 @@ bool NameSamePlace(const std::string& one, const std::string& other) {
          NameSameFile(HostFolderOf(one), HostFolderOf(other));
 }
 
-bool IsOpenDisc(const Disc& disc, const std::string& path) {
+bool IsOpenImage(const Disc& disc, const std::string& path) {
   if (disc.TheDisc.IsOpenMedium(path)) return true;
   // After a save under another name both files are the disc's: the store still has the former one.
   return NameSamePlace(path, disc.ImageName) || NameSamePlace(path, disc.TheDisc.FileName());
+}
+
+bool IsOpenCompanion(const Disc& disc, const std::string& path) {
+  if (!disc.TheDisc.Kind().HasCompanion) return false;
+  for (const std::string& image : {disc.ImageName, disc.TheDisc.FileName()}) {
+    const std::string companion = CompanionName(image);
+    if (companion != image && NameSamePlace(path, companion)) return true;
+  }
+  return false;
 }
 
 }  // namespace
@@ -22,8 +33,17 @@ bool IsOpenDisc(const Disc& disc, const std::string& path) {
 OpenDiscError::OpenDiscError(const std::string& path)
     : HostError(path, "Is The Open Disc"), message_(HostBaseName(path) + " Is The Open Disc") {}
 
+void RefuseOpenImage(const Disc& disc, const std::string& path) {
+  if (IsOpenImage(disc, path)) throw OpenDiscError(path);
+}
+
+void RefuseOpenCompanion(const Disc& disc, const std::string& path) {
+  if (IsOpenCompanion(disc, path)) throw OpenDiscError(path);
+}
+
 void RefuseOpenDisc(const Disc& disc, const std::string& path) {
-  if (IsOpenDisc(disc, path)) throw OpenDiscError(path);
+  RefuseOpenImage(disc, path);
+  RefuseOpenCompanion(disc, path);
 }
 
 OutputFile CreateExportFile(const Disc& disc, const std::string& path) {

@@ -204,6 +204,27 @@ TEST_F(WriteCommandsTest, NothingThatComesFromAHardDiscOrACardReplacesIt) {
   EXPECT_EQ(ReadAll(folder_ / "x.dat"), before);
 }
 
+TEST_F(WriteCommandsTest, NothingThatComesFromAHardDiscReplacesItsCompanion) {
+  ImageBuilder image(4224);
+  image.AddFile(2, {"x/dsc", Bytes(1000, 1), 0, 0, "WR"});
+  image.WriteTo(folder_ / "x.dat");
+  const Bytes disc = ReadAll(folder_ / "x.dat");
+  const Bytes companion(22, 7);
+  WriteAll(folder_ / "x.dsc", companion);
+  for (const auto& command : std::vector<std::vector<std::string>>{
+           {"get", folder_ / "x.dat", "x/dsc", "-o", folder_ / "x.dsc"},
+           {"cat", folder_ / "x.dat", "-o", folder_ / "x.dsc"},
+           {"export", folder_ / "x.dat", "x/dsc", folder_.Path()},
+           {"save", folder_ / "x.dat", folder_ / "x.dsc"}}) {
+    const SbxResult result = RunSbx(command);
+    EXPECT_EQ(result.Status, 1) << command[0];
+    EXPECT_EQ(result.Err, "x.dsc Is The Open Disc\n");
+    EXPECT_EQ(ReadAll(folder_ / "x.dsc"), companion) << command[0];
+  }
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), disc);
+  EXPECT_EQ(RunSbx({"save", folder_ / "x.dat", folder_ / "x.dat"}).Status, 0);
+}
+
 TEST_F(WriteCommandsTest, ASaveDoesNotPutTheCompanionOverTheDisc) {
   ImageBuilder(4224).WriteTo(folder_ / "x.dsc");
   const Bytes before = ReadAll(folder_ / "x.dsc");

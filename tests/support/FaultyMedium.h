@@ -166,6 +166,7 @@ class FaultyMedium final : public Medium {
       if (medium_.Meets(FaultPlan::Operation::kRead, medium_.plan_.Reads)) Fail();
       Inner().ReadAt(offset, bytes);
     }
+    void RequireRoom() override { Inner().RequireRoom(); }
     void Append(std::span<const std::uint8_t> bytes) override {
       medium_.Write(
           [&] {

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "disc/host/HostError.h"
+#include "tests/disc/EngineTest.h"
 #include "tests/support/MemoryMedium.h"
 #include "tests/support/TempFolder.h"
 
@@ -77,7 +79,7 @@ TEST_F(BlockJournalTest, AJournalThatEndsEarlyIsDroppedWhereverItEnds) {
 }
 
 TEST_F(BlockJournalTest, AJournalWithOneWrongByteIsDroppedWhereverThatIs) {
-  for (std::size_t at = 0; at < journal_.size(); at += at < 200 ? 1 : 41) {
+  for (std::size_t at = 8; at < journal_.size(); at += at < 200 ? 1 : 41) {
     Bytes wrong = journal_;
     wrong[at] ^= 0x40;
     WriteAll(path_, wrong);
@@ -113,6 +115,7 @@ TEST_F(BlockJournalTest, AJournalIsLeftAloneWhereAnotherProgramHasChangedTheDisc
 }
 
 TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreWritten) {
+  place_.Remove();
   NewBlock partial{Block(2, 9), true, {}};
   partial.Stored.set(3);
   partial.Stored.set(1023);
@@ -163,6 +166,7 @@ TEST_F(BlockJournalTest, AJournalStaysWhereItsBlocksCannotBeWritten) {
 }
 
 TEST_F(BlockJournalTest, TheWriterGivesBackWhatWasAddedLast) {
+  place_.Remove();
   JournalFile place(path_);
   JournalWriter writer(place, medium_);
   EXPECT_FALSE(writer.Find(3));
@@ -173,7 +177,36 @@ TEST_F(BlockJournalTest, TheWriterGivesBackWhatWasAddedLast) {
   EXPECT_FALSE(writer.Find(2));
 }
 
+// The user may have a file of that name, an image even.
+TEST_F(BlockJournalTest, AFileThatIsNoJournalStaysAndKeepsChangesOut) {
+  for (const Bytes& other : {Pattern(2000), Bytes{'S', 'B', 'X', '?'}, Bytes{'x'}}) {
+    WriteAll(path_, other);
+    JournalFile place(path_);
+    EXPECT_EQ(FinishJournal(place, medium_), JournalEnd::kForeign);
+    EXPECT_THROW(place.Append(Block(1, 1)), HostError);
+    EXPECT_EQ(ReadAll(path_), other);
+  }
+}
+
+TEST_F(BlockJournalTest, AForeignJournalStaysWhenTheDiscIsToBeChanged) {
+  for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 7));
+  ASSERT_EQ(FinishJournal(place_, medium_), JournalEnd::kForeign);
+  EXPECT_THROW(place_.Append(Block(1, 1)), HostError);
+  EXPECT_EQ(ReadAll(path_), journal_);
+}
+
+TEST_F(BlockJournalTest, AFileWithoutBytesThatAPowerCutHasLeftMakesRoomForAJournal) {
+  for (const std::size_t zeros : {0U, 5U, 3000U}) {
+    WriteAll(path_, Bytes(zeros));
+    JournalFile place(path_);
+    EXPECT_EQ(FinishJournal(place, medium_), zeros == 0 ? JournalEnd::kNone : JournalEnd::kDropped);
+    place.Append(Block(1, 1));
+    EXPECT_EQ(ReadAll(path_), Block(1, 1));
+  }
+}
+
 TEST_F(BlockJournalTest, AJournalWithoutItsEndIsDropped) {
+  place_.Remove();
   for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 1));
   JournalFile place(path_);
   {
