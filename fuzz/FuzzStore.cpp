@@ -100,6 +100,7 @@ struct Record {
   bool Partial = false;
   std::array<std::uint64_t, 4> Before{};
   Bytes Data = Bytes(kBlock);
+  bool IsRun = false;  // no record: a run of one block that must be on the disc, with the first sum
 };
 
 // The bytes of a block of the image; zeros behind its end.
@@ -123,6 +124,7 @@ Record ReadRecord(Input& input, const Bytes& image) {
   record.Block = BlockNumber(input.Byte());
   const std::uint8_t flags = input.Byte();
   record.Partial = flags % 8 == 7;
+  record.IsRun = flags % 8 == 6;
   const std::uint8_t sums = input.Byte();
   const Bytes now = BlockOf(image, record.Block);
   record.Data = now;
@@ -133,6 +135,10 @@ Record ReadRecord(Input& input, const Bytes& image) {
   for (std::size_t i = at; i < std::min(kBlock, at + count); ++i) {
     record.Data[i] = static_cast<std::uint8_t>(first + i);
   }
+  if (record.IsRun) {
+    record.Before[0] = SumOf(now) ^ (sums & 1U);
+    return record;
+  }
   for (std::size_t i = 0; i < 4; ++i) {
     const std::uint64_t sum = SumOf(Span(now).subspan(i * kSector, kSector));
     record.Before[i] = std::array<std::uint64_t, 4>{sum, 0, sum ^ 1, sum}[sums >> (2 * i) & 3U];
@@ -141,9 +147,10 @@ Record ReadRecord(Input& input, const Bytes& image) {
 }
 
 Bytes WholeJournal(const std::vector<Record>& records) {
-  Bytes bytes = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '2'};
+  Bytes bytes = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '3'};
   Put(bytes, kBlock);
   for (const Record& record : records) {
+    if (record.IsRun) continue;
     Put(bytes, record.Block);
     Put(bytes, record.Partial ? 1 : 0);
     bytes.insert(bytes.end(), kBlock / 8, 0xFF);
@@ -151,6 +158,15 @@ Bytes WholeJournal(const std::vector<Record>& records) {
     bytes.insert(bytes.end(), record.Data.begin(), record.Data.end());
   }
   Put(bytes, ~0ULL);
+  std::uint64_t runs = 0;
+  for (const Record& record : records) {
+    if (!record.IsRun) continue;
+    for (const std::uint64_t number : {record.Block, std::uint64_t{1}, record.Before[0]}) {
+      Put(bytes, number);
+    }
+    ++runs;
+  }
+  Put(bytes, runs);
   Put(bytes, SumOf(bytes));
   return bytes;
 }
@@ -158,7 +174,12 @@ Bytes WholeJournal(const std::vector<Record>& records) {
 // The image after a whole journal; none if the journal is for another disc.
 std::optional<Bytes> Finished(const Bytes& image, const std::vector<Record>& records) {
   std::map<std::uint64_t, Record> last;
-  for (const Record& record : records) last[record.Block] = record;
+  for (const Record& record : records) {
+    if (!record.IsRun) last[record.Block] = record;
+    if (record.IsRun && record.Before[0] != SumOf(BlockOf(image, record.Block))) {
+      return std::nullopt;
+    }
+  }
   int known = 0;
   int other = 0;
   for (const auto& [block, record] : last) {
@@ -193,7 +214,7 @@ struct Case {
 // What has other bytes in front is no journal, and stays.
 bool MayBeJournal(const Bytes& bytes) {
   const Bytes front(bytes.begin(), bytes.begin() + std::min<std::ptrdiff_t>(8, std::ssize(bytes)));
-  return std::string("SBXJRNL2").starts_with(std::string(front.begin(), front.end())) ||
+  return std::string("SBXJRNL3").starts_with(std::string(front.begin(), front.end())) ||
          std::ranges::count(front, 0) == std::ssize(front);
 }
 

@@ -135,6 +135,11 @@ class RandomAccessFile {
   void Sync();
   // The identity of the open file. HostError on failure.
   [[nodiscard]] FileIdentity Identity() const;
+  // A short text that stays with the open file under all of its names, now and later; empty takes
+  // it away. It is lost where the file system keeps no such texts, and in most copies.
+  void SetNote(const std::string& text);
+  // The text; empty if there is none.
+  [[nodiscard]] std::string Note() const;
   // Closes the file; nothing happens if none is open. HostError if the host reports then that a
   // write has failed; the file is closed all the same.
   void Close();

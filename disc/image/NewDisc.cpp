@@ -13,6 +13,7 @@
 #include "disc/image/ImageFiles.h"
 #include "disc/image/Session.h"
 #include "disc/medium/Companion.h"
+#include "disc/medium/FileMedium.h"
 #include "disc/store/OpenDisc.h"
 
 namespace sectorbox {
@@ -41,6 +42,7 @@ void WriteHardDisc(Disc& disc, const std::string& fileName, std::int32_t tracks,
   const std::int32_t total = tracks * sectors;
   const std::vector<std::uint8_t> zeros(kMapSize + kDirSize);
   const std::vector<std::uint8_t> front = EmptyDisc(zeros, total);
+  RequireNoJournal(fileName);
   OutputFile output = CreateOutputFile(fileName);
   output.Write(front);
   output.Skip(static_cast<std::uint64_t>(SectorOffset(total)) - front.size());

@@ -10,6 +10,7 @@
 #include "disc/image/DiscReplacement.h"
 #include "disc/image/ImageFiles.h"
 #include "disc/medium/Companion.h"
+#include "disc/medium/FileMedium.h"
 #include "disc/medium/FloppyMedium.h"
 #include "disc/store/OpenDisc.h"
 
@@ -120,6 +121,7 @@ void CloseSaved(Disc& disc, OutputFile& output) {
 }
 
 void WriteWhole(Disc& disc, const std::string& fileName, const std::vector<std::uint8_t>& bytes) {
+  RequireNoJournal(fileName);
   OutputFile output = CreateOutputFile(fileName);
   output.Write(bytes);
   CloseSaved(disc, output);
@@ -262,6 +264,7 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
   ProgressDialog progress(disc.Host, "Save Image");
   const std::int32_t sectors = wholeCard ? disc.TheDisc.DiscSize() : SectorsToSave(disc);
   const bool overItself = disc.TheDisc.IsOpenMedium(fileName);
+  RequireNoJournal(fileName);
   OutputFile output = CreateOutputFile(fileName);
   std::vector<std::uint8_t> bytes;
   const bool whole =

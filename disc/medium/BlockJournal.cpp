@@ -4,29 +4,38 @@
 #include <array>
 #include <limits>
 
+#include "disc/medium/BlockSum.h"
+
 namespace sectorbox {
 namespace {
 
 // A journal is
-//   8 bytes   "SBXJRNL2"
+//   8 bytes   "SBXJRNL3"
 //   8 bytes   how many bytes a block takes
 //   a record of each block:
 //     8 bytes     its number
 //     8 bytes     1 if only some of its bytes are written, else 0
 //     128 bytes   a bit for each byte that is written
 //     4 x 8 bytes the sum of each sector as it stood on the medium; 0 for one that nobody could
-//     read the bytes of the block
+//                 read
+//     the bytes of the block
 //   8 bytes   all ones: the end of the records
+//   a line of each run of blocks that the change had written before, and that the records point at:
+//     8 bytes     the number of its first block
+//     8 bytes     how many blocks it has
+//     8 bytes     the sum of its bytes
+//   8 bytes   how many runs there are
 //   8 bytes   the sum of all that stands before it
 // Numbers are little-endian. Of two records of one block the later one counts. A file with any
 // other length or sum is a torn journal, and so is one that names a block that no disc has.
-constexpr std::array<std::uint8_t, 8> kMark = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '2'};
+constexpr std::array<std::uint8_t, 8> kMark = {'S', 'B', 'X', 'J', 'R', 'N', 'L', '3'};
 constexpr std::size_t kNumber = 8;
 constexpr std::size_t kHeader = kMark.size() + kNumber;
 constexpr std::size_t kMask = Medium::kBlockSize / 8;
 constexpr std::size_t kSectorsOfBlock = 4;
 constexpr std::size_t kBeforeData = 2 * kNumber + kMask + kSectorsOfBlock * kNumber;
 constexpr std::uint64_t kEndOfRecords = std::numeric_limits<std::uint64_t>::max();
+constexpr std::size_t kLine = 3 * kNumber;
 constexpr std::size_t kPart = std::size_t{1} << 20;  // bytes read or written at once
 constexpr std::int64_t kReadAhead = 262144;
 // A sector's number has 24 bits, so no disc has a block with this number or a higher one.
@@ -43,25 +52,17 @@ struct Record {
 // Where the records of a journal lie, by their blocks.
 using Places = std::map<std::int32_t, std::int64_t>;
 
-std::uint64_t NumberIn(std::span<const std::uint8_t> bytes) {
-  // Compilers make one load of this.
-  return std::uint64_t{bytes[0]} | std::uint64_t{bytes[1]} << 8 | std::uint64_t{bytes[2]} << 16 |
-         std::uint64_t{bytes[3]} << 24 | std::uint64_t{bytes[4]} << 32 |
-         std::uint64_t{bytes[5]} << 40 | std::uint64_t{bytes[6]} << 48 |
-         std::uint64_t{bytes[7]} << 56;
-}
+// A run of blocks that the records point at.
+struct Line {
+  std::int32_t First = 0;
+  std::int32_t Blocks = 0;
+  std::uint64_t Sum = 0;
+};
 
-constexpr std::uint64_t kEmptySum = 0xcbf29ce484222325;
-
-// bytes are whole numbers of 8 bytes, as all parts of a journal are. As in FNV-1a each step mixes
-// one number into the sum; the shift brings its upper half to where the next step spreads it again.
-std::uint64_t AddToSum(std::uint64_t sum, std::span<const std::uint8_t> bytes) {
-  for (std::size_t at = 0; at + kNumber <= bytes.size(); at += kNumber) {
-    sum = (sum ^ NumberIn(bytes.subspan(at, kNumber))) * 0x100000001b3;
-    sum ^= sum >> 32;
-  }
-  return sum;
-}
+struct Found {
+  Places Records;
+  std::vector<Line> Lines;
+};
 
 // Never 0, which stands for no sum.
 std::uint64_t SumOf(std::span<const std::uint8_t> bytes) {
@@ -145,25 +146,60 @@ bool MayBeJournal(JournalPlace& place) {
          std::ranges::all_of(front, [](std::uint8_t byte) { return byte == 0; });
 }
 
-// The records of a whole journal for a medium with blocks of blockBytes; none if it is torn.
-std::optional<Places> FindRecords(JournalPlace& place, std::size_t blockBytes) {
+// Where the lines and the records of a journal end, if it has as many lines as it says.
+struct Ends {
+  std::int64_t Records = 0;
+  std::int64_t Lines = 0;
+};
+
+std::optional<Ends> FindEnds(JournalPlace& place) {
+  constexpr auto kSmallest = static_cast<std::int64_t>(kHeader + 3 * kNumber);
   const std::int64_t length = place.Length();
-  const auto record = static_cast<std::int64_t>(kBeforeData + blockBytes);
-  const std::int64_t end = length - static_cast<std::int64_t>(2 * kNumber);
-  const auto first = static_cast<std::int64_t>(kHeader);
-  if (end < first || (end - first) % record != 0 || !HasItsSum(place, length)) return std::nullopt;
-  std::array<std::uint8_t, kHeader> header{};
-  place.ReadAt(0, header);
-  if (!std::ranges::equal(std::span(header).first(kMark.size()), kMark)) return std::nullopt;
-  if (NumberIn(std::span(header).subspan(kMark.size())) != blockBytes) return std::nullopt;
-  if (NumberAt(place, end) != kEndOfRecords) return std::nullopt;
-  Places places;
-  for (std::int64_t at = first; at < end; at += record) {
-    const std::uint64_t block = NumberAt(place, at);
-    if (block >= kMostBlocks) return std::nullopt;
-    places[static_cast<std::int32_t>(block)] = at;
+  if (length < kSmallest || length % static_cast<std::int64_t>(kNumber) != 0) return std::nullopt;
+  Ends ends;
+  ends.Lines = length - static_cast<std::int64_t>(2 * kNumber);
+  const std::uint64_t lines = NumberAt(place, ends.Lines);
+  if (lines > static_cast<std::uint64_t>(length - kSmallest) / kLine) return std::nullopt;
+  ends.Records = ends.Lines - static_cast<std::int64_t>(lines * kLine + kNumber);
+  return NumberAt(place, ends.Records) == kEndOfRecords ? std::optional(ends) : std::nullopt;
+}
+
+bool IsBlock(std::uint64_t number) {
+  return number < kMostBlocks;
+}
+
+std::optional<std::vector<Line>> ReadLines(JournalPlace& place, const Ends& ends) {
+  std::vector<Line> lines;
+  std::int64_t at = ends.Records + static_cast<std::int64_t>(kNumber);
+  for (; at < ends.Lines; at += static_cast<std::int64_t>(kLine)) {
+    std::array<std::uint8_t, kLine> bytes{};
+    place.ReadAt(at, bytes);
+    const std::uint64_t first = NumberIn(bytes);
+    const std::uint64_t blocks = NumberIn(std::span(bytes).subspan(kNumber));
+    if (!IsBlock(first) || blocks > kMostBlocks - first) return std::nullopt;
+    lines.push_back({static_cast<std::int32_t>(first), static_cast<std::int32_t>(blocks),
+                     NumberIn(std::span(bytes).subspan(2 * kNumber))});
   }
-  return places;
+  return lines;
+}
+
+// What is in a whole journal for a medium with blocks of blockBytes; none if it is torn.
+std::optional<Found> ReadJournal(JournalPlace& place, std::size_t blockBytes) {
+  const auto ends = FindEnds(place);
+  const auto record = static_cast<std::int64_t>(kBeforeData + blockBytes);
+  const auto first = static_cast<std::int64_t>(kHeader);
+  if (!ends || ends->Records < first || (ends->Records - first) % record != 0) return std::nullopt;
+  if (!HasItsSum(place, place.Length())) return std::nullopt;
+  if (NumberAt(place, static_cast<std::int64_t>(kMark.size())) != blockBytes) return std::nullopt;
+  auto lines = ReadLines(place, *ends);
+  if (!lines) return std::nullopt;
+  Found found{{}, std::move(*lines)};
+  for (std::int64_t at = first; at < ends->Records; at += record) {
+    const std::uint64_t block = NumberAt(place, at);
+    if (!IsBlock(block)) return std::nullopt;
+    found.Records[static_cast<std::int32_t>(block)] = at;
+  }
+  return found;
 }
 
 // True if the medium is one that the change was going on with: each sector that can be read is as
@@ -187,6 +223,15 @@ bool Fits(Medium& medium, JournalPlace& place, const Places& places) {
     }
   }
   return places.empty() || (known > 0 && torn <= 1);
+}
+
+// True if each run that the records point at has the bytes that the change wrote, as far as they
+// can be read: an older copy of the disc doesn't.
+bool HasRuns(Medium& medium, const std::vector<Line>& lines) {
+  return std::ranges::all_of(lines, [&](const Line& line) {
+    const auto sum = SumOnMedium(medium, line.First, line.Blocks);
+    return !sum || *sum == line.Sum;
+  });
 }
 
 std::vector<std::int32_t> BlocksOf(const Places& places) {
@@ -331,8 +376,18 @@ std::optional<NewBlock> JournalWriter::Find(std::int32_t block) {
   return RecordIn(bytes.first(static_cast<std::size_t>(record))).Block;
 }
 
-void JournalWriter::Finish() {
+void JournalWriter::Finish(const WrittenRuns& written) {
   Number(kEndOfRecords);
+  std::uint64_t lines = 0;
+  for (const auto& [first, run] : written.Runs()) {
+    const auto sum = run.Sum ? run.Sum : SumOnMedium(medium_, first, run.Blocks);
+    if (!sum) continue;
+    Number(static_cast<std::uint64_t>(first));
+    Number(static_cast<std::uint64_t>(run.Blocks));
+    Number(*sum);
+    ++lines;
+  }
+  Number(lines);
   Number(AddToSum(sum_, waiting_));
   Append();
   place_.Sync();
@@ -355,19 +410,25 @@ void JournalWriter::Append() {
   waiting_.clear();
 }
 
+bool IsWholeJournal(JournalPlace& place, const Medium& medium) {
+  return place.Length() > 0 && MayBeJournal(place) &&
+         ReadJournal(place, medium.BlockLayout().BlockBytes).has_value();
+}
+
 JournalEnd FinishJournal(JournalPlace& place, Medium& medium) {
   if (place.Length() == 0) return JournalEnd::kNone;
-  if (!MayBeJournal(place)) return JournalEnd::kForeign;
+  if (place.IsInUse() || !MayBeJournal(place)) return JournalEnd::kForeign;
   const std::size_t blockBytes = medium.BlockLayout().BlockBytes;
-  const auto places = FindRecords(place, blockBytes);
-  if (!places) {
+  const auto found = ReadJournal(place, blockBytes);
+  if (!found) {
     place.Remove();
     return JournalEnd::kDropped;
   }
-  if (!Fits(medium, place, *places)) return JournalEnd::kForeign;
+  const Places& places = found->Records;
+  if (!Fits(medium, place, places) || !HasRuns(medium, found->Lines)) return JournalEnd::kForeign;
   const std::int32_t faults = medium.WriteFaults();
-  PutInPlace(medium, BlocksOf(*places), [&](std::int32_t block) {
-    return RecordAt(place, places->at(block), blockBytes).Block;
+  PutInPlace(medium, BlocksOf(places), [&](std::int32_t block) {
+    return RecordAt(place, places.at(block), blockBytes).Block;
   });
   if (medium.WriteFaults() != faults) return JournalEnd::kUnplaced;
   place.Remove();

@@ -10,6 +10,7 @@
 
 #include "disc/medium/JournalPlace.h"
 #include "disc/medium/Medium.h"
+#include "disc/medium/WrittenRuns.h"
 
 // The journal of a change: the new bytes of blocks that the disc needed while the change was made.
 // It is whole before any of these blocks is written, so that a program that dies while it writes
@@ -41,8 +42,9 @@ class JournalWriter {
   [[nodiscard]] std::optional<NewBlock> Find(std::int32_t block);
   // The blocks that were added, and where their records lie in the journal, in bytes.
   [[nodiscard]] const std::map<std::int32_t, std::int64_t>& Blocks() const { return places_; }
-  // Makes the journal whole and waits until it is safe. HostError if the host fails.
-  void Finish();
+  // Makes the journal whole and waits until it is safe. written are the runs that the blocks point
+  // at; they are on the medium already. HostError if the host fails.
+  void Finish(const WrittenRuns& written);
 
  private:
   // Adds one block; before are its bytes on the medium, or none if nobody can read them.
@@ -74,10 +76,16 @@ enum class JournalEnd {
   kNone,      // there was no journal
   kFinished,  // a whole one: its blocks were put in place
   kDropped,   // a torn one: the change that it belonged to had not begun to change the disc
-  kForeign,   // a whole one that doesn't fit the disc, which is another one, was changed since, or
-              // can't be read; or a file that is no journal: it was left alone
+  // A whole one that doesn't fit the disc, which is another one, was changed since, is an older
+  // copy, or can't be read; or one of a program that is still at work; or a file that is no
+  // journal. It was left alone.
+  kForeign,
   kUnplaced,  // a whole one, but the card doesn't take its blocks: it was left alone
 };
+
+// True if a journal for mediums like this one is there and nothing of it is missing. HostError if
+// the host fails.
+[[nodiscard]] bool IsWholeJournal(JournalPlace& place, const Medium& medium);
 
 // Looks for a journal of an earlier program, and puts its blocks in place if it is whole. It is
 // removed afterwards, unless it was left alone. HostError if the host fails; the journal is left

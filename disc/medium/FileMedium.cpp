@@ -1,8 +1,10 @@
 #include "disc/medium/FileMedium.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "disc/host/HostError.h"
+#include "disc/medium/BlockJournal.h"
 
 namespace sectorbox {
 namespace {
@@ -15,11 +17,26 @@ std::string KindOfJournal(const FileIdentity& file) {
   return "file-" + std::to_string(file.Volume) + "-" + std::to_string(file.File);
 }
 
+constexpr std::string_view kJournalSuffix = "-journal";
+
+std::string JournalPathOf(const std::string& path) {
+  return RealHostPath(path) + std::string(kJournalSuffix);
+}
+
 }  // namespace
+
+void RequireNoJournal(const std::string& path) {
+  const std::string journal = JournalPathOf(path);
+  if (!HostFileIsPlain(journal) || HostFileLength(journal) == 0) return;
+  throw HostError(
+      journal,
+      "a change to this disc was interrupted. Open the disc, which finishes the change, "
+      "or move the journal to another place first");
+}
 
 FileMedium::FileMedium(const std::string& path)
     : file_(path, FileAccess::kCreateOrFallBack),
-      journalPath_(RealHostPath(path) + "-journal"),
+      journalPath_(JournalPathOf(path)),
       elsewhere_(KindOfJournal(file_.Identity())) {}
 
 JournalPlace* FileMedium::Journal() {
@@ -35,7 +52,22 @@ std::vector<std::unique_ptr<JournalPlace>> FileMedium::OldJournals() {
   for (const std::string& path : StateJournal::FilesOf(KindOfJournal(file_.Identity()))) {
     all.push_back(std::make_unique<JournalFile>(path));
   }
+  const std::string noted = NotedJournal();
+  if (noted == journalPath_ || !noted.ends_with(kJournalSuffix) || !HostFileIsPlain(noted)) {
+    return all;
+  }
+  // What isn't whole may be the journal of a change to another disc.
+  auto journal = std::make_unique<JournalFile>(noted);
+  if (IsWholeJournal(*journal, *this)) all.push_back(std::move(journal));
   return all;
+}
+
+void FileMedium::NoteJournal(bool isThere) {
+  file_.SetNote(isThere ? journalPath_ : "");
+}
+
+std::string FileMedium::NotedJournal() const {
+  return file_.Note();
 }
 
 void FileMedium::ReadAt(std::uint64_t place, std::span<std::uint8_t> bytes) const {

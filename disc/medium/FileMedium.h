@@ -11,6 +11,10 @@
 
 namespace sectorbox {
 
+// HostError if a journal lies beside the image at path: a change to it was interrupted, and can't
+// be finished any more if another image takes its place.
+void RequireNoJournal(const std::string& path);
+
 // A hard disc image (.dat): a flat file of 256-byte sectors that is read and written in place. It
 // grows when a block beyond its end is written, and is never cut.
 class FileMedium final : public Medium {
@@ -29,6 +33,10 @@ class FileMedium final : public Medium {
   // state folder, with the file's identity in its name.
   [[nodiscard]] JournalPlace* Journal() override;
   [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override;
+  // The file keeps the note. A file that has got another name, or has two, is finished by the
+  // journal that lies beside the former name.
+  void NoteJournal(bool isThere) override;
+  [[nodiscard]] std::string NotedJournal() const override;
   [[nodiscard]] std::int64_t EndOfData() const override;
   [[nodiscard]] std::int64_t LongestFile() const override;
   [[nodiscard]] std::span<const std::uint8_t> Storable(

@@ -20,6 +20,11 @@ void JournalFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) {
   }
 }
 
+bool JournalFile::IsInUse() {
+  FileLock lock;
+  return !isOurs_ && !lock.Take(path_, std::chrono::milliseconds(0));
+}
+
 // Our own journals are finished or dropped when the disc is opened. What is there now belongs to
 // another disc or is no journal at all. A file without bytes is what a power cut may leave. One
 // that Append has begun and Remove couldn't take away makes room.
@@ -33,6 +38,8 @@ void JournalFile::Append(std::span<const std::uint8_t> bytes) {
     RequireRoom();
     Remove();
     file_.Open(path_, FileAccess::kCreate);
+    // Nobody has a new file; whoever takes it for one of an earlier program leaves it alone now.
+    (void)lock_.Take(path_, std::chrono::milliseconds(0));
     written_ = 0;
     isOurs_ = true;
   }
@@ -50,6 +57,7 @@ void JournalFile::Remove() {
   file_ = {};
   written_.reset();
   if (HostFileExists(path_)) DeleteHostFile(path_);
+  lock_.Release();
   isOurs_ = false;
 }
 

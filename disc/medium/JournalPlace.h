@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "disc/host/FileLock.h"
 #include "disc/host/HostFile.h"
 
 namespace sectorbox {
@@ -21,6 +22,8 @@ class JournalPlace {
   [[nodiscard]] virtual std::int64_t Length() = 0;
   // Fills all of bytes from offset on. HostError if the host fails or the journal ends before.
   virtual void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) = 0;
+  // True if another program is at work with the journal.
+  [[nodiscard]] virtual bool IsInUse() = 0;
   // HostError if another file stands where a journal would be begun.
   virtual void RequireRoom() = 0;
   // Writes bytes behind the last ones. The first call, and the first one after Remove, begins a new
@@ -41,6 +44,7 @@ class JournalFile final : public JournalPlace {
 
   [[nodiscard]] std::int64_t Length() override;
   void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  [[nodiscard]] bool IsInUse() override;
   void RequireRoom() override;
   void Append(std::span<const std::uint8_t> bytes) override;
   void Sync() override;
@@ -48,6 +52,7 @@ class JournalFile final : public JournalPlace {
 
  private:
   std::string path_;
+  FileLock lock_;          // on the journal that Append has begun
   RandomAccessFile file_;  // not open before the first call
   // Bytes of the journal that Append has begun; none before.
   std::optional<std::int64_t> written_;
@@ -66,6 +71,7 @@ class StateJournal final : public JournalPlace {
 
   [[nodiscard]] std::int64_t Length() override;
   void ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) override;
+  [[nodiscard]] bool IsInUse() override { return false; }
   void RequireRoom() override {}  // each has a name of its own
   void Append(std::span<const std::uint8_t> bytes) override;
   void Sync() override;

@@ -70,10 +70,15 @@ class Medium {
   // Where the journal of a change to this medium is kept; null if changes to it need none. The
   // medium owns the place.
   [[nodiscard]] virtual JournalPlace* Journal() { return nullptr; }
-
   // The journals that an earlier program may have left for this medium. Some may be for others that
   // look the same.
   [[nodiscard]] virtual std::vector<std::unique_ptr<JournalPlace>> OldJournals();
+  // A change begins to put its blocks in place, and its journal is whole; or it has done so, and
+  // the journal is gone. In between the medium knows where the journal is, whatever its name
+  // becomes.
+  virtual void NoteJournal(bool isThere) { (void)isThere; }
+  // The path of the journal that was noted; empty if there is none.
+  [[nodiscard]] virtual std::string NotedJournal() const { return {}; }
   // How many writes and syncs have failed without a HostError since the medium was opened.
   [[nodiscard]] virtual std::int32_t WriteFaults() const { return 0; }
   // How many blocks that the medium has whole couldn't be read without a HostError.

@@ -144,32 +144,46 @@ void DiscImg::DropChange() noexcept {
 void DiscImg::Recover() {
   if (InMemory()) return;
   const auto journals = medium_->OldJournals();
-  if (journals.empty()) return;
+  const std::string noted = medium_->NotedJournal();
+  if (journals.empty() && noted.empty()) return;
   // A journal of a program that is still at work is none of ours.
   const std::string path = medium_->HostPath();
   FileLock lock;
   if (!lock_.IsOn(path) && !lock.Take(path, rules_.LockPatience())) return;
+  bool isUnplaced = false;
   for (const auto& journal : journals) {
-    switch (FinishJournal(*journal, *medium_)) {
-      case JournalEnd::kFinished:
-        status_.Note(request_.Name + ": a change that was interrupted has been finished");
-        break;
-      case JournalEnd::kDropped:
-        status_.Note(request_.Name + ": a change that was interrupted has been dropped");
-        break;
-      case JournalEnd::kForeign:
-        // A card's journals may be for other cards.
-        if (!kind_->IsPartition) {
-          status_.Note(request_.Name +
-                       ": the journal beside it belongs to another disc, so it can't be changed");
-        }
-        break;
-      case JournalEnd::kUnplaced:
-        status_.Note(request_.Name + ": a change that was interrupted can't be finished yet");
-        break;
-      case JournalEnd::kNone:
-        break;
-    }
+    const JournalEnd end = FinishJournal(*journal, *medium_);
+    TellEnd(end);
+    isUnplaced = isUnplaced || end == JournalEnd::kUnplaced;
+  }
+  if (noted.empty() || isUnplaced) return;
+  if (journals.empty() && !HostFileExists(noted)) {
+    status_.Note(request_.Name + ": a change was interrupted, and its journal " + noted +
+                 " is missing. Check the disc");
+  }
+  medium_->NoteJournal(false);
+}
+
+void DiscImg::TellEnd(JournalEnd end) {
+  switch (end) {
+    case JournalEnd::kFinished:
+      status_.Note(request_.Name + ": a change that was interrupted has been finished");
+      break;
+    case JournalEnd::kDropped:
+      status_.Note(request_.Name + ": a change that was interrupted has been dropped");
+      break;
+    case JournalEnd::kForeign:
+      // A card's journals may be for other cards.
+      if (!kind_->IsPartition) {
+        status_.Note(request_.Name +
+                     ": the journal beside it belongs to another disc, so it can't be changed");
+      }
+      break;
+    case JournalEnd::kUnplaced:
+      status_.Note(request_.Name + ": a change that was interrupted can't be finished yet");
+      break;
+    case JournalEnd::kNone:
+      break;
   }
 }
 

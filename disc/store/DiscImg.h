@@ -158,6 +158,8 @@ class DiscImg final : public DiscBytes {
   void PlaceOrLeave();
   // Finishes or drops a change that an earlier program began.
   void Recover();
+  // Tells the user what has become of the journal of an earlier program.
+  void TellEnd(JournalEnd end);
   // How many of want bytes from offset on lie together: in one block, in the image in memory, or
   // outside the disc.
   [[nodiscard]] std::size_t TogetherAt(std::int64_t offset, std::size_t want) const;

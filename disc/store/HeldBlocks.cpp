@@ -45,7 +45,7 @@ void HeldBlocks::Begin(Medium& medium, std::vector<FreeRun> free) {
 
 void HeldBlocks::Commit(Medium& medium, const std::string& name) {
   if (!active_ || sealed_) return;
-  if (wroteFree_) medium.Sync();
+  if (!written_.IsEmpty()) medium.Sync();
   RequireNoFaults(medium, name);
   if (Bytes() == 0) {
     End();
@@ -56,7 +56,7 @@ void HeldBlocks::Commit(Medium& medium, const std::string& name) {
     journal_->Add(inMemory_);
     // It has read what stands on the medium.
     RequireNoFaults(medium, name);
-    journal_->Finish();
+    journal_->Finish(written_);
   }
   sealed_ = true;
   Place(medium, name);
@@ -70,12 +70,16 @@ void HeldBlocks::RequireNoFaults(const Medium& medium, const std::string& name) 
 
 void HeldBlocks::Place(Medium& medium, const std::string& name) {
   const std::int32_t former = medium.WriteFaults();
+  if (place_ != nullptr) medium.NoteJournal(true);
   PutInPlace(medium, Blocks(), [this](std::int32_t block) { return *Find(block); });
   if (place_ != nullptr && medium.WriteFaults() != former) {
     throw HostError(name,
                     "the card has failed; the change will be finished when it is opened again");
   }
-  if (place_ != nullptr) place_->Remove();
+  if (place_ != nullptr) {
+    place_->Remove();
+    medium.NoteJournal(false);
+  }
   End();
 }
 
@@ -93,7 +97,7 @@ void HeldBlocks::Drop() noexcept {
 void HeldBlocks::End() {
   active_ = false;
   sealed_ = false;
-  wroteFree_ = false;
+  written_.Clear();
   free_.clear();
   inMemory_.clear();
   journal_.reset();
@@ -178,10 +182,11 @@ void HeldBlocks::WriteBlock(Medium& medium, std::int32_t block, NewBlock bytes) 
   }
   if (bytes.IsPartial) {
     medium.WriteStored(block, bytes.Data, bytes.Stored);
+    if (active_) written_.NotePart(block);
   } else {
     medium.WriteBlock(block, bytes.Data);
+    if (active_) written_.Note(block, bytes.Data, bytes.Data.size());
   }
-  wroteFree_ = true;
 }
 
 std::size_t HeldBlocks::ReadRun(Medium& medium, std::int64_t offset,
@@ -214,8 +219,9 @@ std::size_t HeldBlocks::WriteRun(Medium& medium, std::int64_t offset,
   const auto first = static_cast<std::int32_t>(offset / Medium::kBlockSize);
   const auto part = bytes.first(AlikeAt(first, bytes.size()));
   if (WasFree(first)) {
-    wroteFree_ = true;
-    return medium.WriteRun(offset, part);
+    const std::size_t run = medium.WriteRun(offset, part);
+    written_.Note(first, part.first(run), Medium::kBlockSize);
+    return run;
   }
   for (std::size_t at = 0; at < part.size(); at += Medium::kBlockSize) {
     const auto block = part.subspan(at, Medium::kBlockSize);

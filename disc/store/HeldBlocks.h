@@ -82,9 +82,9 @@ class HeldBlocks {
   std::size_t mostInMemory_ = std::size_t{16} << 20;
   bool active_ = false;
   bool sealed_ = false;
-  bool wroteFree_ = false;         // a block that was free has been written
   std::int32_t formerFaults_ = 0;  // of the medium, when the change began
   std::vector<FreeRun> free_;      // in rising order
+  WrittenRuns written_;            // blocks that were free
   NewBlocks inMemory_;
   JournalPlace* place_ = nullptr;  // the medium's journal; null if it has none
   std::optional<JournalWriter> journal_;

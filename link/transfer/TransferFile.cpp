@@ -4,6 +4,7 @@
 
 #include "disc/format/FloppyTracks.h"
 #include "disc/format/Format.h"
+#include "disc/medium/FileMedium.h"
 
 namespace sectorbox {
 namespace {
@@ -27,8 +28,10 @@ std::int64_t TransferOffset(FileLayout layout, std::int32_t sector) {
   return (std::int64_t{stored} * kFloppySectors + sector % kFloppySectors) * kSectorSize;
 }
 
-TransferFile::TransferFile(const std::string& path, Access access)
-    : file_(path, access == Access::kRead ? FileAccess::kRead : FileAccess::kCreate) {}
+TransferFile::TransferFile(const std::string& path, Access access) {
+  if (access == Access::kReadWrite) RequireNoJournal(path);
+  file_.Open(path, access == Access::kRead ? FileAccess::kRead : FileAccess::kCreate);
+}
 
 void TransferFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) const {
   const std::size_t done = file_.ReadAt(static_cast<std::uint64_t>(offset), bytes);

@@ -126,6 +126,10 @@ class FaultyMedium final : public Medium {
   [[nodiscard]] std::vector<std::unique_ptr<JournalPlace>> OldJournals() override {
     return inner_->OldJournals();
   }
+  void NoteJournal(bool isThere) override {
+    if (!plan_.Dead) inner_->NoteJournal(isThere);
+  }
+  [[nodiscard]] std::string NotedJournal() const override { return inner_->NotedJournal(); }
   [[nodiscard]] std::int32_t WriteFaults() const override { return inner_->WriteFaults(); }
   [[nodiscard]] std::int32_t ReadFaults() const override { return inner_->ReadFaults(); }
   [[nodiscard]] std::int64_t Extent() const override { return inner_->Extent(); }
@@ -166,6 +170,7 @@ class FaultyMedium final : public Medium {
       if (medium_.Meets(FaultPlan::Operation::kRead, medium_.plan_.Reads)) Fail();
       Inner().ReadAt(offset, bytes);
     }
+    [[nodiscard]] bool IsInUse() override { return Inner().IsInUse(); }
     void RequireRoom() override { Inner().RequireRoom(); }
     void Append(std::span<const std::uint8_t> bytes) override {
       medium_.Write(

@@ -5,9 +5,12 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <memory>
 
@@ -15,6 +18,8 @@
 
 namespace sectorbox {
 namespace {
+
+constexpr const char* kNote = "user.sectorbox.note";
 
 int FlagsOf(FileAccess access) {
   switch (access) {
@@ -109,6 +114,20 @@ void RandomAccessFile::Sync() {
 FileIdentity RandomAccessFile::Identity() const {
   const struct stat info = StatOf(file_, path_);
   return {info.st_dev, info.st_ino};
+}
+
+void RandomAccessFile::SetNote(const std::string& text) {
+  if (text.empty()) {
+    (void)::fremovexattr(file_.Get(), kNote);
+  } else {
+    (void)::fsetxattr(file_.Get(), kNote, text.data(), text.size(), 0);
+  }
+}
+
+std::string RandomAccessFile::Note() const {
+  std::array<char, PATH_MAX> text{};
+  const ssize_t size = ::fgetxattr(file_.Get(), kNote, text.data(), text.size());
+  return size > 0 ? std::string(text.data(), static_cast<std::size_t>(size)) : std::string();
 }
 
 void RandomAccessFile::Close() {

@@ -25,7 +25,7 @@ class BlockJournalTest : public ::testing::Test {
     for (const auto& [block, seed] : {std::pair{5, 9}, {1, 2}, {4, 3}, {5, 4}}) {
       writer.Add({{block, {Block(block, seed), false, {}}}});
     }
-    writer.Finish();
+    writer.Finish({});
     journal_ = ReadAll(path_);
   }
 
@@ -119,12 +119,14 @@ TEST_F(BlockJournalTest, OnlyTheStoredBytesOfAPartialBlockAreWritten) {
   NewBlock partial{Block(2, 9), true, {}};
   partial.Stored.set(3);
   partial.Stored.set(1023);
-  JournalFile place(path_);
-  JournalWriter writer(place, medium_);
-  writer.Add({{1, {Block(1, 2), false, {}}}, {2, partial}});
-  EXPECT_TRUE(writer.Find(2)->IsPartial);
-  EXPECT_EQ(writer.Find(2)->Stored, partial.Stored);
-  writer.Finish();
+  {
+    JournalFile place(path_);
+    JournalWriter writer(place, medium_);
+    writer.Add({{1, {Block(1, 2), false, {}}}, {2, partial}});
+    EXPECT_TRUE(writer.Find(2)->IsPartial);
+    EXPECT_EQ(writer.Find(2)->Stored, partial.Stored);
+    writer.Finish({});
+  }
   EXPECT_EQ(FinishJournal(place_, medium_), JournalEnd::kFinished);
   Bytes expected = Block(2, 1);
   expected[3] = Block(2, 9)[3];
@@ -205,11 +207,47 @@ TEST_F(BlockJournalTest, AFileWithoutBytesThatAPowerCutHasLeftMakesRoomForAJourn
   }
 }
 
+// The blocks point at what the change wrote before. An older copy of the disc doesn't have that.
+TEST_F(BlockJournalTest, AJournalIsOnlyFinishedWhereWhatItPointsAtIs) {
+  for (const bool isThere : {true, false}) {
+    for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 1));
+    std::filesystem::remove(path_);
+    {
+      JournalFile place(path_);
+      JournalWriter writer(place, medium_);
+      writer.Add({{1, {Block(1, 2), false, {}}}});
+      WrittenRuns written;
+      written.Note(2, Block(2, 1), Medium::kBlockSize);
+      written.Note(3, Block(3, 1), Medium::kBlockSize);
+      written.NotePart(5);
+      writer.Finish(written);
+    }
+    Bytes other = Block(3, 1);
+    other[1000] ^= 1;
+    if (!isThere) medium_.WriteBlock(3, other);
+    JournalFile place(path_);
+    EXPECT_EQ(FinishJournal(place, medium_),
+              isThere ? JournalEnd::kFinished : JournalEnd::kForeign);
+    EXPECT_EQ(Now(1), Block(1, isThere ? 2 : 1));
+    EXPECT_EQ(std::filesystem::exists(path_), !isThere);
+  }
+}
+
+TEST_F(BlockJournalTest, TheJournalOfAProgramThatIsAtWorkIsLeftAlone) {
+  place_.Remove();
+  JournalFile busy(path_);
+  busy.Append(Block(1, 1));
+  JournalFile other(path_);
+  EXPECT_EQ(FinishJournal(other, medium_), JournalEnd::kForeign);
+  EXPECT_EQ(ReadAll(path_), Block(1, 1));
+  EXPECT_FALSE(busy.IsInUse());
+}
+
 TEST_F(BlockJournalTest, AJournalWithoutItsEndIsDropped) {
   place_.Remove();
   for (std::int32_t block = 0; block < 6; ++block) medium_.WriteBlock(block, Block(block, 1));
-  JournalFile place(path_);
   {
+    JournalFile place(path_);
     JournalWriter writer(place, medium_);
     writer.Add({{1, {Block(1, 2), false, {}}}});
     EXPECT_TRUE(writer.Find(1));

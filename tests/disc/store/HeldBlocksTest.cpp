@@ -150,7 +150,8 @@ TEST_F(HeldBlocksTest, AKillAnywhereLeavesTheOldOrTheNewBytes) {
     WriteAll(path_, old_);
     plan_.Set(FaultPlan::Operation::kWrite, FaultPlan::Kind::kLast, at);
     (void)Change();
-    held_->Drop();
+    held_.reset();
+    medium_.reset();
     FileMedium reopened(path_);
     for (const auto& journal : reopened.OldJournals()) {
       if (FinishJournal(*journal, reopened) == JournalEnd::kFinished) ++finished;
