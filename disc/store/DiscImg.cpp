@@ -121,8 +121,10 @@ void DiscImg::BeginChange(std::vector<FreeRun> free) {
     return;
   }
   if (held_.IsSealed()) held_.Place(*medium_, request_.Name);
-  // What was stored before belongs to no change.
+  // What was stored before belongs to no change. The change holds on to the medium's journal, so
+  // the medium must be the one that it will work on.
   blocks_.WriteBack();
+  (void)ReadyForBlocks();
   held_.Begin(*medium_, std::move(free));
 }
 
