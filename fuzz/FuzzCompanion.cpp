@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "disc/host/HostError.h"
 #include "disc/host/HostPath.h"
 #include "disc/image/OpenImage.h"
 #include "disc/medium/Companion.h"
@@ -36,7 +37,15 @@ void ReadAndWrite(const std::string& image, const Bytes& file) {
   Require(read && read->Tracks == known[13] * 256 + known[14] && read->Heads == known[15],
           "what was read");
   const CompanionGeometry geometry = {known[0] * 256 + known[1], known[2]};
-  WriteCompanion(image, geometry);
+  const bool isCompanion = file.empty() || file.size() == kCompanionSize;
+  try {
+    WriteCompanion(image, geometry);
+  } catch (const HostError&) {
+    Require(!isCompanion, "a companion is replaced");
+    Require(testing::ReadAll(CompanionName(image)) == file, "another file stays");
+    return;
+  }
+  Require(isCompanion, "another file isn't replaced");
   const auto back = ReadCompanion(image);
   Require(back && back->Tracks == geometry.Tracks && back->Heads == geometry.Heads,
           "what was written");

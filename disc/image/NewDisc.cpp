@@ -111,8 +111,11 @@ void WriteEmptyDisc(Disc& disc, std::int32_t total) {
 
 void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
                 std::int32_t sectors, DiscType type) {
-  // The companion would replace an open disc of its name.
-  if (EndsInDat(fileName)) RefuseOpenImage(disc, CompanionName(fileName));
+  // The companion would replace an open disc of its name, or a file that is no companion.
+  if (EndsInDat(fileName)) {
+    RefuseOpenImage(disc, CompanionName(fileName));
+    RequireRoomForCompanion(fileName);
+  }
   const BusyPointer busy(disc.Host);
   // The file is made and opened before the old disc's state is lost: a file that can't be opened
   // changes nothing.

@@ -41,8 +41,8 @@ inline constexpr std::array<NewDiscSize, 13> kNewDiscs = {{
 // Opens fileName as a disc of that geometry, fills it with zeros, and writes the map and an empty
 // root. A floppy image is then only in memory and counts as unchanged. A .dat exists on the host
 // from then on; it gets a companion if fileName ends in exactly ".dat". The user gets a note if the
-// BBC can't write to a disc of this size. HostError if the file can't be opened: the disc that was
-// open stays open.
+// BBC can't write to a disc of this size. HostError if the file can't be opened, or if another file
+// stands where the companion goes: the disc that was open stays open.
 void CreateDisc(Disc& disc, const std::string& fileName, std::int32_t tracks, std::int32_t heads,
                 std::int32_t sectors, DiscType type);
 

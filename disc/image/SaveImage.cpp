@@ -109,9 +109,11 @@ void RefuseTheCardItself(const Disc& disc, const std::string& fileName) {
 }
 
 // An image may be called x.dsc. Saved as x.dat, its disc would be replaced by the new companion.
-void RefuseCompanionOverDisc(const Disc& disc, const std::string& fileName) {
+// Another file of that name would be, too.
+void RefuseCompanionOverOthers(const Disc& disc, const std::string& fileName) {
   const std::string companion = CompanionName(fileName);
   if (companion != fileName) RefuseOpenImage(disc, companion);
+  RequireRoomForCompanion(fileName);
 }
 
 // Closes the file, and tells what of the older file the new one doesn't have.
@@ -258,7 +260,7 @@ void SaveImageTo(Disc& disc, const std::string& fileName) {
 void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
   RefuseTheCardItself(disc, fileName);
   const bool hasCompanion = disc.TheDisc.Kind().HasCompanion;
-  if (hasCompanion) RefuseCompanionOverDisc(disc, fileName);
+  if (hasCompanion) RefuseCompanionOverOthers(disc, fileName);
   ClearedChanges changes(disc);
   const BusyPointer busy(disc.Host);
   ProgressDialog progress(disc.Host, "Save Image");

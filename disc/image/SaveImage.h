@@ -34,6 +34,7 @@ void SaveImageTo(Disc& disc, const std::string& fileName);
 // card has; else the option Pad Disc Images decides between the disc's size and the trimmed size.
 // An abort leaves a short file. But if fileName is the open .dat itself, an abort leaves it whole,
 // and after a save the store goes on with the new file. Also writes the companion of a .dat.
+// HostError if another file stands where that goes; nothing has changed then.
 void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard);
 // Saves the trimmed image. With the option Pad Disc Images the file stays empty (kept so on
 // purpose), and the user gets a note. Over the file that the disc was opened from it isn't written

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
 
 namespace sectorbox {
@@ -24,6 +25,13 @@ std::optional<CompanionBytes> ReadExisting(const std::string& name) {
   return bytes;
 }
 
+// What may be replaced: an older companion, or a file without bytes.
+bool IsCompanion(const std::string& name) {
+  if (!HostFileIsPlain(name)) return false;
+  const std::uint64_t length = HostFileLength(name);
+  return length == 0 || length == kCompanionSize;
+}
+
 }  // namespace
 
 std::string CompanionName(const std::string& imagePath) {
@@ -41,10 +49,19 @@ std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath) {
   return CompanionGeometry{(*bytes)[kTracksHigh] * 256 + (*bytes)[kTracksLow], (*bytes)[kHeads]};
 }
 
+void RequireRoomForCompanion(const std::string& imagePath) {
+  const std::string name = CompanionName(imagePath);
+  if (name == imagePath) return;
+  const bool isTaken = HostFileExists(name) || HostFolderExists(name);
+  if (!isTaken || IsCompanion(name)) return;
+  throw HostError(name, "stands where the companion goes. Move it to another place first");
+}
+
 void WriteCompanion(const std::string& imagePath, const CompanionGeometry& geometry) {
   const std::string name = CompanionName(imagePath);
   // An image that is itself called .dsc has no companion: both would be one file.
   if (name == imagePath) return;
+  RequireRoomForCompanion(imagePath);
   CompanionBytes bytes = ReadExisting(name).value_or(kTemplate);
   bytes[kTracksHigh] = static_cast<std::uint8_t>(geometry.Tracks / 256);
   bytes[kTracksLow] = static_cast<std::uint8_t>(geometry.Tracks % 256);

@@ -24,9 +24,13 @@ struct CompanionGeometry {
 // The geometry in an existing companion; none if there is no such file. Bytes that a shorter file
 // lacks read as zero; bytes behind the 22 are ignored. HostError if the file can't be read.
 [[nodiscard]] std::optional<CompanionGeometry> ReadCompanion(const std::string& imagePath);
+// HostError if something stands where the image's companion goes that isn't an older companion: a
+// folder, or a file that is neither empty nor 22 bytes long. Such a file, maybe another disc, is
+// never replaced. Whatever writes an image with a companion asks this before it changes anything.
+void RequireRoomForCompanion(const std::string& imagePath);
 // Writes the companion: bytes 13 to 15 from geometry, the rest from the existing companion or the
 // template. Nothing happens for an image that is itself called ".dsc". HostError if the host
-// refuses.
+// refuses, and as for RequireRoomForCompanion.
 void WriteCompanion(const std::string& imagePath, const CompanionGeometry& geometry);
 
 }  // namespace sectorbox

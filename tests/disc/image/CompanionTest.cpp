@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "disc/host/HostError.h"
 #include "tests/support/TempFolder.h"
 
 namespace sectorbox {
@@ -53,14 +56,44 @@ TEST(Companion, AnyLengthIsReadAsFarAsItGoes) {
     ASSERT_TRUE(geometry.has_value());
     EXPECT_EQ(geometry->Tracks, (length > 13 ? 256 : 0) + (length > 14 ? 1 : 0));
     EXPECT_EQ(geometry->Heads, length > 15 ? 1 : 0);
-    WriteCompanion(folder / "x.dat", {5, 4});
-    EXPECT_EQ(ReadAll(folder / "x.dsc").size(), 22U);
   }
+}
+
+TEST(Companion, OnlyWhatHasItsLengthOrIsEmptyIsReplaced) {
+  const TempFolder folder;
+  const std::string path = folder / "x.dsc";
+  for (std::size_t length = 0; length <= 30; ++length) {
+    SCOPED_TRACE(length);
+    const std::vector<std::uint8_t> before(length, 1);
+    WriteAll(path, before);
+    if (length == 0 || length == 22) {
+      RequireRoomForCompanion(folder / "x.dat");
+      WriteCompanion(folder / "x.dat", {5, 4});
+      EXPECT_EQ(ReadAll(path).size(), 22U);
+      continue;
+    }
+    EXPECT_THROW(RequireRoomForCompanion(folder / "x.dat"), HostError);
+    try {
+      WriteCompanion(folder / "x.dat", {5, 4});
+      ADD_FAILURE() << "it was replaced";
+    } catch (const HostError& error) {
+      EXPECT_EQ(error.what(),
+                path + ": stands where the companion goes. Move it to another place first");
+    }
+    EXPECT_EQ(ReadAll(path), before);
+  }
+}
+
+TEST(Companion, AFolderOfItsNameIsInTheWay) {
+  const TempFolder folder;
+  std::filesystem::create_directory(folder / "x.dsc");
+  EXPECT_THROW(RequireRoomForCompanion(folder / "x.dat"), HostError);
 }
 
 TEST(Companion, AnImageOfItsOwnNameIsNotOverwritten) {
   const TempFolder folder;
   WriteText(folder / "x.dsc", "an image");
+  RequireRoomForCompanion(folder / "x.dsc");
   WriteCompanion(folder / "x.dsc", {5, 4});
   EXPECT_EQ(ReadText(folder / "x.dsc"), "an image");
 }

@@ -68,6 +68,20 @@ TEST_F(NewDiscTest, TheCompanionNeverReplacesTheOpenDisc) {
   EXPECT_EQ(ReadAll(folder_ / "x.dsc"), image.Bytes());
 }
 
+TEST_F(NewDiscTest, AFileThatIsNoCompanionStaysAndKeepsTheDiscOut) {
+  WriteText(folder_ / "x.dsc", "a letter");
+  OpenBlankImage(disc_);
+  for (const DiscType type : {kDat, kAdf}) {
+    EXPECT_THROW(CreateDisc(disc_, folder_ / "x.dat", 32, 4, 33, type), HostError);
+    EXPECT_EQ(ReadText(folder_ / "x.dsc"), "a letter");
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "x.dat"));
+    EXPECT_EQ(disc_.TheDisc.FileName(), "NewDisc.adl");
+  }
+  // A floppy of another name has no companion.
+  CreateDisc(disc_, folder_ / "x.adf", 80, 1, 16, kAdf);
+  EXPECT_EQ(ReadText(folder_ / "x.dsc"), "a letter");
+}
+
 TEST_F(NewDiscTest, TheSizesOfTheMenu) {
   const std::vector<std::pair<std::string, std::int32_t>> sizes = {
       {"40ssd", 640},   {"80ssd", 1280},   {"80dsd", 2560},  {"1m", 4224},    {"2m", 8448},

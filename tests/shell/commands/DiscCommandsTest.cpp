@@ -91,6 +91,19 @@ TEST_F(DiscCommandsTest, ANewDiscReplacesAFileThatExistsOnlyAfterAQuestion) {
   }
 }
 
+TEST_F(DiscCommandsTest, ANewDiscDoesNotPutItsCompanionOverAnotherFile) {
+  Start();
+  WriteText(folder_ / "x.dsc", "a letter");
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  player_.ExpectBox(FromHost(folder_ / "x.dsc") +
+                    QStringLiteral(": stands where the companion goes. "
+                                   "Move it to another place first"));
+  Choose("mnuDiscNew1M");
+  EXPECT_EQ(ReadText(folder_ / "x.dsc"), "a letter");
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "x.dat"));
+  EXPECT_EQ(disc_->ImageName, "NewDisc.adl");
+}
+
 TEST_F(DiscCommandsTest, TheToolBarsNewAsksForA640KDisc) {
   Start();
   player_.ExpectFileDialog("", [](QWidget& dialog) {
