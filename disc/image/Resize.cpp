@@ -50,6 +50,18 @@ void WriteFirstBlock(FileMedium& file, const std::vector<std::uint8_t>& bytes) {
   file.Close();
 }
 
+// Tells the user if the disc can't be changed now. Changes are refused then, so nothing is lost.
+void NoteContradiction(Disc& disc, const std::string& fileName) {
+  const std::string& contradiction = FindContradiction(disc);
+  if (contradiction.empty()) return;
+  if (contradiction.ends_with(kPastTheEnd)) {
+    disc.Host.Note("The disc holds more than that: make it larger again before you change it");
+  } else {
+    disc.Host.Note(HostBaseName(fileName) + ": the map doesn't fit the new size, so the disc " +
+                   "can't be changed before it is repaired");
+  }
+}
+
 }  // namespace
 
 std::optional<std::int32_t> TracksOfMegabytes(const std::string& text) {
@@ -103,9 +115,7 @@ void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t track
   lock.Release();
   OpenImage(disc, fileName);
   NoteTooLarge(disc);
-  if (FindContradiction(disc).ends_with(kPastTheEnd)) {
-    disc.Host.Note("The disc holds more than that: make it larger again before you change it");
-  }
+  NoteContradiction(disc, fileName);
 }
 
 }  // namespace sectorbox

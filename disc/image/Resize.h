@@ -18,8 +18,10 @@ void ResizeImage(Disc& disc, std::int32_t tracks, std::int32_t heads, std::int32
 // Changes the size field and the last free run of an image, and opens it. The file keeps its
 // length, and its companion stays. If the new size is below one sector or too large for the three
 // bytes of the size field, the user gets the message "Disc Size Is Out Of Range" and the file stays
-// as it is. The user gets a note if the BBC can't write to a disc of the new size, and one if the
-// disc holds more than that. HostError if the file has no whole map.
+// as it is. The user gets a note if the BBC can't write to a disc of the new size, one if the disc
+// holds more than that, and one if its map doesn't fit the new size: that of a disc whose last free
+// run doesn't lie at its end. Changes are then refused (disc/catalogue/Agreement.h). HostError if
+// the file has no whole map.
 void ResizeImageFile(Disc& disc, const std::string& fileName, std::int32_t tracks,
                      std::int32_t heads, std::int32_t sectors);
 

@@ -234,6 +234,40 @@ TEST_F(WriteCommandsTest, ASaveDoesNotPutTheCompanionOverTheDisc) {
   EXPECT_EQ(ReadAll(folder_ / "x.dsc"), before);
 }
 
+TEST_F(WriteCommandsTest, AFileThatIsNoCompanionIsNotReplacedByOne) {
+  const std::string other = folder_ / "x.dsc";
+  const std::string line =
+      other + ": stands where the companion goes. " + "Move it to another place first\n";
+  ImageBuilder(4224).WriteTo(folder_ / "big.dat");
+  for (const Bytes& bytes : {ImageBuilder(4224).Bytes(), Bytes(40, 'l')}) {
+    WriteAll(other, bytes);
+    for (const auto& command :
+         std::vector<std::vector<std::string>>{{"save", folder_ / "big.dat", folder_ / "x.dat"},
+                                               {"new", "1m", folder_ / "x.dat"},
+                                               {"new", "1m", folder_ / "x.dat", "--force"}}) {
+      const SbxResult result = RunSbx(command);
+      EXPECT_EQ(result.Status, 1) << command[0];
+      EXPECT_EQ(result.Err, line);
+      EXPECT_EQ(ReadAll(other), bytes) << command[0];
+      EXPECT_FALSE(std::filesystem::exists(folder_ / "x.dat")) << command[0];
+    }
+  }
+  // Nor does the image change that is saved over itself.
+  ImageBuilder(4224).WriteTo(folder_ / "x.dat");
+  const Bytes before = ReadAll(folder_ / "x.dat");
+  const SbxResult result = RunSbx({"save", folder_ / "x.dat", folder_ / "x.dat"});
+  EXPECT_EQ(result.Status, 1);
+  EXPECT_EQ(result.Err, line);
+  EXPECT_EQ(ReadAll(folder_ / "x.dat"), before);
+  EXPECT_EQ(ReadAll(other), Bytes(40, 'l'));
+}
+
+TEST_F(WriteCommandsTest, AnEmptyFileMakesRoomForTheCompanion) {
+  WriteText(folder_ / "x.dsc", "");
+  EXPECT_EQ(RunSbx({"new", "1m", folder_ / "x.dat"}).Status, 0);
+  EXPECT_EQ(ReadAll(folder_ / "x.dsc").size(), 22U);
+}
+
 TEST_F(WriteCommandsTest, ASaveWritesItsCompanionIntoTheFolderOfTheImage) {
   namespace fs = std::filesystem;
   ImageBuilder(4224).WriteTo(folder_ / "big.dat");
@@ -357,6 +391,24 @@ TEST_F(WriteCommandsTest, ResizeChangesTheRecordedSize) {
   }
   EXPECT_EQ(RunSbx({"resize", folder_ / "x.dat", "0"}).Err, "Disc Size Is Out Of Range\n");
   EXPECT_EQ(ReadAll(folder_ / "x.dat"), after);
+}
+
+TEST_F(WriteCommandsTest, AResizeThatTheMapDoesNotFitIsToldAndTheFilesStay) {
+  ImageBuilder image(4224);
+  image.AddHole(100);
+  const Bytes last(std::size_t{4224 - 107} * 256, 6);
+  image.AddFile(2, {"LAST", last, 0, 0, "WR"});
+  image.SetFreeRuns({{7, 100}});
+  image.WriteTo(folder_ / "x.dat");
+  const SbxResult result = RunSbx({"resize", folder_ / "x.dat", "2"});
+  EXPECT_EQ(result.Status, 0);
+  EXPECT_EQ(result.Err,
+            "x.dat: the map doesn't fit the new size, so the disc can't be changed before it is "
+            "repaired\n");
+  WriteText(folder_ / "new", std::string(200000, 'n'));
+  EXPECT_EQ(RunSbx({"add", folder_ / "x.dat", "$", folder_ / "new"}).Err,
+            "Cannot Change A Damaged Disc : $.LAST: overlaps free run 0\n");
+  EXPECT_EQ(ReadTree(ReadAll(folder_ / "x.dat")).Contents[0].Bytes, last);
 }
 
 TEST_F(WriteCommandsTest, OnAHardDiscWhatWasDoneBeforeARefusalStays) {

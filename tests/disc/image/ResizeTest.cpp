@@ -77,6 +77,32 @@ TEST_F(ResizeTest, ARunThatDoesNotReachTheEndGetsAWrongLength) {
   EXPECT_EQ(ReadFreeRuns(ReadAll(path))[0].Length, 5 + 4224);
 }
 
+TEST_F(ResizeTest, AMapThatDoesNotFitTheNewSizeIsToldAndKeepsChangesOut) {
+  ImageBuilder image(4224);
+  image.AddHole(100);
+  image.AddFile(2, {"LAST", Pattern(std::size_t{4224 - 107} * 256), 0, 0, "WR"});
+  image.SetFreeRuns({{7, 100}});
+  const std::string path = Make(image);
+  ResizeImageFile(disc_, path, 64, 4, 33);
+  EXPECT_EQ(host_.LogOf("note "),
+            std::vector<std::string>{"note x.dat: the map doesn't fit the new size, so the disc "
+                                     "can't be changed before it is repaired"});
+  const Bytes before = ReadAll(path);
+  host_.ExpectedMessages = {"Cannot Change A Damaged Disc : $.LAST: overlaps free run 0"};
+  EXPECT_EQ(Add("NEW", Bytes(200000)), Outcome::kRefused);
+  disc_.TheDisc.CloseFile();
+  EXPECT_EQ(ReadAll(path), before);
+}
+
+TEST_F(ResizeTest, ADiscThatFitsItsNewSizeGetsNoNote) {
+  ImageBuilder image(4224);
+  image.AddHole(100);
+  image.AddFile(2, {"A", Pattern(5000), 0, 0, "WR"});
+  const std::string path = Make(image);
+  for (const std::int32_t tracks : {64, 32, 16, 1024}) ResizeImageFile(disc_, path, tracks, 4, 33);
+  EXPECT_TRUE(host_.LogOf("note ").empty());
+}
+
 TEST_F(ResizeTest, ADamagedEndPointerStandsForAsManyRunsAsAnOpenDiscTakesFromIt) {
   for (const auto& [end, stretched] : {std::pair{4, 0}, std::pair{5, 1}, std::pair{7, 1}}) {
     SCOPED_TRACE(end);
