@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <map>
-#include <memory>
 #include <optional>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "disc/ask/BusyPointer.h"
@@ -16,7 +14,6 @@
 #include "disc/change/Change.h"
 #include "disc/change/DirectoryEdit.h"
 #include "disc/change/FreeMap.h"
-#include "disc/format/Names.h"
 
 namespace sectorbox {
 namespace {
@@ -25,19 +22,18 @@ using namespace format;
 
 // One file or directory.
 struct ObjectRecord {
-  std::int32_t Parent = 0;  // sector of the directory that holds the object's entry
+  std::int32_t Parent = 0;  // sector of the directory that lists the object
   std::int32_t Start = 0;
   std::int32_t Sectors = 0;
   // The parent that a directory names at its old place, if another one was written there meanwhile;
   // else -1.
   std::int32_t OldParent = -1;
-  std::int8_t Slot = -1;  // of the object's entry in Parent; -1 if it has to be looked for by Name
+  std::int8_t Slot = -1;  // of the object's entry in Parent
   bool IsFile = false;
   bool IsEmpty = false;  // a file of no bytes; the BBC gives it no sector
   bool HasMoved = false;
-  std::unique_ptr<const std::string> Name = nullptr;  // null if Slot is known
 };
-static_assert(sizeof(ObjectRecord) == 32, "there may be two million of them");
+static_assert(sizeof(ObjectRecord) == 20, "there may be two million of them");
 
 // Moving objects into a hole of this share of Disc::StepBytes saves more than the end of a part
 // costs.
@@ -49,6 +45,10 @@ constexpr std::int32_t kMoveSize = 1048576;
 // to a directory without its mark, or to its bounds. Nobody can tell what a directory without its
 // mark listed, and those objects would be written over. It also ends the walk if the objects need
 // more sectors than the disc has.
+//
+// Each object is known by the slot that lists it. What a directory says of its own name and parent
+// doesn't count, nor does it matter that two entries have one name: on a damaged disc an entry that
+// is looked for by these may be another one.
 class Collector : public DirectoryVisitor {
  public:
   explicit Collector(std::int32_t discSize) : room_(discSize - kRootSector) {}
@@ -58,24 +58,15 @@ class Collector : public DirectoryVisitor {
   Walk Enter(const WalkStep& at, const Directory& directory) override {
     room_ -= kDirSectors;
     if (!directory.HasMark() || !HasRoom()) return Walk::kStop;
-    // A directory's entry is looked for by the name and the parent that the directory itself holds.
-    // On a damaged disc these may differ from its entry.
-    ObjectRecord object{.Parent = directory.Parent(), .Start = at.Sector, .Sectors = kDirSectors};
-    std::string name = NameOf(at, directory);
-    const bool listedRight = at.Listed != nullptr && object.Parent == at.Parent->Sector &&
-                             FoldName(name) == FoldName(at.Listed->Name());
-    if (listedRight) {
-      object.Slot = FirstSlotOf(at.Listed->Name());
-    } else {
-      object.Name = std::make_unique<const std::string>(std::move(name));
-    }
-    Objects.push_back(std::move(object));
-    names_.emplace_back();
+    // The root comes first, and PlanMoves takes it away again.
+    Objects.push_back({.Parent = at.Parent == nullptr ? kRootSector : at.Parent->Sector,
+                       .Start = at.Sector,
+                       .Sectors = kDirSectors,
+                       .Slot = static_cast<std::int8_t>(at.Slot)});
     return Walk::kOn;
   }
 
-  Walk Meet(const WalkStep& at, std::int32_t, const Entry& entry) override {
-    names_.back().push_back(FoldName(entry.Name()));
+  Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) override {
     if (entry.IsDirectory()) return Walk::kOn;
     const bool isEmpty = entry.Length() == 0;
     if (!isEmpty) room_ -= entry.Sectors();
@@ -83,37 +74,21 @@ class Collector : public DirectoryVisitor {
     Objects.push_back({.Parent = at.Sector,
                        .Start = entry.Start(),
                        .Sectors = entry.Sectors(),
-                       .Slot = FirstSlotOf(entry.Name()),
+                       .Slot = static_cast<std::int8_t>(slot),
                        .IsFile = true,
                        .IsEmpty = isEmpty});
     return Walk::kOn;
   }
 
   Walk MeetAgain(const WalkStep&, bool) override { return Walk::kStop; }
-  void Leave(const WalkStep&) override { names_.pop_back(); }
 
  private:
-  static std::string NameOf(const WalkStep& at, const Directory& directory) {
-    const std::string name = directory.Name();
-    return name.empty() && at.Sector == kRootSector ? "$" : name;
-  }
-
-  // A search by name finds the first of two entries that have one name.
-  std::int8_t FirstSlotOf(const std::string& name) const {
-    const std::vector<std::string>& names = names_.back();
-    return static_cast<std::int8_t>(std::find(names.begin(), names.end(), FoldName(name)) -
-                                    names.begin());
-  }
-
   // False if the objects need more sectors than the disc has, so that some of them overlap.
   bool HasRoom() const {
     return room_ >= 0 && Objects.size() < static_cast<std::size_t>(kMaxObjects);
   }
 
   std::int64_t room_;  // sectors that the objects so far leave
-
-  // The folded names met so far in each directory that the walk is in, the top one first.
-  std::vector<std::vector<std::string>> names_;
 };
 
 // Here an empty file owns a sector. The BBC gives it none and may have left it at a place that
@@ -187,16 +162,7 @@ class Mover {
  public:
   Mover(Disc& disc, std::vector<ObjectRecord>& objects)
       : disc_(disc), objects_(objects), formerMap_(ReadMap(disc)), formerRuns_(FreeRuns(disc)) {
-    std::unordered_set<std::int32_t> directories = {kRootSector};
-    for (ObjectRecord& object : objects_) {
-      children_[object.Parent].push_back(&object);
-      if (!object.IsFile) directories.insert(object.Start);
-    }
-    // A damaged directory may name a sector inside a file as its parent. What is found there
-    // depends on how far the move has come, so then each entry is written at once.
-    oneByOne_ = !std::all_of(children_.begin(), children_.end(), [&](const auto& children) {
-      return directories.count(children.first) != 0;
-    });
+    for (ObjectRecord& object : objects_) children_[object.Parent].push_back(&object);
   }
 
   // Moves everything, and writes the map.
@@ -205,8 +171,7 @@ class Mover {
     for (ObjectRecord& object : objects_) {
       if (object.Start != next) {
         // An object without sectors of its own may lie where others have moved away.
-        const bool mayEnd = !oneByOne_ && object.Sectors > 0;
-        if (mayEnd && PartShouldEnd(object, next)) EndPart(next, object.Start);
+        if (object.Sectors > 0 && PartShouldEnd(object, next)) EndPart(next, object.Start);
         if (hole_.Length == 0) hole_ = {next, object.Start - next};
         Move(object, next);
       }
@@ -238,7 +203,6 @@ class Mover {
     object.Start = to;
     object.HasMoved = true;
     waiting_[object.Parent].push_back(&object);
-    if (oneByOne_) WriteEntries();
     if (object.IsFile) return;
     moves_[old] = to;
     const auto children = children_.find(old);
@@ -355,13 +319,7 @@ class Mover {
   // Only the start sectors are written, so nothing of the directory has to be read for them.
   void WriteEntries(std::int32_t sector, const std::vector<const ObjectRecord*>& objects) {
     Directory changed(Directory::Bytes{});
-    for (const ObjectRecord* object : objects) {
-      // A directory whose own name or parent disagrees with its entry isn't found, and that entry
-      // goes on pointing at the old place.
-      const std::int32_t slot =
-          object->Slot >= 0 ? object->Slot : FindEntry(disc_, sector, *object->Name);
-      if (slot >= 0) changed.SetStart(slot, object->Start);
-    }
+    for (const ObjectRecord* object : objects) changed.SetStart(object->Slot, object->Start);
     WriteDirectory(disc_, sector, changed);
   }
 
@@ -378,7 +336,6 @@ class Mover {
   // lists them.
   std::map<std::int32_t, std::vector<const ObjectRecord*>> waiting_;
   std::vector<std::uint8_t> part_;
-  bool oneByOne_ = false;
   // The map and the free list before the compaction.
   const MapSectors formerMap_;
   const std::vector<FreeRun> formerRuns_;

@@ -8,7 +8,9 @@ namespace sectorbox {
 
 inline constexpr const char* kCannotCompactMessage = "Cannot Compact A Damaged Disc";
 
-// Moves every object down to the lowest free place, so that one free run remains. Each
+// Moves every object down to the lowest free place, so that one free run remains. The entry that
+// lists an object follows it, also if another entry has the same name, and each directory names
+// the one that lists it as its parent then. Each
 // TrackedSector follows its directory, and the host learns of the moves through DirectoriesMoved.
 // A damaged disc stays as it is, and the user sees kCannotCompactMessage. A disc counts as damaged
 // if its directories lead in a circle or lack their mark, or if its objects overlap or need more

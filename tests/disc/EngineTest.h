@@ -95,9 +95,10 @@ class EngineTest : public ::testing::Test {
     return bytes;
   }
   // The free list, as a text such as "7+20 40+600": start and length of each run.
-  std::string Runs() {
+  std::string Runs() { return RunsOf(Image()); }
+  static std::string RunsOf(const Bytes& disc) {
     std::string text;
-    for (const FreeRun& run : ReadFreeRuns(Image())) {
+    for (const FreeRun& run : ReadFreeRuns(disc)) {
       text +=
           (text.empty() ? "" : " ") + std::to_string(run.Start) + "+" + std::to_string(run.Length);
     }
