@@ -69,11 +69,11 @@ int RunExport(const CommandLine& line) {
 
 bool DeletePath(Disc& disc, const CliHost& host, const std::string& path) {
   const PathTarget target = RequirePath(disc, path);
-  const Outcome outcome =
-      target.IsDirectory
-          ? DeleteTree(disc, target.DirSector, target.Sector, target.Name, host.DeleteLocked(),
-                       host.DeleteNonEmpty())
-          : DeleteEntry(disc, target.DirSector, target.Name, false, host.DeleteLocked());
+  const Outcome outcome = target.IsDirectory
+                              ? DeleteTree(disc, target.DirSector, target.Sector, target.Name,
+                                           host.DeleteLocked(), host.DeleteNonEmpty())
+                              : DeleteEntry(disc, target.DirSector, target.Name, false,
+                                            host.DeleteLocked(), target.Sector);
   return outcome == Outcome::kDone;
 }
 
@@ -91,8 +91,8 @@ int RunRename(const CommandLine& line) {
   line.Expect(3, 3);
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost& host) {
     const PathTarget target = RequireEntry(disc, line.Arguments[1]);
-    return RenameEntry(disc, line.Arguments[2], target.Name, target.DirSector,
-                       host.DeleteLocked()) == Outcome::kDone;
+    return RenameEntry(disc, line.Arguments[2], target.Name, target.DirSector, host.DeleteLocked(),
+                       target.Sector) == Outcome::kDone;
   });
 }
 
@@ -113,8 +113,8 @@ int RunAccess(const CommandLine& line) {
   const auto has = [&](char letter) { return letters.find(letter) != std::string::npos; };
   return RunWriting(line, line.Arguments[0], [&](Disc& disc, CliHost&) {
     const PathTarget target = RequireEntry(disc, line.Arguments[1]);
-    return SetEntryAttributes(disc, target.DirSector, target.Name, has('R'), has('W'), has('L')) ==
-           Outcome::kDone;
+    return SetEntryAttributes(disc, target.DirSector, target.Name, has('R'), has('W'), has('L'),
+                              target.Sector) == Outcome::kDone;
   });
 }
 
@@ -129,7 +129,8 @@ int RunAddress(const CommandLine& line) {
       host.ShowMessage(message);
       return false;
     }
-    return SetEntryAddresses(disc, target.DirSector, target.Name, load, exec) == Outcome::kDone;
+    return SetEntryAddresses(disc, target.DirSector, target.Name, load, exec, target.Sector) ==
+           Outcome::kDone;
   });
 }
 

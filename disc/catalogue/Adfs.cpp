@@ -19,8 +19,9 @@ std::string GetEntryAttributes(Disc& disc, std::int32_t dirSector, std::int32_t 
   return EntryAt(disc, dirSector, slot).Letters();
 }
 
-std::int32_t FindEntry(Disc& disc, std::int32_t dirSector, std::string_view name) {
-  return DirectoryAt(disc, dirSector).Find(name);
+std::int32_t FindEntry(Disc& disc, std::int32_t dirSector, std::string_view name,
+                       std::int32_t start) {
+  return DirectoryAt(disc, dirSector).Find(name, start);
 }
 
 std::int32_t GetEntrySector(Disc& disc, std::int32_t dirSector, std::string_view name) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "disc/format/Directory.h"
 #include "disc/store/Disc.h"
 
 // Single facts of a disc by sector and name. Nothing is cached: each call reads the store again.
@@ -19,8 +20,9 @@ namespace sectorbox {
 // The letters E, D, L, W, R in that order, one for each attribute of the entry that is set.
 [[nodiscard]] std::string GetEntryAttributes(Disc& disc, std::int32_t dirSector, std::int32_t slot);
 // Slot of the entry with that name, without regard to case, or -1. The search ends at the first
-// empty entry.
-[[nodiscard]] std::int32_t FindEntry(Disc& disc, std::int32_t dirSector, std::string_view name);
+// empty entry. start counts as in Directory::Find.
+[[nodiscard]] std::int32_t FindEntry(Disc& disc, std::int32_t dirSector, std::string_view name,
+                                     std::int32_t start = kAnyStart);
 // The 24-bit start sector of that entry, or -1.
 [[nodiscard]] std::int32_t GetEntrySector(Disc& disc, std::int32_t dirSector,
                                           std::string_view name);

@@ -55,7 +55,10 @@ class Deletion {
   Deletion(Disc& disc, bool ignoreLock)
       : disc_(disc), ignoreLock_(ignoreLock), owners_(disc), fileName_(disc.TheDisc.FileName()) {}
 
-  Outcome DeleteOne(std::int32_t dirSector, const std::string& name, bool isDir);
+  // Nothing happens if the directory at dirSector lists nothing of that name and kind, or, if
+  // wanted isn't kAnyStart, only directories that start elsewhere.
+  Outcome DeleteOne(std::int32_t dirSector, const std::string& name, bool isDir,
+                    std::int32_t wanted);
   // parentSector -1 keeps the directory itself.
   Outcome Tree(std::int32_t parentSector, std::int32_t dirSector, const std::string& name,
                bool deleteNonEmpty);
@@ -76,11 +79,16 @@ class Deletion {
   std::int32_t depth_ = 0;  // of the directory that is being emptied
 };
 
-Outcome Deletion::DeleteOne(std::int32_t dirSector, const std::string& name, bool isDir) {
+Outcome Deletion::DeleteOne(std::int32_t dirSector, const std::string& name, bool isDir,
+                            std::int32_t wanted) {
   EditedDirectory directory(disc_, dirSector);
-  const std::int32_t slot = directory.Now.Find(name);
+  const std::int32_t slot = directory.Now.Find(name, wanted);
   if (slot < 0) return Outcome::kDone;
   const Entry entry = directory.Now.At(slot);
+  // A file deleted as a directory, or the other way round, would lose its own sectors or those of
+  // its contents. A file's sector may be out of date: the caller's list hears of no compaction.
+  const bool isAnother = isDir && wanted != kAnyStart && entry.Start() != wanted;
+  if (entry.IsDirectory() != isDir || isAnother) return Outcome::kDone;
   if (!ignoreLock_ && entry.IsLocked()) {
     return Refuse(
         disc_,
@@ -102,7 +110,7 @@ Outcome Deletion::DeleteOne(std::int32_t dirSector, const std::string& name, boo
 }
 
 Outcome Deletion::FirstEntry(std::int32_t dirSector, const Entry& entry) {
-  if (!entry.IsDirectory()) return DeleteOne(dirSector, entry.Name(), false);
+  if (!entry.IsDirectory()) return DeleteOne(dirSector, entry.Name(), false, entry.Start());
   return Tree(dirSector, entry.Start(), entry.Name(), true);
 }
 
@@ -115,7 +123,9 @@ bool Deletion::GoesOnAfterEvents(const TrackedSector& parent, const TrackedSecto
   disc_.Host.PumpEvents();
   if (disc_.TheDisc.FileName() != fileName_) return false;
   if (parent == -1 || (disc_.Compactions == compactions && sequence() == before)) return true;
-  return GetEntrySector(disc_, parent, name) == dir;
+  const Directory listing = DirectoryAt(disc_, parent);
+  const std::int32_t slot = listing.Find(name, dir);
+  return slot >= 0 && listing.At(slot).Start() == dir;
 }
 
 Outcome Deletion::Contents(const TrackedSector& parent, const TrackedSector& dir,
@@ -145,15 +155,15 @@ Outcome Deletion::Tree(std::int32_t parentSector, std::int32_t dirSector, const 
     --depth_;
     if (outcome != Outcome::kDone) return outcome;
   }
-  return parent == -1 ? Outcome::kDone : DeleteOne(parent, name, true);
+  return parent == -1 ? Outcome::kDone : DeleteOne(parent, name, true, dir);
 }
 
 }  // namespace
 
 Outcome DeleteEntry(Disc& disc, std::int32_t dirSector, const std::string& name, bool isDir,
-                    bool ignoreLock) {
-  return InChange(disc,
-                  [&] { return Deletion(disc, ignoreLock).DeleteOne(dirSector, name, isDir); });
+                    bool ignoreLock, std::int32_t start) {
+  return InChange(
+      disc, [&] { return Deletion(disc, ignoreLock).DeleteOne(dirSector, name, isDir, start); });
 }
 
 Outcome DeleteTree(Disc& disc, std::int32_t parent, std::int32_t dirSector, const std::string& name,

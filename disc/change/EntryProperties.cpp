@@ -12,13 +12,13 @@ namespace {
 // The bytes of a name whose top bits are the attributes that a user can set.
 constexpr std::int32_t kAttributeBytes = 3;
 
-// Calls change with the entry of that name, gives the entry the directory's next sequence number,
-// and writes both. The changed entry; none if there is no entry of that name.
+// Calls change with the entry of that name and start, gives the entry the directory's next sequence
+// number, and writes both. The changed entry; none if there is no such entry.
 template <typename Change>
 std::optional<Entry> ChangeEntry(Disc& disc, std::int32_t dirSector, const std::string& name,
-                                 Change change) {
+                                 std::int32_t start, Change change) {
   EditedDirectory directory(disc, dirSector);
-  const std::int32_t slot = directory.Now.Find(name);
+  const std::int32_t slot = directory.Now.Find(name, start);
   if (slot < 0) return std::nullopt;
   Entry entry = directory.Now.At(slot);
   change(entry);
@@ -32,9 +32,9 @@ std::optional<Entry> ChangeEntry(Disc& disc, std::int32_t dirSector, const std::
 }  // namespace
 
 Outcome SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string& name, bool read,
-                           bool write, bool locked) {
+                           bool write, bool locked, std::int32_t start) {
   return InChange(disc, [&] {
-    const auto entry = ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
+    const auto entry = ChangeEntry(disc, dirSector, name, start, [&](Entry& changed) {
       changed.Set(Attribute::kRead, read);
       changed.Set(Attribute::kWrite, write);
       changed.Set(Attribute::kLocked, locked);
@@ -45,9 +45,9 @@ Outcome SetEntryAttributes(Disc& disc, std::int32_t dirSector, const std::string
 }
 
 Outcome SetEntryAddresses(Disc& disc, std::int32_t dirSector, const std::string& name,
-                          const std::string& load, const std::string& exec) {
+                          const std::string& load, const std::string& exec, std::int32_t start) {
   return InChange(disc, [&] {
-    (void)ChangeEntry(disc, dirSector, name, [&](Entry& changed) {
+    (void)ChangeEntry(disc, dirSector, name, start, [&](Entry& changed) {
       changed.SetExec(ParseAddress(exec));
       changed.SetLoad(ParseAddress(load));
     });

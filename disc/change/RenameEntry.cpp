@@ -8,9 +8,9 @@ namespace sectorbox {
 namespace {
 
 Outcome Rename(Disc& disc, const std::string& newName, const std::string& oldName,
-               std::int32_t dirSector, bool ignoreLock) {
+               std::int32_t dirSector, bool ignoreLock, std::int32_t start) {
   EditedDirectory directory(disc, dirSector);
-  const std::int32_t slot = directory.Now.Find(oldName);
+  const std::int32_t slot = directory.Now.Find(oldName, start);
   if (slot < 0) return Outcome::kRefused;
   Entry entry = directory.Now.At(slot);
   if (!ignoreLock && entry.IsLocked()) {
@@ -38,8 +38,9 @@ Outcome Rename(Disc& disc, const std::string& newName, const std::string& oldNam
 }  // namespace
 
 Outcome RenameEntry(Disc& disc, const std::string& newName, const std::string& oldName,
-                    std::int32_t dirSector, bool ignoreLock) {
-  return InChange(disc, [&] { return Rename(disc, newName, oldName, dirSector, ignoreLock); });
+                    std::int32_t dirSector, bool ignoreLock, std::int32_t start) {
+  return InChange(disc,
+                  [&] { return Rename(disc, newName, oldName, dirSector, ignoreLock, start); });
 }
 
 }  // namespace sectorbox

@@ -78,8 +78,10 @@ void Insert(Disc& disc, const IncomingFile& file, EditedDirectory& directory, st
 // After kReplaced the caller starts a new round, in which the old file's sectors are free.
 enum class Round { kAdded, kLeft, kReplaced };
 
-// One round: adds the file, or deletes the entry that has its name.
+// One round: adds the file, or deletes the entry that has its name. In the round after a deletion
+// another entry of that name may stand there, on a damaged disc. It stays.
 Outcome TryToAdd(Disc& disc, std::int32_t dir, const IncomingFile& file, Round& round) {
+  const bool hasReplaced = round == Round::kReplaced;
   if (FindFreeRun(disc, file.HostLength) < 0) return Refuse(disc, kNoSpaceMessage);
   const auto target = FindTarget(disc, dir, file);
   if (!target) return Outcome::kRefused;
@@ -90,7 +92,7 @@ Outcome TryToAdd(Disc& disc, std::int32_t dir, const IncomingFile& file, Round& 
   EditedDirectory directory(disc, *target);
   if (directory.Now.IsFull()) return Refuse(disc, "Directory Full");
   const Place place = directory.Now.FindPlace(file.Name);
-  if (!place.Taken) {
+  if (!place.Taken || hasReplaced) {
     Insert(disc, file, directory, place.Slot, run);
     round = Round::kAdded;
     return Outcome::kDone;
@@ -106,7 +108,7 @@ Outcome TryToAdd(Disc& disc, std::int32_t dir, const IncomingFile& file, Round& 
     return Outcome::kDone;
   }
   // Nothing is refused here, because the lock is ignored.
-  (void)DeleteEntry(disc, *target, file.Name, false, true);
+  (void)DeleteEntry(disc, *target, file.Name, false, true, former.Start());
   round = Round::kReplaced;
   return Outcome::kDone;
 }
@@ -125,20 +127,15 @@ Outcome AddIncoming(Disc& disc, std::int32_t dirSector, const IncomingFile& file
                           *other);
     return Outcome::kDone;
   }
-  // A sound directory holds a name once. In a damaged one each entry may have it, and each takes a
-  // round.
-  for (std::int32_t n = 0; n <= kEntryCount; ++n) {
-    Round round = Round::kLeft;
-    const Outcome outcome = TryToAdd(disc, dir, file, round);
-    if (outcome != Outcome::kDone) return outcome;
-    if (round == Round::kReplaced) continue;
-    if (round == Round::kAdded) {
-      walk.KeepAdded(SectorOfTarget(disc, dir, file), file.Name, file.HostPath);
-      ++walk.Added;
-    }
-    return Outcome::kDone;
+  Round round = Round::kLeft;
+  Outcome outcome = TryToAdd(disc, dir, file, round);
+  if (outcome == Outcome::kDone && round == Round::kReplaced) {
+    outcome = TryToAdd(disc, dir, file, round);
   }
-  return Outcome::kStopped;
+  if (outcome != Outcome::kDone || round != Round::kAdded) return outcome;
+  walk.KeepAdded(SectorOfTarget(disc, dir, file), file.Name, file.HostPath);
+  ++walk.Added;
+  return Outcome::kDone;
 }
 
 Outcome AddPlainFile(Disc& disc, std::int32_t dirSector, const std::string& path,

@@ -118,14 +118,19 @@ bool Directory::IsFull() const {
   return !At(kEntryCount - 1).IsUnused();
 }
 
-std::int32_t Directory::Find(std::string_view name) const {
+std::int32_t Directory::Find(std::string_view name, std::int32_t start) const {
   const std::string wanted = FoldName(name);
+  std::int32_t found = -1;
+  bool isAlone = true;
   for (std::int32_t slot = 0; slot < kEntryCount; ++slot) {
     const Entry entry = At(slot);
     if (entry.IsEmpty()) break;
-    if (FoldName(entry.Name()) == wanted) return slot;
+    if (FoldName(entry.Name()) != wanted) continue;
+    if (start == kAnyStart || entry.Start() == start) return slot;
+    isAlone = found < 0;
+    found = slot;
   }
-  return -1;
+  return isAlone ? found : -1;
 }
 
 Place Directory::FindPlace(std::string_view name) const {

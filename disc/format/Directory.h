@@ -20,6 +20,9 @@ struct Place {
   bool Taken = false;  // the entry there has that very name
 };
 
+// Stands for the start sector of an entry that is known by its name alone.
+inline constexpr std::int32_t kAnyStart = -1;
+
 // A whole directory as a value: 1280 bytes with a header, 47 slots for entries and a tail. A slot
 // is a number from 0 to 46. The list of entries ends at the first empty slot; the slots behind it
 // mean nothing, whatever they hold.
@@ -73,8 +76,10 @@ class Directory {
   [[nodiscard]] bool HasEntries() const;
   // True if slot 46 holds an entry. An entry whose name begins with a carriage return counts here.
   [[nodiscard]] bool IsFull() const;
-  // Slot of the first entry of that name, or -1. Names compare by FoldName.
-  [[nodiscard]] std::int32_t Find(std::string_view name) const;
+  // Slot of the first entry of that name, or -1. Names compare by FoldName. A damaged directory may
+  // list a name more than once: the entry that starts at sector start is meant then, and the slot
+  // is -1 if there is none. kAnyStart means the first one.
+  [[nodiscard]] std::int32_t Find(std::string_view name, std::int32_t start = kAnyStart) const;
   // Where an entry of that name belongs. Names compare by FoldName.
   [[nodiscard]] Place FindPlace(std::string_view name) const;
 

@@ -82,8 +82,8 @@ void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text)
   if (text.isEmpty() || panes_.CurrentDirNode() == nullptr) return;
   if (node.Parent() == nullptr) return;
   const std::string name = TypedToBbc(text);
-  if (RenameEntry(disc, name, node.Text(), node.Parent()->Tag,
-                  window_.Checked("mnuOptionsDelete")) == Outcome::kDone) {
+  if (RenameEntry(disc, name, node.Text(), node.Parent()->Tag, window_.Checked("mnuOptionsDelete"),
+                  node.Tag) == Outcome::kDone) {
     node.SetText(StoredName(name));
   }
   ShowFreeSpace(disc);

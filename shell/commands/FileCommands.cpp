@@ -53,12 +53,13 @@ FileCommands::Applied FileCommands::ApplyAttributes(int row) {
   Disc& disc = window_.OpenDisc();
   FileListModel& model = panes_.List().Model();
   const std::int32_t sector = panes_.CurrentSector();
-  const std::string name = model.Rows()[static_cast<std::size_t>(row)].Name();
+  const ListRow entry = model.Rows()[static_cast<std::size_t>(row)];
   const Outcome outcome =
-      SetEntryAttributes(disc, sector, name, attr_->AttrRead, attr_->AttrWrite, attr_->AttrLocked);
+      SetEntryAttributes(disc, sector, entry.Name(), attr_->AttrRead, attr_->AttrWrite,
+                         attr_->AttrLocked, entry.StartSector());
   // What was refused once is refused for every row.
   if (outcome != Outcome::kDone) return Applied::kNoEntry;
-  const std::int32_t slot = FindEntry(disc, sector, name);
+  const std::int32_t slot = FindEntry(disc, sector, entry.Name(), entry.StartSector());
   if (slot == -1) return Applied::kNoEntry;
   model.SetRow(row, ReadRow(disc, sector, slot));
   return Applied::kDone;
@@ -79,13 +80,14 @@ void FileCommands::ApplyAddresses(int row) {
   Disc& disc = window_.OpenDisc();
   FileListModel& model = panes_.List().Model();
   const std::int32_t sector = panes_.CurrentSector();
-  const std::string name = model.Rows()[static_cast<std::size_t>(row)].Name();
+  const ListRow entry = model.Rows()[static_cast<std::size_t>(row)];
   // After a refused OK the close box counts as accepted. The texts may be no addresses then, and
   // nothing is written.
   if (!CheckAddresses(addr_->LoadText, addr_->ExecText).empty()) return;
-  const Outcome outcome = SetEntryAddresses(disc, sector, name, addr_->LoadText, addr_->ExecText);
+  const Outcome outcome = SetEntryAddresses(disc, sector, entry.Name(), addr_->LoadText,
+                                            addr_->ExecText, entry.StartSector());
   if (outcome != Outcome::kDone) return;
-  const std::int32_t slot = FindEntry(disc, sector, name);
+  const std::int32_t slot = FindEntry(disc, sector, entry.Name(), entry.StartSector());
   if (slot == -1) return;
   model.SetRow(row, ReadRow(disc, sector, slot));
   ShowFreeSpace(disc);
@@ -105,7 +107,10 @@ void FileCommands::mnuFileDelete() {
     const ListRow entry = model.Rows()[static_cast<std::size_t>(row)];
     const bool ignoreLock = window_.Checked("mnuOptionsDelete");
     if (!entry.IsDirectory()) {
-      if (DeleteEntry(disc, directory, entry.Name(), false, ignoreLock) != Outcome::kDone) break;
+      if (DeleteEntry(disc, directory, entry.Name(), false, ignoreLock, entry.StartSector()) !=
+          Outcome::kDone) {
+        break;
+      }
       disc.Host.PumpEvents();
     } else {
       if (DeleteTree(disc, directory, entry.StartSector(), entry.Name(), ignoreLock,
@@ -145,12 +150,12 @@ void FileCommands::mnuFileExport() {
 void FileCommands::lvwDB_AfterLabelEdit(int row, const QString& text) {
   if (text.isEmpty() || panes_.CurrentItem() == nullptr) return;
   FileListModel& model = panes_.List().Model();
-  const std::string former = model.Rows()[static_cast<std::size_t>(row)].Name();
+  const ListRow former = model.Rows()[static_cast<std::size_t>(row)];
   const std::string name = TypedToBbc(text);
-  if (RenameEntry(window_.OpenDisc(), name, former, panes_.CurrentSector(),
-                  window_.Checked("mnuOptionsDelete")) == Outcome::kDone) {
+  if (RenameEntry(window_.OpenDisc(), name, former.Name(), panes_.CurrentSector(),
+                  window_.Checked("mnuOptionsDelete"), former.StartSector()) == Outcome::kDone) {
     // The row keeps its old sequence number until the list is filled again.
-    Entry renamed = model.Rows()[static_cast<std::size_t>(row)].Item;
+    Entry renamed = former.Item;
     renamed.Rename(name);
     model.SetRow(row, MakeRow(renamed));
   }

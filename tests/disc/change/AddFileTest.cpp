@@ -117,6 +117,38 @@ TEST_F(AddFileTest, ReplacingALockedFileWithoutTheOptionDoesNothingAndSaysSo) {
   EXPECT_EQ(Contents(2, "KEPT"), Pattern(9));
 }
 
+// On these damaged discs a directory lists a name twice.
+TEST_F(AddFileTest, OfTwoFilesOfOneNameOnlyTheFirstIsReplaced) {
+  for (const char* attr : {"WR", "LWR"}) {
+    SCOPED_TRACE(attr);
+    ImageBuilder image(640);
+    image.AddFile(2, {"A", Pattern(900, 1), 0, 0, "WR"});
+    image.AddFile(2, {"B", Pattern(900, 2), 0, 0, attr});
+    image.Poke(517 + 26, image.Peek(517));
+    Open(image);
+    host_.Overwrite = false;
+    EXPECT_EQ(Add("A", Pattern(500, 3)), Outcome::kDone);
+    const ReadObject root = Tree();
+    ASSERT_EQ(root.Contents.size(), 2U);
+    EXPECT_EQ(root.Contents[0].Bytes, Pattern(500, 3));
+    EXPECT_EQ(root.Contents[1].Bytes, Pattern(900, 2));
+  }
+}
+
+TEST_F(AddFileTest, AFileIsReplacedAndTheDirectoryOfItsNameStays) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(900, 1), 0, 0, "WR"});
+  image.AddFile(image.AddDirectory(2, "B"), {"F", Pattern(900, 2), 0, 0, "WR"});
+  image.Poke(517 + 26, image.Peek(517));
+  Open(image);
+  EXPECT_EQ(Add("A", Pattern(500, 3)), Outcome::kDone);
+  const ReadObject root = Tree();
+  ASSERT_EQ(root.Contents.size(), 2U);
+  EXPECT_EQ(root.Contents[0].Bytes, Pattern(500, 3));
+  ASSERT_EQ(root.Contents[1].Contents.size(), 1U);
+  EXPECT_EQ(root.Contents[1].Contents[0].Bytes, Pattern(900, 2));
+}
+
 TEST_F(AddFileTest, AFileThatTellsItIsEmptyIsAddedWithItsBytes) {
   const std::string path = "/proc/self/comm";
   if (!std::filesystem::exists(path)) GTEST_SKIP() << "no /proc on this machine";

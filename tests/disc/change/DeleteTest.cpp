@@ -57,6 +57,78 @@ TEST_F(DeleteTest, LockedEntriesAreRefusedUnlessTheLockIsIgnored) {
   EXPECT_EQ(Runs(), "7+633");
 }
 
+// A damaged directory may list a name twice.
+class RepeatedNameTest : public DeleteTest {
+ protected:
+  // The root lists a file A of zeros and two directories A, each with a file F.
+  void OpenRepeated() {
+    ImageBuilder image(640);
+    image.AddFile(2, {"A", Bytes(900), 0, 0, "WR"});
+    for (int i = 0; i < 2; ++i) {
+      dirs_[i] = image.AddDirectory(2, i == 0 ? "B" : "C");
+      image.AddFile(dirs_[i], {"F", Pattern(900, static_cast<unsigned>(i)), 0, 0, "WR"});
+      image.Poke(517 + 26 * (i + 1), image.Peek(517));
+    }
+    Open(image);
+    ASSERT_EQ(Names(2), "A A A");
+  }
+
+  std::int32_t dirs_[2] = {};
+};
+
+TEST_F(RepeatedNameTest, TheDirectoryThatIsMeantGoesAndNoFileOrDirectoryOfItsName) {
+  for (const int which : {0, 1}) {
+    OpenRepeated();
+    EXPECT_EQ(DeleteTree(disc_, 2, dirs_[which], "A", false, true), Outcome::kDone);
+    const ReadObject root = Tree();
+    ASSERT_EQ(root.Contents.size(), 2U);
+    EXPECT_EQ(root.Contents[0].Bytes, Bytes(900));
+    ASSERT_EQ(root.Contents[1].Contents.size(), 1U);
+    EXPECT_EQ(root.Contents[1].Contents[0].Bytes, Pattern(900, which == 0 ? 1 : 0));
+    EXPECT_EQ(FreeSectors(disc_), 640 - 7 - 4 - 9);
+  }
+}
+
+TEST_F(RepeatedNameTest, AFileIsNoDirectoryAndADirectoryNoFile) {
+  ImageBuilder image(640);
+  const auto dir = image.AddDirectory(2, "A");
+  image.AddFile(dir, {"F", Pattern(900), 0, 0, "WR"});
+  image.AddFile(2, {"Z", Bytes(900), 0, 0, "WR"});
+  Open(image);
+  const Bytes before = Image();
+  EXPECT_EQ(DeleteEntry(disc_, 2, "A", false, true), Outcome::kDone);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "Z", true, true), Outcome::kDone);
+  EXPECT_EQ(Image(), before);
+}
+
+// The list of the window may show sectors from before a compaction.
+TEST_F(RepeatedNameTest, AFileThatIsAloneWithItsNameIsFoundWhereverItStarts) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(900), 0, 0, "WR"});
+  Open(image);
+  EXPECT_EQ(DeleteEntry(disc_, 2, "A", false, false, 100), Outcome::kDone);
+  EXPECT_EQ(Names(2), "");
+}
+
+TEST_F(RepeatedNameTest, EachChangeGoesToTheEntryThatIsMeant) {
+  ImageBuilder image(640);
+  image.AddFile(2, {"A", Pattern(900, 1), 0, 0, "WR"});
+  const auto second = image.AddFile(2, {"B", Pattern(900, 2), 0, 0, "WR"});
+  image.Poke(517 + 26, image.Peek(517));
+  Open(image);
+  EXPECT_EQ(SetEntryAddresses(disc_, 2, "A", "00001900", "00008023", second), Outcome::kDone);
+  EXPECT_EQ(SetEntryAttributes(disc_, 2, "A", true, false, false, second), Outcome::kDone);
+  EXPECT_EQ(RenameEntry(disc_, "Q", "A", 2, false, second), Outcome::kDone);
+  EXPECT_EQ(Names(2), "A Q");
+  EXPECT_EQ(Contents(2, "A"), Pattern(900, 1));
+  EXPECT_EQ(Contents(2, "Q"), Pattern(900, 2));
+  EXPECT_EQ(Load(2, "A"), 0U);
+  EXPECT_EQ(Load(2, "Q"), 0x1900U);
+  EXPECT_EQ(Attr(2, "A"), "WR");
+  EXPECT_EQ(Attr(2, "Q"), "R");
+  EXPECT_EQ(Faults(), std::vector<std::string>());
+}
+
 TEST_F(DeleteTest, TheLockIsReportedBeforeTheContents) {
   ImageBuilder image(640);
   image.AddFile(image.AddDirectory(2, "DIR", "LWR"), {"X", {}, 0, 0, "WR"});

@@ -103,6 +103,28 @@ TEST_F(FileCommandsTest, ARowThatIsClickedDuringADeleteIsKept) {
   EXPECT_EQ(window_->CurrentItem()->Name(), "GAMMA");
 }
 
+// The disc is damaged: three entries have one name.
+TEST_F(FileCommandsTest, OfRowsWithOneNameTheSelectedOneIsDeleted) {
+  ImageBuilder image(2560);
+  image.AddFile(image.AddDirectory(2, "A"), {"INSIDE", {1}});
+  const auto second = image.AddFile(2, {"B", {2}});
+  const auto third = image.AddFile(2, {"C", {3}});
+  image.Poke(517 + 26, image.Peek(517));
+  image.Poke(517 + 52, image.Peek(517));
+  StartWith(image);
+  FileList& list = window_->ThePanes().List();
+  ASSERT_EQ(list.Model().Rows()[1].StartSector(), second);
+  list.selectionModel()->setCurrentIndex(
+      list.Model().index(1, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  Settle();
+  Choose("mnuFileDelete");
+  const auto rows = ReadRows(*disc_, 2);
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_TRUE(rows[0].IsDirectory());
+  EXPECT_EQ(ReadRows(*disc_, rows[0].StartSector()).size(), 1U);
+  EXPECT_EQ(rows[1].StartSector(), third);
+}
+
 TEST_F(FileCommandsTest, NothingSelectedDeletesNothing) {
   StartWith(image_);
   window_->ThePanes().List().clearSelection();
