@@ -39,6 +39,7 @@ const std::map<std::string, std::map<std::string, std::set<std::string>>> kInner
          {"catalogue", {"ask", "format", "store"}},
          {"change", {"ask", "format", "store", "catalogue"}},
          {"exchange", {"ask", "host", "format", "store", "catalogue", "change"}},
+         {"undo", {"host", "medium", "store", "catalogue", "change"}},
          {"image", {"ask", "host", "format", "medium", "store", "catalogue"}},
          {"health", {"ask", "host", "format", "medium", "store", "catalogue"}},
      }},

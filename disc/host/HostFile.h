@@ -115,8 +115,11 @@ class RandomAccessFile {
   // Closes what was open before, as the destructor does, then opens path. HostError if the host
   // refuses; no file is open then.
   void Open(const std::string& path, FileAccess access);
+  // Opens a new, empty file for reading and writing, which has no name in the folder and ends when
+  // it is closed, however the program ends. HostError if the host refuses; no file is open then.
+  void OpenNameless(const std::string& folder);
   [[nodiscard]] bool IsOpen() const { return file_.IsOpen(); }
-  // The path as it was given to Open.
+  // The path as it was given to Open; the folder of a file without a name.
   [[nodiscard]] const std::string& Path() const { return path_; }
   // Why the file could be opened only for reading: the host's error number (errno). 0 if it can be
   // written.
@@ -140,6 +143,8 @@ class RandomAccessFile {
   void SetNote(const std::string& text);
   // The text; empty if there is none.
   [[nodiscard]] std::string Note() const;
+  // Cuts a file that is longer. HostError on failure.
+  void Cut(std::uint64_t length);
   // Closes the file; nothing happens if none is open. HostError if the host reports then that a
   // write has failed; the file is closed all the same.
   void Close();

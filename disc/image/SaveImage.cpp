@@ -281,6 +281,7 @@ void SaveDatImage(Disc& disc, const std::string& fileName, bool wholeCard) {
       });
   // An aborted save leaves a short file. But the file of the open disc itself isn't replaced by a
   // short one: the disc would be lost.
+  if (whole && overItself) disc.TheDisc.TellCut(SectorOffset(sectors));
   if (whole || !overItself) CloseSaved(disc, output);
   progress.Close();
   // The next access opens the file of the store's name again, which is now the new one.

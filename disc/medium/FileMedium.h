@@ -16,7 +16,7 @@ namespace sectorbox {
 void RequireNoJournal(const std::string& path);
 
 // A hard disc image (.dat): a flat file of 256-byte sectors that is read and written in place. It
-// grows when a block beyond its end is written, and is never cut.
+// grows when a block beyond its end is written.
 class FileMedium final : public Medium {
  public:
   // A file that doesn't exist is created. A file that the host lets us only read is opened for
@@ -28,6 +28,7 @@ class FileMedium final : public Medium {
   [[nodiscard]] std::size_t ReadRun(std::int64_t offset, std::span<std::uint8_t> bytes) override;
   [[nodiscard]] std::size_t WriteRun(std::int64_t offset,
                                      std::span<const std::uint8_t> bytes) override;
+  void Cut(std::int64_t length) override { file_.Cut(static_cast<std::uint64_t>(length)); }
   void Sync() override { file_.Sync(); }
   // Beside the file, with "-journal" behind its name. If no file can be made there, in the user's
   // state folder, with the file's identity in its name.

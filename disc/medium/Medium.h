@@ -65,6 +65,9 @@ class Medium {
   // Writes a front part of bytes in the same way. The part consists of whole blocks.
   [[nodiscard]] virtual std::size_t WriteRun(std::int64_t offset,
                                              std::span<const std::uint8_t> bytes);
+  // Cuts off what lies at this offset of the disc or behind it, where the medium has an end that
+  // moves. HostError if the host fails.
+  virtual void Cut(std::int64_t length) { (void)length; }
   // Returns when everything that was written is safe on the medium. HostError if the host fails.
   virtual void Sync() {}
   // Where the journal of a change to this medium is kept; null if changes to it need none. The

@@ -36,6 +36,7 @@ void DiscImg::OpenFile(const std::string& fileName, DiscType type, std::int32_t 
   OpenMedium(KindOf(type), isPartition ? MediumRequest{fileName, {}, tracks}
                                        : MediumRequest{fileName, {tracks, heads, sectors}, 0});
   lock_.NoteOpening(medium_->HostPath(), !InMemory() && !isPartition);
+  if (watcher_ != nullptr) watcher_->DiscOpened();
 }
 
 void DiscImg::OpenMedium(const MediumKind& kind, const MediumRequest& request) {
@@ -130,17 +131,33 @@ void DiscImg::BeginChange(std::vector<FreeRun> free) {
 
 void DiscImg::CommitChange() {
   old_.End();
-  if (!held_.IsActive() || held_.IsSealed()) return;
-  blocks_.WriteBack();
-  held_.Commit(*medium_, request_.Name);
+  if (!held_.IsActive() || held_.IsSealed()) {
+    TellEnd(true);
+    return;
+  }
+  try {
+    blocks_.WriteBack();
+    held_.Commit(*medium_, request_.Name);
+  } catch (const HostError&) {
+    if (held_.IsSealed()) TellEnd(true);
+    throw;
+  }
+  TellEnd(true);
+}
+
+void DiscImg::TellEnd(bool isMade) noexcept {
+  if (watcher_ != nullptr) watcher_->ChangeEnded(isMade);
 }
 
 void DiscImg::DropChange() noexcept {
   if (old_.IsActive()) old_.Restore(memory_);
   old_.End();
-  if (!held_.IsActive() || held_.IsSealed()) return;
-  blocks_.Empty();
-  held_.Drop();
+  if (held_.IsSealed()) return;
+  if (held_.IsActive()) {
+    blocks_.Empty();
+    held_.Drop();
+  }
+  TellEnd(false);
 }
 
 void DiscImg::Recover() {
@@ -155,7 +172,7 @@ void DiscImg::Recover() {
   bool isUnplaced = false;
   for (const auto& journal : journals) {
     const JournalEnd end = FinishJournal(*journal, *medium_);
-    TellEnd(end);
+    TellJournalEnd(end);
     isUnplaced = isUnplaced || end == JournalEnd::kUnplaced;
   }
   if (noted.empty() || isUnplaced) return;
@@ -166,7 +183,7 @@ void DiscImg::Recover() {
   medium_->NoteJournal(false);
 }
 
-void DiscImg::TellEnd(JournalEnd end) {
+void DiscImg::TellJournalEnd(JournalEnd end) {
   switch (end) {
     case JournalEnd::kFinished:
       status_.Note(request_.Name + ": a change that was interrupted has been finished");
@@ -243,6 +260,7 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
     bytes = medium_->Storable(offset, bytes);
     lock_.NoteWrite();
   }
+  if (watcher_ != nullptr) watcher_->BytesWillChange(offset, bytes.size());
   while (!bytes.empty()) {
     const bool holds = Holds(offset);
     std::size_t size = holds && !InMemory() ? blocks_.StoreRun(offset, bytes) : 0;
@@ -261,6 +279,28 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
   }
 }
 
+bool DiscImg::FetchToKeep(std::int64_t offset, std::span<std::uint8_t> bytes) {
+  const std::int32_t former = medium_ == nullptr ? 0 : medium_->ReadFaults();
+  FetchBytes(offset, bytes);
+  const std::int32_t faults = medium_ == nullptr ? 0 : medium_->ReadFaults() - former;
+  held_.ForgiveReads(faults);
+  return faults == 0;
+}
+
+void DiscImg::Cut(std::int64_t length) {
+  if (InMemory() || IsChanging() || !ReadyForBlocks()) return;
+  blocks_.WriteBack();
+  blocks_.Empty();
+  medium_->Cut(length);
+  lock_.NoteWrite();
+}
+
+void DiscImg::TellCut(std::int64_t length) {
+  const std::int64_t end = EndOfData();
+  if (watcher_ == nullptr || InMemory() || end <= length) return;
+  watcher_->BytesWillVanish(length, static_cast<std::size_t>(end - length));
+}
+
 void DiscImg::ClearCFSector() {
   transfer_.fill(0);
 }
@@ -268,6 +308,7 @@ void DiscImg::ClearCFSector() {
 void DiscImg::WriteCFSector(std::int32_t sector, std::int32_t secs) {
   const std::int32_t count = std::clamp(secs, 0, kTransferSectors);
   if (medium_ == nullptr) return;
+  if (watcher_ != nullptr) watcher_->DeviceWritten();
   medium_->WriteDeviceSectors(sector, std::span(transfer_).first(static_cast<std::size_t>(count) *
                                                                  CardMedium::kDeviceSector));
 }

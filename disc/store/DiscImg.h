@@ -11,6 +11,7 @@
 #include "disc/medium/DiscBytes.h"
 #include "disc/medium/Medium.h"
 #include "disc/medium/MediumKinds.h"
+#include "disc/store/DiscWatcher.h"
 #include "disc/store/HeldBlocks.h"
 #include "disc/store/ImageLock.h"
 #include "disc/store/OldBytes.h"
@@ -100,6 +101,19 @@ class DiscImg final : public DiscBytes {
   // Bytes that the running change holds; 0 for a disc in memory.
   [[nodiscard]] std::size_t HeldBytes() const { return held_.Bytes(); }
 
+  // --- What happened before --------------------------------------------------------------------
+  // Tells watcher from now on what happens to the bytes; null tells nobody. watcher outlives the
+  // store, or is taken away before.
+  void Watch(DiscWatcher* watcher) { watcher_ = watcher; }
+  // FetchBytes for a watcher in the middle of a change. False if something can't be read; the
+  // change may go on all the same.
+  [[nodiscard]] bool FetchToKeep(std::int64_t offset, std::span<std::uint8_t> bytes);
+  // The file of a .dat ends at this offset again, at which nothing of the disc is in use. Nothing
+  // happens to other kinds, and while a change runs. HostError if the host fails.
+  void Cut(std::int64_t length);
+  // A save is about to leave out what lies at this offset or behind it.
+  void TellCut(std::int64_t length);
+
   // How many times a disc has been opened here.
   [[nodiscard]] std::int64_t Openings() const { return openings_; }
 
@@ -159,7 +173,9 @@ class DiscImg final : public DiscBytes {
   // Finishes or drops a change that an earlier program began.
   void Recover();
   // Tells the user what has become of the journal of an earlier program.
-  void TellEnd(JournalEnd end);
+  void TellJournalEnd(JournalEnd end);
+  // Tells the watcher that the change has become safe, or was dropped.
+  void TellEnd(bool isMade) noexcept;
   // How many of want bytes from offset on lie together: in one block, in the image in memory, or
   // outside the disc.
   [[nodiscard]] std::size_t TogetherAt(std::int64_t offset, std::size_t want) const;
@@ -184,6 +200,7 @@ class DiscImg final : public DiscBytes {
   OldBytes old_;
   TwoBlocks blocks_{held_};
   std::int64_t openings_ = 0;
+  DiscWatcher* watcher_ = nullptr;
   ImageLock lock_;
 };
 

@@ -43,6 +43,9 @@ class HeldBlocks {
   // Ends a sealed change whose blocks can't be put in place. Its journal stays: whoever opens the
   // disc again finishes the change.
   void LeaveJournal() { End(); }
+  // So many of the medium's faults since the change began come from reading what the change doesn't
+  // need.
+  void ForgiveReads(std::int32_t faults) { formerFaults_ += faults; }
   [[nodiscard]] bool IsActive() const { return active_; }
   // The journal is whole: the change has happened, even if its blocks aren't in place yet.
   [[nodiscard]] bool IsSealed() const { return sealed_; }

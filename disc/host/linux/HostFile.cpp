@@ -15,6 +15,8 @@
 #include <memory>
 
 #include "disc/host/HostError.h"
+#include "disc/host/HostPath.h"
+#include "disc/host/TemporaryFiles.h"
 
 namespace sectorbox {
 namespace {
@@ -79,6 +81,24 @@ void RandomAccessFile::Open(const std::string& path, FileAccess access) {
   }
   if (number < 0) ThrowHostError(path, errno);
   file_ = OpenFileNumber(number);
+}
+
+void RandomAccessFile::OpenNameless(const std::string& folder) {
+  (void)file_.Close();
+  path_ = folder;
+  writeError_ = 0;
+  std::string name = JoinHostPath(folder, "sectorbox-XXXXXX");
+  OpenFileNumber file(CreateTemporaryFile(name));
+  if (!file.IsOpen()) ThrowHostError(folder, errno);
+  const int error = ::unlink(name.c_str()) == 0 ? 0 : errno;
+  ForgetTemporaryFile(name);
+  if (error != 0) ThrowHostError(folder, error);
+  file_ = std::move(file);
+}
+
+void RandomAccessFile::Cut(std::uint64_t length) {
+  if (Length() <= length) return;
+  if (::ftruncate(file_.Get(), static_cast<off_t>(length)) != 0) ThrowHostError(path_, errno);
 }
 
 std::size_t RandomAccessFile::ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
