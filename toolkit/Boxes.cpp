@@ -1,5 +1,7 @@
 #include "toolkit/Boxes.h"
 
+#include <QCloseEvent>
+#include <QKeyEvent>
 #include <QMessageBox>
 
 #include "toolkit/Captions.h"
@@ -21,6 +23,18 @@ QMessageBox::Icon IconOf(BoxIcon icon) {
   return QMessageBox::NoIcon;
 }
 
+// Only its buttons close it.
+class ChoiceBox : public QMessageBox {
+ public:
+  using QMessageBox::QMessageBox;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (!event->matches(QKeySequence::Cancel)) QMessageBox::keyPressEvent(event);
+  }
+  void closeEvent(QCloseEvent* event) override { event->ignore(); }
+};
+
 }  // namespace
 
 void ShowBox(QWidget* parent, const QString& text, const QString& title, BoxIcon icon) {
@@ -32,10 +46,10 @@ void ShowBox(QWidget* parent, const QString& text, const QString& title, BoxIcon
 }
 
 bool AskYesNoBox(QWidget* parent, const QString& text, const QString& title) {
-  QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, parent);
+  ChoiceBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No, parent);
   box.setTextFormat(Qt::PlainText);
   box.setDefaultButton(QMessageBox::Yes);
-  box.setEscapeButton(QMessageBox::No);
+  box.setWindowFlag(Qt::WindowCloseButtonHint, false);
   MakeRoomForCaption(box);
   return box.exec() == QMessageBox::Yes;
 }

@@ -1,9 +1,11 @@
 #include <QFile>
+#include <QTest>
 #include <QTimer>
 #include <stdexcept>
 
 #include "disc/change/Mutation.h"
 #include "disc/host/HostError.h"
+#include "disc/host/HostFile.h"
 #include "tests/support/WindowFixture.h"
 #include "toolkit/Text.h"
 
@@ -87,6 +89,23 @@ TEST_F(ExitTest, ChangesAreAskedAboutOnceAndNoLosesThem) {
   window_->close();
   EXPECT_EQ(ends_, std::vector<int>{0});
   EXPECT_EQ(ReadAll(folder_ / "test.adl"), before);
+}
+
+// A key that is pressed in passing must not cost the changes.
+TEST_F(ExitTest, NeitherEscapeNorTheFrameOfTheBoxAnswersTheQuestion) {
+  Start();
+  ASSERT_TRUE(NewDirectory(*disc_, 2, "DIR").has_value());
+  player_.Expect([](QWidget& dialog) {
+    EXPECT_FALSE(dialog.windowFlags().testFlag(Qt::WindowCloseButtonHint));
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    EXPECT_TRUE(dialog.isVisible());
+    dialog.close();
+    EXPECT_TRUE(dialog.isVisible());
+    qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::Yes)->click();
+  });
+  player_.ExpectFileDialog(folder_ / "saved.adl");
+  Choose("mnuDiscClose");
+  EXPECT_TRUE(HostFileExists(folder_ / "saved.adl"));
 }
 
 TEST_F(ExitTest, TheExitEntryAsksOnceToo) {
