@@ -36,6 +36,7 @@ frmCF::frmCF(QWidget* parent, Disc& disc, CardDrives& drives)
 }
 
 void frmCF::mnuOK_Click() {
+  if (!HasChoice()) return;
   TakeChoice();
   accept();
 }

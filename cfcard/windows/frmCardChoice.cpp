@@ -40,14 +40,17 @@ frmCardChoice::~frmCardChoice() {
 }
 
 void frmCardChoice::ScanCFCards() {
+  const QString chosen = cmbCFCard_->currentText();
   cmbCFCard_->setEnabled(false);
   cmbCFCard_->clear();
   ReadCardFiles(drives_);
   const CardScan scan = sectorbox::ScanCFCards(disc_, drives_, includeNonADFS_);
   for (const std::string& row : scan.Rows) cmbCFCard_->addItem(FromBbc(row));
-  // No row is chosen for the user. Ok on a row that merely happens to be the first could destroy a
-  // card.
-  cmbCFCard_->setCurrentIndex(-1);
+  // No row is chosen for the user, apart from the one that the user has chosen before. Ok on a row
+  // that merely happens to be the first could destroy a card.
+  cmbCFCard_->setCurrentIndex(
+      chosen.isEmpty() ? -1
+                       : cmbCFCard_->findText(chosen, Qt::MatchExactly | Qt::MatchCaseSensitive));
   if (scan.Rows.empty()) return;
   cmbCFCard_->setEnabled(true);
   lblCFCard_->setText(FromBbc(kSelectCardText));
@@ -56,6 +59,12 @@ void frmCardChoice::ScanCFCards() {
 void frmCardChoice::chkNonADFS_Click() {
   includeNonADFS_ = chkNonADFS_->isChecked();
   ScanCFCards();
+}
+
+bool frmCardChoice::HasChoice() {
+  if (!cmbCFCard_->isEnabled() || cmbCFCard_->currentIndex() >= 0) return true;
+  cmbCFCard_->setFocus();
+  return false;
 }
 
 bool frmCardChoice::TakeChoice() {

@@ -23,11 +23,14 @@ class frmCardChoice : public QDialog {
   // Fills the list and puts the finished dialog in its place. Each dialog calls it at the end of
   // its constructor.
   void Load();
-  // Looks at every drive and fills the list. The row that was chosen before isn't chosen any more.
+  // Looks at every drive and fills the list. The row that was chosen before stays chosen if the
+  // list still has it.
   void ScanCFCards();
+  // What Ok asks first. If the list has rows and none is chosen, the list gets the focus, and the
+  // dialog has to stay open: the result is false.
+  [[nodiscard]] bool HasChoice();
   // Takes the chosen row: ImageName names it and ProgressRunning is set. If the list has no rows,
-  // ProgressRunning is cleared. If it has rows and none is chosen, ImageName becomes a lone comma,
-  // which no open can use. True if the list has rows.
+  // ProgressRunning is cleared. True if the list has rows.
   bool TakeChoice();
   // For work that uses the store from now on: the user can't start a scan any more, neither with a
   // row or a tick nor with a drop.

@@ -69,6 +69,7 @@ void frmFormatCF::Arrange() {
 }
 
 void frmFormatCF::btnOK_Click() {
+  if (!HasChoice()) return;
   if (TakeChoice()) {
     FormatCFDisc(disc_, *this, ToBbc(cmbCapacity_->currentText()), chkQuick_->isChecked());
   }

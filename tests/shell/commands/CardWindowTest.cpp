@@ -92,7 +92,6 @@ TEST_F(CardWindow, TheTickBringsInWhatIsNotOfAdfs) {
     In<QCheckBox>(dialog, "chkNonADFS").click();
     EXPECT_EQ(Rows(dialog), QStringList({QStringLiteral("C: - Partition 0"),
                                          QStringLiteral("C: - Non ADFS Partition 1")}));
-    EXPECT_EQ(In<QComboBox>(dialog, "cmbCFCard").currentIndex(), -1);
     In<QCheckBox>(dialog, "chkNonADFS").click();
     EXPECT_EQ(Rows(dialog).size(), 1);
     In<QPushButton>(dialog, "mnuCancel").click();
@@ -101,12 +100,37 @@ TEST_F(CardWindow, TheTickBringsInWhatIsNotOfAdfs) {
   ExpectBlank();
 }
 
-TEST_F(CardWindow, OkWithoutAChosenRowEndsOnTheBlankImage) {
+TEST_F(CardWindow, TheChosenRowStaysChosenWhenTheTickChangesAndTheListStillHasIt) {
   StartWithCard(DiscWithAFile());
-  ExpectChoice(-1);
+  player_.Expect([](QWidget& dialog) {
+    auto& list = In<QComboBox>(dialog, "cmbCFCard");
+    list.setCurrentIndex(0);
+    In<QCheckBox>(dialog, "chkNonADFS").click();
+    EXPECT_EQ(list.currentText(), QStringLiteral("C: - Partition 0"));
+    list.setCurrentIndex(1);
+    In<QCheckBox>(dialog, "chkNonADFS").click();
+    EXPECT_EQ(list.currentIndex(), -1) << "the chosen row has left the list";
+    In<QCheckBox>(dialog, "chkNonADFS").click();
+    EXPECT_EQ(list.currentIndex(), -1);
+    In<QPushButton>(dialog, "mnuCancel").click();
+  });
   Choose("mnuCFCardOpen");
   ExpectBlank();
-  EXPECT_EQ(Panel(2), QStringLiteral(",: can't be opened: No such device"));
+}
+
+TEST_F(CardWindow, OkWithoutAChosenRowLeavesTheDialogOpenWithTheFocusOnTheList) {
+  StartWithCard(DiscWithAFile());
+  player_.Expect([](QWidget& dialog) {
+    In<QPushButton>(dialog, "mnuOK").setFocus();
+    In<QPushButton>(dialog, "mnuOK").click();
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.focusWidget(), &In<QComboBox>(dialog, "cmbCFCard"));
+    EXPECT_TRUE(In<QPushButton>(dialog, "mnuOK").isEnabled());
+    In<QPushButton>(dialog, "mnuCancel").click();
+  });
+  Choose("mnuCFCardOpen");
+  ExpectBlank();
+  EXPECT_EQ(Panel(2), QStringLiteral("$"));
 }
 
 TEST_F(CardWindow, CancelAndTheCloseBoxLeaveTheBlankImage) {
@@ -166,11 +190,15 @@ TEST_F(CardWindow, OkInTheFormatDialogWithoutACardIsCancel) {
   EXPECT_EQ(Panel(2), QStringLiteral("$"));
 }
 
-TEST_F(CardWindow, OkInTheFormatDialogWithoutAChosenRowWritesNothing) {
+TEST_F(CardWindow, OkInTheFormatDialogWithoutAChosenRowWritesNothingAndStays) {
   StartWithCard(DiscWithAFile());
   player_.Expect([](QWidget& dialog) {
     EXPECT_EQ(In<QComboBox>(dialog, "cmbCFCard").currentIndex(), -1);
     In<QPushButton>(dialog, "btnOK").click();
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(dialog.focusWidget(), &In<QComboBox>(dialog, "cmbCFCard"));
+    EXPECT_TRUE(In<QPushButton>(dialog, "btnOK").isEnabled());
+    In<QPushButton>(dialog, "btnCancel").click();
   });
   Choose("mnuCFFormat");
   ExpectBlank();
