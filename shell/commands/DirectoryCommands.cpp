@@ -37,7 +37,7 @@ void DirectoryCommands::mnuDirectoryNew() {
   DirNode* node = panes_.AddNode(kNewName, *sector);
   panes_.GetRootTitles();
   panes_.Tree().setFocus();
-  panes_.Tree().editItem(node, 0);
+  panes_.Tree().EditName(*node);
 }
 
 // The node is removed even if the engine has refused. The user then brings it back with F5 on the
@@ -57,8 +57,9 @@ void DirectoryCommands::mnuDirectoryDelete() {
 void DirectoryCommands::mnuDirectoryRename() {
   DirNode* node = panes_.CurrentDirNode();
   if (node == nullptr || node->Tag == format::kRootSector) return;
+  if (panes_.Tree().IsEditing()) return;
   panes_.Tree().setFocus();
-  panes_.Tree().editItem(node, 0);
+  panes_.Tree().EditName(*node);
 }
 
 void DirectoryCommands::mnuDirectoryExport() {

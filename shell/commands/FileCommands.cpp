@@ -125,7 +125,7 @@ void FileCommands::mnuFileDelete() {
 }
 
 void FileCommands::mnuFileRename() {
-  if (panes_.CurrentItem() == nullptr) return;
+  if (panes_.CurrentItem() == nullptr || panes_.List().IsEditing()) return;
   panes_.List().setFocus();
   panes_.List().EditName(panes_.CurrentRow());
 }

@@ -5,9 +5,12 @@
 #include <QHeaderView>
 #include <QIcon>
 #include <QPainter>
+#include <QScrollBar>
+#include <algorithm>
 
 #include "disc/format/Format.h"
 #include "shell/icons/Icons.h"
+#include "shell/panes/PaneFocus.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -62,17 +65,26 @@ DirTree::DirTree(QWidget* parent) : QTreeWidget(parent) {
   header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   setUniformRowHeights(true);
   setIconSize({16, 16});
-  setEditTriggers(QAbstractItemView::SelectedClicked);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);  // slowClick_ knows when
   setDragEnabled(true);
   setAcceptDrops(true);
   setDropIndicatorShown(false);
+  ConnectNames();
+  ConnectItems();
+}
+
+void DirTree::ConnectNames() {
   auto* editor = new NameEditor(this);
   connect(editor, &NameEditor::Edited, this, [this](const QModelIndex& index, const QString& name) {
     auto* node = static_cast<DirNode*>(itemFromIndex(index));
     if (node != nullptr) Q_EMIT NameEdited(node, name);
   });
+  connect(editor, &NameEditor::DraggedOut, this, [this] { startDrag(Qt::CopyAction); });
+  connect(&slowClick_, &SlowClick::Clicked, this, [this](const QModelIndex& index) {
+    auto* node = static_cast<DirNode*>(itemFromIndex(index));
+    if ((node->flags() & Qt::ItemIsEditable) != 0) Q_EMIT NameEditWanted(node);
+  });
   setItemDelegate(editor);
-  ConnectItems();
 }
 
 void DirTree::ConnectItems() {
@@ -91,8 +103,31 @@ void DirTree::ConnectItems() {
 void DirTree::Select(DirNode* node) {
   const bool before = quiet_;
   quiet_ = true;
+  const int left = horizontalScrollBar()->value();
   setCurrentItem(node);
   quiet_ = before;
+  horizontalScrollBar()->setValue(left);
+  if (node != nullptr && isVisible()) ScrollTo(*node);
+}
+
+// Qt scrolls to a node only if it wasn't the current one before. It then scrolls sideways to the
+// end of the column, where a short name isn't. This scrolls sideways no further than the name
+// needs.
+void DirTree::ScrollTo(DirNode& node) {
+  QScrollBar& bar = *horizontalScrollBar();
+  const int left = bar.value();
+  scrollToItem(&node);
+  bar.setValue(left);
+  const QRect cell = visualItemRect(&node);
+  const int end = cell.left() + sizeHintForIndex(indexFromItem(&node)).width();
+  const int beyond = std::min(end - viewport()->width(), cell.left());
+  if (cell.left() < 0) bar.setValue(bar.value() + cell.left());
+  if (beyond > 0) bar.setValue(bar.value() + beyond);
+}
+
+void DirTree::EditName(DirNode& node) {
+  slowClick_.Forget();
+  if (!IsEditing()) editItem(&node, 0);
 }
 
 void DirTree::SetDropHighlight(DirNode* node) {
@@ -102,6 +137,7 @@ void DirTree::SetDropHighlight(DirNode* node) {
 }
 
 void DirTree::startDrag(Qt::DropActions) {
+  slowClick_.Forget();
   Q_EMIT DragWanted();
 }
 
@@ -134,13 +170,18 @@ void DirTree::dropEvent(QDropEvent* event) {
 // changes the current directory only when the user releases it. So a drag that begins on another
 // node still takes the current directory.
 void DirTree::mousePressEvent(QMouseEvent* event) {
+  const QTreeWidgetItem* item = itemAt(event->position().toPoint());
+  const bool plain = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
+  const bool onName = item != nullptr && visualItemRect(item).contains(event->position().toPoint());
+  const bool second = plain && onName && item == currentItem() && item->isSelected();
+  slowClick_.Press(second ? currentIndex() : QModelIndex());
   if (event->button() == Qt::RightButton) {
     event->accept();
     Q_EMIT MenuWanted(event->globalPosition().toPoint());
     return;
   }
   // A press on the empty part of the pane leaves the current node marked.
-  if (itemAt(event->position().toPoint()) == nullptr) {
+  if (item == nullptr) {
     event->accept();
     return;
   }
@@ -161,14 +202,23 @@ void DirTree::mouseReleaseEvent(QMouseEvent* event) {
     return;
   }
   QTreeWidget::mouseReleaseEvent(event);
+  slowClick_.Release(indexAt(event->position().toPoint()));
+}
+
+void DirTree::mouseDoubleClickEvent(QMouseEvent* event) {
+  slowClick_.Forget();
+  QTreeWidget::mouseDoubleClickEvent(event);
 }
 
 // This is for the menu key of the keyboard. The mouse comes to mousePressEvent.
 void DirTree::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() != QContextMenuEvent::Mouse) {
-    Q_EMIT MenuWanted(viewport()->mapToGlobal(visualItemRect(currentItem()).bottomLeft()));
-  }
+  if (event->reason() != QContextMenuEvent::Mouse) WantMenu();
+}
+
+void DirTree::WantMenu() {
+  const QRect node = visualItemRect(currentItem()).intersected(viewport()->rect());
+  Q_EMIT MenuWanted(viewport()->mapToGlobal(node.isEmpty() ? QPoint() : node.bottomLeft()));
 }
 
 // The column is as wide as its widest row, so that the user can scroll to the end of every row. It
@@ -181,9 +231,17 @@ void DirTree::resizeEvent(QResizeEvent* event) {
 void DirTree::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                       const QModelIndex& index) const {
   QTreeWidget::drawRow(painter, option, index);
+  if (hasFocus() && index == currentIndex()) {
+    PaintFocusFrame(*painter, visualRect(index), option.palette, currentItem()->isSelected());
+  }
   if (highlight_ == nullptr || indexFromItem(highlight_) != index) return;
   painter->setPen(QPen(palette().color(QPalette::Highlight), 2));
   painter->drawRect(visualRect(index).adjusted(1, 1, -1, -1));
+}
+
+void DirTree::initViewItemOption(QStyleOptionViewItem* option) const {
+  QTreeWidget::initViewItemOption(option);
+  PaintByFocus(*this, *option);
 }
 
 }  // namespace sectorbox

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "shell/panes/NameEditor.h"
+#include "shell/panes/SlowClick.h"
 
 namespace sectorbox {
 
@@ -38,8 +39,13 @@ class DirTree : public QTreeWidget {
   explicit DirTree(QWidget* parent);
 
   DirNode* Selected() const { return static_cast<DirNode*>(currentItem()); }
-  // Makes the node the selected one and emits nothing.
+  // Makes the node the selected one, scrolls to it, and emits nothing.
   void Select(DirNode* node);
+  // Starts the in-place edit of a node's name. Does nothing while a name is edited.
+  void EditName(DirNode& node);
+  // Emits MenuWanted for the current node, as the menu key of the keyboard does.
+  void WantMenu();
+  bool IsEditing() const { return state() == EditingState; }
   DirNode* DropHighlight() const { return highlight_; }
   void SetDropHighlight(DirNode* node);
 
@@ -50,6 +56,7 @@ class DirTree : public QTreeWidget {
   void MenuWanted(const QPoint& global);
   void DragWanted();
   void Dropped(const QMimeData& data);
+  void NameEditWanted(DirNode* node);  // a second, slow click on the name of the selected node
   void NameEdited(DirNode* node, const QString& name);
 
  protected:
@@ -61,14 +68,19 @@ class DirTree : public QTreeWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;
+  void initViewItemOption(QStyleOptionViewItem* option) const override;
 
  private:
   void ConnectItems();
+  void ConnectNames();
+  void ScrollTo(DirNode& node);
 
+  SlowClick slowClick_{*this};
   DirNode* highlight_ = nullptr;
   bool quiet_ = false;  // a change of the current node isn't the user's move with the keys
 };

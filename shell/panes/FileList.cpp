@@ -5,7 +5,9 @@
 #include <QHeaderView>
 #include <QPainter>
 #include <QScrollBar>
+#include <utility>
 
+#include "shell/panes/PaneFocus.h"
 #include "toolkit/Twips.h"
 
 namespace sectorbox {
@@ -31,15 +33,18 @@ class RowPainter : public NameEditor {
 
   void paint(QPainter* painter, const QStyleOptionViewItem& given,
              const QModelIndex& index) const override {
-    if (list_.Mode() != ListLook::kReport) {
-      NameEditor::paint(painter, given, index);
-      return;
-    }
     QStyleOptionViewItem option = given;
-    option.rect = list_.CellRect(given.rect, kColName);
+    option.state &= ~QStyle::State_HasFocus;  // the frame comes below, around all cells
+    const bool report = list_.Mode() == ListLook::kReport;
+    if (report) option.rect = list_.CellRect(given.rect, kColName);
     NameEditor::paint(painter, option, index);
-    for (int column = kColAttr; column < kColumns; ++column)
-      PaintCell(painter, given, index, column);
+    if (report) {
+      for (int column = kColAttr; column < kColumns; ++column)
+        PaintCell(painter, given, index, column);
+    }
+    if ((given.state & QStyle::State_HasFocus) == 0) return;
+    PaintFocusFrame(*painter, given.rect, given.palette,
+                    (given.state & QStyle::State_Selected) != 0);
   }
 
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
@@ -86,9 +91,12 @@ FileList::FileList(QWidget* parent)
           [this](const QModelIndex& index, const QString& name) {
             Q_EMIT NameEdited(index.row(), name);
           });
+  connect(painter, &NameEditor::DraggedOut, this, [this] { startDrag(Qt::CopyAction); });
+  connect(&slowClick_, &SlowClick::Clicked, this,
+          [this](const QModelIndex& index) { Q_EMIT NameEditWanted(index.row()); });
   setItemDelegate(painter);
   setSelectionMode(QAbstractItemView::ExtendedSelection);
-  setEditTriggers(QAbstractItemView::SelectedClicked);
+  setEditTriggers(QAbstractItemView::NoEditTriggers);  // slowClick_ knows when
   setDragEnabled(true);
   setAcceptDrops(true);
   setDropIndicatorShown(false);
@@ -186,12 +194,16 @@ void FileList::SetSelected(int row, bool selected) {
 }
 
 void FileList::EditName(int row) {
+  slowClick_.Forget();
+  if (IsEditing()) return;
   const QModelIndex index = model_->index(row, kColName);
   scrollTo(index);
   edit(index);
 }
 
 void FileList::startDrag(Qt::DropActions) {
+  pressed_ = QPersistentModelIndex();
+  slowClick_.Forget();
   Q_EMIT DragWanted();
 }
 
@@ -216,30 +228,52 @@ void FileList::dropEvent(QDropEvent* event) {
 
 // The right button opens the menu for the current row. It selects nothing.
 void FileList::mousePressEvent(QMouseEvent* event) {
+  const QModelIndex index = indexAt(event->position().toPoint());
+  const bool plain = event->button() == Qt::LeftButton && event->modifiers() == Qt::NoModifier;
+  const bool onName = index.isValid() && IsOnName(index, event->position().toPoint());
+  slowClick_.Press(plain && onName && IsSelectedAlone(index) ? index : QModelIndex());
   if (event->button() == Qt::RightButton) {
     event->accept();
     Q_EMIT MenuWanted(event->globalPosition().toPoint());
     return;
   }
+  pressed_ = plain ? index : QModelIndex();
   quiet_ = true;
   QListView::mousePressEvent(event);
   quiet_ = false;
-  const QModelIndex index = indexAt(event->position().toPoint());
   if (event->button() == Qt::LeftButton && index.isValid()) Q_EMIT RowClicked(index.row());
 }
 
-// Without this, Qt clears the selection when the right button is released beside all rows.
+bool FileList::IsOnName(const QModelIndex& row, const QPoint& at) const {
+  const QRect rect = visualRect(row);
+  return (mode_ == ListLook::kReport ? CellRect(rect, kColName) : rect).contains(at);
+}
+
+bool FileList::IsSelectedAlone(const QModelIndex& row) const {
+  const QModelIndexList selected = selectedIndexes();
+  return selected.size() == 1 && selected.front() == row;
+}
+
+// A press on one of several selected rows leaves all of them selected, since it may begin a drag of
+// them. If it ends as a click, that row alone stays selected.
 void FileList::mouseReleaseEvent(QMouseEvent* event) {
+  // Without this, Qt clears the selection when the right button is released beside all rows.
   if (event->button() == Qt::RightButton) {
     event->accept();
     return;
   }
   QListView::mouseReleaseEvent(event);
+  const QModelIndex under = indexAt(event->position().toPoint());
+  const QModelIndex pressed = std::exchange(pressed_, QPersistentModelIndex());
+  const bool isClick = pressed.isValid() && pressed == under;
+  if (isClick && event->modifiers() == Qt::NoModifier && !IsSelectedAlone(pressed)) {
+    selectionModel()->select(pressed, QItemSelectionModel::ClearAndSelect);
+  }
+  slowClick_.Release(under);
 }
 
-// Qt's own handling comes first: the first click on a selected row has started the timer of an
-// in-place edit, and Qt stops that timer here.
 void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
+  slowClick_.Forget();
   quiet_ = true;
   QListView::mouseDoubleClickEvent(event);
   quiet_ = false;
@@ -250,9 +284,12 @@ void FileList::mouseDoubleClickEvent(QMouseEvent* event) {
 // This is for the menu key of the keyboard. The mouse comes to mousePressEvent.
 void FileList::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() != QContextMenuEvent::Mouse) {
-    Q_EMIT MenuWanted(viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft()));
-  }
+  if (event->reason() != QContextMenuEvent::Mouse) WantMenu();
+}
+
+void FileList::WantMenu() {
+  const QRect row = visualRect(currentIndex()).intersected(viewport()->rect());
+  Q_EMIT MenuWanted(viewport()->mapToGlobal(row.isEmpty() ? QPoint() : row.bottomLeft()));
 }
 
 // A view that gets the focus without a current row makes its first row current. The user hasn't
@@ -261,6 +298,11 @@ void FileList::focusInEvent(QFocusEvent* event) {
   quiet_ = true;
   QListView::focusInEvent(event);
   quiet_ = false;
+}
+
+void FileList::initViewItemOption(QStyleOptionViewItem* option) const {
+  QListView::initViewItemOption(option);
+  PaintByFocus(*this, *option);
 }
 
 // When the user moves with the keys, the row becomes current, as after a click.

@@ -6,6 +6,7 @@
 
 #include "shell/panes/FileListModel.h"
 #include "shell/panes/NameEditor.h"
+#include "shell/panes/SlowClick.h"
 
 class QHeaderView;
 
@@ -33,8 +34,11 @@ class FileList : public QListView {
   void FitColumns();
   [[nodiscard]] bool IsSelected(int row) const;
   void SetSelected(int row, bool selected);
-  // Starts the in-place edit of a row's name.
+  // Starts the in-place edit of a row's name. Does nothing while a name is edited.
   void EditName(int row);
+  // Emits MenuWanted for the current row, as the menu key of the keyboard does.
+  void WantMenu();
+  bool IsEditing() const { return state() == EditingState; }
 
   // The delegate asks this: where the column's cell lies in a row that is painted at rowRect.
   [[nodiscard]] QRect CellRect(const QRect& rowRect, int column) const;
@@ -47,6 +51,7 @@ class FileList : public QListView {
   void MenuWanted(const QPoint& global);
   void DragWanted();
   void Dropped(const QMimeData& data);
+  void NameEditWanted(int row);  // a second, slow click on the name of the selected row
   void NameEdited(int row, const QString& name);
 
  protected:
@@ -61,13 +66,18 @@ class FileList : public QListView {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
   void updateGeometries() override;
+  void initViewItemOption(QStyleOptionViewItem* option) const override;
 
  private:
+  [[nodiscard]] bool IsOnName(const QModelIndex& row, const QPoint& at) const;
+  [[nodiscard]] bool IsSelectedAlone(const QModelIndex& row) const;
   void MakeHeader();
   void PlaceHeader();
 
   FileListModel* model_;
   QHeaderView* header_;
+  SlowClick slowClick_{*this};
+  QPersistentModelIndex pressed_;  // the row that the left button went down on
   ListLook mode_ = ListLook::kReport;
   bool quiet_ = false;   // a change of the current row isn't the user's move with the keys
   bool sizing_ = false;  // the program itself changes column widths

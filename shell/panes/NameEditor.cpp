@@ -1,6 +1,8 @@
 #include "shell/panes/NameEditor.h"
 
+#include <QApplication>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPersistentModelIndex>
 #include <QTimer>
 
@@ -22,6 +24,22 @@ void NameEditor::setModelData(QWidget* editor, QAbstractItemModel*,
   QTimer::singleShot(0, this, [this, held = QPersistentModelIndex(index), text] {
     if (held.isValid()) Q_EMIT Edited(held, text);
   });
+}
+
+bool NameEditor::eventFilter(QObject* watched, QEvent* event) {
+  auto* editor = qobject_cast<QLineEdit*>(watched);
+  if (editor == nullptr || event->type() != QEvent::MouseMove) {
+    return QStyledItemDelegate::eventFilter(watched, event);
+  }
+  const auto& move = static_cast<QMouseEvent&>(*event);
+  const int slack = QApplication::startDragDistance();
+  const QRect near = editor->rect().adjusted(-slack, -slack, slack, slack);
+  if ((move.buttons() & Qt::LeftButton) == 0 || near.contains(move.position().toPoint())) {
+    return QStyledItemDelegate::eventFilter(watched, event);
+  }
+  Q_EMIT closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+  Q_EMIT DraggedOut();
+  return true;
 }
 
 }  // namespace sectorbox

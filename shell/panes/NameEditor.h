@@ -8,6 +8,9 @@ namespace sectorbox {
 // Edited with the text. The listener then renames the entry on the disc and shows the name that the
 // disc has now. If the user leaves the text as it was, or ends the edit with Escape, nothing is
 // emitted.
+//
+// A press on the editor that moves out of it ends the edit as Escape does, and emits DraggedOut: it
+// drags what the name stands for. A move inside the editor selects text.
 class NameEditor : public QStyledItemDelegate {
   Q_OBJECT
 
@@ -21,6 +24,10 @@ class NameEditor : public QStyledItemDelegate {
 
  Q_SIGNALS:
   void Edited(const QModelIndex& index, const QString& text) const;
+  void DraggedOut();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
 }  // namespace sectorbox

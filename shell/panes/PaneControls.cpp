@@ -18,8 +18,9 @@ bool Panes::eventFilter(QObject* watched, QEvent* event) {
   if (SwallowInput(*event)) return true;
   if (event->type() == QEvent::KeyPress) {
     const auto& key = static_cast<QKeyEvent&>(*event);
-    if (watched == &Tree()) return TreeKey(key);
-    if (watched == &List()) return ListKey(key);
+    // While a name is edited, a key that comes here is one that the editor has no use for.
+    if (watched == &Tree()) return Tree().IsEditing() || TreeKey(key);
+    if (watched == &List()) return List().IsEditing() || ListKey(key);
   }
   return PaneLayout::eventFilter(watched, event);
 }
@@ -74,15 +75,52 @@ bool Panes::ListKey(const QKeyEvent& event) {
     case Qt::Key_F5:
       (void)window_.Start(CommandKind::kSmall, [this] { GetRootTitles(); });
       return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (CurrentItem() == nullptr || !CurrentItem()->IsDirectory()) return false;
+      (void)window_.Start(CommandKind::kSmall, [this] { lvwDB_DblClick(CurrentRow()); });
+      return true;
     default:
       return CommonKey(event);
   }
 }
 
+// No menu entry has a shortcut: the panes know what their keys mean.
 bool Panes::CommonKey(const QKeyEvent& event) {
-  const bool all = event.key() == Qt::Key_A && (event.modifiers() & Qt::ControlModifier) != 0;
-  if (all) window_.Action("mnuFileSelectAll")->trigger();
-  return all;
+  const bool control = (event.modifiers() & Qt::ControlModifier) != 0;
+  switch (event.key()) {
+    case Qt::Key_A:
+      return control && RunEntry("mnuFileSelectAll");
+    case Qt::Key_O:
+      return control && RunEntry("mnuDiscOpen");
+    case Qt::Key_S:  // with Shift, too: every save asks for the name
+      return control && RunEntry("mnuDiscSave");
+    case Qt::Key_Up:
+      if ((event.modifiers() & Qt::AltModifier) == 0) return false;
+      GoUp();
+      return true;
+    case Qt::Key_Backspace:
+      GoUp();
+      return true;
+    case Qt::Key_F10:
+      return (event.modifiers() & Qt::ShiftModifier) != 0 && PopUpMenuOfPane();
+    default:
+      return false;
+  }
+}
+
+bool Panes::RunEntry(const char* entry) {
+  if (window_.Action(entry)->isEnabled()) window_.Action(entry)->trigger();
+  return true;
+}
+
+bool Panes::PopUpMenuOfPane() {
+  if (List().hasFocus()) {
+    List().WantMenu();
+  } else {
+    Tree().WantMenu();
+  }
+  return true;
 }
 
 void Panes::GoUp() {
@@ -100,9 +138,7 @@ void Panes::AddTool(const char* key, const char* icon, Run run) {
 }
 
 void Panes::AddEntryTool(const char* key, const char* icon, const char* entry) {
-  AddTool(key, icon, [this, entry] {
-    if (window_.Action(entry)->isEnabled()) window_.Action(entry)->trigger();
-  });
+  AddTool(key, icon, [this, entry] { RunEntry(entry); });
 }
 
 void Panes::AddLookTool(const char* key, const char* icon, ListLook look) {

@@ -73,6 +73,9 @@ void Panes::ConnectTree() {
   connect(&tree, &DirTree::NodeToggled, this, [this](DirNode* node, bool expanded) {
     (void)window_.Start(CommandKind::kSmall, [=, this] { NodeToggled(*node, expanded); });
   });
+  connect(&tree, &DirTree::NameEditWanted, this, [this](DirNode* node) {
+    (void)window_.Start(CommandKind::kSmall, [this, node] { Tree().EditName(*node); });
+  });
   connect(&tree, &DirTree::MenuWanted, this, [this](const QPoint& global) {
     if (CurrentNode_ != nullptr) PopUp("mnuDirectory", global);
   });
@@ -97,6 +100,9 @@ void Panes::ConnectList() {
   });
   connect(&list, &FileList::HeadingClicked, this, [this](int column) {
     (void)window_.Start(CommandKind::kSmall, [this, column] { lvwDB_ColumnClick(column); });
+  });
+  connect(&list, &FileList::NameEditWanted, this, [this](int row) {
+    (void)window_.Start(CommandKind::kSmall, [this, row] { List().EditName(row); });
   });
   connect(&list, &FileList::MenuWanted, this, [this](const QPoint& global) {
     if (CurrentItem() != nullptr) PopUp("mnuFile", global);

@@ -99,6 +99,8 @@ class Panes : public PaneLayout {
   bool TreeKey(const QKeyEvent& event);
   bool ListKey(const QKeyEvent& event);
   bool CommonKey(const QKeyEvent& event);
+  bool RunEntry(const char* entry);  // if it is enabled; true in every case
+  bool PopUpMenuOfPane();            // of the pane that has the focus
   void AddNodes(DirNode& root, const std::vector<TreeNode>& nodes);
   void PopUp(const char* menu, const QPoint& global);
 
