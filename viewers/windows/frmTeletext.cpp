@@ -25,6 +25,8 @@ frmTeletext::frmTeletext(QWidget* parent, Disc& disc, const CurrentRow& row,
   new PictureMenu(*this, *layout, disc_, *Picture1_, DefaultName);
   RestorePlace(*this, kTeletextPlace);
   Show_File();
+  // Once more, now that the window has its size: all of it has to be within reach.
+  RestorePlace(*this, kTeletextPlace);
   Timer1_.setObjectName(QStringLiteral("Timer1"));
   Timer1_.setParent(this);
   connect(&Timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });

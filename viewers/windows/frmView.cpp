@@ -65,16 +65,25 @@ void frmView::Show_File(const ViewTarget& target) {
   if (ViewAs) {
     if (!OpenOutput()) return;
     ToFile = true;
-  } else {
-    show();
   }
   running_ = true;
   RunGenerator(target);
+  ShowOnce();
   running_ = false;
   Area().SetCaret(0);
   if (ToFile) close();
   // A second close request while the generator ran has closed the window already.
   if (unloaded_) deleteLater();
+}
+
+// The window comes up with the view's first text, since a generator may want it wider before that.
+// A window that changes its size between its show and the moment when the window manager has framed
+// it loses its place: the inside goes where the frame was, and the window creeps up and to the left
+// from one use to the next.
+void frmView::ShowOnce() {
+  if (ToFile || unloaded_ || shown_) return;
+  shown_ = true;
+  show();
 }
 
 // False if the user has cancelled or the file can't be made. The window then stays loaded and
@@ -103,6 +112,7 @@ void frmView::RunGenerator(const ViewTarget& target) {
     if (kind != nullptr) ShowTextView(*kind, disc_, target, *this);
   } catch (const HostError& error) {
     file_.reset();
+    ShowOnce();
     Area().Flush();
     ShowError(error);
   }
@@ -117,6 +127,7 @@ void frmView::SetCaption(const std::string& caption) {
 // to get out of them. If the view goes to a file, there is no window to close. Then the user closes
 // the box and doesn't press OK.
 void frmView::ShowMessage(const std::string& text) {
+  ShowOnce();
   Area().Flush();
   QMessageBox box(QMessageBox::NoIcon, QStringLiteral("Sectorbox"), FromBbc(text), QMessageBox::Ok,
                   this);
@@ -141,6 +152,7 @@ void frmView::Append(const std::string& text) {
     if (file_) file_->Write(text);
     return;
   }
+  ShowOnce();
   if (text.size() > 1) QCoreApplication::processEvents();
   if (unloaded_) return;
   Area().AppendText(text, {Style.UnderlineOn, Style.BoldOn});

@@ -60,12 +60,14 @@ class frmView : public QMainWindow, public TextView, public TextWindow {
   void MakeMenus();
   [[nodiscard]] bool OpenOutput();
   void RunGenerator(const ViewTarget& target);
+  void ShowOnce();  // unless the view goes to a file
   void Form_Unload();
 
   Disc& disc_;
   std::optional<TextFile> file_;
   QPointer<QMessageBox> box_;
   bool running_ = false;
+  bool shown_ = false;
   bool unloaded_ = false;
 };
 

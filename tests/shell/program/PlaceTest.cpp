@@ -1,10 +1,13 @@
+#include <QApplication>
 #include <QDialog>
 #include <QLabel>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <filesystem>
 
 #include "cfcard/windows/frmCF.h"
 #include "link/windows/frmRX.h"
+#include "shell/commands/PictureCommands.h"
 #include "shell/commands/XferCommands.h"
 #include "shell/dialogs/frmSave.h"
 #include "tests/support/WindowFixture.h"
@@ -88,6 +91,91 @@ TEST_F(StoredPlace, ADialogThatWasOffTheScreenIsBroughtOntoIt) {
   Start();
   frmSave dialog(window_.get(), *disc_);
   EXPECT_TRUE(Screen().contains(dialog.geometry()));
+}
+
+// Each window that keeps its place, by the entry that opens it.
+struct PlacedWindow {
+  const char* Entry;
+  const char* Prefix;
+  const char* Name;
+  bool IsModal;
+};
+
+class EveryPlacedWindow : public StoredPlace, public ::testing::WithParamInterface<PlacedWindow> {};
+
+TEST_P(EveryPlacedWindow, IsBroughtOntoTheScreenWhenItsPlaceIsOffIt) {
+  const QByteArray prefix(GetParam().Prefix);
+  SettingsStore().PutTwips((prefix + "Left").constData(), 1e9);
+  SettingsStore().PutTwips((prefix + "Top").constData(), -1e9);
+  ImageBuilder image(2560);
+  image.AddFile(2, {"FILE", std::vector<std::uint8_t>(1000, 65)});
+  StartWith(image);
+  int looks = 0;
+  const auto look = [&](QWidget& window) {
+    ++looks;
+    EXPECT_EQ(window.objectName(), QString::fromLatin1(GetParam().Name));
+    EXPECT_TRUE(Screen().contains(window.geometry())) << GetParam().Name;
+    window.close();
+  };
+  window_->Pictures().SetFontFolder(
+      std::filesystem::path(TELETEXT_FONT_PATH).parent_path().string() + "/");
+  if (GetParam().IsModal) player_.Expect(look);
+  window_->Action(GetParam().Entry)->trigger();
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->isVisible() && window->objectName() == QLatin1String(GetParam().Name))
+      look(*window);
+  }
+  EXPECT_EQ(looks, 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Windows, EveryPlacedWindow,
+    ::testing::Values(PlacedWindow{"mnuFileViewHex", "View", "frmView", false},
+                      PlacedWindow{"mnuFileViewTeletext", "Teletext", "frmTeletext", true},
+                      PlacedWindow{"mnuFileViewMode4", "Mode", "frmMode", false},
+                      PlacedWindow{"mnuXferTracewindow", "Trace", "frmTrace", false},
+                      PlacedWindow{"mnuXferCli", "CLI", "frmCLI", true},
+                      PlacedWindow{"mnuCFCardOpen", "CF", "frmCF", true},
+                      PlacedWindow{"mnuCFFormat", "CF", "frmFormatCF", true}),
+    [](const auto& window) { return std::string(window.param.Name); });
+
+// Notes the windows of views that change their size after they are shown.
+class SizeWatch : public QObject {
+ public:
+  SizeWatch() { QApplication::instance()->installEventFilter(this); }
+  int Shown = 0;
+  int SizedAfterShown = 0;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    auto* window = qobject_cast<QWidget*>(watched);
+    if (window == nullptr || window->objectName() != QStringLiteral("frmView")) return false;
+    if (event->type() == QEvent::Show) {
+      ++Shown;
+      size_ = window->size();
+    }
+    if (event->type() == QEvent::Resize && Shown > 0 && window->size() != size_) ++SizedAfterShown;
+    return false;
+  }
+
+ private:
+  QSize size_;
+};
+
+TEST_F(PlaceTest, TheWindowOfAWordwiseDocumentIsWidenedBeforeItIsShown) {
+  ImageBuilder image(2560);
+  image.AddFile(2, {"LETTER", {'H', 'i', 13}, 0xFFFFFFFF, 0xFFFFFFFF});
+  StartWith(image);
+  const SizeWatch watch;
+  Choose("mnuFileViewWordwise");
+  EXPECT_EQ(watch.Shown, 1);
+  EXPECT_EQ(watch.SizedAfterShown, 0);
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->objectName() != QStringLiteral("frmView")) continue;
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(window->width(), PixelsFromTwips(kViewPlace.Width) + PixelsFromTwips(50));
+    window->close();
+  }
 }
 
 TEST_F(PlaceTest, AFixedSizeStays) {
