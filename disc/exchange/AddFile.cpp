@@ -161,7 +161,10 @@ Outcome AddHostPath(Disc& disc, std::int32_t dirSector, const std::string& hostP
   if (hostPath.ends_with(kSidecarEnding)) return Outcome::kDone;
   if (HostFolderExists(hostPath)) return AddHostFolder(disc, dirSector, hostPath, walk);
   const Outcome outcome = AddPlainFile(disc, dirSector, hostPath, walk);
-  if (outcome != Outcome::kDone) ++walk.NotAdded;
+  if (outcome != Outcome::kDone) {
+    ++walk.NotAdded;
+    walk.Refused = hostPath;
+  }
   return outcome;
 }
 

@@ -51,7 +51,7 @@ enum class AfterRefusal {
 // One import of several host files and folders: AddFile for each, up to the first refusal. Each is
 // a change of its own. If the names of two host files become one name in one directory, the second
 // isn't added, and a note names both; a file that was on the disc before the import is replaced. If
-// a refusal ends the import, a note tells how many entries were not added.
+// a refusal ends the import, a note tells how many entries were not added, and which was refused.
 [[nodiscard]] Outcome AddFiles(Disc& disc, std::int32_t dirSector,
                                const std::vector<std::string>& hostPaths,
                                AfterRefusal afterRefusal = AfterRefusal::kStays);

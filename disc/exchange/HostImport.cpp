@@ -50,8 +50,9 @@ std::size_t CountEntries(const std::vector<std::string>& paths, std::size_t firs
 
 void TellNotAdded(Disc& disc, const ImportWalk& walk, std::size_t notAdded) {
   if (notAdded == 0 || walk.Added + walk.NotAdded < 2) return;
-  disc.Host.NoteLeftOut(notAdded == 1 ? "1 entry was not added"
-                                      : std::to_string(notAdded) + " entries were not added");
+  const std::string count = notAdded == 1 ? "1 entry was not added"
+                                          : std::to_string(notAdded) + " entries were not added";
+  disc.Host.NoteLeftOut(count + ": " + walk.Refused + " was refused");
 }
 
 }  // namespace sectorbox

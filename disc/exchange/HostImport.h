@@ -27,6 +27,8 @@ class ImportWalk {
   // had before it when a refusal ended it. A folder that nobody has looked into counts as one.
   std::size_t Added = 0;
   std::size_t NotAdded = 0;
+  // The path of the host file or folder that was refused and ended the import; else empty.
+  std::string Refused;
 
   // The path of the host file that this import has added under that name to the directory at
   // dirSector; null if there is none.
@@ -67,7 +69,8 @@ class ImportWalk {
 
 // How many of the paths from first on are no sidecars.
 [[nodiscard]] std::size_t CountEntries(const std::vector<std::string>& paths, std::size_t first);
-// Tells the user how many entries were not added, if the import was more than one host file.
+// Tells the user how many entries were not added and which one was refused, if the import was more
+// than one host file.
 void TellNotAdded(Disc& disc, const ImportWalk& walk, std::size_t notAdded);
 
 }  // namespace sectorbox

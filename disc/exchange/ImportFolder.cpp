@@ -84,6 +84,7 @@ Outcome AddHostFolder(Disc& disc, std::int32_t dirSector, const std::string& fol
   const auto made = MakeFor(disc, dirSector, name, folder);
   if (!made) {
     ++walk.NotAdded;
+    walk.Refused = folder;
     return Outcome::kRefused;
   }
   ++walk.Added;

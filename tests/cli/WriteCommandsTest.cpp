@@ -125,12 +125,14 @@ TEST_F(WriteCommandsTest, ARefusedAddTellsHowManyEntriesAreMissing) {
   WriteText(folder_ / "a.", "z");
   // The image of a floppy stays as it was, so that nothing of the import is on it.
   Refused({"add", image_, "$", folder_ / "Y", folder_ / "a.", folder_ / "Z"},
-          "File a. Contains Illegal Characters\n3 entries were not added");
+          "File a. Contains Illegal Characters\n3 entries were not added: " + (folder_ / "a.") +
+              " was refused");
   ImageBuilder(4224).WriteTo(folder_ / "x.dat");
   const SbxResult result =
       RunSbx({"add", folder_ / "x.dat", "$", folder_ / "Y", folder_ / "a.", folder_ / "Z"});
   EXPECT_EQ(result.Status, 1);
-  EXPECT_EQ(result.Err, "File a. Contains Illegal Characters\n2 entries were not added\n");
+  EXPECT_EQ(result.Err, "File a. Contains Illegal Characters\n2 entries were not added: " +
+                            (folder_ / "a.") + " was refused\n");
   EXPECT_EQ(ReadTree(ReadAll(folder_ / "x.dat")).Contents.size(), 1U);
 }
 

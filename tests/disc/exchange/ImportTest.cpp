@@ -42,7 +42,8 @@ TEST_F(ImportFilesTest, ARefusalEndsTheWholeImportAndKeepsWhatWasAdded) {
   EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(Names(GetEntrySector(disc_, 2, "in")), "a");
   EXPECT_EQ(host_.LogOf("note"),
-            std::vector<std::string>{"note left out: 2 entries were not added"});
+            std::vector<std::string>{
+                "note left out: 2 entries were not added: " + (folder_ / "in/b") + " was refused"});
 }
 
 TEST_F(ImportFilesTest, ARefusalDeepInATreeCountsWhatIsLeftOnEveryFloor) {
@@ -56,7 +57,8 @@ TEST_F(ImportFilesTest, ARefusalDeepInATreeCountsWhatIsLeftOnEveryFloor) {
   // x is before the refused one in the order of their bytes; z, e and f are behind it.
   EXPECT_EQ(ImportFolder(disc_, 2, folder_ / "in"), Outcome::kRefused);
   EXPECT_EQ(host_.LogOf("note"),
-            std::vector<std::string>{"note left out: 4 entries were not added"});
+            std::vector<std::string>{"note left out: 4 entries were not added: " +
+                                     (folder_ / "in/b/d/y\xE9") + " was refused"});
 }
 
 TEST_F(ImportFilesTest, AnExistingDirectoryOfThatNameEndsTheImport) {

@@ -58,6 +58,19 @@ TEST_F(DragTest, AFileExistsOnTheHostWithItsSidecarBeforeItIsOffered) {
   EXPECT_EQ(Log(), paths[0] + "\n" + paths[1] + "\n");
 }
 
+// The box has no room for the name of the file: its words are the engine's.
+TEST_F(DragTest, AfterTheBoxThatEndsAnImportPanel2NamesTheFile) {
+  StartWith(image_);
+  WriteText(folder_ / "ONE", "1");
+  WriteText(folder_ / "TOOLARGE", std::string(std::size_t{2600} * 256, 'x'));
+  WriteText(folder_ / "TWO", "2");
+  player_.ExpectBox(QStringLiteral("Not Enough Free Contiguous Space on Disc"));
+  DropOnTheList({folder_ / "ONE", folder_ / "TOOLARGE", folder_ / "TWO"});
+  EXPECT_TRUE(Names().contains(QStringLiteral("ONE")));
+  EXPECT_EQ(Panel(2).toStdString(),
+            "2 entries were not added: " + (folder_ / "TOOLARGE") + " was refused");
+}
+
 TEST_F(DragTest, AnEmptyFileIsAnEmptyFileWithItsSidecar) {
   StartWith(image_);
   const auto paths = DragSelected({"EMPTY"});
