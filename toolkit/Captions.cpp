@@ -4,6 +4,7 @@
 #include <QFontMetrics>
 #include <QGridLayout>
 #include <QStyle>
+#include <algorithm>
 
 namespace sectorbox {
 namespace {
@@ -11,6 +12,8 @@ namespace {
 // An icon, three buttons and the gaps between them, each about as wide as the bar is high. How a
 // bar really looks is up to the window manager, and no call gives it.
 constexpr int kTitleBarPieces = 5;
+constexpr int kSmallWindow = 320;
+constexpr int kSlack = 12;  // what a style's margins may differ once the window is shown
 
 }  // namespace
 
@@ -19,6 +22,12 @@ int CaptionWidth(const QWidget& window) {
   font.setBold(true);
   return QFontMetrics(font).horizontalAdvance(window.windowTitle()) +
          kTitleBarPieces * window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window);
+}
+
+int WidthForText(const QWidget& window, const QString& longest) {
+  const QMargins margins = window.layout()->contentsMargins();
+  return std::max(kSmallWindow, window.fontMetrics().horizontalAdvance(longest) + margins.left() +
+                                    margins.right() + kSlack);
 }
 
 // An item in the layout holds the width: the dialogs are exactly as large as their layouts ask for,

@@ -17,4 +17,8 @@ namespace sectorbox {
 // layout are complete.
 void MakeRoomForCaption(QDialog& dialog);
 
+// The width of a small window whose longest line is that text, in the window's own font: 320
+// pixels, and more if the text needs more. Call it when the layout is complete.
+[[nodiscard]] int WidthForText(const QWidget& window, const QString& longest);
+
 }  // namespace sectorbox

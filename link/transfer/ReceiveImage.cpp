@@ -47,6 +47,7 @@ class Receiver final : public Transfer {
 };
 
 bool Receiver::ReadMap() {
+  ShowStep("Reading the free space map...");
   TraceLine(link_, "Receiving Sectors 0 to 1 of 2\r");
   std::array<std::uint8_t, static_cast<std::size_t>(kMapSectors * wire::kSectorSize)> sectors{};
   if (ReadSectors(link_, sectors, drive_, 0, kMapSectors) != SectorStatus::kSuccess) {

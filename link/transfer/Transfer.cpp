@@ -1,6 +1,7 @@
 #include "link/transfer/Transfer.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "disc/format/Text.h"
 #include "disc/host/HostError.h"
@@ -25,7 +26,17 @@ Transfer::Transfer(Link& link, std::int32_t drive, const Words& words)
 }
 
 Transfer::~Transfer() {
+  EndSteps();
   link_.Silence.DiscAtWork = false;
+}
+
+void Transfer::ShowStep(const std::string& text) {
+  stepShown_ = true;
+  link_.Host.ShowStep(text);
+}
+
+void Transfer::EndSteps() {
+  if (std::exchange(stepShown_, false)) link_.Host.ShowStep("");
 }
 
 bool Transfer::Refuse(const std::string& message) {
@@ -39,11 +50,13 @@ bool Transfer::Advance() {
 }
 
 bool Transfer::ConnectIfClosed() {
+  ShowStep("Connecting to the BBC...");
   if (link_.Port.PortOpen() || IsAcknowledge(ConnectToBBC(link_))) return Advance();
   return Refuse("Beeb Not Responding");
 }
 
 bool Transfer::AskBufferSize() {
+  ShowStep("Asking for the size of the BBC's buffer...");
   const std::string reply = SendCommand(link_, "B\r", true);
   const std::int64_t sectors = LeadingNumber(reply) / wire::kSectorSize;
   // A buffer without room for one sector can't take any chunk.
@@ -54,6 +67,7 @@ bool Transfer::AskBufferSize() {
 }
 
 bool Transfer::SelectDrive() {
+  ShowStep("Mounting drive " + std::to_string(drive_) + "...");
   if (!IsAcknowledge(SendCommand(link_, "*FADFS\r", true))) {
     return Refuse("Error changing to ADFS");
   }
@@ -75,6 +89,7 @@ bool Transfer::OpenFile(const std::string& fileName, TransferFile::Access access
 
 void Transfer::OpenDialog() {
   link_.AbortRequested = false;
+  EndSteps();
   link_.Host.OpenTransfer(words_.Caption);
   NoteValid(link_);
 }

@@ -49,6 +49,8 @@ class Transfer {
   // Shows the message; always false.
   [[nodiscard]] bool Refuse(const std::string& message);
 
+  // Tells what comes next, until the dialog opens or the transfer is over.
+  void ShowStep(const std::string& text);
   // Opens the dialog, and clears AbortRequested.
   void OpenDialog();
   // Goes through all chunks of all areas.
@@ -95,6 +97,9 @@ class Transfer {
 
  private:
   void ShowTotal();
+  void EndSteps();
+
+  bool stepShown_ = false;
 };
 
 }  // namespace sectorbox

@@ -37,6 +37,7 @@ frmBootstrap::frmBootstrap(Link& link, const char* name, const char* caption, QW
   setWindowTitle(QString::fromLatin1(caption));
   setModal(true);
   pb_->setObjectName(QStringLiteral("pb"));
+  pb_->setAccessibleName(QStringLiteral("Progress"));
   pb_->setRange(0, 100);
   pb_->setValue(0);
   cmdGo_->setObjectName(QStringLiteral("cmdGo"));

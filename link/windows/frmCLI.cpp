@@ -1,9 +1,11 @@
 #include "link/windows/frmCLI.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QTextCursor>
+#include <algorithm>
 
 #include "disc/store/OpenDisc.h"
 #include "link/transfer/StarCommand.h"
@@ -16,6 +18,7 @@ namespace {
 
 constexpr double kCommandHeight = 375;  // twips
 constexpr double kPointSize = 10;
+constexpr int kWaitingMargin = 6;
 
 }  // namespace
 
@@ -25,11 +28,19 @@ frmCLI::frmCLI(Link& link, const Disc& disc, TextSearch& search, QWidget* parent
       link_(link),
       disc_(disc),
       txtCmd_(new QLineEdit(this)),
+      lblWaiting_(new QLabel(QStringLiteral("waiting"), txtCmd_)),
       menuBar_(new QMenuBar(this)) {
   setObjectName(QStringLiteral("frmCLI"));
   setWindowTitle(QStringLiteral("* Commands"));
   txtCmd_->setObjectName(QStringLiteral("txtCmd"));
+  txtCmd_->setPlaceholderText(QStringLiteral("CAT (no star needed)"));
+  txtCmd_->setAccessibleName(QStringLiteral("Star command"));
   txtCmd_->installEventFilter(this);
+  lblWaiting_->setObjectName(QStringLiteral("lblWaiting"));
+  lblWaiting_->setAutoFillBackground(true);
+  lblWaiting_->setBackgroundRole(QPalette::Base);
+  lblWaiting_->hide();
+  Area().setAccessibleName(QStringLiteral("What the BBC has printed"));
   MakeTextMenus(*menuBar_);
   txtCmd_->setFocus();
   RestorePlace(*this, kCLIPlace);
@@ -41,7 +52,8 @@ frmCLI::~frmCLI() {
 
 void frmCLI::resizeEvent(QResizeEvent*) {
   const int menu = menuBar_->sizeHint().height();
-  const int strip = PixelsFromTwips(kCommandHeight);
+  // In a large font the line needs more than its strip.
+  const int strip = std::max(PixelsFromTwips(kCommandHeight), txtCmd_->minimumSizeHint().height());
   menuBar_->setGeometry(0, 0, width(), menu);
   txtCmd_->setGeometry(0, menu, width(), strip);
   Area().setGeometry(0, menu + strip, width(), std::max(0, height() - menu - strip));
@@ -60,11 +72,22 @@ bool frmCLI::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmCLI::RunCommand() {
+  ShowWaiting(true);
   const bool done = RunStarCommand(link_, ToBbc(txtCmd_->text()),
                                    [this](const std::string& text) { Insert(text); });
+  ShowWaiting(false);
   if (!done) return;  // the command stays, so that the user can correct it
   txtCmd_->clear();
   Area().moveCursor(QTextCursor::End);
+}
+
+// No events run in most of the wait, so the line is painted now.
+void frmCLI::ShowWaiting(bool waiting) {
+  const QSize size = lblWaiting_->sizeHint();
+  lblWaiting_->setGeometry(txtCmd_->width() - size.width() - kWaitingMargin,
+                           (txtCmd_->height() - size.height()) / 2, size.width(), size.height());
+  lblWaiting_->setVisible(waiting);
+  txtCmd_->repaint();
 }
 
 void frmCLI::Insert(const std::string& text) {

@@ -6,6 +6,7 @@
 #include "link/wire/Link.h"
 #include "toolkit/TextWindow.h"
 
+class QLabel;
 class QLineEdit;
 class QMenuBar;
 
@@ -31,6 +32,7 @@ class frmCLI : public QDialog, public TextWindow {
 
  private:
   void RunCommand();
+  void ShowWaiting(bool waiting);
   void Insert(const std::string& text);
   std::string SaveName() const override { return "oscli.txt"; }
   void CheckSavePath(const std::string& path) const override;
@@ -39,6 +41,7 @@ class frmCLI : public QDialog, public TextWindow {
   Link& link_;
   const Disc& disc_;
   QLineEdit* txtCmd_;
+  QLabel* lblWaiting_;  // at the end of the line, while the console waits for the BBC
   QMenuBar* menuBar_;
 };
 

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "toolkit/Captions.h"
 #include "toolkit/WindowPlace.h"
 
 namespace sectorbox {
@@ -45,11 +46,12 @@ frmRX::frmRX(Link& link, const QString& caption, QWidget* parent)
   setWindowTitle(caption);
   setAttribute(Qt::WA_DeleteOnClose);
   Arrange();
+  pb_->setAccessibleName(QStringLiteral("Progress"));
   pb_->setRange(0, 100);
   pb_->setValue(0);
   cmdOK_->setEnabled(false);
   cmdAbort_->setAutoDefault(false);
-  setFixedWidth(320);
+  setFixedWidth(WidthForText(*this, QStringLiteral("Receiving Sectors 2097136 to 2097151")));
   RestorePlace(*this, kRXPlace);
   connect(cmdAbort_, &QPushButton::clicked, this, [this] { Abort(); });
   connect(cmdOK_, &QPushButton::clicked, this, [this] { Unload(); });
@@ -57,9 +59,14 @@ frmRX::frmRX(Link& link, const QString& caption, QWidget* parent)
 
 void frmRX::Arrange() {
   auto* counters = new QFormLayout;
-  counters->addRow(Named(new QLabel(QStringLiteral("Retries"), this), "Label1"), txtRetry_);
-  counters->addRow(Named(new QLabel(QStringLiteral("Bad CRC's"), this), "Label2"), txtCRC_);
-  counters->addRow(Named(new QLabel(QStringLiteral("Bad Sectors"), this), "Label3"), txtBadSector_);
+  const auto add = [&](const char* caption, const char* name, QLineEdit* field) {
+    auto* label = Named(new QLabel(QString::fromLatin1(caption), this), name);
+    label->setBuddy(field);
+    counters->addRow(label, field);
+  };
+  add("Retries", "Label1", txtRetry_);
+  add("Bad CRC's", "Label2", txtCRC_);
+  add("Bad Sectors", "Label3", txtBadSector_);
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
   buttons->addWidget(cmdAbort_);

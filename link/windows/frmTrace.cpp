@@ -30,6 +30,7 @@ frmTrace::frmTrace(QWidget* parent)
   setWindowTitle(QStringLiteral("Trace"));
   setAttribute(Qt::WA_DeleteOnClose);
   txtTrace_->setObjectName(QStringLiteral("txtTrace"));
+  txtTrace_->setAccessibleName(QStringLiteral("Trace"));
   txtTrace_->setReadOnly(true);
   txtTrace_->setUndoRedoEnabled(false);
   txtTrace_->setLineWrapMode(QPlainTextEdit::NoWrap);

@@ -22,6 +22,9 @@ class TransferView {
  public:
   virtual ~TransferView() = default;
 
+  // What the transfer does before its dialog opens, such as "Connecting to the BBC". An empty text
+  // comes when that is over, in every case. It must not throw. A front end may leave it out.
+  virtual void ShowStep(const std::string& text) { (void)text; }
   // Comes once in each transfer, before its first chunk.
   virtual void OpenTransfer(const std::string& caption) = 0;
   // The next chunk, before its exchange; again before each retry.

@@ -87,6 +87,10 @@ std::string LinkWindowHost::AskSaveFileName(const FileQuestion& question) {
   return name;
 }
 
+void LinkWindowHost::ShowStep(const std::string& text) {
+  window_.ShowStep(FromBbc(text));
+}
+
 void LinkWindowHost::OpenTransfer(const std::string& caption) {
   CloseTransfer();  // closes the dialog of the last transfer, if its OK was never pressed
   transfer_ = new frmRX(*link_, FromHost(caption), &window_);

@@ -32,6 +32,7 @@ class LinkWindowHost final : public LinkHost {
   ReplaceAnswer AskReplace(const std::string& text) override;
   std::string AskOpenFileName(const FileQuestion& question) override;
   std::string AskSaveFileName(const FileQuestion& question) override;
+  void ShowStep(const std::string& text) override;
   void OpenTransfer(const std::string& caption) override;
   void ShowChunk(const std::string& text) override;
   void ShowTotal(const std::string& text) override;

@@ -6,6 +6,7 @@
 #include <QStyle>
 #include <QStyleOptionFrame>
 #include <QTextDocument>
+#include <algorithm>
 
 #include "toolkit/Twips.h"
 
@@ -43,8 +44,8 @@ QSize Panel::sizeHint() const {
 
 QSize Panel::minimumSizeHint() const {
   if (mode_ == Qt::ElideNone) return sizeHint();
-  return {fontMetrics().horizontalAdvance(u'0') * kLeastCharacters + 2 * kMargin,
-          fontMetrics().height() + 4};
+  const int least = fontMetrics().horizontalAdvance(u'0') * kLeastCharacters + 2 * kMargin;
+  return {std::min(least, sizeHint().width()), fontMetrics().height() + 4};
 }
 
 void Panel::SetElide(Qt::TextElideMode mode) {

@@ -28,6 +28,7 @@ class StatusBar : public QStatusBar {
   explicit StatusBar(QWidget* parent);
 
   void SetText(const QString& text);  // panel 1
+  QString Path() const { return path_->text(); }
   void SetPath(const QString& text);  // panel 2, which takes up the spare width
   // A line about what happened, also in panel 2. The other panels are hidden until the next path,
   // because in a small window they would leave no room for the line.

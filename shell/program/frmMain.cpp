@@ -5,6 +5,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <cstdio>
+#include <utility>
 
 #include "disc/host/HostError.h"
 #include "disc/host/HostFile.h"
@@ -29,6 +30,7 @@
 #include "shell/program/SerialPorts.h"
 #include "shell/program/WindowHost.h"
 #include "toolkit/Boxes.h"
+#include "toolkit/MenuBars.h"
 #include "toolkit/Text.h"
 #include "toolkit/Twips.h"
 #include "toolkit/WindowPlace.h"
@@ -62,6 +64,7 @@ frmMain::~frmMain() {
 }
 
 void frmMain::MakeMenus() {
+  ShowOverflowArrow(*menuBar());
   QHash<QString, QMenu*> menus;
   for (const MenuEntry& entry : MenuTable()) {
     const QString name = QString::fromLatin1(entry.Name);
@@ -214,6 +217,15 @@ void frmMain::SetStatus(const QString& text, bool busy) {
 
 void frmMain::SetPanel2(const QString& text) {
   status_->SetPath(text);
+}
+
+void frmMain::ShowStep(const QString& text) {
+  if (text.isEmpty()) {
+    SetPanel2(std::exchange(beforeStep_, {}));
+    return;
+  }
+  if (beforeStep_.isNull()) beforeStep_ = status_->Path();
+  status_->SetNote(text);
 }
 
 void frmMain::ShowNote(const std::string& line) {

@@ -67,6 +67,7 @@ class frmMain : public MainWindow {
   // pointer and shows "Ready". Caption and path are brought up to date.
   void SetStatus(const QString& text, bool busy);
   void SetPanel2(const QString& text) override;
+  void ShowStep(const QString& text) override;
   // Shows a line about what happened, in panel 2, over the whole bar until the next path. While the
   // window is closing, the line also goes to standard error.
   void ShowNote(const std::string& line);
@@ -105,6 +106,7 @@ class frmMain : public MainWindow {
   StatusBar* status_ = nullptr;
   bool unloaded_ = false;
   bool exitWanted_ = false;  // the user has ended the program while the guard refused it
+  QString beforeStep_;       // what panel 2 showed before the step that it shows now
   int pieces_ = 0;           // how many calls of Guarded run, one inside the other
   int refusedSaves_ = 0;     // at the end of the program
   std::unique_ptr<DiscCommands> discCommands_;

@@ -66,6 +66,9 @@ class MainWindow : public QMainWindow {
 
   // --- Status bar and caption ------------------------------------------------------------------
   virtual void SetPanel2(const QString& text) = 0;
+  // What the program is doing, over the whole bar. An empty text gives panel 2 back what it showed
+  // before; it may come only after another one.
+  virtual void ShowStep(const QString& text) = 0;
   virtual void RefreshCaption() = 0;
 
  private:

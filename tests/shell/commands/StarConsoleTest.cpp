@@ -77,6 +77,33 @@ TEST_F(StarConsoleTest, EscapeKeepsTheWindowAndItsOutput) {
   });
 }
 
+// Notes when the watched widget is painted.
+class PaintWatch : public QObject {
+ public:
+  explicit PaintWatch(QWidget& widget) { widget.installEventFilter(this); }
+  int Paints = 0;
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::Paint) ++Paints;
+    return false;
+  }
+};
+
+TEST_F(StarConsoleTest, TheLineSaysWaitingUntilTheBbcIsSilent) {
+  StartWired();
+  Play([&] {
+    auto* waiting = In<QLabel>(*console, "lblWaiting");
+    EXPECT_EQ(waiting->text(), QStringLiteral("waiting"));
+    EXPECT_FALSE(waiting->isVisible());
+    const PaintWatch watch(*waiting);
+    Type("FADFS");
+    EXPECT_GT(watch.Paints, 0);
+    EXPECT_FALSE(waiting->isVisible());
+    EXPECT_TRUE(Command()->placeholderText().contains(QStringLiteral("no star needed")));
+  });
+}
+
 TEST_F(StarConsoleTest, TheMenusHoldTheirEntriesInOrder) {
   StartWired();
   Play([&] {

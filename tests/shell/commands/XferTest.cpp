@@ -82,6 +82,25 @@ TEST_F(XferTest, ASpeedOrPortThatIsChosenClosesThePortAndCountsAtTheNextTransfer
   EXPECT_EQ(speeds, (std::vector<std::string>{"S19200|", "S9600|", "S9600|"}));
 }
 
+TEST_F(XferTest, ATransferSaysWhatItDoesBeforeItsDialogOpens) {
+  line.Bbc.Drives[0] = NoiseDisc(64, {});
+  line.Bbc.SetBuffer(64);
+  StartWired();
+  QStringList steps;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &look, [&] {
+    if (steps.isEmpty() || steps.last() != Panel(2)) steps.append(Panel(2));
+  });
+  look.start(0);
+  player_.ExpectFileDialog(folder_ / "x.dat");
+  Choose("mnuXferRX0");
+  look.stop();
+  EXPECT_TRUE(steps.contains(QStringLiteral("Connecting to the BBC...")));
+  EXPECT_TRUE(steps.contains(QStringLiteral("Mounting drive 0...")));
+  EXPECT_TRUE(steps.contains(QStringLiteral("Reading the free space map...")));
+  EXPECT_EQ(Panel(2), QStringLiteral("$"));
+}
+
 // The transfer that runs would take the replies of the other command for its own.
 TEST_F(XferTest, WhileATransferRunsAnotherCommandToTheBbcDoesNothing) {
   line.Bbc.Drives[0] = NoiseDisc(64, {});
