@@ -1,13 +1,30 @@
 #include "toolkit/FileDialogs.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
+#include <QListView>
+#include <QLocale>
+#include <QScreen>
+#include <QTreeView>
+#include <algorithm>
 
 #include "toolkit/Text.h"
 
 namespace sectorbox {
 namespace {
+
+// The columns of Qt's dialog.
+constexpr int kNameColumn = 0;
+constexpr int kSizeColumn = 1;
+constexpr int kDateColumn = 3;
+
+constexpr int kNameCharacters = 24;
+constexpr int kCellRoom = 24;     // an icon or margins
+constexpr int kAroundFiles = 60;  // frames, margins and a scroll bar
+constexpr int kDialogHeight = 460;
 
 // Cuts the patterns off "ADFS Disc (*.adl;*.adf)": Qt wants them in its own form.
 QString WithoutPatterns(const QString& label) {
@@ -24,6 +41,32 @@ QString QtPatterns(const QString& patterns) {
   return all.join(u' ');
 }
 
+// Makes the dialog wide enough for the columns of names, sizes and dates, as far as the screen
+// goes.
+void MakeRoomForFiles(QFileDialog& dialog) {
+  dialog.setViewMode(QFileDialog::Detail);
+  auto* files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+  const auto* places = dialog.findChild<QListView*>(QStringLiteral("sidebar"));
+  if (files == nullptr || places == nullptr) return;
+  QHeaderView& header = *files->header();
+  const QFontMetrics metrics = files->fontMetrics();
+  const auto widen = [&](int column, const QString& text) {
+    const int wanted = metrics.horizontalAdvance(text) + kCellRoom;
+    if (header.sectionSize(column) < wanted) header.resizeSection(column, wanted);
+  };
+  const QDateTime date(QDate(2026, 12, 28), QTime(22, 58, 58));
+  widen(kNameColumn, QString(kNameCharacters, u'n'));
+  widen(kSizeColumn, QStringLiteral("1023.99 KiB"));
+  widen(kDateColumn, QLocale().toString(date, QLocale::ShortFormat));
+  const int wide = header.length() + places->sizeHint().width() / 2 + kAroundFiles;
+  const QSize screen = dialog.screen()->availableGeometry().size();
+  // On a small screen the names give way, down to half of their room.
+  const int names = header.sectionSize(kNameColumn);
+  const int tooWide = std::clamp(wide - screen.width(), 0, names / 2);
+  header.resizeSection(kNameColumn, names - tooWide);
+  dialog.resize(dialog.size().expandedTo({wide, kDialogHeight}).boundedTo(screen));
+}
+
 std::string Ask(QWidget* parent, const FileQuestion& question, QFileDialog::AcceptMode mode) {
   QFileDialog dialog(parent, FromHost(question.Title));
   dialog.setObjectName(QStringLiteral("dlgCommonDialog"));
@@ -38,6 +81,7 @@ std::string Ask(QWidget* parent, const FileQuestion& question, QFileDialog::Acce
     const QFileInfo info(name);
     dialog.selectFile(info.isAbsolute() && !info.dir().exists() ? info.fileName() : name);
   }
+  MakeRoomForFiles(dialog);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
   return ToHost(dialog.selectedFiles().constFirst());
 }
@@ -69,6 +113,7 @@ std::string AskFolder(QWidget* parent, const QString& caption, const QString& pr
   dialog.setOption(QFileDialog::ShowDirsOnly);
   dialog.setFileMode(QFileDialog::Directory);
   dialog.setLabelText(QFileDialog::FileName, prompt);
+  MakeRoomForFiles(dialog);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
   return ToHost(dialog.selectedFiles().constFirst());
 }

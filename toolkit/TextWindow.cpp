@@ -21,6 +21,7 @@ TextWindow::TextWindow(QWidget& window, const char* areaName, double pointSize, 
                        int findPos)
     : FindPos(findPos), window_(window), area_(new TextArea(&window, pointSize)), search_(search) {
   area_->setObjectName(QLatin1String(areaName));
+  area_->setAccessibleName(QStringLiteral("Text"));
 }
 
 template <typename Handler>

@@ -15,6 +15,7 @@ frmFind::frmFind(QWidget* parent, TextSearch& search)
   search_.FindOK = false;
   txtFind_->setObjectName(QStringLiteral("txtFind"));
   txtFind_->setMinimumWidth(260);
+  txtFind_->setPlaceholderText(QStringLiteral("In capitals or not"));
   txtFind_->selectAll();
   auto* lblFind = new QLabel(QStringLiteral("Find :"), this);
   lblFind->setObjectName(QStringLiteral("lblFind"));

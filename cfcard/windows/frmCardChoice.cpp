@@ -24,6 +24,8 @@ frmCardChoice::frmCardChoice(QWidget* parent, Disc& disc, CardDrives& drives)
   lblCFCard_->setObjectName(QStringLiteral("lblCFCard"));
   cmbCFCard_->setObjectName(QStringLiteral("cmbCFCard"));
   cmbCFCard_->setMinimumWidth(260);
+  cmbCFCard_->setAccessibleName(QStringLiteral("CF card"));
+  lblCFCard_->setBuddy(cmbCFCard_);
   chkNonADFS_->setObjectName(QStringLiteral("chkNonADFS"));
   setAcceptDrops(true);
   setToolTip(QStringLiteral("A file that holds a raw card can be dropped here"));

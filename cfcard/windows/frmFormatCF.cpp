@@ -30,6 +30,7 @@ frmFormatCF::frmFormatCF(QWidget* parent, Disc& disc, CardDrives& drives)
 
 void frmFormatCF::MakeControls() {
   cmbCapacity_->setObjectName(QStringLiteral("cmbCapacity"));
+  cmbCapacity_->setAccessibleName(QStringLiteral("Capacity"));
   for (const CardSize& size : kCardSizes) cmbCapacity_->addItem(FromBbc(size.Capacity));
   chkQuick_->setObjectName(QStringLiteral("chkQuick"));
   btnOK_->setObjectName(QStringLiteral("btnOK"));
@@ -41,6 +42,7 @@ void frmFormatCF::MakeControls() {
   btnCancel_->setDefault(true);
   lblFormat_->setObjectName(QStringLiteral("lblFormat"));
   pb1_->setObjectName(QStringLiteral("pb1"));
+  pb1_->setAccessibleName(QStringLiteral("Progress"));
   pb1_->setRange(0, 100);
   pb1_->setValue(0);
   connect(btnOK_, &QPushButton::clicked, this, [this] { btnOK_Click(); });

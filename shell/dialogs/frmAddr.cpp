@@ -28,6 +28,11 @@ frmAddr::frmAddr(QWidget* parent)
   setWindowTitle(QStringLiteral("Set File Addresses"));
   txtLoad_->setObjectName(QStringLiteral("txtLoad"));
   txtExec_->setObjectName(QStringLiteral("txtExec"));
+  txtLoad_->setPlaceholderText(QStringLiteral("FFFF1900"));
+  txtExec_->setPlaceholderText(QStringLiteral("FFFF8023"));
+  for (QLineEdit* field : {txtLoad_, txtExec_}) {
+    field->setToolTip(QStringLiteral("Up to eight hexadecimal digits (no & needed)"));
+  }
   const OKCancel buttons(this);
   connect(buttons.OK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
   connect(buttons.Cancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });

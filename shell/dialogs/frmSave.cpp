@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "toolkit/Captions.h"
 #include "toolkit/WindowPlace.h"
 
 namespace sectorbox {
@@ -23,13 +24,14 @@ frmSave::frmSave(QWidget* parent, Disc& disc)
   cmdAbort->setObjectName(QStringLiteral("cmdAbort"));
   lblSave_->setObjectName(QStringLiteral("lblSave"));
   lblSave_->setTextFormat(Qt::PlainText);
+  bar_->setAccessibleName(QStringLiteral("Progress"));
   bar_->setRange(0, 100);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(wait);
   layout->addWidget(bar_);
   layout->addWidget(lblSave_);
   layout->addWidget(cmdAbort, 0, Qt::AlignHCenter);
-  setFixedWidth(320);
+  setFixedWidth(WidthForText(*this, QStringLiteral("Restoring Sectors 2097136 to 2097151")));
   RestorePlace(*this, kSavePlace);
   disc_.ProgressRunning = true;
   connect(cmdAbort, &QPushButton::clicked, this, [this] { disc_.ProgressRunning = false; });

@@ -13,6 +13,8 @@ frmTitle::frmTitle(QWidget* parent, const std::string& title)
   setObjectName(QStringLiteral("frmTitle"));
   setWindowTitle(QStringLiteral("Set Directory Title"));
   txtTitle_->setObjectName(QStringLiteral("txtTitle"));
+  txtTitle_->setAccessibleName(QStringLiteral("Directory title"));
+  txtTitle_->setPlaceholderText(QStringLiteral("Up to 19 characters"));
   txtTitle_->setText(FromBbc(title));
   txtTitle_->selectAll();
   txtTitle_->setFocus();

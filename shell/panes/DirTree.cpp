@@ -59,6 +59,7 @@ bool DirNode::operator<(const QTreeWidgetItem& other) const {
 
 DirTree::DirTree(QWidget* parent) : QTreeWidget(parent) {
   setObjectName(QStringLiteral("tvwDB"));
+  setAccessibleName(QStringLiteral("Directories"));
   setColumnCount(1);
   header()->hide();
   header()->setStretchLastSection(false);

@@ -5,6 +5,8 @@
 #include <QHeaderView>
 #include <QPainter>
 #include <QScrollBar>
+#include <QToolTip>
+#include <algorithm>
 #include <utility>
 
 #include "shell/panes/PaneFocus.h"
@@ -16,6 +18,10 @@ namespace {
 constexpr int kSmallIcon = 16;
 constexpr int kLargeIcon = 32;
 constexpr int kCellMargin = 4;
+constexpr int kDropFrame = 2;
+constexpr int kSortMark = 12;
+constexpr double kLeastColumn = 240;     // twips
+constexpr double kWidestColumn = 30000;  // twips
 
 // The cells are as wide as the longest name in capitals, so that the icons stand in columns.
 QSize GridOf(ListLook look, const QFontMetrics& metrics) {
@@ -84,6 +90,7 @@ class RowPainter : public NameEditor {
 FileList::FileList(QWidget* parent)
     : QListView(parent), model_(new FileListModel(this)), header_(nullptr) {
   setObjectName(QStringLiteral("lvwDB"));
+  setAccessibleName(QStringLiteral("Files"));
   setModel(model_);
   MakeHeader();
   auto* painter = new RowPainter(this);
@@ -126,6 +133,7 @@ void FileList::SetMode(ListLook mode) {
   mode_ = mode;
   const bool large = mode == ListLook::kLargeIcons;
   model_->SetLargeIcons(large);
+  model_->SetSpeaksColumns(mode == ListLook::kReport);
   setViewMode(large ? QListView::IconMode : QListView::ListMode);
   setMovement(QListView::Static);
   setResizeMode(QListView::Adjust);
@@ -157,22 +165,39 @@ void FileList::updateGeometries() {
 }
 
 void FileList::SetColumnWidth(int column, double twips) {
+  if (!dragged_[static_cast<std::size_t>(column)]) ResizeColumn(column, twips);
+}
+
+void FileList::SetDraggedWidth(int column, double twips) {
+  ResizeColumn(column, std::clamp(twips, kLeastColumn, kWidestColumn));
+  dragged_[static_cast<std::size_t>(column)] = true;
+}
+
+std::optional<double> FileList::DraggedWidth(int column) const {
+  if (!dragged_[static_cast<std::size_t>(column)]) return std::nullopt;
+  return TwipsFromPixels(header_->sectionSize(column));
+}
+
+void FileList::ResizeColumn(int column, double twips) {
   sizing_ = true;
   header_->resizeSection(column, PixelsFromTwips(twips));
   sizing_ = false;
-  dragged_[static_cast<std::size_t>(column)] = false;
 }
 
 void FileList::FitColumns() {
   sizing_ = true;
   for (int column = 0; column < kColumns; ++column) {
     if (dragged_[static_cast<std::size_t>(column)]) continue;
+    const QString heading = model_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
     int widest = 0;
     for (int row = 0; row < model_->rowCount(); ++row) {
       const QString text = model_->index(row, column).data().toString();
       widest = std::max(widest, fontMetrics().horizontalAdvance(text));
     }
-    widest += 2 * kCellMargin + (column == kColName ? kSmallIcon + 2 * kCellMargin : 0);
+    if (column == kColName) widest += kSmallIcon + 2 * kCellMargin;
+    int captionWidth = header_->fontMetrics().horizontalAdvance(heading);
+    if (column == model_->SortColumn()) captionWidth += kSortMark;
+    widest = std::max(widest, captionWidth) + 2 * kCellMargin;
     if (widest > header_->sectionSize(column)) header_->resizeSection(column, widest);
   }
   sizing_ = false;
@@ -210,6 +235,7 @@ void FileList::startDrag(Qt::DropActions) {
 // The pane takes files at every point: a drop goes to the directory that is shown.
 void FileList::dragEnterEvent(QDragEnterEvent* event) {
   if (!event->mimeData()->hasUrls()) return;
+  SetDragged(true);
   event->setDropAction(Qt::CopyAction);
   event->accept();
 }
@@ -220,7 +246,18 @@ void FileList::dragMoveEvent(QDragMoveEvent* event) {
   event->accept();
 }
 
+void FileList::dragLeaveEvent(QDragLeaveEvent* event) {
+  SetDragged(false);
+  QListView::dragLeaveEvent(event);
+}
+
+void FileList::SetDragged(bool dragged) {
+  draggedOver_ = dragged;
+  viewport()->update();
+}
+
 void FileList::dropEvent(QDropEvent* event) {
+  SetDragged(false);
   event->setDropAction(Qt::CopyAction);
   event->accept();
   Q_EMIT Dropped(*event->mimeData());
@@ -303,6 +340,42 @@ void FileList::focusInEvent(QFocusEvent* event) {
 void FileList::initViewItemOption(QStyleOptionViewItem* option) const {
   QListView::initViewItemOption(option);
   PaintByFocus(*this, *option);
+}
+
+void FileList::paintEvent(QPaintEvent* event) {
+  QListView::paintEvent(event);
+  QPainter painter(viewport());
+  const QRect area = viewport()->rect();
+  if (model_->rowCount() == 0) {
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, QStringLiteral("Drop files here"));
+  }
+  if (!draggedOver_) return;
+  painter.setPen(QPen(palette().color(QPalette::Active, QPalette::Highlight), kDropFrame));
+  painter.drawRect(area.adjusted(1, 1, -1, -1));
+}
+
+int FileList::ColumnAt(int x) const {
+  return mode_ == ListLook::kReport ? header_->logicalIndexAt(x) : kColName;
+}
+
+// Qt would show the tip of the row's first column everywhere.
+bool FileList::viewportEvent(QEvent* event) {
+  if (event->type() != QEvent::ToolTip) return QListView::viewportEvent(event);
+  const auto& help = static_cast<QHelpEvent&>(*event);
+  const QModelIndex row = indexAt(help.pos());
+  const int column = ColumnAt(help.pos().x());
+  const QString tip = row.isValid() && column >= 0
+                          ? row.siblingAtColumn(column).data(Qt::ToolTipRole).toString()
+                          : QString();
+  if (tip.isEmpty()) {
+    QToolTip::hideText();
+    event->ignore();
+  } else {
+    const QRect cell = CellRect(visualRect(row), column);
+    QToolTip::showText(help.globalPos(), tip, viewport(), cell);
+  }
+  return true;
 }
 
 // When the user moves with the keys, the row becomes current, as after a click.

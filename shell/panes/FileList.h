@@ -3,6 +3,7 @@
 #include <QListView>
 #include <QMimeData>
 #include <array>
+#include <optional>
 
 #include "shell/panes/FileListModel.h"
 #include "shell/panes/NameEditor.h"
@@ -27,9 +28,12 @@ class FileList : public QListView {
   QHeaderView* Header() { return header_; }
   ListLook Mode() const { return mode_; }
   void SetMode(ListLook mode);
-  // Sets the width of a column in twips. It forgets the width that the user has dragged the column
-  // to.
+  // Sets the width of a column in twips, unless the user has dragged the column to another one.
   void SetColumnWidth(int column, double twips);
+  // The width that the user has dragged the column to, in twips; nothing if the user hasn't.
+  [[nodiscard]] std::optional<double> DraggedWidth(int column) const;
+  // Gives the column a width that the user has dragged it to in an earlier session.
+  void SetDraggedWidth(int column, double twips);
   // Widens the columns whose texts would be cut. A column that the user dragged stays as it is.
   void FitColumns();
   [[nodiscard]] bool IsSelected(int row) const;
@@ -58,7 +62,12 @@ class FileList : public QListView {
   void startDrag(Qt::DropActions actions) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
   void dropEvent(QDropEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+  // An empty list says that files can be dropped on it. While files are dragged over the list, it
+  // has a frame.
+  void paintEvent(QPaintEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
@@ -73,14 +82,18 @@ class FileList : public QListView {
   [[nodiscard]] bool IsSelectedAlone(const QModelIndex& row) const;
   void MakeHeader();
   void PlaceHeader();
+  void ResizeColumn(int column, double twips);
+  void SetDragged(bool dragged);
+  [[nodiscard]] int ColumnAt(int x) const;
 
   FileListModel* model_;
   QHeaderView* header_;
   SlowClick slowClick_{*this};
   QPersistentModelIndex pressed_;  // the row that the left button went down on
   ListLook mode_ = ListLook::kReport;
-  bool quiet_ = false;   // a change of the current row isn't the user's move with the keys
-  bool sizing_ = false;  // the program itself changes column widths
+  bool quiet_ = false;        // a change of the current row isn't the user's move with the keys
+  bool sizing_ = false;       // the program itself changes column widths
+  bool draggedOver_ = false;  // files are over the pane
   std::array<bool, kColumns> dragged_{};
 };
 

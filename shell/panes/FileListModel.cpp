@@ -5,6 +5,7 @@
 
 #include "disc/format/Text.h"
 #include "shell/icons/Icons.h"
+#include "shell/panes/CellTips.h"
 #include "toolkit/Text.h"
 
 namespace sectorbox {
@@ -96,7 +97,22 @@ QVariant FileListModel::data(const QModelIndex& index, int role) const {
     if (large_) return book_;
     return row.IsDirectory() ? closed_ : leaf_;
   }
+  if (role == Qt::ToolTipRole) return TipOfCell(row, index.column());
+  if (role == Qt::AccessibleTextRole && index.column() == kColName) return SpokenRow(index.row());
   return {};
+}
+
+// "ALPHA, Attr LWR, Seq (01), ...", without the columns that are empty.
+QString FileListModel::SpokenRow(int row) const {
+  QString spoken = index(row, kColName).data().toString();
+  for (int column = kColAttr; column < kColumns && speaksColumns_; ++column) {
+    const QString text = index(row, column).data().toString();
+    if (text.isEmpty()) continue;
+    spoken += QStringLiteral(", ") +
+              headerData(column, Qt::Horizontal, Qt::DisplayRole).toString() + QStringLiteral(" ") +
+              text;
+  }
+  return spoken;
 }
 
 QVariant FileListModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -25,6 +25,8 @@ class FileListModel : public QAbstractTableModel {
 
   // "book" in the view of large icons, "leaf" or "closed" in the others.
   void SetLargeIcons(bool large);
+  // Whether a screen reader speaks all columns of a row, or its name only.
+  void SetSpeaksColumns(bool speaks) { speaksColumns_ = speaks; }
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -35,11 +37,13 @@ class FileListModel : public QAbstractTableModel {
 
  private:
   void Sort(std::vector<ListRow>& rows) const;
+  [[nodiscard]] QString SpokenRow(int row) const;
 
   std::vector<ListRow> rows_;
   int column_ = 0;
   Qt::SortOrder order_ = Qt::AscendingOrder;
   bool large_ = false;
+  bool speaksColumns_ = true;
   QIcon leaf_;
   QIcon closed_;
   QIcon book_;

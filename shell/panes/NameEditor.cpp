@@ -12,6 +12,7 @@ QWidget* NameEditor::createEditor(QWidget* parent, const QStyleOptionViewItem&,
                                   const QModelIndex&) const {
   auto* editor = new QLineEdit(parent);
   editor->setObjectName(QStringLiteral("txtName"));
+  editor->setAccessibleName(QStringLiteral("Name"));
   return editor;
 }
 

@@ -129,12 +129,13 @@ void Panes::GoUp() {
 }
 
 template <typename Run>
-void Panes::AddTool(const char* key, const char* icon, Run run) {
+QAction* Panes::AddTool(const char* key, const char* icon, Run run) {
   const QString name = QString::fromLatin1(key);
   QAction* action = Bar().addAction(LoadIcon(icon), name, this, run);
   action->setObjectName(name);
   action->setToolTip(name);
   action->setStatusTip({});
+  return action;
 }
 
 void Panes::AddEntryTool(const char* key, const char* icon, const char* entry) {
@@ -142,7 +143,10 @@ void Panes::AddEntryTool(const char* key, const char* icon, const char* entry) {
 }
 
 void Panes::AddLookTool(const char* key, const char* icon, ListLook look) {
-  AddTool(key, icon, [this, look] { List().SetMode(look); });
+  QAction* action = AddTool(key, icon, [this, look] { List().SetMode(look); });
+  action->setCheckable(true);
+  action->setChecked(List().Mode() == look);
+  looks_.addAction(action);
 }
 
 void Panes::MakeToolBar() {

@@ -83,6 +83,15 @@ void PaneLayout::SizeControls(double& x) {
   imgSplitter_->raise();
 }
 
+std::optional<double> PaneLayout::DraggedSplitter() const {
+  return splitterDragged_ ? std::optional(splitterLeft_) : std::nullopt;
+}
+
+void PaneLayout::SetDraggedSplitter(double x) {
+  SizeControls(x);
+  splitterDragged_ = true;
+}
+
 void PaneLayout::StartMoving() {
   barLeft_ = splitterLeft_;
   picSplitter_->setGeometry(imgSplitter_->x(), imgSplitter_->y(), imgSplitter_->width() / 2,
@@ -109,8 +118,7 @@ void PaneLayout::MoveTo(double pointerX) {
 
 void PaneLayout::StopMoving() {
   if (!SplitterMoving) return;
-  double x = barLeft_;
-  SizeControls(x);
+  SetDraggedSplitter(barLeft_);
   picSplitter_->hide();
   SplitterMoving = false;
 }

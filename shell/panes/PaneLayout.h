@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QToolBar>
 #include <QWidget>
+#include <optional>
 
 #include "shell/panes/DirTree.h"
 #include "shell/panes/FileList.h"
@@ -42,6 +43,10 @@ class PaneLayout : public QWidget {
   // tree has got: at least 3000, and at most the window's width less 3000. In a window narrower
   // than 6000 the second rule holds.
   void SizeControls(double& x);
+  // How wide the user has made the tree, in twips; nothing if the user hasn't dragged the border.
+  [[nodiscard]] std::optional<double> DraggedSplitter() const;
+  // Lays out for the border that the user has dragged in an earlier session.
+  void SetDraggedSplitter(double x);
   // The layout after the window changed its size.
   void Form_Resize();
 
@@ -62,6 +67,7 @@ class PaneLayout : public QWidget {
   double splitterLeft_;  // twips
   double barLeft_ = 0;   // twips
   bool SplitterMoving = false;
+  bool splitterDragged_ = false;
 };
 
 }  // namespace sectorbox

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QActionGroup>
 #include <map>
 #include <optional>
 #include <vector>
@@ -23,7 +24,8 @@ class Panes : public PaneLayout {
   Panes(MainWindow& window, std::string tempFolder);
 
   // --- Following the disc ----------------------------------------------------------------------
-  // Sets the seven headings and their widths, and sorts by name again.
+  // Sets the widths of the seven columns, except those that the user has dragged, and sorts by name
+  // again.
   void MakeRootColumns();
   // Fills tree and list anew. The root is current afterwards. Events run meanwhile, but the guard
   // lets no command start in them. If the disc can't be read (HostError), both panes are empty
@@ -84,7 +86,7 @@ class Panes : public PaneLayout {
   void ConnectList();
   void MakeToolBar();
   template <typename Run>
-  void AddTool(const char* key, const char* icon, Run run);
+  QAction* AddTool(const char* key, const char* icon, Run run);
   void AddEntryTool(const char* key, const char* icon, const char* entry);
   void AddLookTool(const char* key, const char* icon, ListLook look);
   DirNode& FillTree();
@@ -111,6 +113,7 @@ class Panes : public PaneLayout {
   QPersistentModelIndex CurrentItem_;
   bool TreeReady = false;
   bool filling_ = false;
+  QActionGroup looks_{this};     // the button of the view mode that is on is pressed in
   bool pressSwallowed_ = false;  // the release of that button is to be swallowed, too
   // The list's own Tag: " 0" or " 1" once a heading was clicked. There is one for all columns, so
   // the order flips at every click, also when the click is on another heading than the last one.

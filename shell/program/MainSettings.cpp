@@ -5,6 +5,7 @@
 
 #include "link/wire/Protocol.h"
 #include "shell/commands/XferCommands.h"
+#include "shell/panes/Panes.h"
 #include "shell/program/frmMain.h"
 #include "toolkit/SettingsStore.h"
 
@@ -46,6 +47,30 @@ void CheckSpeed(const frmMain& window, std::int16_t speed) {
     NumberedEntry(window, "mnuXferSerial", one)->setChecked(one == speed);
 }
 
+// The widths that the user has dragged, in twips. What the user hasn't dragged has no key.
+constexpr const char* kSplitterKey = "Splitter";
+
+QByteArray ColumnKey(int column) {
+  return QByteArray("Column") + kColumnHeadings.at(static_cast<std::size_t>(column));
+}
+
+void LoadWidths(Panes& panes, const SettingsStore& store) {
+  if (store.Has(kSplitterKey)) panes.SetDraggedSplitter(store.GetTwips(kSplitterKey, 0));
+  for (int column = 0; column < kColumns; ++column) {
+    const QByteArray key = ColumnKey(column);
+    if (!store.Has(key.constData())) continue;
+    panes.List().SetDraggedWidth(column, store.GetTwips(key.constData(), 0));
+  }
+}
+
+void SaveWidths(Panes& panes, SettingsStore& store) {
+  if (const auto splitter = panes.DraggedSplitter()) store.PutTwips(kSplitterKey, *splitter);
+  for (int column = 0; column < kColumns; ++column) {
+    const auto width = panes.List().DraggedWidth(column);
+    if (width) store.PutTwips(ColumnKey(column).constData(), *width);
+  }
+}
+
 }  // namespace
 
 void LoadSettings(frmMain& window) {
@@ -60,9 +85,10 @@ void LoadSettings(frmMain& window) {
   for (const auto& flag : kFlags) {
     window.Action(flag.Entry)->setChecked(store.GetFlag(flag.Key, flag.ByDefault));
   }
+  LoadWidths(window.ThePanes(), store);
 }
 
-void SaveSettings(const frmMain& window) {
+void SaveSettings(frmMain& window) {
   SettingsStore store;
   for (const auto& flag : kFlags) store.PutFlag(flag.Key, window.Checked(flag.Entry));
   store.PutInt16("ComPort", window.Xfer().ComPort());
@@ -71,6 +97,7 @@ void SaveSettings(const frmMain& window) {
     store.PutInt16("BaudRate", static_cast<std::int16_t>(speed));
     break;
   }
+  SaveWidths(window.ThePanes(), store);
   store.Sync();
 }
 

@@ -8,6 +8,6 @@ class frmMain;
 // SettingsError.
 void LoadSettings(frmMain& window);
 // Writes them back into the store. If no speed is checked, the stored speed stays as it is.
-void SaveSettings(const frmMain& window);
+void SaveSettings(frmMain& window);
 
 }  // namespace sectorbox

@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "toolkit/Text.h"
 #include "toolkit/WindowPlace.h"
@@ -15,6 +16,8 @@ namespace {
 
 constexpr int kFlashingMode = 2;
 constexpr QSize kWindowSize{680, 662};
+constexpr int kModeWidth = 58;  // of a button with "Mode 0"
+constexpr int kModeMargins = 16;
 
 // These entries have no action: the user changes the palette with its buttons.
 constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Green", "Yellow",
@@ -38,7 +41,8 @@ frmMode::frmMode(Disc& disc, const CurrentRow& row) : disc_(disc), row_(row) {
   Timer1_.setParent(this);
   Timer1_.setInterval(kFlashMilliseconds);
   connect(&Timer1_, &QTimer::timeout, this, [this] { Timer1_Timer(); });
-  setFixedSize(kWindowSize);
+  // In a large font the buttons need more room than the picture.
+  setFixedSize(kWindowSize.expandedTo(layout->totalMinimumSize()));
   RestorePlace(*this, kModePlace);
 }
 
@@ -80,7 +84,8 @@ QLayout* frmMode::MakeModeButtons() {
   for (const ScreenMode& mode : kScreenModes) {
     auto* button = new QPushButton(QStringLiteral("Mode %1").arg(mode.Mode), this);
     button->setObjectName(QStringLiteral("cmdMode%1").arg(mode.Mode));
-    button->setMaximumWidth(58);
+    const int text = button->fontMetrics().horizontalAdvance(button->text());
+    button->setFixedWidth(std::max(kModeWidth, text + kModeMargins));
     connect(button, &QPushButton::clicked, this, [this, number = mode.Mode] {
       Tag = number;
       Show_File();

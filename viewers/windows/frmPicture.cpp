@@ -32,6 +32,7 @@ QImage ImageOf(const Picture& picture) {
 
 PictureBox::PictureBox(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("Picture1"));
+  setAccessibleName(QStringLiteral("Picture"));
 }
 
 void PictureBox::Show(Picture picture) {

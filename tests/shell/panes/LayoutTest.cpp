@@ -1,3 +1,4 @@
+#include <QHeaderView>
 #include <QTest>
 
 #include "shell/panes/PaneLayout.h"
@@ -87,6 +88,79 @@ TEST_F(LayoutTest, TheBarStops500FromTheEdgesWhileItIsDragged) {
   EXPECT_EQ(bar.x(), 767);
   QTest::mouseRelease(&strip, Qt::LeftButton, {}, {2000, 20});
   EXPECT_FALSE(bar.isVisible());
+}
+
+// --- What the user has dragged -----------------------------------------------------------------
+
+class WidthsTest : public LayoutTest {
+ protected:
+  QHeaderView& Header() { return *window_->ThePanes().List().Header(); }
+  // Drags the right edge of a heading, as a user does.
+  void DragColumn(int column, int by) {
+    const int edge = Header().sectionViewportPosition(column) + Header().sectionSize(column) - 1;
+    QWidget& headings = *Header().viewport();
+    QTest::mousePress(&headings, Qt::LeftButton, {}, {edge, 5});
+    QTest::mouseMove(&headings, {edge + by, 5});
+    Settle();
+    QTest::mouseRelease(&headings, Qt::LeftButton, {}, {edge + by, 5});
+  }
+};
+
+TEST_F(WidthsTest, AFreshStartHasTheGivenWidths) {
+  Start();
+  EXPECT_EQ(Tree(), 200);
+  const int given[] = {80, 47, 33, 67, 67, 67, 67};  // 1200, 700, 500, 1000 twips
+  for (int column = 0; column < kColumns; ++column) {
+    EXPECT_EQ(Header().sectionSize(column), given[column]) << column;
+  }
+  window_->close();
+  for (const char* key : {"Splitter", "ColumnFilename", "ColumnAttr", "ColumnSector"}) {
+    EXPECT_FALSE(SettingsStore().Has(key)) << key;
+  }
+}
+
+TEST_F(WidthsTest, TheSplitterAndColumnsThatTheUserDraggedComeBackAtTheNextStart) {
+  SettingsStore().PutTwips("MainWidth", 800 * 15);
+  Start();
+  Drag(0, 100);
+  DragColumn(kColAttr, 30);
+  ASSERT_EQ(Tree(), 300);
+  ASSERT_EQ(Header().sectionSize(kColAttr), 77);
+  window_->close();
+  StartAgain();
+  EXPECT_EQ(Tree(), 300);
+  EXPECT_EQ(Header().sectionSize(kColAttr), 77);
+  EXPECT_EQ(Header().sectionSize(kColSeq), 33);
+  EXPECT_FALSE(SettingsStore().Has("ColumnSeq"));
+  window_->close();
+  StartAgain();
+  EXPECT_EQ(Tree(), 300) << "also where nobody has dragged anything meanwhile";
+  EXPECT_EQ(Header().sectionSize(kColAttr), 77);
+}
+
+TEST_F(WidthsTest, AColumnThatTheUserDraggedStaysWhenAnotherDiscIsOpened) {
+  Start();
+  DragColumn(kColName, 40);
+  window_->ThePanes().RebuildTree();
+  EXPECT_EQ(Header().sectionSize(kColName), 120);
+}
+
+TEST_F(WidthsTest, StoredWidthsThatNoWindowHasAreBounded) {
+  SettingsStore().PutTwips("Splitter", 1e9);
+  SettingsStore().PutTwips("ColumnAttr", -500);
+  SettingsStore().PutTwips("ColumnSeq", 1e12);
+  Start();
+  EXPECT_EQ(Tree(), 233);
+  EXPECT_EQ(Header().sectionSize(kColAttr), 16);
+  EXPECT_EQ(Header().sectionSize(kColSeq), 2000);
+}
+
+TEST_F(WidthsTest, NothingKeepsTheViewMode) {
+  Start();
+  Find<QAction>("View List").trigger();
+  window_->close();
+  StartAgain();
+  EXPECT_EQ(window_->ThePanes().List().Mode(), ListLook::kReport);
 }
 
 TEST_F(LayoutTest, AMinimisedWindowIsLaidOutWithoutHarm) {
