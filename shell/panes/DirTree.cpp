@@ -129,6 +129,8 @@ void DirTree::ScrollTo(DirNode& node) {
 void DirTree::EditName(DirNode& node) {
   slowClick_.Forget();
   if (!IsEditing()) editItem(&node, 0);
+  // The tree was painted without the focus before the editor took it.
+  viewport()->update();
 }
 
 void DirTree::SetDropHighlight(DirNode* node) {

@@ -224,6 +224,8 @@ void FileList::EditName(int row) {
   const QModelIndex index = model_->index(row, kColName);
   scrollTo(index);
   edit(index);
+  // The list was painted without the focus before the editor took it.
+  viewport()->update();
 }
 
 void FileList::startDrag(Qt::DropActions) {

@@ -13,7 +13,7 @@
 namespace sectorbox {
 namespace {
 
-constexpr int kMargin = 5;
+constexpr int kMargin = 4;
 constexpr int kLeastCharacters = 5;
 constexpr double kFontScale = 0.92;
 
@@ -37,15 +37,22 @@ Panel::Panel(const QString& name, Qt::TextElideMode mode, QWidget* parent)
   setTextFormat(Qt::PlainText);
 }
 
+// A path that is cut at its start takes the spare width, and what the other panels need comes
+// first.
 QSize Panel::sizeHint() const {
+  if (mode_ == Qt::ElideLeft) return minimumSizeHint();
+  return {TextWidth(), fontMetrics().height() + 4};
+}
+
+int Panel::TextWidth() const {
   // One pixel more, because the width of a text is a fraction.
-  return {fontMetrics().horizontalAdvance(text()) + 1 + 2 * kMargin, fontMetrics().height() + 4};
+  return fontMetrics().horizontalAdvance(text()) + 1 + 2 * kMargin;
 }
 
 QSize Panel::minimumSizeHint() const {
   if (mode_ == Qt::ElideNone) return sizeHint();
   const int least = fontMetrics().horizontalAdvance(u'0') * kLeastCharacters + 2 * kMargin;
-  return {std::min(least, sizeHint().width()), fontMetrics().height() + 4};
+  return {std::min(least, TextWidth()), fontMetrics().height() + 4};
 }
 
 void Panel::SetElide(Qt::TextElideMode mode) {

@@ -19,6 +19,8 @@ class Panel : public QLabel {
   void paintEvent(QPaintEvent* event) override;
 
  private:
+  int TextWidth() const;
+
   Qt::TextElideMode mode_;
 };
 

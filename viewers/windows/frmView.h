@@ -39,7 +39,8 @@ class frmView : public QMainWindow, public TextView, public TextWindow {
   bool ToFile = false;
   std::string OutputName;
 
-  // Runs the view that Tag names, and returns at its end or after a close request. The launcher
+  // Runs the view that Tag names, and returns at its end or after a close request. The window comes
+  // up with the view's first text, or at the end of a view without any. The launcher
   // takes target from the main window when the view starts: the panes may change while it runs.
   void Show_File(const ViewTarget& target);
 

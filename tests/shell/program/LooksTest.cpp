@@ -279,6 +279,15 @@ TEST_P(DefaultSize, TheFreeSpaceAndTheDateAreWholeAtTheFirstStart) {
   for (int n = 1; n <= 4; ++n) ExpectWhole(n);
 }
 
+TEST_P(DefaultSize, ALongPathLeavesTheFreeSpaceAndTheDateWhole) {
+  QLocale::setDefault(QLocale(QString::fromLatin1(GetParam())));
+  StartWith(image_);
+  ClickRow(QStringLiteral("ALPHA"));
+  window_->SetPanel2(QStringLiteral("$.GAMES.ARCADE.SHOOTERS.ELITE"));
+  Settle();
+  for (const int n : {1, 3, 4}) ExpectWhole(n);
+}
+
 INSTANTIATE_TEST_SUITE_P(Locales, DefaultSize,
                          ::testing::Values("C", "en_GB", "en_US", "de_DE", "fr_FR", "sv_SE",
                                            "hu_HU", "ko_KR", "fi_FI"),
