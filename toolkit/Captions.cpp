@@ -42,4 +42,8 @@ void MakeRoomForCaption(QDialog& dialog) {
   }
 }
 
+QString CaptionOf(const QString& text) {
+  return QString(text).replace(QLatin1Char('&'), QStringLiteral("&&"));
+}
+
 }  // namespace sectorbox

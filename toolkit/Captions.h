@@ -21,4 +21,7 @@ void MakeRoomForCaption(QDialog& dialog);
 // pixels, and more if the text needs more. Call it when the layout is complete.
 [[nodiscard]] int WidthForText(const QWidget& window, const QString& longest);
 
+// The text as a part of a menu entry's caption, in which a single & would mark a key.
+[[nodiscard]] QString CaptionOf(const QString& text);
+
 }  // namespace sectorbox

@@ -56,6 +56,10 @@ enum class AfterRefusal {
                                const std::vector<std::string>& hostPaths,
                                AfterRefusal afterRefusal = AfterRefusal::kStays);
 
+// How many bytes the files at paths and below have together, as far as the host tells. Links to
+// folders aren't followed further than 16 folders deep.
+[[nodiscard]] std::int64_t BytesToAdd(const std::vector<std::string>& paths);
+
 // Makes a directory of a host folder and adds all that is in the folder. The new directory is
 // listed in the directory at dirSector. It is one import, as AddFiles is. HostError as for AddFile.
 [[nodiscard]] Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& folder);

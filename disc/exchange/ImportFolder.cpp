@@ -37,6 +37,23 @@ std::string WhyPassedOver(const std::string& path) {
   }
 }
 
+std::int64_t BytesBelow(const std::vector<std::string>& paths, int depth) {
+  constexpr int kDeepest = 16;
+  std::int64_t bytes = 0;
+  for (const std::string& path : paths) {
+    try {
+      if (KindOfHostFile(path) == HostFileKind::kPlain) {
+        bytes += static_cast<std::int64_t>(HostFileLength(path));
+      } else if (KindOfHostFile(path) == HostFileKind::kFolder && depth < kDeepest) {
+        bytes += BytesBelow(PathsInFolder(path), depth + 1);
+      }
+    } catch (const HostError&) {
+      continue;
+    }
+  }
+  return bytes;
+}
+
 Outcome AddContents(Disc& disc, std::int32_t dirSector, const std::vector<std::string>& paths,
                     ImportWalk& walk) {
   const TrackedSector dir(disc, dirSector);
@@ -104,6 +121,10 @@ Outcome ImportFolder(Disc& disc, std::int32_t dirSector, const std::string& fold
     if (outcome != Outcome::kDone) TellNotAdded(disc, walk, walk.NotAdded);
     return outcome;
   });
+}
+
+std::int64_t BytesToAdd(const std::vector<std::string>& paths) {
+  return BytesBelow(paths, 0);
 }
 
 }  // namespace sectorbox

@@ -7,6 +7,7 @@
 #include "shell/dialogs/frmTitle.h"
 #include "shell/panes/Panes.h"
 #include "shell/window/MainWindow.h"
+#include "shell/window/StepTexts.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 
@@ -32,8 +33,13 @@ DirectoryCommands::DirectoryCommands(MainWindow& window, Panes& panes)
 
 void DirectoryCommands::mnuDirectoryNew() {
   if (panes_.CurrentDirNode() == nullptr) return;
-  const auto sector = NewDirectory(window_.OpenDisc(), panes_.CurrentSector(), kNewName);
+  const auto sector = [this] {
+    const History::Step step(window_.Steps(), std::string("New Directory ") + kNewName);
+    return NewDirectory(window_.OpenDisc(), panes_.CurrentSector(), kNewName);
+  }();
   if (!sector) return;
+  newStep_ = window_.Steps().LastStep();
+  newSector_ = *sector;
   DirNode* node = panes_.AddNode(kNewName, *sector);
   panes_.GetRootTitles();
   panes_.Tree().setFocus();
@@ -47,11 +53,16 @@ void DirectoryCommands::mnuDirectoryDelete() {
   if (node == nullptr) return;
   const bool root = node->Tag == format::kRootSector || node->Parent() == nullptr;
   const std::int32_t parent = root ? -1 : node->Parent()->Tag;
-  (void)DeleteTree(window_.OpenDisc(), parent, node->Tag, node->Text(),
-                   window_.Checked("mnuOptionsDelete"), window_.Checked("mnuOptionsEmpty"));
+  Disc& disc = window_.OpenDisc();
+  const std::string name = node->Text();
+  const History::Step step(window_.Steps(), "Delete " + name);
+  const Outcome outcome =
+      DeleteTree(disc, parent, node->Tag, name, window_.Checked("mnuOptionsDelete"),
+                 window_.Checked("mnuOptionsEmpty"));
   panes_.RemoveNode(*node);
   if (root) panes_.RebuildTree();
   panes_.GetRootTitles();
+  if (outcome == Outcome::kDone && !root) TellDeleted(disc, name);
 }
 
 void DirectoryCommands::mnuDirectoryRename() {
@@ -75,7 +86,9 @@ void DirectoryCommands::mnuDirectoryTitle() {
   if (!node) return;
   Disc& disc = window_.OpenDisc();
   frmTitle dialog(&window_, GetDirTitle(disc, node->Tag));
-  if (dialog.exec() == QDialog::Accepted) (void)SetDirTitle(disc, node->Tag, dialog.Title());
+  if (dialog.exec() != QDialog::Accepted) return;
+  const History::Step step(window_.Steps(), "Set Title");
+  (void)SetDirTitle(disc, node->Tag, dialog.Title());
 }
 
 void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text) {
@@ -83,6 +96,11 @@ void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text)
   if (text.isEmpty() || panes_.CurrentDirNode() == nullptr) return;
   if (node.Parent() == nullptr) return;
   const std::string name = TypedToBbc(text);
+  // The name that is typed for a new directory belongs to its making.
+  const bool isNew = node.Tag == newSector_ && window_.Steps().LastStep() == newStep_;
+  const History::Step step(
+      window_.Steps(), isNew ? "New Directory " + name : "Rename " + node.Text(),
+      History::Mark::kSets, isNew ? History::Place::kWithTheLast : History::Place::kNew);
   if (RenameEntry(disc, name, node.Text(), node.Parent()->Tag, window_.Checked("mnuOptionsDelete"),
                   node.Tag) == Outcome::kDone) {
     node.SetText(StoredName(name));

@@ -24,6 +24,9 @@ class DirectoryCommands : public QObject {
 
   MainWindow& window_;
   Panes& panes_;
+  // The directory that was made last, and its step.
+  std::int32_t newSector_ = -1;
+  std::int64_t newStep_ = 0;
 };
 
 }  // namespace sectorbox

@@ -86,13 +86,20 @@ void DiscCommands::mnuDiscBoot() {
   Disc& disc = window_.OpenDisc();
   frmBoot dialog(&window_, disc.TheDisc.Fetch(format::kMapBootOption));
   if (dialog.exec() != QDialog::Accepted) return;
+  const History::Step step(window_.Steps(), "Set Boot Option", History::Mark::kLeaves);
   // The user has been told of a refusal.
   (void)SetBootOption(disc, dialog.Option(), MapSums::kLeave);
 }
 
 void DiscCommands::mnuDiscCompact() {
-  // The user has been told of a refusal.
-  (void)CompactDisc(window_.OpenDisc());
+  Disc& disc = window_.OpenDisc();
+  {
+    const History::Step step(window_.Steps(), "Compact Disc");
+    window_.Steps().Expect(SectorOffset(MapDiscSize(disc)) -
+                           FreeSectors(disc) * format::kSectorSize);
+    // The user has been told of a refusal.
+    (void)CompactDisc(disc);
+  }
   panes_.RebuildTree();
 }
 

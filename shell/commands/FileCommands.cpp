@@ -12,6 +12,7 @@
 #include "shell/panes/Panes.h"
 #include "shell/panes/RowExport.h"
 #include "shell/window/MainWindow.h"
+#include "shell/window/StepTexts.h"
 #include "toolkit/FileDialogs.h"
 #include "toolkit/Text.h"
 
@@ -41,6 +42,7 @@ void FileCommands::mnuFileAttributes() {
   attr_->AttrLocked = has('L');
   attr_->exec();
   if (attr_->DialogAccepted) {
+    const History::Step step(window_.Steps(), "Set Attributes");
     FileList& list = panes_.List();
     for (int row = 0; row < list.Model().rowCount(); ++row) {
       if (list.IsSelected(row) && ApplyAttributes(row) == Applied::kNoEntry) return;
@@ -84,6 +86,7 @@ void FileCommands::ApplyAddresses(int row) {
   // After a refused OK the close box counts as accepted. The texts may be no addresses then, and
   // nothing is written.
   if (!CheckAddresses(addr_->LoadText, addr_->ExecText).empty()) return;
+  const History::Step step(window_.Steps(), "Set Addresses");
   const Outcome outcome = SetEntryAddresses(disc, sector, entry.Name(), addr_->LoadText,
                                             addr_->ExecText, entry.StartSector());
   if (outcome != Outcome::kDone) return;
@@ -101,6 +104,8 @@ void FileCommands::mnuFileDelete() {
   Disc& disc = window_.OpenDisc();
   const TrackedSector directory(disc, panes_.CurrentSector());
   const FileListModel& model = panes_.List().Model();
+  History::Step step(window_.Steps(), "Delete");
+  int deleted = 0;
   bool directoryWent = false;
   for (int row = 0; row < model.rowCount(); ++row) {
     if (!panes_.List().IsSelected(row)) continue;
@@ -119,9 +124,12 @@ void FileCommands::mnuFileDelete() {
       }
       directoryWent = true;
     }
+    ++deleted;
   }
+  step.SetName("Delete " + CountOf(deleted, "Object"));
   if (directoryWent) panes_.RebuildTree();
   panes_.GetRootTitles();
+  if (deleted > 0) TellDeleted(disc, CountOf(deleted, "object"));
 }
 
 void FileCommands::mnuFileRename() {
@@ -152,6 +160,7 @@ void FileCommands::lvwDB_AfterLabelEdit(int row, const QString& text) {
   FileListModel& model = panes_.List().Model();
   const ListRow former = model.Rows()[static_cast<std::size_t>(row)];
   const std::string name = TypedToBbc(text);
+  const History::Step step(window_.Steps(), "Rename " + former.Name());
   if (RenameEntry(window_.OpenDisc(), name, former.Name(), panes_.CurrentSector(),
                   window_.Checked("mnuOptionsDelete"), former.StartSector()) == Outcome::kDone) {
     // The row keeps its old sequence number until the list is filled again.

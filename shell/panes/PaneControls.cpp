@@ -95,6 +95,12 @@ bool Panes::CommonKey(const QKeyEvent& event) {
       return control && RunEntry("mnuDiscOpen");
     case Qt::Key_S:  // with Shift, too: every save asks for the name
       return control && RunEntry("mnuDiscSave");
+    case Qt::Key_Z: {
+      const bool shift = (event.modifiers() & Qt::ShiftModifier) != 0;
+      return control && RunEntry(shift ? "mnuToolsRedo" : "mnuToolsUndo");
+    }
+    case Qt::Key_Y:
+      return control && RunEntry("mnuToolsRedo");
     case Qt::Key_Up:
       if ((event.modifiers() & Qt::AltModifier) == 0) return false;
       GoUp();

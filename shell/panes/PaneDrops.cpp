@@ -9,6 +9,7 @@
 #include "disc/host/HostFile.h"
 #include "shell/icons/Icons.h"
 #include "shell/panes/Panes.h"
+#include "shell/window/StepTexts.h"
 #include "toolkit/FileLists.h"
 
 namespace sectorbox {
@@ -22,10 +23,15 @@ void ShowDragged(QDrag& drag, const std::string& first) {
   drag.setHotSpot({kSide / 4, kSide / 4});
 }
 
-// Adds the paths, which are one import. folder becomes true if a folder is among them, even if it
-// is refused then.
-void AddAll(Disc& disc, std::int32_t sector, const std::vector<std::string>& paths, bool& folder) {
+// Adds the paths, which are one import and one step. folder becomes true if a folder is among them,
+// even if it is refused then.
+void AddAll(Panes& panes, Disc& disc, std::int32_t sector, const std::vector<std::string>& paths,
+            bool& folder) {
   folder = std::any_of(paths.begin(), paths.end(), HostFolderExists);
+  const int count = static_cast<int>(paths.size());
+  const History::Step step(panes.Steps(), "Add " + CountOf(count, folder ? "Object" : "File"));
+  panes.Steps().Expect(
+      std::min(BytesToAdd(paths), FreeSectors(disc) * std::int64_t{format::kSectorSize}));
   // The user has been told of a refusal, and the panes show how far the import has come.
   (void)AddFiles(disc, sector, paths);
 }
@@ -93,7 +99,7 @@ void DropOnList(Panes& panes, Disc& disc, const QMimeData& data) {
     panes.GetRootTitles();
   };
   try {
-    AddAll(disc, panes.CurrentSector(), PathsOf(data), folder);
+    AddAll(panes, disc, panes.CurrentSector(), PathsOf(data), folder);
   } catch (const HostError&) {
     // The host has refused a path. The paths before it are on the disc already, so the panes show
     // them.
@@ -113,7 +119,7 @@ void DropOnTree(Panes& panes, Disc& disc, const QMimeData& data) {
     ShowFreeSpace(disc);
   };
   try {
-    AddAll(disc, target->Tag, PathsOf(data), folder);
+    AddAll(panes, disc, target->Tag, PathsOf(data), folder);
   } catch (const HostError&) {
     follow();
     throw;

@@ -370,6 +370,21 @@ void Panes::UpdateFileMenu() {
   }
 }
 
+void Panes::SelectRows(const std::function<bool(const ListRow& row)>& wanted) {
+  const auto& rows = List().Model().Rows();
+  std::vector<int> found;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    if (wanted(rows[row])) found.push_back(static_cast<int>(row));
+  }
+  if (found.empty()) return;
+  List().clearSelection();
+  for (const int row : found) List().SetSelected(row, true);
+  CurrentItem_ = List().Model().index(found.front(), kColName);
+  List().selectionModel()->setCurrentIndex(CurrentItem_, QItemSelectionModel::NoUpdate);
+  List().scrollTo(CurrentItem_);
+  UpdateFileMenu();
+}
+
 void Panes::SelectAll() {
   List().selectAll();
   if (List().Model().rowCount() > 0) {

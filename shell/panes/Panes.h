@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QActionGroup>
+#include <functional>
 #include <map>
 #include <optional>
 #include <vector>
@@ -70,6 +71,12 @@ class Panes : public PaneLayout {
   // taken out too, the next node beside it is selected, else the one before, else its parent.
   void RemoveNode(DirNode& node);
   void SelectAll();
+  // Selects those rows that are wanted, and no other. The first of them becomes current; if there
+  // is none, nothing changes.
+  void SelectRows(const std::function<bool(const ListRow& row)>& wanted);
+
+  // The steps that have changed the disc.
+  History& Steps() { return window_.Steps(); }
 
   // --- Drag and drop ---------------------------------------------------------------------------
   void ResetDragFolders() { drags_.DragFolderCount = 0; }

@@ -132,6 +132,10 @@ constexpr MenuEntry kEntries[] = {
     {"mnuXfer", "mnuXferSep1", "-", kSeparator},
     {"mnuXfer", "mnuXferCBW", "Check Before Transfer", kCheck},
 
+    {"", "mnuTools", "&Tools", kMenu},
+    {"mnuTools", "mnuToolsUndo", "&Undo", kCommand, true},
+    {"mnuTools", "mnuToolsRedo", "&Redo", kCommand, true},
+
     {"", "mnuHelp", "&Help", kMenu},
     {"mnuHelp", "mnuHelpContents", "&Contents", kCommand, false, kView},
     {"mnuHelp", "mnuHelpSearch", "&Search For Help On...", kCommand, false, kView},

@@ -19,7 +19,8 @@ struct MenuEntry {
   const char* Name;    // the object name of its QAction (and of its QMenu)
   const char* Caption;
   MenuKind Kind = kCommand;
-  bool StartsDisabled = false;              // Panes::UpdateFileMenu enables it
+  // Panes::UpdateFileMenu or ToolsCommands::ShowSteps enables it.
+  bool StartsDisabled = false;
   CommandKind Runs = CommandKind::kChange;  // what the guard takes the entry's command for
 };
 

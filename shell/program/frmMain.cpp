@@ -18,6 +18,7 @@
 #include "shell/commands/FileCommands.h"
 #include "shell/commands/HelpCommands.h"
 #include "shell/commands/PictureCommands.h"
+#include "shell/commands/ToolsCommands.h"
 #include "shell/commands/ViewCommands.h"
 #include "shell/commands/XferCommands.h"
 #include "shell/panes/Panes.h"
@@ -99,6 +100,7 @@ void frmMain::MakeCommands() {
   pictures_ = std::make_unique<PictureCommands>(*this);
   xfer_ = std::make_unique<XferCommands>(*this, *views_, DeviceOfCom);
   cards_ = std::make_unique<CFCommands>(*this, host_.Drives);
+  tools_ = std::make_unique<ToolsCommands>(*this, *panes_);
   OnCommand("mnuDiscClose", [this] {
     QuerySaveAtExit();
     exitWanted_ = true;
@@ -125,6 +127,7 @@ StartResult frmMain::Start(CommandKind kind, const std::function<void()>& work) 
     const CommandGuard::Running running(guard_, kind);
     if (kind == CommandKind::kChange) {
       Guarded([&] { RunChange(work); });
+      tools_->ShowSteps();
     } else {
       Guarded(work);
     }

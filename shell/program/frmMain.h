@@ -20,6 +20,7 @@ class Panes;
 class PictureCommands;
 class ProgramEnd;
 class StatusBar;
+class ToolsCommands;
 class ViewCommands;
 class WindowHost;
 class XferCommands;
@@ -48,6 +49,7 @@ class frmMain : public MainWindow {
   void Load(const std::string& commandLine);
 
   Disc& OpenDisc() override { return disc_; }
+  History& Steps() override { return steps_; }
   Panes& ThePanes() { return *panes_; }
   PictureCommands& Pictures() { return *pictures_; }
   XferCommands& Xfer() { return *xfer_; }
@@ -98,6 +100,7 @@ class frmMain : public MainWindow {
   void KeepOrCloseDisc();
 
   Disc& disc_;
+  History steps_{disc_};
   WindowHost& host_;
   ProgramEnd& end_;
   CommandGuard guard_;
@@ -116,6 +119,7 @@ class frmMain : public MainWindow {
   std::unique_ptr<ViewCommands> views_;
   std::unique_ptr<PictureCommands> pictures_;
   std::unique_ptr<XferCommands> xfer_;
+  std::unique_ptr<ToolsCommands> tools_;
   std::unique_ptr<CFCommands> cards_;
 };
 

@@ -10,6 +10,7 @@
 
 #include "disc/catalogue/Catalogue.h"
 #include "disc/store/Disc.h"
+#include "disc/undo/History.h"
 #include "shell/window/CommandGuard.h"
 
 namespace sectorbox {
@@ -27,6 +28,8 @@ class MainWindow : public QMainWindow {
  public:
   // The disc that the window shows. It outlives the window.
   virtual Disc& OpenDisc() = 0;
+  // The steps that have changed the disc. A command that changes it makes one.
+  virtual History& Steps() = 0;
 
   // --- Menus -----------------------------------------------------------------------------------
   // The entry of that name; for a menu, the action that opens it. The name must exist.
