@@ -83,7 +83,7 @@ void DirTree::ConnectNames() {
   connect(editor, &NameEditor::DraggedOut, this, [this] { startDrag(Qt::CopyAction); });
   connect(&slowClick_, &SlowClick::Clicked, this, [this](const QModelIndex& index) {
     auto* node = static_cast<DirNode*>(itemFromIndex(index));
-    if ((node->flags() & Qt::ItemIsEditable) != 0) Q_EMIT NameEditWanted(node);
+    if (node != nullptr) Q_EMIT NameEditWanted(node);
   });
   setItemDelegate(editor);
 }
@@ -128,7 +128,8 @@ void DirTree::ScrollTo(DirNode& node) {
 
 void DirTree::EditName(DirNode& node) {
   slowClick_.Forget();
-  if (!IsEditing()) editItem(&node, 0);
+  if (IsEditing() || (node.flags() & Qt::ItemIsEditable) == 0) return;
+  editItem(&node, 0);
   // The tree was painted without the focus before the editor took it.
   viewport()->update();
 }

@@ -41,7 +41,8 @@ class DirTree : public QTreeWidget {
   DirNode* Selected() const { return static_cast<DirNode*>(currentItem()); }
   // Makes the node the selected one, scrolls to it, and emits nothing.
   void Select(DirNode* node);
-  // Starts the in-place edit of a node's name. Does nothing while a name is edited.
+  // Starts the in-place edit of a node's name. Does nothing while a name is edited, and for the
+  // root.
   void EditName(DirNode& node);
   // Emits MenuWanted for the current node, as the menu key of the keyboard does.
   void WantMenu();

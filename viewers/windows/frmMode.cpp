@@ -16,8 +16,8 @@ namespace {
 
 constexpr int kFlashingMode = 2;
 constexpr QSize kWindowSize{680, 662};
-constexpr int kModeWidth = 58;  // of a button with "Mode 0"
-constexpr int kModeMargins = 16;
+constexpr int kModeWidth = 58;   // of a button with "Mode 0"
+constexpr int kModeMargins = 6;  // the least, on both sides together
 
 // These entries have no action: the user changes the palette with its buttons.
 constexpr std::array<const char*, 8> kColourEntries = {"Black", "Red",     "Green", "Yellow",
@@ -85,7 +85,8 @@ QLayout* frmMode::MakeModeButtons() {
     auto* button = new QPushButton(QStringLiteral("Mode %1").arg(mode.Mode), this);
     button->setObjectName(QStringLiteral("cmdMode%1").arg(mode.Mode));
     const int text = button->fontMetrics().horizontalAdvance(button->text());
-    button->setFixedWidth(std::max(kModeWidth, text + kModeMargins));
+    button->setMinimumWidth(text + kModeMargins);
+    button->setMaximumWidth(std::max(kModeWidth, text + 2 * kModeMargins));
     connect(button, &QPushButton::clicked, this, [this, number = mode.Mode] {
       Tag = number;
       Show_File();

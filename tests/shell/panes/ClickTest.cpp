@@ -218,6 +218,12 @@ TEST_F(ClickTest, NoWayToAnEditMakesQtComplain) {
   Press(window_->ThePanes().Tree(), Qt::Key_Home);
   WaitForAnEdit();
   EXPECT_EQ(EditorIn("tvwDB"), nullptr);
+  for (int i = 0; i < 2; ++i) {
+    ClickNode(QStringLiteral("$"));
+    WaitForAnEdit();
+  }
+  Choose("mnuDirectoryRename");
+  EXPECT_EQ(EditorIn("tvwDB"), nullptr) << "the root has no name to edit";
   EXPECT_EQ(Warnings::Lines(), QStringList());
 }
 
