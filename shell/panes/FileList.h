@@ -32,7 +32,7 @@ class FileList : public QListView {
   void SetColumnWidth(int column, double twips);
   // The width that the user has dragged the column to, in twips; nothing if the user hasn't.
   [[nodiscard]] std::optional<double> DraggedWidth(int column) const;
-  // Gives the column a width that the user has dragged it to in an earlier session.
+  // Gives the column the width that it had been dragged to when the program last ended.
   void SetDraggedWidth(int column, double twips);
   // Widens the columns whose texts would be cut. A column that the user dragged stays as it is.
   void FitColumns();

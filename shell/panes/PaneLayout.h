@@ -45,7 +45,7 @@ class PaneLayout : public QWidget {
   void SizeControls(double& x);
   // How wide the user has made the tree, in twips; nothing if the user hasn't dragged the border.
   [[nodiscard]] std::optional<double> DraggedSplitter() const;
-  // Lays out for the border that the user has dragged in an earlier session.
+  // Lays out for the border that had been dragged to x when the program last ended.
   void SetDraggedSplitter(double x);
   // The layout after the window changed its size.
   void Form_Resize();
