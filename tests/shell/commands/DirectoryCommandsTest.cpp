@@ -216,7 +216,9 @@ TEST_F(DirectoryCommandsTest, AnEditOnTheRootDoesNotStart) {
   StartWith(image_);
   Choose("mnuDirectoryRename");
   EXPECT_EQ(Editor(), nullptr);
-  window_->ThePanes().Tree().editItem(window_->ThePanes().Tree().topLevelItem(0));
+  DirNode& root = Node(QStringLiteral("$"));
+  EXPECT_EQ(root.flags() & Qt::ItemIsEditable, 0);
+  window_->ThePanes().Tree().EditName(root);
   EXPECT_EQ(Editor(), nullptr);
 }
 
