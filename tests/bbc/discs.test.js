@@ -4,7 +4,8 @@
 import assert from "node:assert/strict";
 import { join } from "node:path";
 import { test } from "node:test";
-import { BbcMachine, kMachines } from "./lib/BbcMachine.js";
+import { BbcMachine } from "./lib/BbcMachine.js";
+import { kAllMachines, nameOf } from "./lib/Machines.js";
 import { readImage, sbx, sbxInfo, sbxLines, temporaryFolder, writeImage } from "./lib/Sbx.js";
 
 const kFloppies = [
@@ -29,8 +30,8 @@ function assertSameSpace(bbc, image) {
   assert.equal(free[free.indexOf("Free") + 1], sectors(ours.used));
 }
 
-for (const kind of Object.keys(kMachines)) {
-  const title = `The${kMachines[kind].title.replaceAll(" ", "")}`;
+for (const kind of Object.keys(kAllMachines)) {
+  const title = nameOf(kind);
 
   for (const { kind: size, file, sectors } of kFloppies) {
     test(`${title}MountsANew${size.toUpperCase()}DiscAndCountsTheSameSpace`, async (t) => {

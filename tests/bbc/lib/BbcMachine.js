@@ -2,24 +2,19 @@
 // its drives, look at its memory. Emulated time only passes inside `run`, `runUntil` and `type`,
 // so a test never waits for a clock.
 
-import { dirname } from "node:path";
-import { fileURLToPath } from "node:url";
 import * as fdc from "jsbeeb/src/fdc.js";
 import { findModel } from "jsbeeb/src/models.js";
 import { setNodeBasePath, keyCodes } from "jsbeeb/src/utils.js";
 import { TestMachine } from "jsbeeb/tests/test-machine.js";
 import { deinterleave, interleave, readTracks } from "./DiscImages.js";
+import { IdeCard } from "./IdeCard.js";
+import { cmosOf, kAllMachines, kMachines, kPackageFolder, modelOf, putIdeAdfsInto } from "./Machines.js";
+import { plugIntoBus } from "./OneMhzBus.js";
 import { ScreenGrabber } from "./Screen.js";
+import { ScsiDisc } from "./ScsiDisc.js";
 
-const kPackageFolder = dirname(dirname(fileURLToPath(import.meta.resolve("jsbeeb/src/utils.js"))));
 const kCyclesPerSecond = 2_000_000;
 const kSliceCycles = 20_000; // 10 ms of the BBC's time: how finely `runUntil` looks
-
-/** The machines we care about, by the name used in the tests. */
-export const kMachines = {
-  master: { model: "MasterADFS", title: "Master" },
-  modelB: { model: "B1770A", title: "Model B" },
-};
 
 // The emulator reports its ROM loading on the console; a test report has no use for that.
 function quietly(action) {
@@ -34,11 +29,14 @@ function quietly(action) {
 
 export class BbcMachine {
   /**
-   * A booted machine with ADFS as its filing system and drives 0 and 1 empty.
-   * kind: "master" or "modelB". screen: also keep the picture, for `screen.toPpm()`.
+   * A booted machine with ADFS as its filing system and its floppy drives empty.
+   * kind: a name of kAllMachines. screen: also keep the picture, for `screen.toPpm()`.
+   * hardDisc: the path of a .dat, which is then drive 0; the floppies are 4 and 5.
+   * card: the path of a raw card; the machine, a Master, then has ADFS 1.53, and the card's
+   * partitions are drives 0 and 1.
    */
-  static async boot(kind, { screen = false } = {}) {
-    const machine = new BbcMachine(kind, screen);
+  static async boot(kind, { screen = false, hardDisc = null, card = null } = {}) {
+    const machine = new BbcMachine(kind, { screen, hardDisc, card });
     setNodeBasePath(kPackageFolder);
     const log = console.log;
     console.log = () => {};
@@ -47,6 +45,7 @@ export class BbcMachine {
     } finally {
       console.log = log;
     }
+    if (card) putIdeAdfsInto(machine.cpu);
     machine.#captureText();
     machine.runUntil(() => machine.seen.endsWith(">"), 20, "the BASIC prompt");
     machine.enterCommand("*FADFS");
@@ -54,13 +53,18 @@ export class BbcMachine {
     return machine;
   }
 
-  constructor(kind, screen) {
-    const { model, title } = kMachines[kind];
+  constructor(kind, { screen = false, hardDisc = null, card = null } = {}) {
+    const model = modelOf(kind);
     this.kind = kind;
-    this.title = title;
+    this.title = kAllMachines[kind].title;
     this.screen = screen ? new ScreenGrabber(findModel(model)) : null;
     this.emulator = new TestMachine(model, this.screen ? { video: this.screen.video } : {});
     this.cpu = this.emulator.processor;
+    this.cpu.cmos.store = cmosOf({ hardDisc: hardDisc || card });
+    this.drive = null; // the ScsiDisc or IdeCard
+    if (hardDisc) this.drive = new ScsiDisc(this.cpu, hardDisc);
+    if (card) this.drive = new IdeCard(card);
+    if (this.drive) plugIntoBus(this.cpu, this.drive);
     this.seen = ""; // every character printed since the last `text()`, one a byte
   }
 
@@ -86,13 +90,16 @@ export class BbcMachine {
     });
   }
 
-  /** Runs until `condition()` holds; throws, with the screen's last words, after `seconds`. */
-  runUntil(condition, seconds, what = "a condition") {
+  /**
+   * Runs until `condition()` holds, which is asked after each `slice` seconds; throws, with the
+   * screen's last words, after `seconds`.
+   */
+  runUntil(condition, seconds, what = "a condition", slice = kSliceCycles / kCyclesPerSecond) {
     const end = this.seconds + seconds;
     while (!condition()) {
       if (this.seconds >= end)
         throw new Error(`${this.title}: no ${what} in ${seconds} s; last printed: ${JSON.stringify(this.seen.slice(-300))}`);
-      this.run(kSliceCycles / kCyclesPerSecond);
+      this.run(slice);
     }
   }
 
@@ -201,4 +208,4 @@ export class BbcMachine {
   }
 }
 
-export { deinterleave, interleave };
+export { deinterleave, interleave, kMachines };
