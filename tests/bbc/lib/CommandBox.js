@@ -5,13 +5,15 @@ const kLine = 0x900; // a page that nothing uses while the serial line is quiet
 const kState = 0x70; // one of the bytes that are the user's
 const kReady = 0;
 const kGiven = 1;
+const kEnd = 2;
 
 const kProgram = [
   "10ON ERROR REPORT:PRINT", // and goes on at the next line
   `20?&${kState.toString(16)}=${kReady}`,
-  `30REPEAT UNTIL?&${kState.toString(16)}=${kGiven}`,
-  `40OSCLI$&${kLine.toString(16)}`,
-  "50GOTO 20",
+  `30REPEAT UNTIL?&${kState.toString(16)}`,
+  `40IF?&${kState.toString(16)}=${kEnd} END`,
+  `50OSCLI$&${kLine.toString(16)}`,
+  "60GOTO 20",
 ];
 
 export class CommandBox {
@@ -22,12 +24,20 @@ export class CommandBox {
     this.restart();
   }
 
-  /** After a BREAK or an Escape. */
+  /** Goes to work again after `leave`. */
   restart() {
-    this.bbc.poke(kState, [kGiven + 1]);
+    this.bbc.poke(kState, [kEnd]);
     this.bbc.type("RUN");
     this.#waitUntilReady(10, "RUN");
     this.bbc.text();
+  }
+
+  /** Ends the program: the keyboard is BASIC's again. */
+  leave() {
+    const { bbc } = this;
+    bbc.poke(kState, [kEnd]);
+    bbc.runUntil(() => bbc.seen.endsWith(">"), 5, "BASIC's prompt");
+    bbc.text();
   }
 
   #waitUntilReady(seconds, line) {

@@ -6,13 +6,40 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { interleave, deinterleave } from "./DiscImages.js";
 
-/** Standard output of `sbx ARGS...` as bytes in a string; throws if it doesn't end with status 0. */
-export function sbx(...args) {
+/** How `sbx ARGS...` ended: { status, stdout, stderr }, bytes in strings; status is null after a kill. */
+export function sbxResult(args, environment = {}) {
   const program = process.env.SBX;
   if (!program) throw new Error("SBX must name the sbx to test");
-  const done = spawnSync(program, args, { encoding: "latin1", maxBuffer: 1 << 26 });
+  const env = { ...process.env, ...environment };
+  return spawnSync(program, args, { encoding: "latin1", maxBuffer: 1 << 26, env });
+}
+
+/** Standard output of `sbx ARGS...` as bytes in a string; throws if it doesn't end with status 0. */
+export function sbx(...args) {
+  const done = sbxResult(args);
   if (done.status !== 0) throw new Error(`sbx ${args.join(" ")}: status ${done.status}: ${done.stderr}`);
   return done.stdout;
+}
+
+/** Standard error of `sbx ARGS...`, which has to end with status 1. */
+export function sbxRefusal(...args) {
+  const done = sbxResult(args);
+  if (done.status !== 1) throw new Error(`sbx ${args.join(" ")}: status ${done.status}`);
+  return done.stderr;
+}
+
+/** Runs `sbx ARGS...` and kills it at its `at`th call of `call`; true if it came to that. */
+export function sbxKilledAt(call, at, ...args) {
+  const library = process.env.FAILING_CALLS;
+  if (!library) throw new Error("FAILING_CALLS must name the library that lets calls fail");
+  const done = sbxResult(args, {
+    LD_PRELOAD: library,
+    ASAN_OPTIONS: "verify_asan_link_order=0",
+    FAILING_CALL: call,
+    FAILING_AT: `${at}`,
+    FAILING_HOW: "kill",
+  });
+  return done.signal === "SIGKILL";
 }
 
 /** The lines of `sbx ARGS...`. */
