@@ -5,7 +5,7 @@ import assert from "node:assert/strict";
 import { mkdirSync, rmSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { DiscModel, folded, nameIn, parentOf } from "./DiscModel.js";
-import { sbx, sbxLines } from "./Sbx.js";
+import { addNamed, sbx, sbxLines } from "./Sbx.js";
 
 export const kLoadAt = 0x3000;
 const kLongestFile = 0x2800;
@@ -86,12 +86,8 @@ export class RandomChanges {
     const path = replaced || this.newPath();
     if (!path) return;
     const bytes = this.bytes();
-    const host = join(this.folder, "host");
-    writeFileSync(host, bytes);
-    const hex = (n) => n.toString(16).toUpperCase().padStart(8, "0");
-    const sidecar = `${nameIn(path).padEnd(10)} ${hex(0xffff0000 + kLoadAt)} ${hex(0xffff8023)} ${hex(bytes.length)} WR\r\n`;
-    writeFileSync(`${host}.INF`, sidecar);
-    this.#sbx("add", this.image, parentOf(path), host);
+    this.log.push(`sbx add ${this.image} ${path}: ${bytes.length} bytes`);
+    addNamed(this.folder, this.image, parentOf(path), nameIn(path), bytes);
     this.#own(path, bytes);
   }
   #makeDirectory() {

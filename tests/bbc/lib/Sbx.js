@@ -49,6 +49,15 @@ export function sbxLines(...args) {
   return lines;
 }
 
+/** Adds a file by a name that the host may not have: through a host file in `folder` and its sidecar. */
+export function addNamed(folder, image, dir, name, bytes) {
+  const host = join(folder, "host");
+  const hex = (n) => n.toString(16).toUpperCase().padStart(8, "0");
+  writeFileSync(host, bytes);
+  writeFileSync(`${host}.INF`, `${name.padEnd(10)} FFFF3000 FFFF8023 ${hex(bytes.length)} WR\r\n`);
+  sbx("add", image, dir, host);
+}
+
 /** `sbx info IMAGE` as an object of its `name: value` lines. */
 export function sbxInfo(image) {
   return Object.fromEntries(sbxLines("info", image).map((line) => line.split(/: ?/, 2)));
