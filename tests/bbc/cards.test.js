@@ -152,8 +152,12 @@ for (const [files, isFull] of [[46, false], [47, true]]) {
     assert.deepEqual(sbxLines("ls", image), []);
     const box = await bootWith(t, card);
     box.do("MOUNT 0");
-    if (isFull) assert.match(box.run("SAVE X 3000+100"), /Dir full/);
-    else box.do("SAVE X 3000+100");
+    if (isFull) {
+      assert.match(box.run("SAVE X 3000+100"), /Dir full/);
+      assert.match(sbxRefusal("mkdir", image, "$", "SUB"), /Directory Full/);
+    } else {
+      box.do("SAVE X 3000+100");
+    }
     assertNoFaults(image);
   });
 }

@@ -89,3 +89,17 @@ test("CheckTellsOfAnOrderInWhichTheBbcDoesNotFindAFile", async (t) => {
   box.do("MOUNT 0");
   assert.match(box.run("LOAD MA 3000") + box.run("LOAD M[ 3000"), /Not found/);
 });
+
+test("TheBbcCannotNameAFileWithOneOfItsOwnCharactersOrMoveTheRootIntoItself", async (t) => {
+  const image = join(temporaryFolder(t), "disc.dat");
+  sbx("new", "1m", image);
+  const box = await bootWith(t, "master", image);
+  for (const c of "#$&*.:@^") assert.match(box.run(`SAVE Q${c}Z 3000+10`), /Bad name|Wild cards|Not found/, c);
+  assert.match(box.run("SAVE -Z 3000+10"), /Bad filing system name/);
+  assert.deepEqual(ourNames(image), []);
+  box.do("CDIR A");
+  box.do("ACCESS A WR");
+  assert.match(box.run("RENAME $.A $.B"), /Bad rename/);
+  box.do("RENAME A B");
+  assert.deepEqual(ourNames(image), ["B"]);
+});

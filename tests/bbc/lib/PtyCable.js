@@ -21,7 +21,14 @@ export class PtyCable {
     this.path = "";
     this.bytesToPc = 0;
     this.bytesToBbc = 0;
+    this.faults = null; // LineFaults in both directions
+    this.onDelivery = null; // called after each burst that the PC got
+    this.#waiting = [];
+    this.#deadUntil = 0;
   }
+
+  #waiting; // bytes for the BBC while the line is dead
+  #deadUntil; // by performance.now()
 
   #readPath() {
     return new Promise((resolve, reject) => {
@@ -41,16 +48,32 @@ export class PtyCable {
 
   #take(bytes) {
     this.bytesToBbc += bytes.length;
-    this.line.send(bytes);
+    this.#waiting.push(...this.#spoilt(bytes));
+    this.#sendOn();
+  }
+
+  #spoilt(bytes) {
+    if (!this.faults) return bytes;
+    const passed = this.faults.pass(bytes);
+    const pause = this.faults.takePause();
+    if (pause > 0) this.#deadUntil = performance.now() + pause * 1000;
+    return passed;
+  }
+
+  #sendOn() {
+    if (performance.now() >= this.#deadUntil) this.line.send(this.#waiting.splice(0));
   }
 
   // Bursts go out whole: the PC takes 100 ms of its own time without a byte for the end of a reply,
   // and this process may be held up for that long at any moment.
   #deliver() {
     const { line } = this;
+    this.#sendOn();
+    if (performance.now() < this.#deadUntil) return;
     if (!line.fromBbc.length || line.machine.seconds < line.lastByteAt + 2 * kSlice) return;
     this.bytesToPc += line.fromBbc.length;
-    this.child.stdin.write(Uint8Array.from(line.fromBbc.splice(0)));
+    this.child.stdin.write(Uint8Array.from(this.#spoilt(line.fromBbc.splice(0))));
+    this.onDelivery?.();
   }
 
   /**

@@ -2,9 +2,10 @@
 
 import assert from "node:assert/strict";
 import { before, describe, test } from "node:test";
-import { BbcMachine, kMachines } from "./BbcMachine.js";
+import { BbcMachine } from "./BbcMachine.js";
 import { emptyDisc, kSectorSize, mapChecksum } from "./DiscImages.js";
 import { answerQuestions, formatterBytes, kLoader, sendFormatter } from "./Formatter.js";
+import { nameOf } from "./Machines.js";
 import { SerialLine } from "./SerialLine.js";
 
 const kSizes = { S: 640, M: 1280, L: 2560 };
@@ -12,7 +13,7 @@ const kBlank = new Uint8Array(0);
 
 /** Declares the tests of the formatter on one kind of machine. */
 export function testFormatter(kind) {
-  const title = kMachines[kind].title.replaceAll(" ", "");
+  const title = nameOf(kind).slice(3);
 
   describe(`TheFormatterOnA${title}`, () => {
     let bbc, line;

@@ -5,8 +5,9 @@ import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, describe, test } from "node:test";
-import { BbcMachine, kMachines } from "./BbcMachine.js";
+import { BbcMachine } from "./BbcMachine.js";
 import { emptyDisc, kSectorSize } from "./DiscImages.js";
+import { nameOf } from "./Machines.js";
 import { kErrorToken } from "./ProtocolClient.js";
 import { PtyCable } from "./PtyCable.js";
 import { SerialLine } from "./SerialLine.js";
@@ -17,7 +18,7 @@ const missing = sbx && bridge ? false : "SBX and PTY_BRIDGE name no programs";
 
 /** Declares the tests of `sbx` with one kind of machine. */
 export function testSbx(kind) {
-  describe(`SbxWithA${kMachines[kind].title.replaceAll(" ", "")}`, { skip: missing }, () => {
+  describe(`SbxWithA${nameOf(kind).slice(3)}`, { skip: missing }, () => {
     let bbc, line, cable, folder;
 
     before(async () => {

@@ -2,8 +2,9 @@
 
 import assert from "node:assert/strict";
 import { before, describe, test } from "node:test";
-import { BbcMachine, kMachines } from "./BbcMachine.js";
+import { BbcMachine } from "./BbcMachine.js";
 import { damageSector, emptyDisc, kSectorSize } from "./DiscImages.js";
+import { nameOf } from "./Machines.js";
 import { ProtocolClient, compress, crcOf } from "./ProtocolClient.js";
 import { SerialLine } from "./SerialLine.js";
 import { giveKeyboardToTheLine, listingLines, startServer, typeListing } from "./TransferServer.js";
@@ -21,7 +22,7 @@ function sectors(disc, start, count) {
 
 /** Declares the tests of the server on one kind of machine. */
 export function testServer(kind) {
-  describe(`TheServerOnA${kMachines[kind].title.replaceAll(" ", "")}`, () => {
+  describe(`TheServerOnA${nameOf(kind).slice(3)}`, () => {
     let bbc, line, pc, disc, drive0;
 
     before(async () => {
@@ -318,7 +319,7 @@ export function testServer(kind) {
     });
   });
 
-  test(`TheListingArrivesOnA${kMachines[kind].title.replaceAll(" ", "")}LineForLine`, async () => {
+  test(`TheListingArrivesOnA${nameOf(kind).slice(3)}LineForLine`, async () => {
     const bbc = await BbcMachine.boot(kind);
     const line = new SerialLine(bbc);
     giveKeyboardToTheLine(bbc);
