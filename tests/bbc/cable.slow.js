@@ -30,7 +30,7 @@ const kFaults = {
   flipped: { flipped: kOneInTenThousand },
   lost: { lost: 20 },
   doubled: { doubled: 20 },
-  paused: { paused: 10, pause: 4 },
+  paused: { paused: 40, pause: 3 },
   allAtOnce: { flipped: 20, lost: 5, doubled: 5, paused: 5 },
 };
 

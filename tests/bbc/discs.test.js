@@ -5,6 +5,7 @@ import assert from "node:assert/strict";
 import { join } from "node:path";
 import { test } from "node:test";
 import { BbcMachine } from "./lib/BbcMachine.js";
+import { emptyDisc } from "./lib/DiscImages.js";
 import { kAllMachines, nameOf } from "./lib/Machines.js";
 import { readImage, sbx, sbxInfo, sbxLines, temporaryFolder, writeImage } from "./lib/Sbx.js";
 
@@ -80,3 +81,19 @@ for (const kind of Object.keys(kAllMachines)) {
     assert.deepEqual(sbxLines("check", written).filter((line) => line.startsWith("error")), []);
   });
 }
+
+// ADFS goes to the next track before it looks whether it is done. On a disc of 160K there is none, so
+// a transfer of such a disc takes its last sectors one by one.
+test("TheMasterDoesNotReadAcrossATrackUpToTheEndOfADiscOf160K", async () => {
+  const bbc = await BbcMachine.boot("master");
+  const readsTo = (sectors, start, count) => {
+    bbc.insertDisc(0, emptyDisc(sectors));
+    bbc.enterCommand("*MOUNT 0");
+    bbc.poke(0xa00, [0, 0x00, 0x30, 0xff, 0xff, 8, 0, start >> 8, start & 255, count, 0, 0, 0, 0, 0]);
+    bbc.enterCommand("A%=&72:X%=0:Y%=&A:CALL &FFF1");
+    return bbc.peek(0xa00, 1)[0];
+  };
+  assert.equal(readsTo(640, 623, 17), 0x50);
+  assert.equal(readsTo(640, 624, 16), 0);
+  assert.equal(readsTo(2560, 2543, 17), 0);
+});

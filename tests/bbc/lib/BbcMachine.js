@@ -8,12 +8,13 @@ import { setNodeBasePath, keyCodes } from "jsbeeb/src/utils.js";
 import { TestMachine } from "jsbeeb/tests/test-machine.js";
 import { deinterleave, interleave, readTracks } from "./DiscImages.js";
 import { IdeCard } from "./IdeCard.js";
-import { cmosOf, kAllMachines, kMachines, kPackageFolder, modelOf, putIdeAdfsInto } from "./Machines.js";
+import { cmosOf, giveShadowMemoryTo, kAllMachines, kMachines, kPackageFolder, modelOf, putIdeAdfsInto } from "./Machines.js";
 import { plugIntoBus } from "./OneMhzBus.js";
 import { ScreenGrabber } from "./Screen.js";
 import { ScsiDisc } from "./ScsiDisc.js";
 
 const kCyclesPerSecond = 2_000_000;
+const kShadowable = 0x8000; // where the memory ends of which a screen can lie in a shadow
 const kSliceCycles = 20_000; // 10 ms of the BBC's time: how finely `runUntil` looks
 
 // The emulator reports its ROM loading on the console; a test report has no use for that.
@@ -46,6 +47,7 @@ export class BbcMachine {
       console.log = log;
     }
     if (card) putIdeAdfsInto(machine.cpu);
+    if (kAllMachines[kind].shadow) giveShadowMemoryTo(machine.cpu);
     machine.#captureText();
     machine.runUntil(() => machine.seen.endsWith(">"), 20, "the BASIC prompt");
     machine.enterCommand("*FADFS");
@@ -199,12 +201,20 @@ export class BbcMachine {
     return interleave(this.readDisc(drive));
   }
 
+  /** Bytes as a program sees them: below &8000 always the main memory, never a shadow screen. */
   peek(address, length) {
-    return Uint8Array.from({ length }, (_, i) => this.emulator.readbyte(address + i));
+    return Uint8Array.from({ length }, (_, i) => this.#peekByte(address + i));
+  }
+
+  #peekByte(address) {
+    return address < kShadowable ? this.cpu.ramRomOs[address] : this.emulator.readbyte(address);
   }
 
   poke(address, bytes) {
-    bytes.forEach((byte, i) => this.emulator.writebyte(address + i, byte));
+    bytes.forEach((byte, i) => {
+      if (address + i < kShadowable) this.cpu.ramRomOs[address + i] = byte;
+      else this.emulator.writebyte(address + i, byte);
+    });
   }
 }
 

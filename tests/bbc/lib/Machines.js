@@ -23,6 +23,7 @@ export const kAllMachines = {
     model: "BPlusAdfs",
     like: "B1770A",
     roms: ["bpos.rom", "BASIC.ROM", "bp/zADFS.ROM", "bp/dfs.rom"],
+    shadow: true,
   },
   compact: {
     title: "Master Compact",
@@ -67,4 +68,25 @@ const kRomSize = 0x4000;
 export function putIdeAdfsInto(cpu) {
   const rom = readFileSync(join(kPackageFolder, "public/roms/ADFS1-53.rom"));
   cpu.ramRomOs.set(rom, cpu.romOffset + kAdfs * kRomSize);
+}
+
+const kShadowSelect = 0xfe34;
+const kShadowOn = 0x80;
+const kScreenPages = { first: 0x30, end: 0x80 };
+const kVduDrivers = (1 << 0xc) | (1 << 0xd); // 4K blocks of the MOS whose code sees the shadow memory
+const kShadowOffset = 0x8000; // of the emulator's memory, as with a Master
+
+/**
+ * The shadow memory of a Model B+: while it is on, the screen lies there, and only the VDU drivers
+ * see it in the place of the memory from &3000 to &7FFF. To be called after the machine's reset.
+ */
+export function giveShadowMemoryTo(cpu) {
+  cpu.memStatOffsetByIFetchBank = kVduDrivers;
+  const writeDevice = cpu.writeDevice.bind(cpu);
+  cpu.writeDevice = (address, byte) => {
+    if ((address & 0xffff) !== kShadowSelect) return writeDevice(address, byte);
+    const offset = byte & kShadowOn ? kShadowOffset : 0;
+    for (let page = kScreenPages.first; page < kScreenPages.end; page++) cpu.memLook[256 + page] = offset;
+    cpu.videoDisplayPage = offset;
+  };
 }
