@@ -166,18 +166,43 @@ test("TheDriveTellsTheBytesOfTheCompanionThatWeWrite", async (t) => {
   assert.equal((companion[13] * 256 + companion[14]) * companion[15] * kSectorsOfTrack, Number(sbxInfo(image).size));
 });
 
-/** The 22 bytes that a program on the BBC gets for command &1A, which it sends through OSWORD &72. */
-function modeSense(box) {
+/** Sends a command from a program on the BBC, through OSWORD &72; the drive's error code, or 0. */
+function send(box, command) {
   const { bbc } = box;
-  const [block, data] = [0xa00, 0xb00];
-  box.leave();
-  bbc.poke(data, new Uint8Array(32).fill(0xee));
-  bbc.poke(block, [0, data & 255, data >> 8, 0xff, 0xff, 0x1a, 0, 0, 0, 22, 0, 0, 0, 0, 0]);
+  bbc.poke(kBlock, [0, kData & 255, kData >> 8, 0xff, 0xff, ...command, ...Array(10 - command.length).fill(0)]);
   bbc.enterCommand("A%=&72:X%=0:Y%=&A:CALL &FFF1");
-  assert.equal(bbc.peek(block, 1)[0], 0, "the drive's answer");
-  assert.equal(bbc.peek(data + 22, 1)[0], 0xee);
-  return Buffer.from(bbc.peek(data, 22));
+  return bbc.peek(kBlock, 1)[0];
 }
+const kBlock = 0xa00;
+const kData = 0xb00;
+
+function modeSense(box) {
+  box.leave();
+  box.bbc.poke(kData, new Uint8Array(32).fill(0xee));
+  assert.equal(send(box, [0x1a, 0, 0, 0, 22]), 0);
+  assert.equal(box.bbc.peek(kData + 22, 1)[0], 0xee);
+  return Buffer.from(box.bbc.peek(kData, 22));
+}
+
+test("TheDriveKnowsTheCommandsOfToolsAndItsEnd", async (t) => {
+  const image = newImage(t, "1m");
+  const box = await bootWith(t, image);
+  box.leave();
+  const last = Number(sbxInfo(image).size) - 1;
+  const sector = (n) => [n >> 16, (n >> 8) & 255, n & 255];
+  for (const code of [0x00, 0x01, 0x0c]) assert.equal(send(box, [code, 0, 0, 0, 0]), 0);
+  assert.deepEqual([0x0b, 0x08].map((code) => send(box, [code, ...sector(last), 1])), [0, 0]);
+  assert.deepEqual([0x0b, 0x08, 0x0a].map((code) => send(box, [code, ...sector(last + 1), 1])), [0x21, 0x21, 0x21]);
+  const verify = (n, count) => send(box, [0x2f, 0, 0, ...sector(n), 0, 0, count]);
+  assert.deepEqual([verify(last - 9, 10), verify(last - 9, 11)], [0, 0x21]);
+  assert.equal(send(box, [0x1f, 0, 0, 0, 0]), 0x20);
+  box.bbc.poke(kData, someBytes(22));
+  assert.equal(send(box, [0x15, 0, 0, 0, 22]), 0);
+  box.restart();
+  assert.deepEqual(modeSense(box), someBytes(22));
+  assert.equal(send(box, [0x04, 0, 0, 0, 0]), 0);
+  assert.ok(readFileSync(image).every((byte) => byte === 0));
+});
 
 test("ADriveEndsWhereAnOldCompanionSaysUntilTheResizedDiscGetsANewOne", async (t) => {
   const image = newImage(t, "2m");

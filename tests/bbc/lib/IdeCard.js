@@ -16,10 +16,9 @@ const kSecondDrive = 0x10; // of the head's register
 const kErrorCodes = { idNotFound: 0x10, aborted: 0x04 };
 
 export class IdeCard {
-  /** path: a file that holds a raw card. blocks: how many the card has; all that it is asked for, unless told. */
-  constructor(path, { blocks = Infinity } = {}) {
+  /** path: a file that holds a raw card. What is written behind its end makes it longer. */
+  constructor(path) {
     this.file = new DriveFile(path);
-    this.blocks = blocks;
     this.commands = []; // { command, block } of each command, in order
   }
 
@@ -91,7 +90,7 @@ export class IdeCard {
       this.#heads = (this.#registers[6] & 0x0f) + 1;
     } else if (command !== 0x20 && command !== 0x30) {
       this.#fail(kErrorCodes.aborted);
-    } else if (this.#registers[6] & kSecondDrive || block < 0 || block >= this.blocks) {
+    } else if (this.#registers[6] & kSecondDrive || block < 0) {
       this.#fail(kErrorCodes.idNotFound);
     } else {
       this.#transfer(block * kBlockSize, command === 0x30);

@@ -12,7 +12,6 @@ import { DriveFile } from "./DriveFile.js";
 
 export const kSectorsOfTrack = 33;
 const kSectorSize = 256;
-const kSenseLength = 4;
 const kModeLength = 22; // a .dsc file
 const kInterrupt = 0x100; // our own bit of the processor's interrupt line
 const kLatency = 2000; // cycles until the drive asks for the first byte of data or status: 1 ms
@@ -28,11 +27,10 @@ const kPhases = {
   message: kBits.busy | kBits.request | kBits.in | kBits.control | kBits.message,
 };
 
-export const kSense = {
+const kSense = {
   notReady: 0x04,
   badCommand: 0x20,
   pastTheEnd: 0x21,
-  writeProtected: 0x40,
 };
 const kCheckStatus = 0x02; // of the status byte: ask for sense
 
@@ -41,9 +39,8 @@ export class ScsiDisc {
    * cpu: the emulated processor. path: a .dat image. If a companion lies beside it, the drive ends
    * where the companion says; without one it has no end that a command can reach.
    */
-  constructor(cpu, path, { writeProtected = false } = {}) {
+  constructor(cpu, path) {
     this.cpu = cpu;
-    this.writeProtected = writeProtected;
     this.commands = []; // the bytes of each command, in order
     this.#insert(path);
     this.#task = cpu.scheduler.newTask(() => this.#enter(this.#next));
@@ -170,6 +167,7 @@ export class ScsiDisc {
     const unit = bytes[1] >> 5;
     const sector = ((bytes[1] & 0x1f) << 16) | (bytes[2] << 8) | bytes[3];
     const count = bytes[4] || 256;
+    // Of sense there are four bytes, whatever number of them the command asks for.
     if (bytes[0] === 0x03) return this.#give(Uint8Array.from(this.#sense.splice(0, 4, 0, 0, 0, 0)));
     if (unit !== 0) return this.#fail(kSense.notReady, unit, sector);
     switch (bytes[0]) {
@@ -185,7 +183,7 @@ export class ScsiDisc {
           this.#give(this.file.read(sector * kSectorSize, count * kSectorSize)));
       case 0x0a:
         return this.#onSectors(sector, count, () =>
-          this.#take(count * kSectorSize, (data) => this.file.write(sector * kSectorSize, data)), true);
+          this.#take(count * kSectorSize, (data) => this.file.write(sector * kSectorSize, data)));
       case 0x0b: // seek
         return this.#onSectors(sector, 1, () => this.#succeed());
       case 0x15:
@@ -201,15 +199,13 @@ export class ScsiDisc {
     }
   }
 
-  #onSectors(sector, count, action, writes = false) {
+  #onSectors(sector, count, action) {
     if (sector + count > this.sectors) this.#fail(kSense.pastTheEnd, 0, sector);
-    else if (writes && this.writeProtected) this.#fail(kSense.writeProtected, 0, sector);
     else action();
   }
 
   // What was on the disc is gone.
   #format() {
-    if (this.writeProtected) return this.#fail(kSense.writeProtected, 0, 0);
     const part = new Uint8Array(kSectorSize * 1024);
     for (let offset = 0; offset < this.file.length; offset += part.length)
       this.file.write(offset, part.subarray(0, Math.min(part.length, this.file.length - offset)));
