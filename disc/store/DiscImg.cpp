@@ -280,11 +280,15 @@ void DiscImg::StoreBytes(std::int64_t offset, std::span<const std::uint8_t> byte
 }
 
 bool DiscImg::FetchToKeep(std::int64_t offset, std::span<std::uint8_t> bytes) {
-  const std::int32_t former = medium_ == nullptr ? 0 : medium_->ReadFaults();
+  if (!InMemory() && !ReadyForBlocks()) return false;
+  const std::int32_t formerFaults = medium_->Faults();
+  const std::int32_t formerReads = medium_->ReadFaults();
   FetchBytes(offset, bytes);
-  const std::int32_t faults = medium_ == nullptr ? 0 : medium_->ReadFaults() - former;
-  held_.ForgiveReads(faults);
-  return faults == 0;
+  if (medium_->Faults() == formerFaults) return true;
+  held_.ForgiveReads(medium_->ReadFaults() - formerReads);
+  // The change reads the block once more if it needs it, and then hears that it can't be read.
+  blocks_.ForgetUnread();
+  return false;
 }
 
 void DiscImg::Cut(std::int64_t length) {

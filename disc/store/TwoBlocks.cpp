@@ -35,6 +35,12 @@ void TwoBlocks::Empty() {
   }
 }
 
+void TwoBlocks::ForgetUnread() {
+  for (Slot& slot : slots_) {
+    if (slot.ReadFailed && !slot.Dirty) slot.Block = -1;
+  }
+}
+
 void TwoBlocks::WriteBack() {
   for (Slot& slot : slots_) {
     if (!slot.Dirty) continue;

@@ -24,6 +24,8 @@ class TwoBlocks {
   // what wasn't written back is lost.
   void Use(Medium& medium);
   void Empty();
+  // Forgets blocks that couldn't be read, unless something was stored in them.
+  void ForgetUnread();
   // Writes those blocks that have changed. They stay in memory.
   void WriteBack();
   // The end of the last block that isn't written back yet; 0 if there is none.

@@ -16,6 +16,7 @@ namespace {
 
 constexpr auto kBlock = static_cast<std::int64_t>(KeptBlocks::kBlockSize);
 constexpr std::int32_t kMostAtOnce = 256;  // blocks
+constexpr const char* kEarlierSteps = "What was done before";
 
 std::size_t BytesOf(std::int32_t blocks) {
   return static_cast<std::size_t>(blocks) * KeptBlocks::kBlockSize;
@@ -54,14 +55,17 @@ void History::Clear() {
 // --- A step --------------------------------------------------------------------------------------
 
 void History::Begin(std::string name, Mark mark, Place place) {
-  if (++depth_ > 1) return;
-  NoteSaved();
-  name_ = std::move(name);
-  place_ = place;
-  isPending_ = isMade_ = false;
-  running_.emplace(room_);
-  running_->Marks = mark;
-  running_->Length = disc_.TheDisc.EndOfData();
+  if (depth_ == 0) {
+    NoteSaved();
+    Record record(room_);
+    record.Marks = mark;
+    record.Length = disc_.TheDisc.EndOfData();
+    name_ = std::move(name);
+    place_ = place;
+    isPending_ = isMade_ = false;
+    running_ = std::move(record);
+  }
+  ++depth_;
 }
 
 void History::End() noexcept {
@@ -85,7 +89,7 @@ void History::Finish(Record record) {
   record.Number = ++lastNumber_;
   if (place_ == Place::kWithTheLast && CanUndo()) {
     Record& last = steps_[position_ - 1];
-    if (!last.Old.Join(record.Old)) return Lose();
+    if (!last.Old.Join(record.Old)) return Lose(name_);
     last.Name = record.Name;
     last.Number = record.Number;
     if (record.Marks == Mark::kSets) {
@@ -112,22 +116,22 @@ void History::BytesWillChange(std::int64_t offset, std::size_t size) {
   // What was undone can't be done again after another change.
   steps_.erase(steps_.begin() + static_cast<std::ptrdiff_t>(position_), steps_.end());
   try {
-    if (!Keep(running_->Old, offset, size, Room::kMade)) Lose();
+    if (!Keep(running_->Old, offset, size, WhenFull::kDropOldest)) Lose(name_);
   } catch (const HostError&) {
     // The host has no room for the old bytes. The command has, perhaps.
-    Lose();
+    Lose(name_);
   }
 }
 
 void History::BytesWillVanish(std::int64_t offset, std::size_t size) {
-  if (CanRedo()) steps_[position_].Sum.reset();
+  ForgetRedoSums();
   if (!CanUndo()) return;
   Record& last = steps_[position_ - 1];
   last.Sum.reset();
   try {
-    if (!Keep(last.Old, offset, size, Room::kMade)) Clear();
+    if (!Keep(last.Old, offset, size, WhenFull::kDropOldest)) Lose(kEarlierSteps);
   } catch (const HostError&) {
-    Clear();
+    Lose(kEarlierSteps);
   }
 }
 
@@ -136,7 +140,7 @@ void History::ChangeEnded(bool isMade) noexcept {
   isPending_ = false;
 }
 
-bool History::Keep(KeptBlocks& kept, std::int64_t offset, std::size_t size, Room room) {
+bool History::Keep(KeptBlocks& kept, std::int64_t offset, std::size_t size, WhenFull whenFull) {
   if (size == 0 || offset < 0) return true;
   const auto end =
       static_cast<std::int32_t>((offset + static_cast<std::int64_t>(size) - 1) / kBlock) + 1;
@@ -152,16 +156,16 @@ bool History::Keep(KeptBlocks& kept, std::int64_t offset, std::size_t size, Room
     if (!disc_.TheDisc.FetchToKeep(block * kBlock, bytes)) return false;
     for (std::int32_t i = 0; i < count; ++i, ++block) {
       const auto one = std::span(bytes).subspan(BytesOf(i), BytesOf(1));
-      if (!KeepOne(kept, block, one, room)) return false;
+      if (!KeepOne(kept, block, one, whenFull)) return false;
     }
   }
   return true;
 }
 
 bool History::KeepOne(KeptBlocks& kept, std::int32_t block, std::span<const std::uint8_t> bytes,
-                      Room room) {
+                      WhenFull whenFull) {
   while (!kept.Keep(block, bytes)) {
-    if (room == Room::kAsItIs || !CanUndo() || &kept == &steps_.front().Old) return false;
+    if (whenFull == WhenFull::kGiveUp || !CanUndo() || &kept == &steps_.front().Old) return false;
     DropOldest();
   }
   return true;
@@ -173,18 +177,22 @@ void History::DropOldest() {
   --position_;
 }
 
-void History::Lose() {
+void History::Lose(const std::string& what) {
   Clear();
-  disc_.Host.Note(name_ + " can't be undone");
+  disc_.Host.Note(what + " can't be undone");
+}
+
+void History::ForgetRedoSums() {
+  for (std::size_t step = position_; step < steps_.size(); ++step) steps_[step].Sum.reset();
 }
 
 void History::Expect(std::int64_t bytes) {
   const std::size_t room = room_.MostInMemory + room_.MostInFiles;
-  if (running_ && bytes > 0 && static_cast<std::uint64_t>(bytes) > room) Lose();
+  if (running_ && bytes > 0 && static_cast<std::uint64_t>(bytes) > room) Lose(name_);
 }
 
 void History::GiveToTheLast(const KeptBlocks& kept) {
-  if (CanRedo()) steps_[position_].Sum = SumNow(steps_[position_]);
+  ForgetRedoSums();
   if (!CanUndo()) return;
   Record& last = steps_[position_ - 1];
   bool fits = true;
@@ -195,10 +203,11 @@ void History::GiveToTheLast(const KeptBlocks& kept) {
       const auto block = first + static_cast<std::int32_t>(at / KeptBlocks::kBlockSize);
       const auto old = bytes.subspan(at, KeptBlocks::kBlockSize);
       const bool isSame = std::ranges::equal(old, std::span(now).subspan(at, old.size()));
-      if (!isSame && !last.Old.Has(block)) fits = KeepOne(last.Old, block, old, Room::kMade);
+      if (!isSame && !last.Old.Has(block))
+        fits = KeepOne(last.Old, block, old, WhenFull::kDropOldest);
     }
   });
-  if (!fits) return Lose();
+  if (!fits) return Lose(kEarlierSteps);
   last.Sum = SumNow(last);
 }
 
@@ -224,7 +233,7 @@ Outcome History::Swap(std::size_t step, std::size_t position) {
   const std::exception_ptr failure = PutBack(record);
   isSwapping_ = false;
   if (failure && !isMade_) {
-    GiveToTheLast(opposite.Old);
+    GiveBack(opposite.Old, isKept);
     std::rethrow_exception(failure);
   }
   const Mark marks = record.Marks;
@@ -233,8 +242,11 @@ Outcome History::Swap(std::size_t step, std::size_t position) {
   record = std::move(opposite);
   position_ = position;
   if (marks == Mark::kSets) disc_.ImageChanged = savedVersion_ != VersionAt(position_);
-  record.Sum = SumNow(record);
-  if (!isKept) ForgetOpposite(step);
+  if (!isKept) {
+    ForgetOpposite(step);
+  } else {
+    record.Sum = SumNow(record);
+  }
   if (failure) std::rethrow_exception(failure);
   return Outcome::kDone;
 }
@@ -246,10 +258,25 @@ bool History::KeepOpposite(const Record& record, Record& opposite) {
   opposite.Version = record.Version;
   opposite.Length = disc_.TheDisc.EndOfData();
   bool isKept = true;
-  record.Old.ForEachRun([&](std::int32_t first, std::span<const std::uint8_t> bytes) {
-    isKept = isKept && Keep(opposite.Old, first * kBlock, bytes.size(), Room::kAsItIs);
-  });
+  try {
+    record.Old.ForEachRun([&](std::int32_t first, std::span<const std::uint8_t> bytes) {
+      isKept = isKept && Keep(opposite.Old, first * kBlock, bytes.size(), WhenFull::kGiveUp);
+    });
+  } catch (const HostError&) {
+    // The host has no room for the newer bytes. The step can be taken back all the same.
+    return false;
+  }
   return isKept;
+}
+
+// After an undo or redo that failed. If not all bytes were kept, nobody knows what it has written
+// over.
+void History::GiveBack(const KeptBlocks& kept, bool isWhole) {
+  try {
+    isWhole ? GiveToTheLast(kept) : Lose(kEarlierSteps);
+  } catch (const std::exception&) {
+    Lose(kEarlierSteps);
+  }
 }
 
 // Without the opposite of an undo the steps that follow can't be done again; without that of a redo
@@ -260,10 +287,13 @@ void History::ForgetOpposite(std::size_t step) {
 }
 
 bool History::IsAsLeft(const Record& record) {
-  if (!record.Sum || *record.Sum == SumNow(record)) return true;
+  if (!record.Sum) return true;
+  const auto sum = SumNow(record);
+  const std::string name = HostBaseName(disc_.TheDisc.FileName());
+  if (!sum) throw HostError(name, "the card can't be read, so nothing was undone");
+  if (*sum == *record.Sum) return true;
   Clear();
-  disc_.Host.ShowMessage(HostBaseName(disc_.TheDisc.FileName()) +
-                         " was changed by another program, so nothing can be undone");
+  disc_.Host.ShowMessage(name + " was changed by another program, so nothing can be undone");
   return false;
 }
 
@@ -278,11 +308,12 @@ std::exception_ptr History::PutBack(const Record& record) {
         const auto size = std::min<std::int64_t>(there, static_cast<std::int64_t>(bytes.size()));
         disc_.TheDisc.StoreBytes(offset, bytes.first(static_cast<std::size_t>(size)));
       });
+      // The map as the change has it. If the change is dropped, the former list comes back.
+      ReadFreeMap(disc_);
+      ++disc_.Compactions;
       change.Commit();
     }
     isMade_ = true;
-    ReadFreeMap(disc_);
-    ++disc_.Compactions;
     disc_.TheDisc.Cut(record.Length);
   } catch (const std::exception&) {
     return std::current_exception();
@@ -290,17 +321,18 @@ std::exception_ptr History::PutBack(const Record& record) {
   return nullptr;
 }
 
-std::uint64_t History::SumNow(const Record& record) {
+std::optional<std::uint64_t> History::SumNow(const Record& record) {
   std::uint64_t sum = kEmptySum;
+  bool isRead = true;
   std::vector<std::uint8_t> now;
   record.Old.ForEachRun([&](std::int32_t first, std::span<const std::uint8_t> bytes) {
     const std::int64_t there = std::max<std::int64_t>(record.LengthHere - first * kBlock, 0);
     // A sum is made of whole numbers of 8 bytes.
     now.resize(std::min(bytes.size(), static_cast<std::size_t>(there / 8 * 8)));
-    (void)disc_.TheDisc.FetchToKeep(first * kBlock, now);
+    isRead = isRead && disc_.TheDisc.FetchToKeep(first * kBlock, now);
     sum = AddToSum(sum, now);
   });
-  return sum;
+  return isRead ? std::optional(sum) : std::nullopt;
 }
 
 std::int64_t History::VersionAt(std::size_t position) const {

@@ -70,21 +70,21 @@ class History : private DiscWatcher {
   [[nodiscard]] std::int64_t LastStep() const;
   // Takes the last step back, or does the step again that was undone last. The disc is changed as
   // by any command: whole or not at all. kRefused if there is no such step, or the disc may not be
-  // changed; the user has been told. HostError if the host fails; the step can be tried again then.
+  // changed; the user has been told. HostError if the host fails: the step can be tried again then,
+  // unless UndoName and RedoName show that it was made all the same.
   [[nodiscard]] Outcome Undo();
   [[nodiscard]] Outcome Redo();
   void Clear();
+  // False if a step runs that can't be undone later. The user has been told.
+  [[nodiscard]] bool IsKeeping() const { return depth_ == 0 || running_.has_value(); }
 
   // The running step is about to change about so many bytes of the disc. If they are too many to be
   // kept, the user is told now, and the history begins anew after the step.
   void Expect(std::int64_t bytes);
 
  private:
-  // What makes room for the bytes of a step.
-  enum class Room {
-    kMade,    // older steps are dropped
-    kAsItIs,  // nothing is
-  };
+  enum class WhenFull { kDropOldest, kGiveUp };
+
   struct Record {
     explicit Record(UndoRoom& room) : Old(room) {}
 
@@ -116,11 +116,12 @@ class History : private DiscWatcher {
   void Finish(Record record);
   // Keeps those blocks of the range that kept doesn't have yet. False if there is no room, or if
   // the bytes can't be read.
-  [[nodiscard]] bool Keep(KeptBlocks& kept, std::int64_t offset, std::size_t size, Room room);
+  [[nodiscard]] bool Keep(KeptBlocks& kept, std::int64_t offset, std::size_t size,
+                          WhenFull whenFull);
   [[nodiscard]] bool KeepOne(KeptBlocks& kept, std::int32_t block,
-                             std::span<const std::uint8_t> bytes, Room room);
-  // The running step can't be kept, and so no earlier one fits the disc any more.
-  void Lose();
+                             std::span<const std::uint8_t> bytes, WhenFull whenFull);
+  // What is named can't be undone, and so no earlier step fits the disc any more.
+  void Lose(const std::string& what);
   // Drops the first step, which can be undone.
   void DropOldest();
   // A command that failed, or an undo that failed, may have written into free sectors. What they
@@ -135,10 +136,14 @@ class History : private DiscWatcher {
   // Makes the record of the opposite step. False if there is no room for all of its bytes.
   [[nodiscard]] bool KeepOpposite(const Record& record, Record& opposite);
   void ForgetOpposite(std::size_t step);
+  void GiveBack(const KeptBlocks& kept, bool isWhole);
   // Stores the bytes of the record in one change. Gives the failure, if there is one; isMade_ tells
   // if the change was made all the same.
   [[nodiscard]] std::exception_ptr PutBack(const Record& record);
-  [[nodiscard]] std::uint64_t SumNow(const Record& record);
+  // None if the blocks can't be read.
+  [[nodiscard]] std::optional<std::uint64_t> SumNow(const Record& record);
+  // The disc isn't as the steps that were undone have left it, in sectors that nothing needs.
+  void ForgetRedoSums();
   [[nodiscard]] std::int64_t VersionAt(std::size_t position) const;
   // Notes that the disc is as it was saved, if it has no mark of unsaved changes.
   void NoteSaved();
@@ -151,8 +156,8 @@ class History : private DiscWatcher {
   std::int64_t firstVersion_ = 0;  // of the disc before the first step
   std::optional<std::int64_t> savedVersion_;
 
-  int depth_ = 0;  // how many Step objects live
-  std::string name_;
+  int depth_ = 0;     // how many Step objects live
+  std::string name_;  // of the step that runs now or was the last one
   Place place_ = Place::kNew;
   std::optional<Record> running_;  // none if no step runs, or if it was lost
   bool isPending_ = false;         // something was stored that isn't safe yet

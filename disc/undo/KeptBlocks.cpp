@@ -22,7 +22,7 @@ KeptBlocks::KeptBlocks(KeptBlocks&& other) noexcept
     : room_(other.room_),
       runs_(std::exchange(other.runs_, {})),
       count_(std::exchange(other.count_, 0)),
-      memory_(std::exchange(other.memory_, {})),
+      memory_(std::move(other.memory_)),
       file_(std::move(other.file_)),
       inFile_(std::exchange(other.inFile_, 0)) {}
 
@@ -32,14 +32,14 @@ KeptBlocks& KeptBlocks::operator=(KeptBlocks&& other) noexcept {
   room_ = other.room_;
   runs_ = std::exchange(other.runs_, {});
   count_ = std::exchange(other.count_, 0);
-  memory_ = std::exchange(other.memory_, {});
+  memory_ = std::move(other.memory_);
   file_ = std::move(other.file_);
   inFile_ = std::exchange(other.inFile_, 0);
   return *this;
 }
 
-void KeptBlocks::GiveBack() {
-  room_->InMemory -= memory_.size() * kBlockSize;
+void KeptBlocks::GiveBack() noexcept {
+  room_->InMemory -= InMemory() * kBlockSize;
   room_->InFiles -= inFile_ * kBlockSize;
 }
 
@@ -54,7 +54,7 @@ bool KeptBlocks::Keep(std::int32_t block, std::span<const std::uint8_t> bytes) {
   if (IsZeros(bytes)) {
     AddRun(block, kZeros);
   } else {
-    const auto place = static_cast<std::int32_t>(memory_.size() + inFile_);
+    const auto place = static_cast<std::int32_t>(InMemory() + inFile_);
     if (!Append(bytes)) return false;
     AddRun(block, place);
   }
@@ -64,7 +64,8 @@ bool KeptBlocks::Keep(std::int32_t block, std::span<const std::uint8_t> bytes) {
 
 bool KeptBlocks::Append(std::span<const std::uint8_t> bytes) {
   if (!file_.IsOpen() && room_->InMemory + kBlockSize <= room_->MostInMemory) {
-    std::ranges::copy(bytes, memory_.emplace_back().begin());
+    if (!memory_) memory_ = std::make_unique<std::deque<std::array<std::uint8_t, kBlockSize>>>();
+    std::ranges::copy(bytes, memory_->emplace_back().begin());
     room_->InMemory += kBlockSize;
     return true;
   }
@@ -91,12 +92,12 @@ void KeptBlocks::AddRun(std::int32_t block, std::int32_t place) {
 
 void KeptBlocks::ReadAt(std::int32_t place, std::span<std::uint8_t> bytes) const {
   auto at = static_cast<std::size_t>(place);
-  for (; !bytes.empty() && at < memory_.size(); ++at) {
-    std::ranges::copy(memory_[at], bytes.begin());
+  for (; !bytes.empty() && at < InMemory(); ++at) {
+    std::ranges::copy((*memory_)[at], bytes.begin());
     bytes = bytes.subspan(kBlockSize);
   }
   if (bytes.empty()) return;
-  if (file_.ReadAt((at - memory_.size()) * kBlockSize, bytes) != bytes.size()) {
+  if (file_.ReadAt((at - InMemory()) * kBlockSize, bytes) != bytes.size()) {
     throw HostError(file_.Path(), "Unexpected end of file");
   }
 }

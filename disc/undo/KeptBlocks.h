@@ -6,6 +6,7 @@
 #include <deque>
 #include <functional>
 #include <map>
+#include <memory>
 #include <span>
 
 #include "disc/host/HostFile.h"
@@ -62,13 +63,14 @@ class KeptBlocks {
   void AddRun(std::int32_t block, std::int32_t place);
   // Reads whole blocks from a place on.
   void ReadAt(std::int32_t place, std::span<std::uint8_t> bytes) const;
-  void GiveBack();
+  void GiveBack() noexcept;
+  [[nodiscard]] std::size_t InMemory() const { return memory_ ? memory_->size() : 0; }
 
   UndoRoom* room_;
   std::map<std::int32_t, Run> runs_;  // by their first blocks
   std::size_t count_ = 0;
   // The places from 0 on are in memory, the others in the file.
-  std::deque<std::array<std::uint8_t, kBlockSize>> memory_;
+  std::unique_ptr<std::deque<std::array<std::uint8_t, kBlockSize>>> memory_;
   RandomAccessFile file_;   // not open as long as there is room in memory
   std::size_t inFile_ = 0;  // blocks
 };

@@ -62,7 +62,7 @@ void DirectoryCommands::mnuDirectoryDelete() {
   panes_.RemoveNode(*node);
   if (root) panes_.RebuildTree();
   panes_.GetRootTitles();
-  if (outcome == Outcome::kDone && !root) TellDeleted(disc, name);
+  if (outcome == Outcome::kDone) TellDeleted(window_, root ? "Everything in " + name : name);
 }
 
 void DirectoryCommands::mnuDirectoryRename() {
@@ -97,7 +97,8 @@ void DirectoryCommands::tvwDB_AfterLabelEdit(DirNode& node, const QString& text)
   if (node.Parent() == nullptr) return;
   const std::string name = TypedToBbc(text);
   // The name that is typed for a new directory belongs to its making.
-  const bool isNew = node.Tag == newSector_ && window_.Steps().LastStep() == newStep_;
+  const bool isNew =
+      newStep_ != 0 && node.Tag == newSector_ && window_.Steps().LastStep() == newStep_;
   const History::Step step(
       window_.Steps(), isNew ? "New Directory " + name : "Rename " + node.Text(),
       History::Mark::kSets, isNew ? History::Place::kWithTheLast : History::Place::kNew);

@@ -104,7 +104,7 @@ void FileCommands::mnuFileDelete() {
   Disc& disc = window_.OpenDisc();
   const TrackedSector directory(disc, panes_.CurrentSector());
   const FileListModel& model = panes_.List().Model();
-  History::Step step(window_.Steps(), "Delete");
+  History::Step step(window_.Steps(), "Delete " + panes_.CurrentItem()->Name());
   int deleted = 0;
   bool directoryWent = false;
   for (int row = 0; row < model.rowCount(); ++row) {
@@ -124,12 +124,11 @@ void FileCommands::mnuFileDelete() {
       }
       directoryWent = true;
     }
-    ++deleted;
+    step.SetName("Delete " + CountOf(++deleted, "Object"));
   }
-  step.SetName("Delete " + CountOf(deleted, "Object"));
   if (directoryWent) panes_.RebuildTree();
   panes_.GetRootTitles();
-  if (deleted > 0) TellDeleted(disc, CountOf(deleted, "object"));
+  if (deleted > 0) TellDeleted(window_, CountOf(deleted, "object"));
 }
 
 void FileCommands::mnuFileRename() {

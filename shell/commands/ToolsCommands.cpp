@@ -52,10 +52,11 @@ void ToolsCommands::mnuToolsRedo() {
 void ToolsCommands::Swap(Outcome (History::*run)(), const QString& said) {
   const std::vector<std::string> former = NamesOf(panes_.List().Model().Rows());
   if ((window_.Steps().*run)() != Outcome::kDone) return;
-  panes_.ShowDiscAgain();
-  panes_.SelectRows([&former](const ListRow& row) {
-    return std::ranges::find(former, row.Name()) == former.end();
-  });
+  if (panes_.ShowDiscAgain()) {
+    panes_.SelectRows([&former](const ListRow& row) {
+      return std::ranges::find(former, row.Name()) == former.end();
+    });
+  }
   window_.OpenDisc().Host.Note(ToHost(said));
 }
 

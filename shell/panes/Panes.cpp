@@ -152,22 +152,41 @@ void Panes::RebuildTree() {
   tvwDB_NodeClick(*root);
 }
 
-void Panes::ShowDiscAgain() {
+bool Panes::ShowDiscAgain() {
+  const std::int32_t sector = CurrentSector();
   QStringList path;
   for (const DirNode* node = CurrentNode_; node != nullptr && node->Parent() != nullptr;
        node = node->Parent()) {
     path.prepend(node->text(0));
   }
   RebuildTree();
+  // The path comes first, because another directory may lie at the sector now. A directory that has
+  // another name now is found by its sector.
+  DirNode* found = NodeOfPath(path);
+  if (found == nullptr) found = NodeAt(sector);
+  if (found == nullptr) return false;
+  if (found != CurrentNode_) tvwDB_NodeClick(*found);
+  return true;
+}
+
+DirNode* Panes::NodeOfPath(const QStringList& path) {
   DirNode* found = CurrentNode_;
   for (const QString& name : path) {
     DirNode* parent = std::exchange(found, nullptr);
     for (int i = 0; i < parent->childCount() && found == nullptr; ++i) {
       if (parent->Child(i)->text(0) == name) found = parent->Child(i);
     }
-    if (found == nullptr) return;
+    if (found == nullptr) return nullptr;
   }
-  if (found != CurrentNode_) tvwDB_NodeClick(*found);
+  return found;
+}
+
+DirNode* Panes::NodeAt(std::int32_t sector) {
+  for (QTreeWidgetItemIterator i(&Tree()); *i != nullptr; ++i) {
+    auto* node = static_cast<DirNode*>(*i);
+    if (node->Tag == sector) return node;
+  }
+  return nullptr;
 }
 
 // Reads the disc into the tree and gives the root.

@@ -33,9 +33,9 @@ class Panes : public PaneLayout {
   // afterwards.
   void RebuildTree();
   // Shows again what is on the disc, after a command that has failed in its middle: RebuildTree,
-  // and the directory that was current is current again, if there still is one of its path.
-  // HostError as RebuildTree.
-  void ShowDiscAgain();
+  // and the directory that was current is current again, if there still is one of its path or at
+  // its sector. False if there is none. HostError as RebuildTree.
+  bool ShowDiscAgain();
   // Fills the list from the current directory and makes its first row current. If the directory
   // can't be read (HostError), the list is empty afterwards.
   void GetRootTitles();
@@ -97,6 +97,9 @@ class Panes : public PaneLayout {
   void AddEntryTool(const char* key, const char* icon, const char* entry);
   void AddLookTool(const char* key, const char* icon, ListLook look);
   DirNode& FillTree();
+  // The node with that path below the current node, which is the root; null if there is none.
+  DirNode* NodeOfPath(const QStringList& path);
+  DirNode* NodeAt(std::int32_t sector);  // null if there is none
   void EmptyPanes();
   void NodeToggled(DirNode& node, bool expanded);
   void GoUp();

@@ -127,11 +127,11 @@ StartResult frmMain::Start(CommandKind kind, const std::function<void()>& work) 
     const CommandGuard::Running running(guard_, kind);
     if (kind == CommandKind::kChange) {
       Guarded([&] { RunChange(work); });
-      tools_->ShowSteps();
     } else {
       Guarded(work);
     }
   }
+  tools_->ShowSteps();
   if (exitWanted_ && guard_.MayStart(CommandKind::kExit)) close();
   return StartResult::kRan;
 }
@@ -152,7 +152,7 @@ void frmMain::RunChange(const std::function<void()>& work) {
 
 void frmMain::ShowDiscAgain() {
   try {
-    panes_->ShowDiscAgain();
+    (void)panes_->ShowDiscAgain();
   } catch (const HostError&) {
     // The disc can't be read either. The panes are empty now, and the user is told of the first
     // failure.

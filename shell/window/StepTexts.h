@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "disc/store/Disc.h"
+#include "shell/window/MainWindow.h"
 
 // The words of what a command has done.
 namespace sectorbox {
@@ -12,9 +12,11 @@ namespace sectorbox {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
-// Panel 2 says what was deleted, and which key brings it back.
-inline void TellDeleted(Disc& disc, const std::string& what) {
-  disc.Host.Note(what + " deleted - Ctrl+Z takes it back");
+// Panel 2 says what the running step has deleted, and which key brings it back. If the step can't
+// be undone, the user has been told so.
+inline void TellDeleted(MainWindow& window, const std::string& what) {
+  if (!window.Steps().IsKeeping()) return;
+  window.OpenDisc().Host.Note(what + " deleted - Ctrl+Z takes it back");
 }
 
 }  // namespace sectorbox

@@ -46,6 +46,9 @@ struct FaultPlan {
   // The host isn't asked to sync, which is slow. For tests in which no program dies; it stays when
   // a fault is set.
   bool SkipsSyncs = false;
+  // Once a fault was met, every read fails.
+  bool ReadsFailAfterwards = false;
+  bool WasMet = false;
 
   [[nodiscard]] int Count() const {
     switch (What) {
@@ -232,7 +235,11 @@ class FaultyMedium final : public Medium {
   // Counts the operation. True if it fails.
   bool Meets(FaultPlan::Operation what, int& count) {
     const int number = count++;
+    if (what == FaultPlan::Operation::kRead && plan_.WasMet && plan_.ReadsFailAfterwards) {
+      return true;
+    }
     if (plan_.What != what || number != plan_.At || plan_.Dead) return false;
+    plan_.WasMet = true;
     plan_.Dead = plan_.Fault == FaultPlan::Kind::kLast || plan_.Fault == FaultPlan::Kind::kCut;
     return plan_.Fault == FaultPlan::Kind::kFail || plan_.Fault == FaultPlan::Kind::kTear;
   }

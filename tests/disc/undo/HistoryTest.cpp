@@ -331,6 +331,129 @@ TEST_P(HistoryTest, AStepThatIsTooLargeIsToldAndTheOnesBeforeItGoToo) {
   EXPECT_TRUE(history.CanUndo());
 }
 
+// There is room for the step and none for its opposite.
+TEST_P(HistoryTest, AStepWhoseOppositeHasNoRoomCanBeTakenBackButNotDoneAgain) {
+  UndoneDisc disc(GetParam(), RoomOf(7000, 0));
+  History& history = disc.TheHistory();
+  const Bytes first = disc.Now();
+  {
+    const History::Step step(history, "Add");
+    ASSERT_EQ(AddFile(disc.TheDisc(), 2, disc.Folder() + "/F05"), Outcome::kDone);
+  }
+  ASSERT_TRUE(history.CanUndo());
+  ASSERT_EQ(history.Undo(), Outcome::kDone);
+  EXPECT_EQ(disc.Now(), first);
+  EXPECT_FALSE(history.CanRedo());
+}
+
+TEST_P(HistoryTest, TheFreeListIsThatOfTheMapAfterUndoAndRedo) {
+  UndoneDisc disc(GetParam(), kPlenty);
+  History& history = disc.TheHistory();
+  const auto former = FreeRuns(disc.TheDisc());
+  {
+    const History::Step step(history, "Delete");
+    ASSERT_EQ(DeleteEntry(disc.TheDisc(), 2, "F05", false, false), Outcome::kDone);
+  }
+  const auto after = FreeRuns(disc.TheDisc());
+  const auto isSame = [](const std::vector<sectorbox::FreeRun>& one,
+                         const std::vector<sectorbox::FreeRun>& other) {
+    return std::ranges::equal(one, other,
+                              [](const sectorbox::FreeRun& a, const sectorbox::FreeRun& b) {
+                                return a.Start == b.Start && a.Length == b.Length;
+                              });
+  };
+  ASSERT_FALSE(isSame(former, after));
+  ASSERT_EQ(history.Undo(), Outcome::kDone);
+  EXPECT_TRUE(isSame(FreeRuns(disc.TheDisc()), former));
+  ASSERT_EQ(history.Redo(), Outcome::kDone);
+  EXPECT_TRUE(isSame(FreeRuns(disc.TheDisc()), after));
+}
+
+// The journal is whole and its blocks can't be put in place: the undo counts as made. What comes
+// next must not take the restored file's sectors for free ones.
+TEST_P(HistoryTest, AfterAnUndoThatCouldNotBePutInPlaceTheFreeListIsThatOfTheMap) {
+  if (GetParam().Type != kDat) return;
+  int made = 0;
+  for (int at = 0; at < 12; ++at) {
+    SCOPED_TRACE(at);
+    UndoneDisc disc(GetParam(), kPlenty);
+    const std::string first = DescribeDisc(disc.Whole());
+    {
+      const History::Step step(disc.TheHistory(), "Delete");
+      ASSERT_EQ(DeleteEntry(disc.TheDisc(), 2, "F06", false, false), Outcome::kDone);
+    }
+    disc.Plan().Set(FaultPlan::Operation::kWrite, FaultPlan::Kind::kFail, at);
+    bool failed = false;
+    try {
+      (void)disc.TheHistory().Undo();
+    } catch (const HostError&) {
+      failed = true;
+    }
+    disc.Plan().Set(FaultPlan::Operation::kWrite, FaultPlan::Kind::kNone, 0);
+    if (failed && !disc.TheHistory().CanUndo()) ++made;
+    std::int64_t free = 0;
+    for (const auto& run : ReadFreeRuns(disc.Whole())) free += run.Length;
+    EXPECT_EQ(FreeSectors(disc.TheDisc()), free);
+    {
+      const History::Step step(disc.TheHistory(), "Add");
+      ASSERT_EQ(AddFile(disc.TheDisc(), 2, disc.Folder() + "/NEW"), Outcome::kDone);
+    }
+    ASSERT_EQ(disc.TheHistory().Undo(), Outcome::kDone);
+    while (disc.TheHistory().CanUndo()) ASSERT_EQ(disc.TheHistory().Undo(), Outcome::kDone);
+    EXPECT_EQ(DescribeDisc(disc.Whole()), first);
+  }
+  EXPECT_GT(made, 0);
+}
+
+// Writes fail from somewhere on, and then so does every read.
+TEST_P(HistoryTest, ARedoThatFailsWhereNothingCanBeReadAnyMoreEndsTheHistoryOrLosesNothing) {
+  if (GetParam().Type != kDat && GetParam().Type != kCF) return;
+  for (int at = 0; at < 12; ++at) {
+    SCOPED_TRACE(at);
+    UndoneDisc disc(GetParam(), kPlenty);
+    const std::string first = DescribeDisc(disc.Whole());
+    for (const char* name : {"F07", "F08", "F09", "F10", "F11"}) {
+      const History::Step step(disc.TheHistory(), name);
+      ASSERT_EQ(DeleteEntry(disc.TheDisc(), 2, name, false, false), Outcome::kDone);
+    }
+    {
+      const History::Step step(disc.TheHistory(), "Add");
+      ASSERT_EQ(AddFile(disc.TheDisc(), 2, disc.Folder() + "/F06"), Outcome::kDone);
+    }
+    ASSERT_EQ(disc.TheHistory().Undo(), Outcome::kDone);
+    disc.Plan().Set(FaultPlan::Operation::kWrite, FaultPlan::Kind::kFail, at);
+    disc.Plan().ReadsFailAfterwards = true;
+    try {
+      (void)disc.TheHistory().Redo();
+    } catch (const HostError&) {
+      EXPECT_TRUE(true);
+    }
+    disc.Plan().ReadsFailAfterwards = false;
+    disc.Plan().Set(FaultPlan::Operation::kWrite, FaultPlan::Kind::kNone, 0);
+    const bool couldUndo = disc.TheHistory().CanUndo();
+    while (disc.TheHistory().CanUndo()) ASSERT_EQ(disc.TheHistory().Undo(), Outcome::kDone);
+    EXPECT_TRUE(!couldUndo || DescribeDisc(disc.Whole()) == first);
+    EXPECT_EQ(FaultsOf(disc.Whole()), std::vector<std::string>());
+  }
+}
+
+// The temporary folder has no room for the newer bytes.
+TEST_P(HistoryTest, AStepCanBeTakenBackWhereTheHostHasNoRoomForItsOpposite) {
+  UndoneDisc disc(GetParam(), RoomOf(9000, 1000000));
+  const Bytes first = disc.Now();
+  {
+    const History::Step step(disc.TheHistory(), "Add");
+    ASSERT_EQ(AddFile(disc.TheDisc(), 2, disc.Folder() + "/F05"), Outcome::kDone);
+  }
+  ASSERT_TRUE(disc.TheHistory().CanUndo());
+  const char* former = std::getenv("TMPDIR");
+  const std::string kept = former == nullptr ? "" : former;
+  ::setenv("TMPDIR", "/nowhere", 1);
+  EXPECT_EQ(disc.TheHistory().Undo(), Outcome::kDone);
+  former == nullptr ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", kept.c_str(), 1);
+  EXPECT_EQ(disc.Now(), first);
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryKind, HistoryTest, ::testing::ValuesIn(kUndoKinds),
                          [](const auto& one) { return std::string(one.param.Name); });
 
@@ -363,6 +486,40 @@ TEST(HistoryOfADat, AnUndoIsSafeInTheFileWhenItEnds) {
   ASSERT_EQ(disc.TheHistory().Undo(), Outcome::kDone);
   EXPECT_EQ(ReadAll(disc.Path()), before);
   EXPECT_FALSE(std::filesystem::exists(disc.Path() + "-journal"));
+}
+
+// A card whose last block isn't whole, and which has no room beyond it.
+TEST(HistoryOfACard, AStepAtTheCardsEndIsToldThatItCannotBeUndone) {
+  TempFolder folder;
+  ScriptedHost host;
+  Disc disc(host);
+  ImageBuilder image(1002);
+  std::vector<std::uint8_t> card;
+  for (const std::uint8_t byte : image.Bytes()) card.insert(card.end(), {byte, 0xC5});
+  WriteAll(folder / "card.raw", card);
+  disc.TheDisc.OpenFile((folder / "card.raw") + ",0", kCF, 0, 0, 0);
+  ReadFreeMap(disc);
+  History history(disc);
+  const auto all = [&] {
+    Bytes bytes(std::size_t{1002} * 256);
+    disc.TheDisc.FetchBytes(0, bytes);
+    return DescribeDisc(bytes);
+  };
+  const std::string first = all();
+  WriteAll(folder / "ALL", Pattern(std::size_t{1002 - 7} * 256, 3));
+  {
+    const History::Step step(history, "Add 1 File");
+    ASSERT_EQ(AddFile(disc, 2, folder / "ALL"), Outcome::kDone);
+    EXPECT_EQ(history.IsKeeping(), false);
+  }
+  EXPECT_EQ(host.LogOf("note").back(), "note Add 1 File can't be undone");
+  EXPECT_FALSE(history.CanUndo());
+  {
+    const History::Step step(history, "Delete");
+    ASSERT_EQ(DeleteEntry(disc, 2, "ALL", false, false), Outcome::kDone);
+  }
+  ASSERT_TRUE(history.CanUndo());
+  EXPECT_EQ(all(), first);
 }
 
 }  // namespace

@@ -257,6 +257,68 @@ TEST_F(UndoTest, ADirectoryThatIsGoneAfterTheUndoGivesWayToTheRoot) {
   Choose("mnuToolsUndo");
   EXPECT_EQ(window_->CurrentNode()->Text, "$");
   EXPECT_EQ(Names(), List({"ALPHA", "BETA", "DIR", "GAMMA"}));
+  // These rows didn't come back, and a Delete now must not take them.
+  EXPECT_EQ(Selected(), QStringList());
+}
+
+TEST_F(UndoTest, ADirectoryThatGetsItsFormerNameBackStaysCurrent) {
+  StartWith(image_);
+  ClickNode(QStringLiteral("DIR"));
+  Choose("mnuDirectoryRename");
+  auto* editor = Find("tvwDB").findChild<QLineEdit*>(QStringLiteral("txtName"));
+  ASSERT_NE(editor, nullptr);
+  editor->setText(QStringLiteral("OTHER"));
+  QTest::keyClick(editor, Qt::Key_Return);
+  Settle();
+  Choose("mnuToolsUndo");
+  EXPECT_EQ(window_->CurrentNode()->Text, "DIR");
+  EXPECT_EQ(Names(), List({"INSIDE"}));
+  EXPECT_EQ(Selected(), QStringList());
+}
+
+TEST_F(UndoTest, TheContentsOfTheRootAreDeletedAndComeBack) {
+  StartWith(image_);
+  const auto before = Bytes();
+  ClickNode(QStringLiteral("$"));
+  Choose("mnuDirectoryDelete");
+  EXPECT_EQ(Names(), QStringList());
+  EXPECT_EQ(Panel(2), QStringLiteral("Everything in $ deleted - Ctrl+Z takes it back"));
+  Choose("mnuToolsUndo");
+  EXPECT_EQ(Bytes(), before);
+  EXPECT_EQ(Names(), List({"ALPHA", "BETA", "DIR", "GAMMA"}));
+}
+
+// Nothing but keys: open a disc, look at a file, delete one, take it back, rename it, leave.
+TEST_F(UndoTest, AllOfItIsDoneWithTheKeyboardAlone) {
+  image_.WriteInterleavedTo(folder_ / "keys.adl");
+  Start();
+  QWidget& tree = window_->ThePanes().Tree();
+  QWidget& list = window_->ThePanes().List();
+  player_.ExpectFileDialog(folder_ / "keys.adl");
+  Press(tree, Qt::Key_O, Qt::ControlModifier);
+  ASSERT_EQ(Names(), List({"ALPHA", "BETA", "DIR", "GAMMA"}));
+  list.setFocus();
+  Press(list, Qt::Key_Down);
+  Press(list, Qt::Key_Down);
+  ASSERT_EQ(window_->CurrentItem()->Name(), "DIR");
+  Press(list, Qt::Key_Return);
+  EXPECT_EQ(Names(), List({"INSIDE"}));
+  Press(list, Qt::Key_Backspace);
+  EXPECT_EQ(Names(), List({"ALPHA", "BETA", "DIR", "GAMMA"}));
+  Press(list, Qt::Key_Down);
+  ASSERT_EQ(window_->CurrentItem()->Name(), "BETA");
+  Press(list, Qt::Key_Delete);
+  EXPECT_FALSE(OnDisc("BETA"));
+  Press(list, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_TRUE(OnDisc("BETA"));
+  EXPECT_EQ(window_->CurrentItem()->Name(), "BETA");
+  Press(list, Qt::Key_F2);
+  Rename(QStringLiteral("DELTA"));
+  EXPECT_TRUE(OnDisc("DELTA"));
+  EXPECT_FALSE(OnDisc("BETA"));
+  Press(list, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_TRUE(OnDisc("BETA"));
+  EXPECT_FALSE(disc_->ImageChanged);
 }
 
 TEST_F(UndoTest, FreeSpaceCaptionAndMarkFollow) {
