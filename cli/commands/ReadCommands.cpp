@@ -1,4 +1,4 @@
-// The commands that show what is on a disc: its figures, its directories, its files and its faults.
+// The commands that show what is on a disc: its figures, its directories and its files.
 
 #include <algorithm>
 #include <array>
@@ -6,37 +6,52 @@
 
 #include "cli/program/Dispatch.h"
 #include "cli/program/ImageSession.h"
+#include "cli/program/Json.h"
 #include "cli/program/StartWindow.h"
 #include "cli/program/TerminalText.h"
 #include "disc/catalogue/Adfs.h"
 #include "disc/exchange/HostExchange.h"
 #include "disc/format/Text.h"
-#include "disc/health/Check.h"
 #include "disc/host/HostFile.h"
 #include "disc/store/OpenDisc.h"
 
 namespace sectorbox::cli {
 namespace {
 
-// Prints a line. Names and titles in it may hold any byte.
-void PrintLine(const std::string& line) {
-  PrintBytes(ShownOnOutput(line) + "\n");
-}
+// The disc's figures one after the other, as lines or as the fields of an object.
+class Figures {
+ public:
+  explicit Figures(bool json) : json_(json) {}
 
-void PrintValue(const char* name, const std::string& value) {
-  PrintLine(std::string(name) + ": " + value);
-}
+  void Add(const char* name, const std::string& value) {
+    if (json_) {
+      object_.Bbc(name, value);
+    } else {
+      PrintLine(std::string(name) + ": " + value);
+    }
+  }
+  void Add(const char* name, std::int64_t value) {
+    if (json_) {
+      object_.Number(name, value);
+    } else {
+      Add(name, std::to_string(value));
+    }
+  }
+  void End() const {
+    if (json_) PrintJson(object_);
+  }
 
-void PrintValue(const char* name, std::int64_t value) {
-  PrintValue(name, std::to_string(value));
-}
+ private:
+  bool json_;
+  JsonObject object_;
+};
 
-void PrintGeometry(Disc& disc) {
-  PrintValue("kind", disc.TheDisc.Kind().Name);
-  PrintValue("disctype", disc.TheDisc.disctype());
-  PrintValue("tracks", disc.TheDisc.mTracks);
-  PrintValue("heads", disc.TheDisc.Heads());
-  PrintValue("sectors", disc.TheDisc.Sectors());
+void AddGeometry(Disc& disc, Figures& figures) {
+  figures.Add("kind", disc.TheDisc.Kind().Name);
+  figures.Add("disctype", disc.TheDisc.disctype());
+  figures.Add("tracks", disc.TheDisc.mTracks);
+  figures.Add("heads", disc.TheDisc.Heads());
+  figures.Add("sectors", disc.TheDisc.Sectors());
 }
 
 int RunInfo(const CommandLine& line) {
@@ -46,13 +61,15 @@ int RunInfo(const CommandLine& line) {
   OpenForReading(session, line.Arguments[0]);
   const std::int64_t free = FreeSectors(disc);
   const std::int64_t size = MapDiscSize(disc);
-  PrintGeometry(disc);
-  PrintValue("size", size);
-  PrintValue("free", free * format::kSectorSize);
-  PrintValue("used", (size - free) * format::kSectorSize);
-  PrintValue("runs", disc.FreeCount);
-  PrintValue("boot", ReadMap(disc).BootOption());
-  PrintValue("title", GetDirTitle(disc, format::kRootSector));
+  Figures figures(line.Has("json"));
+  AddGeometry(disc, figures);
+  figures.Add("size", size);
+  figures.Add("free", free * format::kSectorSize);
+  figures.Add("used", (size - free) * format::kSectorSize);
+  figures.Add("runs", disc.FreeCount);
+  figures.Add("boot", ReadMap(disc).BootOption());
+  figures.Add("title", GetDirTitle(disc, format::kRootSector));
+  figures.End();
   return StatusOf(session);
 }
 
@@ -71,6 +88,8 @@ int RunTree(const CommandLine& line) {
   ImageSession session(line);
   OpenForReading(session, line.Arguments[0]);
   const std::vector<TreeNode> tree = WalkTree(session.Open);
+  const bool json = line.Has("json");
+  JsonList list;
   std::int32_t parent = -1;
   std::string front;  // the path of that parent, with a dot behind it
   for (const TreeNode& node : tree) {
@@ -79,9 +98,39 @@ int RunTree(const CommandLine& line) {
       front = PathOf(tree, tree[static_cast<std::size_t>(parent)]) + ".";
     }
     const std::string path = node.Parent < 0 ? "$" : front + node.Text;
+    if (json) {
+      list.Add(JsonObject().Bbc("path", path).Number("sector", node.Tag));
+      continue;
+    }
     PrintBytes(ShownOnOutput(path) + "\t" + Hex(static_cast<std::uint32_t>(node.Tag), 6) + "\n");
   }
+  if (json) list.End();
   return session.Host.LeftOut ? kRefused : StatusOf(session);
+}
+
+// Two decimal digits in one byte, as a number.
+std::int64_t NumberOfDigits(std::uint8_t digits) {
+  return (digits >> 4) * 10 + (digits & 15);
+}
+
+// A directory has no addresses and no length; its start sector stands under the heading Sector.
+JsonObject JsonOf(const ListRow& row) {
+  const Entry& entry = row.Item;
+  JsonObject object;
+  object.Bbc("name", row.Name()).Bbc("attr", row.Attr());
+  object.Number("seq", NumberOfDigits(entry.Sequence()));
+  if (row.IsDirectory()) {
+    object.Null("load").Null("exec").Null("size");
+  } else {
+    object.Number("load", entry.Load()).Number("exec", entry.Exec()).Number("size", row.Length());
+  }
+  return object.Number("sector", row.StartSector());
+}
+
+void PrintRow(const ListRow& row) {
+  std::string text = ShownOnOutput(row.Columns[0]);
+  for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
+  PrintBytes(text + "\n");
 }
 
 int RunLs(const CommandLine& line) {
@@ -90,11 +139,16 @@ int RunLs(const CommandLine& line) {
   OpenForReading(session, line.Arguments[0]);
   const std::string path = line.Arguments.size() > 1 ? line.Arguments[1] : "$";
   const PathTarget target = RequireDirectory(session.Open, path);
+  const bool json = line.Has("json");
+  JsonList list;
   for (const ListRow& row : ReadRows(session.Open, target.Sector)) {
-    std::string text = ShownOnOutput(row.Columns[0]);
-    for (std::size_t column = 1; column < kColumns; ++column) text += "\t" + row.Columns[column];
-    PrintBytes(text + "\n");
+    if (json) {
+      list.Add(JsonOf(row));
+    } else {
+      PrintRow(row);
+    }
   }
+  if (json) list.End();
   return StatusOf(session);
 }
 
@@ -128,18 +182,6 @@ int RunGet(const CommandLine& line) {
   return StatusOf(session);
 }
 
-int RunCheck(const CommandLine& line) {
-  line.Expect(1, 1);
-  ImageSession session(line);
-  OpenForReading(session, line.Arguments[0]);
-  int status = kDone;
-  CheckDisc(session.Open, [&](const Fault& fault) {
-    PrintLine((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
-    if (fault.IsError) status = kRefused;
-  });
-  return status == kDone ? StatusOf(session) : status;
-}
-
 int RunOpen(const CommandLine& line) {
   line.Expect(1, 1);
   const std::string& image = line.Arguments[0];
@@ -152,15 +194,14 @@ int RunOpen(const CommandLine& line) {
 
 std::vector<Command> ReadCommands() {
   return {
-      {"info", "IMAGE", "the disc's figures, as name: value lines", {}, RunInfo},
-      {"tree", "IMAGE", "every directory, with its start sector", {}, RunTree},
-      {"ls", "IMAGE [DIR]", "the entries of a directory, columns with TABs between", {}, RunLs},
+      {"info", "IMAGE [--json]", "the disc's figures, as name: value lines", {"json"}, RunInfo},
+      {"tree", "IMAGE [--json]", "every directory, with its start sector", {"json"}, RunTree},
+      {"ls",
+       "IMAGE [DIR] [--json]",
+       "the entries of a directory, columns with TABs between",
+       {"json"},
+       RunLs},
       {"get", "IMAGE PATH [-o FILE]", "a file's bytes", {"o"}, RunGet},
-      {"check",
-       "IMAGE",
-       "look the disc over for faults; status 1 if there is an error",
-       {},
-       RunCheck},
       {"open", "IMAGE", "open the image in the window program", {}, RunOpen},
   };
 }

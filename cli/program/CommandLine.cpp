@@ -21,8 +21,8 @@ constexpr std::array<std::string_view, 12> kValued = {"pad",
                                                       "port",
                                                       "speed",
                                                       "trace"};
-constexpr std::array<std::string_view, 8> kPlain = {"help",  "version", "force", "data-only",
-                                                    "check", "quick",   "full",  "non-adfs"};
+constexpr std::array<std::string_view, 9> kPlain = {
+    "help", "version", "force", "data-only", "check", "quick", "full", "non-adfs", "json"};
 
 template <typename Names>
 bool Holds(const Names& names, std::string_view name) {

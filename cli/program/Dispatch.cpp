@@ -21,6 +21,7 @@ void PrintHelp(const std::vector<Command>& commands) {
   std::puts(
       "\nOptions: --pad on|off, --interleave on|off, --delete-locked on|off,\n"
       "  --overwrite-locked on|off, --delete-non-empty on|off; views take -o FILE.\n"
+      "--json gives one JSON value, for programs to read.\n"
       "IMAGE is an image file, or cf:DEVICE,P for partition P (0 or 1) of a card.\n"
       "`sbx COMMAND --help` tells about one command; `sbx --version` the version.");
 }
@@ -58,8 +59,8 @@ int Run(const std::vector<std::string>& words) {
 
 std::vector<Command> AllCommands() {
   std::vector<Command> all;
-  for (const auto& group : {ReadCommands(), ViewCommands(), PictureCommands(), ImageCommands(),
-                            WriteCommands(), LinkCommands(), CardCommands()})
+  for (const auto& group : {ReadCommands(), HealthCommands(), ViewCommands(), PictureCommands(),
+                            ImageCommands(), WriteCommands(), LinkCommands(), CardCommands()})
     all.insert(all.end(), group.begin(), group.end());
   return all;
 }

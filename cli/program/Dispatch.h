@@ -26,6 +26,7 @@ struct Command {
 // Every command, in the order of the help. Each group has a file of its own.
 std::vector<Command> AllCommands();
 std::vector<Command> ReadCommands();
+std::vector<Command> HealthCommands();
 std::vector<Command> ViewCommands();
 std::vector<Command> PictureCommands();
 std::vector<Command> ImageCommands();

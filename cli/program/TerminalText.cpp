@@ -69,6 +69,10 @@ void PrintBytes(const std::string& bytes) {
   std::fwrite(bytes.data(), 1, bytes.size(), stdout);
 }
 
+void PrintLine(const std::string& line) {
+  PrintBytes(ShownOnOutput(line) + "\n");
+}
+
 void PrintErrorLine(const std::string& line) {
   const std::string shown = ShownOnErrors(line) + "\n";
   std::fwrite(shown.data(), 1, shown.size(), stderr);

@@ -17,7 +17,10 @@ namespace sectorbox::cli {
 
 // Prints bytes on standard output as they are.
 void PrintBytes(const std::string& bytes);
-// Prints one line, as the stream shows it, and the line's end.
+// Prints one line on standard output, as that shows it, and the line's end. Names and titles in it
+// may hold any byte.
+void PrintLine(const std::string& line);
+// The same on standard error.
 void PrintErrorLine(const std::string& line);
 
 }  // namespace sectorbox::cli

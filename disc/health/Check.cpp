@@ -1,14 +1,12 @@
 #include "disc/health/Check.h"
 
 #include <algorithm>
-#include <string_view>
-#include <type_traits>
+#include <string>
 #include <utility>
 
 #include "disc/catalogue/Directories.h"
 #include "disc/format/Names.h"
 #include "disc/format/SectorSet.h"
-#include "disc/format/Text.h"
 #include "disc/health/DiscSizes.h"
 
 namespace sectorbox {
@@ -40,12 +38,8 @@ struct DirectoryNode {
 // at.
 constexpr std::int32_t kLeeway = 10000;
 
-std::string SectorText(std::int32_t sector) {
-  return "sector " + Hex(static_cast<std::uint32_t>(sector), 6);
-}
-
 void AppendPath(const WalkStep& at, std::string& path) {
-  if (at.Listed == nullptr) {
+  if (at.Parent == nullptr || at.Listed == nullptr) {
     path += '$';
     return;
   }
@@ -60,31 +54,49 @@ std::string PathOf(const WalkStep& at) {
   return path;
 }
 
-// Passes the first kMaxFaults on, and counts the others. What a fault says is made only if it is
+Touched DirectoryOf(const WalkStep& at) {
+  return {TouchedKind::kDirectory, at.Sector, -1, PathOf(at)};
+}
+
+Touched MapSector(std::int32_t sector) {
+  return {TouchedKind::kMapSector, sector, -1, ""};
+}
+
+Touched RunOf(std::int32_t place) {
+  return {TouchedKind::kRun, place, -1, ""};
+}
+
+Touched RootDirectory() {
+  return {TouchedKind::kDirectory, kRootSector, -1, "$"};
+}
+
+// Passes the first kMaxFaults on, and counts the others. What a fault touches is made only if it is
 // passed on: a damaged disc may have millions of faults, each with a long path.
 class FaultList {
  public:
   explicit FaultList(const std::function<void(const Fault&)>& tell) : tell_(tell) {}
 
-  template <typename MakePlace, typename MakeText>
-  void Add(bool isError, MakePlace place, MakeText text) {
+  // make gives the fault.
+  template <typename Make>
+  void Add(Severity weight, Make make) {
     if (told_ < kMaxFaults) {
       ++told_;
-      tell_({isError, place(), text()});
+      tell_(make());
       return;
     }
     ++more_;
-    moreErrors_ |= isError;
+    if (weight == Severity::kError) moreWeight_ = weight;
   }
   void End() const {
-    if (more_ > 0) tell_({moreErrors_, "$", std::to_string(more_) + " more faults are not listed"});
+    if (more_ == 0) return;
+    tell_({FaultKind::kMore, moreWeight_, RootDirectory(), more_, 0, {}});
   }
 
  private:
   const std::function<void(const Fault&)>& tell_;
   std::size_t told_ = 0;
-  std::size_t more_ = 0;
-  bool moreErrors_ = false;
+  std::int64_t more_ = 0;
+  Severity moreWeight_ = Severity::kWarning;
 };
 
 class Checker : public DirectoryVisitor {
@@ -100,13 +112,12 @@ class Checker : public DirectoryVisitor {
     CheckRuns();
     Own(0, kRootSector, kMapNode, 0);
     Own(kRootSector, kFirstFreeSector, kRootNode, 0);
-    if (kFirstFreeSector > size_) Error("$", "runs past the end of the disc");
+    if (kFirstFreeSector > size_) Add(FaultKind::kRunsPastEnd, RootDirectory);
     // If the walk ends before it is done, it has reported why.
     (void)WalkDirectories(disc_, kRootSector, *this);
     CheckOwnership();
     for (const Fault& fault : FindSizeFaults(disc_)) {
-      faults_.Add(
-          fault.IsError, [&] { return fault.Place; }, [&] { return fault.Text; });
+      faults_.Add(fault.Weight, [&] { return fault; });
     }
     faults_.End();
   }
@@ -122,20 +133,19 @@ class Checker : public DirectoryVisitor {
 
   Walk Meet(const WalkStep& at, std::int32_t slot, const Entry& entry) override {
     if (extents_.size() >= mostExtents_) {
-      Error([&] { return PathOf(at); },
-            "lists more than the disc has room for: not looked at any further");
+      Add(FaultKind::kTooMany, [&] { return DirectoryOf(at); });
       exhausted_ = true;
       return Walk::kStop;
     }
-    const auto path = [&] { return PathOf(at) + "." + entry.Name(); };
-    CheckName(path, entry.Name());
-    return CheckEntry(path, slot, entry) ? Walk::kOn : Walk::kPassOver;
+    const auto touched = [&] {
+      return Touched{TouchedKind::kEntry, at.Sector, slot, PathOf(at) + "." + entry.Name()};
+    };
+    CheckName(touched, entry.Name());
+    return CheckEntry(touched, slot, entry) ? Walk::kOn : Walk::kPassOver;
   }
 
   Walk OutOfBounds(const WalkStep& at) override {
-    if (!exhausted_) {
-      Error([&] { return PathOf(at); }, "lies too deep: not looked at any further");
-    }
+    if (!exhausted_) Add(FaultKind::kTooDeep, [&] { return DirectoryOf(at); });
     exhausted_ = true;
     return Walk::kOn;
   }
@@ -153,24 +163,10 @@ class Checker : public DirectoryVisitor {
     std::string Highest;             // the last of them in rising order
   };
 
-  // place is a text, or gives one.
-  template <typename Place>
-  void Error(const Place& place, std::string_view text) {
-    Add(true, place, text);
-  }
-  template <typename Place>
-  void Warn(const Place& place, std::string_view text) {
-    Add(false, place, text);
-  }
-  template <typename Place>
-  void Add(bool isError, const Place& place, std::string_view text) {
-    const auto makeText = [&] { return std::string(text); };
-    if constexpr (std::is_invocable_v<Place>) {
-      faults_.Add(isError, place, makeText);
-    } else {
-      faults_.Add(
-          isError, [&] { return std::string(place); }, makeText);
-    }
+  // touched gives what the fault touches.
+  template <typename MakeTouched>
+  void Add(FaultKind kind, MakeTouched touched, std::int64_t is = 0, std::int64_t should = 0) {
+    faults_.Add(SeverityOf(kind), [&] { return MakeFault(kind, touched(), is, should); });
   }
 
   void AppendPathOfNode(std::int32_t node, std::string& path) const {
@@ -186,41 +182,42 @@ class Checker : public DirectoryVisitor {
     path += '.';
     path += EntryAt(disc_, directories_[static_cast<std::size_t>(node)].Sector, slot).Name();
   }
-  std::string NameOf(const Extent& extent) const {
-    std::string path;
+  Touched ObjectOf(const Extent& extent) const {
     switch (extent.Node) {
       case kRunNode:
-        return "free run " + std::to_string(extent.Slot);
+        return RunOf(static_cast<std::int32_t>(extent.Slot));
       case kMapNode:
-        return "the free space map";
+        return {TouchedKind::kMap, 0, -1, ""};
       case kRootNode:
-        return "$";
+        return RootDirectory();
       default:
-        AppendPathOfEntry(extent.Node, extent.Slot, path);
-        return path;
+        break;
     }
+    const DirectoryNode& directory = directories_[static_cast<std::size_t>(extent.Node)];
+    const auto slot = static_cast<std::int32_t>(extent.Slot);
+    Touched entry{TouchedKind::kEntry, directory.Sector, slot, ""};
+    AppendPathOfEntry(extent.Node, slot, entry.Path);
+    return entry;
   }
 
   void CheckMap() {
     const std::int32_t there = disc_.TheDisc.DiscSize();
     if (disc_.TheDisc.HasFixedSize() && size_ > there) {
-      Error("sector 0", "the disc has " + std::to_string(size_) +
-                            " sectors, and the card room for " + std::to_string(there));
+      AddToMap(FaultKind::kLargerThanCard, 0, size_, there);
     }
     for (const std::int32_t sector : {0, 1}) {
       const std::uint8_t stored = map_.StoredChecksum(sector);
       const std::uint8_t right = map_.RightChecksum(sector);
-      if (stored == right) continue;
-      Error("sector " + std::to_string(sector),
-            "the checksum is " + Hex(stored, 2) + " and should be " + Hex(right, 2));
+      if (stored != right) AddToMap(FaultKind::kWrongMapSum, sector, stored, right);
     }
     const std::uint8_t end = map_.EndPointer();
-    if (end % kMapEntrySize != 0) {
-      Error("sector 1", "the end of the free list is no multiple of 3: " + std::to_string(end));
-    }
-    if (end > kMapEntries * kMapEntrySize) {
-      Error("sector 1", "the end of the free list is above 246: " + std::to_string(end));
-    }
+    if (end % kMapEntrySize != 0) AddToMap(FaultKind::kMapEndNoMultiple, 1, end);
+    if (end > kMapEntries * kMapEntrySize) AddToMap(FaultKind::kMapEndTooHigh, 1, end);
+  }
+
+  void AddToMap(FaultKind kind, std::int32_t sector, std::int64_t is, std::int64_t should = 0) {
+    Add(
+        kind, [&] { return MapSector(sector); }, is, should);
   }
 
   void CheckRuns() {
@@ -228,20 +225,22 @@ class Checker : public DirectoryVisitor {
     if (runs.size() > static_cast<std::size_t>(kMapEntries)) runs.resize(kMapEntries);
     for (std::size_t i = 0; i < runs.size(); ++i) {
       const FreeRun& run = runs[i];
-      const std::string place = "run " + std::to_string(i);
-      if (i > 0) CheckOrder(place, runs[i - 1], run);
-      if (run.End() > size_) Error(place, "runs past the end of the disc");
-      Own(run.Start, run.End(), kRunNode, static_cast<std::int32_t>(i));
+      const auto place = static_cast<std::int32_t>(i);
+      const auto touched = [&] { return RunOf(place); };
+      if (i > 0) CheckOrder(touched, runs[i - 1], run);
+      if (run.End() > size_) Add(FaultKind::kRunsPastEnd, touched);
+      Own(run.Start, run.End(), kRunNode, place);
     }
   }
 
-  void CheckOrder(const std::string& place, const FreeRun& former, const FreeRun& run) {
+  template <typename MakeTouched>
+  void CheckOrder(const MakeTouched& touched, const FreeRun& former, const FreeRun& run) {
     if (run.Start < former.Start) {
-      Error(place, "starts before the run in front of it");
+      Add(FaultKind::kRunOutOfOrder, touched);
     } else if (run.Start < former.End()) {
-      Error(place, "overlaps the run in front of it");
+      Add(FaultKind::kRunOverlapsFormer, touched);
     } else if (run.Start == former.End()) {
-      Error(place, "touches the run in front of it");
+      Add(FaultKind::kRunTouchesFormer, touched);
     }
   }
 
@@ -253,49 +252,48 @@ class Checker : public DirectoryVisitor {
   }
 
   void CheckFrame(const WalkStep& at, const Directory& directory) {
-    const auto path = [&] { return PathOf(at); };
+    const auto touched = [&] { return DirectoryOf(at); };
     if (!directory.HasMark()) {
-      Error(path, "is no directory: the mark at its start is missing");
+      Add(FaultKind::kNoMark, touched);
       return;
     }
-    if (!directory.HasMarkAtEnd()) Error(path, "the marks at its start and its end differ");
+    if (!directory.HasMarkAtEnd()) Add(FaultKind::kMarksDiffer, touched);
     if (directory.Sequence() != directory.SequenceAtEnd()) {
-      Error(path, "the sequence numbers at its start and its end differ");
+      Add(FaultKind::kSequencesDiffer, touched);
     }
     const std::int32_t parent = at.Parent == nullptr ? kRootSector : at.Parent->Sector;
     const std::int32_t stored = directory.Parent();
     const bool root = at.Sector == kRootSector;
     if (stored != parent && !(root && stored == 0)) {
-      Error(path,
-            "names " + SectorText(stored) + " as its parent instead of " + SectorText(parent));
+      Add(FaultKind::kWrongParent, touched, stored, parent);
     }
   }
 
-  template <typename Place>
-  void CheckName(const Place& path, const std::string& name) {
+  template <typename MakeTouched>
+  void CheckName(const MakeTouched& touched, const std::string& name) {
     Visit& visit = visits_.back();
     std::string folded = FoldName(name);
     if (visit.Names.empty() || folded > visit.Highest) {
       visit.Highest = folded;
     } else if (std::ranges::find(visit.Names, folded) != visit.Names.end()) {
-      Warn(path, "the name is there twice");
+      Add(FaultKind::kNameTwice, touched);
     } else if (folded < visit.Names.back()) {
-      Warn(path, "stands out of order");
+      Add(FaultKind::kNameOutOfOrder, touched);
     }
     visit.Names.push_back(std::move(folded));
     const bool typable = std::all_of(name.begin(), name.end(), [](char c) {
       const auto code = static_cast<unsigned char>(c);
       return code >= 32 && code < 127;
     });
-    if (!typable) Warn(path, "the name holds characters that can't be typed");
+    if (!typable) Add(FaultKind::kNameUntypable, touched);
   }
 
   // True if the entry is a directory that the walk has to go into.
-  template <typename Place>
-  bool CheckEntry(const Place& path, std::int32_t slot, const Entry& entry) {
+  template <typename MakeTouched>
+  bool CheckEntry(const MakeTouched& touched, std::int32_t slot, const Entry& entry) {
     const std::int32_t start = entry.Start();
     if (entry.IsDirectory() && above_.Has(start)) {
-      Error(path, "leads back to a directory that it lies in");
+      Add(FaultKind::kCircle, touched);
       return false;
     }
     const bool isEmpty = entry.Size() == 0;
@@ -303,9 +301,9 @@ class Checker : public DirectoryVisitor {
     // On a full disc the BBC leaves an empty file just behind the last sector.
     const bool atEndOfFullDisc = isEmpty && start == size_;
     if (start >= size_ && !atEndOfFullDisc) {
-      Error(path, "starts past the end of the disc");
+      Add(FaultKind::kStartsPastEnd, touched);
     } else if (end > size_ && !atEndOfFullDisc) {
-      Error(path, "runs past the end of the disc");
+      Add(FaultKind::kRunsPastEnd, touched);
     }
     if (isEmpty) {
       (void)emptyFiles_.Insert(start);
@@ -346,7 +344,12 @@ class Checker : public DirectoryVisitor {
   void WarnOfHole(std::int32_t start, std::int32_t end) {
     // A directory that the walk didn't reach may own these sectors.
     if (exhausted_) return;
-    Warn(SectorText(start), std::to_string(end - start) + " sectors from here belong to nothing");
+    Add(
+        FaultKind::kUnowned,
+        [&] {
+          return Touched{TouchedKind::kSectors, start, -1, ""};
+        },
+        end - start);
   }
 
   void TellOverlap(const Extent& first, const Extent& second) {
@@ -354,9 +357,11 @@ class Checker : public DirectoryVisitor {
     if (first.Node == kRunNode && second.Node == kRunNode) return;
     // The fault names the object as its place and not the free run: the user may lose the object.
     const bool firstIsPlace = second.Node == kRunNode;
-    faults_.Add(
-        true, [&] { return NameOf(firstIsPlace ? first : second); },
-        [&] { return "overlaps " + NameOf(firstIsPlace ? second : first); });
+    faults_.Add(SeverityOf(FaultKind::kOverlap), [&] {
+      Fault fault = MakeFault(FaultKind::kOverlap, ObjectOf(firstIsPlace ? first : second));
+      fault.Other = ObjectOf(firstIsPlace ? second : first);
+      return fault;
+    });
   }
 
   Disc& disc_;

@@ -2,20 +2,14 @@
 
 #include <cstddef>
 #include <functional>
-#include <string>
 #include <vector>
 
+#include "disc/health/Fault.h"
 #include "disc/store/Disc.h"
 
 // Looking for faults of a disc: what the BBC's own filing system would refuse, and what puts data
 // at risk. Nothing on the disc changes.
 namespace sectorbox {
-
-struct Fault {
-  bool IsError = false;  // else a warning
-  std::string Place;     // "$.DIR.FILE", "run 3", "sector 0"
-  std::string Text;      // what is wrong there
-};
 
 // So many faults of a disc are told. If there are more, one more Fault tells how many.
 inline constexpr std::size_t kMaxFaults = 10000;

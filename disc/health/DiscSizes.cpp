@@ -1,6 +1,8 @@
 #include "disc/health/DiscSizes.h"
 
 #include <optional>
+#include <string>
+#include <utility>
 
 #include "disc/format/DiscLimits.h"
 #include "disc/host/HostPath.h"
@@ -26,13 +28,14 @@ std::vector<Fault> FindSizeFaults(Disc& disc) {
   std::vector<Fault> faults;
   const std::int32_t size = MapDiscSize(disc);
   if (!format::BbcCanWriteTo(size)) {
-    faults.push_back({false, "sector 0", format::kTooLargeForTheBbc});
+    faults.push_back(MakeFault(FaultKind::kTooLargeForBbc, {TouchedKind::kMapSector, 0, -1, ""}));
   }
   const auto sectors = SectorsOfCompanion(disc);
   if (sectors && *sectors < size) {
-    faults.push_back({false, HostBaseName(CompanionName(disc.TheDisc.FileName())),
-                      "tells of " + std::to_string(*sectors) + " sectors, and the disc has " +
-                          std::to_string(size)});
+    std::string companion = HostBaseName(CompanionName(disc.TheDisc.FileName()));
+    faults.push_back(MakeFault(FaultKind::kCompanionTooSmall,
+                               {TouchedKind::kCompanion, 0, -1, std::move(companion)}, *sectors,
+                               size));
   }
   return faults;
 }

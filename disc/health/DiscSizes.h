@@ -2,7 +2,8 @@
 
 #include <vector>
 
-#include "disc/health/Check.h"
+#include "disc/health/Fault.h"
+#include "disc/store/Disc.h"
 
 namespace sectorbox {
 

@@ -117,6 +117,9 @@ TEST_F(MemoryTest, EveryReadingCommandStaysSmallOnADiscFullOfDirectories) {
     const SbxResult result = RunSbx({command, image});
     EXPECT_LE(result.Status, 1) << command;
   }
+  for (const char* command : {"check", "tree", "ls"}) {
+    EXPECT_LE(RunSbx({command, image, "--json"}).Status, 1) << command;
+  }
 }
 
 TEST_F(MemoryTest, EveryChangeOfADiscFullOfDirectoriesStaysSmall) {

@@ -48,7 +48,7 @@ Outcome Use(const std::string& path) {
     EXPECT_LE(GetDirTitle(disc, tree[i].Tag).size(), 19U);
   }
   ShowFreeSpace(disc);
-  for (const Fault& fault : CheckDisc(disc)) outcome.HasError |= fault.IsError;
+  for (const Fault& fault : CheckDisc(disc)) outcome.HasError |= fault.IsError();
   SaveImageTo(disc, path + ".saved");
   std::filesystem::remove(path + ".saved");
   return outcome;

@@ -25,13 +25,13 @@ TEST_F(BudgetTest, CheckTellsTenThousandFaultsAndThenHowManyMoreThereAre) {
   Open(CrowdedDisc(300, UnprintableName), kDat);
   const std::vector<Fault> faults = CheckDisc(disc_);
   ASSERT_EQ(faults.size(), kMaxFaults + 1);
-  EXPECT_EQ(faults[kMaxFaults - 1].Text.find("not listed"), std::string::npos);
-  EXPECT_TRUE(faults.back().IsError);
-  EXPECT_EQ(faults.back().Place, "$");
+  EXPECT_EQ(faults[kMaxFaults - 1].Text().find("not listed"), std::string::npos);
+  EXPECT_TRUE(faults.back().IsError());
+  EXPECT_EQ(faults.back().Place(), "$");
   // The map has two wrong sums. Each of the 300 x 45 files has two faults, and each directory's
   // first such name stands out of order.
-  EXPECT_EQ(faults.back().Text, std::to_string(2 + 300 * 45 * 2 + 149 - kMaxFaults + 1) +
-                                    " more faults are not listed");
+  EXPECT_EQ(faults.back().Text(), std::to_string(2 + 300 * 45 * 2 + 149 - kMaxFaults + 1) +
+                                      " more faults are not listed");
 }
 
 TEST_F(BudgetTest, CheckEndsTheWalkWhenADiscListsMoreThanItHasRoomFor) {
@@ -41,8 +41,8 @@ TEST_F(BudgetTest, CheckEndsTheWalkWhenADiscListsMoreThanItHasRoomFor) {
   Open(CrowdedDisc(400, overlapping), kDat);
   std::size_t ends = 0;
   CheckDisc(disc_, [&](const Fault& fault) {
-    ends += fault.Text == "lists more than the disc has room for: not looked at any further";
-    EXPECT_EQ(fault.Text.find("belong to nothing"), std::string::npos);
+    ends += fault.Text() == "lists more than the disc has room for: not looked at any further";
+    EXPECT_EQ(fault.Text().find("belong to nothing"), std::string::npos);
   });
   EXPECT_EQ(ends, 1U);
 }
@@ -53,7 +53,7 @@ TEST_F(BudgetTest, AFewMoreObjectsThanSectorsAreAllLookedAt) {
   };
   Open(CrowdedDisc(20, overlapping), kDat);
   std::size_t overlaps = 0;
-  CheckDisc(disc_, [&](const Fault& fault) { overlaps += fault.Text.starts_with("overlaps "); });
+  CheckDisc(disc_, [&](const Fault& fault) { overlaps += fault.Text().starts_with("overlaps "); });
   EXPECT_EQ(overlaps, 20U * 45);
 }
 
@@ -63,7 +63,7 @@ TEST_F(BudgetTest, ManyEmptyFilesAtOnePlaceAreNoFaultAndCloseNoGapButTheirOwn) {
   for (int i = 0; i < 20; ++i) image.Poke(517 + 26 * i + 22, 9);
   Open(image);
   std::string lines;
-  for (const Fault& fault : CheckDisc(disc_)) lines += fault.Place + ": " + fault.Text + "\n";
+  for (const Fault& fault : CheckDisc(disc_)) lines += fault.Place() + ": " + fault.Text() + "\n";
   EXPECT_EQ(lines,
             "sector 000007: 2 sectors from here belong to nothing\n"
             "sector 00000A: 17 sectors from here belong to nothing\n");

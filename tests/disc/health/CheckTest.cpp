@@ -31,7 +31,8 @@ class CheckTest : public ::testing::Test {
     ReadFreeMap(disc_);
     std::vector<std::string> lines;
     for (const Fault& fault : CheckDisc(disc_)) {
-      lines.push_back((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
+      lines.push_back((fault.IsError() ? "error: " : "warning: ") + fault.Place() + ": " +
+                      fault.Text());
     }
     return lines;
   }
@@ -58,7 +59,8 @@ TEST_F(CheckTest, ADiscThatIsTooLargeForTheBbcOrItsCompanion) {
     OpenImage(disc_, path);
     Faults lines;
     for (const Fault& fault : CheckDisc(disc_)) {
-      lines.push_back((fault.IsError ? "error: " : "warning: ") + fault.Place + ": " + fault.Text);
+      lines.push_back((fault.IsError() ? "error: " : "warning: ") + fault.Place() + ": " +
+                      fault.Text());
     }
     return lines;
   };
