@@ -227,7 +227,7 @@ bool IsDfsEntry(const Start& start, std::size_t catalogue, std::size_t slot, std
 bool IsDfsCatalogue(const Start& start, std::size_t at) {
   if (start.Size < at + kCatalogueSize) return false;
   const std::uint8_t end = start.At(at + 261);
-  if (end % 8 != 0 || end > 248) return false;
+  if (end % 8 != 0) return false;
   const std::uint32_t size = (start.At(at + 262) & 3U) << 8 | start.At(at + 263);
   if (size != 400 && size != 800) return false;
   for (std::size_t slot = 1; slot <= end / 8U; ++slot) {

@@ -66,6 +66,8 @@ TEST(Identify, SaysThatAFileEndsBeforeItsDisc) {
   bytes.resize(7 * 256);
   EXPECT_EQ(TextOfBytes(bytes), "ADFS L, trimmed|My disc");
   EXPECT_TRUE(LookAt(bytes).IsTrimmed);
+  bytes.resize(1280 * 256);  // the length of another floppy
+  EXPECT_EQ(TextOfBytes(bytes), "ADFS L, trimmed|My disc");
   bytes = Disc(4224);
   bytes.pop_back();
   EXPECT_EQ(TextOfBytes(bytes), "ADFS hard disc, trimmed|My disc");
@@ -78,6 +80,8 @@ TEST(Identify, TellsADiscInTheEvenBytesOfACard) {
   EXPECT_EQ(TextOfBytes(card), "ADFS hard disc, byte-doubled|My disc");
   EXPECT_TRUE(LookAt(card).IsDoubled);
   Bytes cut = card;
+  cut.pop_back();
+  EXPECT_EQ(TextOfBytes(cut), "ADFS hard disc, byte-doubled, trimmed|My disc");
   cut.resize(8192);
   EXPECT_EQ(TextOfBytes(cut), "ADFS hard disc, byte-doubled, trimmed|My disc");
   EXPECT_EQ(TextOfBytes(Doubled(Disc(1280))), "ADFS M, byte-doubled|My disc");
